@@ -1,0 +1,16 @@
+# One set of compile options for every target of the project.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+# Source names in the log and in assertions read "../src/main.cpp" wherever the tree lies.
+add_compile_options(-ffile-prefix-map=${CMAKE_SOURCE_DIR}/=../)
+
+option(KPX_SANITIZE "build with AddressSanitizer, LeakSanitizer and UndefinedBehaviorSanitizer" OFF)
+if(KPX_SANITIZE)
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all
+                      -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined)
+endif()
