@@ -1,0 +1,133 @@
+#include "cmessages.h"
+
+#include <cstdlib>
+#include <cstring>
+
+#include "debug.h"
+#include "globals.h"
+#include "textencoding.h"
+
+namespace {
+
+constexpr CMessagesOps L_Ops{
+    .header = {.Class_ID = fCMessages_Class_ID_Function,
+               .Class_Name = fCMessages_Class_Name_Function,
+               .Delete = DeleteAs<CMessages, fDelete_CMessages_Function>,
+               .Clone = CloneAs<CMessages, fClone_CMessages_Function>},
+    .FillFromPaf = fFillFromPaf_Function,
+    .TranslateMessage = fTranslateMessage_Function,
+};
+
+constexpr char L_NotFoundKey[] = "ERR_TRANS_NOT_FOUND";
+
+// Lines that only give the file its structure.
+bool IsMarker(const std::string &line) {
+  return line.starts_with("##") || line.starts_with("#translation") ||
+         line.starts_with("#end_translation") || line.starts_with("#end_languag");
+}
+
+// The next line as a value. Its last character counts as the line feed, so a last line without one
+// loses a character, kept on purpose.
+std::optional<std::string> NextLine(LineReader &lines) {
+  std::optional<std::string> line = lines.Next();
+  if (line && !lines.HadLineFeed() && line->size() < kMaxLine - 3) {
+    line->resize(Utf8Prefix(*line, line->empty() ? 0 : line->size() - 1).size());
+  }
+  return line;
+}
+
+void FillTable(CMessages *catalogue, LineReader &lines) {
+  CHash *table = catalogue->messages.get();
+  while (const std::optional<std::string> line = NextLine(lines)) {
+    if (line->empty()) continue;
+    const bool is_language = line->starts_with("#language");
+    if (!is_language && IsMarker(*line)) continue;
+    const std::optional<std::string> value = NextLine(lines);
+    if (!value) return;
+    if (is_language) {
+      catalogue->language = CreateStringWithValue(value->c_str());
+    } else {
+      HashPutText(table, line->substr(1).c_str(), value->c_str());
+    }
+  }
+}
+
+}  // namespace
+
+const CObjectOps *CMessages::Ops() { return &L_Ops.header; }
+
+Owned<CMessages> CreateMessages(const char *path) {
+  const LogScope log("CreateMessages");
+  if (path == nullptr) return nullptr;
+  Owned<CMessages> catalogue = NewObject<CMessages>();
+  catalogue->messages = CreateHash();
+  catalogue->file_name = CreateStringWithValue(path);
+  return catalogue;
+}
+
+int fCMessages_Class_ID_Function() { return CMessages::kClassId; }
+
+const char *fCMessages_Class_Name_Function() { return CMessagesClassName; }
+
+int fDelete_CMessages_Function(CMessages *catalogue) {
+  if (catalogue == nullptr) return 0;
+  SetAllocationFailedText(nullptr);
+  FreeObject(catalogue);
+  return 1;
+}
+
+Owned<CMessages> fClone_CMessages_Function(const CMessages *catalogue) {
+  const LogScope log("fClone_CMessages_Function");
+  if (catalogue == nullptr || catalogue->language == nullptr || catalogue->messages == nullptr) {
+    return nullptr;
+  }
+  Owned<CMessages> clone =
+      CreateMessages(fGet_CString_Value_Function(catalogue->file_name.get()));
+  clone->messages = CloneOf(catalogue->messages.get());
+  clone->language = CloneOf(catalogue->language.get());
+  return clone;
+}
+
+void fFillFromPaf_Function(CMessages *catalogue) {
+  const LogScope log("fFillFromPaf_Function");
+  const char *path = fGet_CString_Value_Function(catalogue->file_name.get());
+  const std::optional<std::string> content = ReadWholeFile(path);
+  if (!content) {
+    PrintError(FormatMessage("Unable to read file %s\n", {path}));
+    std::exit(3);
+  }
+  catalogue->messages = CreateHash();
+  LineReader lines(*content);
+  FillTable(catalogue, lines);
+  SetAllocationFailedText(HashText(catalogue->messages.get(), "AllocMemoryError"));
+}
+
+const char *fTranslateMessage_Function(const CMessages *catalogue, const char *key) {
+  if (catalogue == nullptr) return nullptr;
+  const char *text = HashText(catalogue->messages.get(), key);
+  if (text != nullptr || key == nullptr) return text;
+  if (std::strcmp(key, L_NotFoundKey) == 0) return "Translation not found for %s";
+  PrintErrorLine(FormatMessage(fTranslateMessage_Function(catalogue, L_NotFoundKey), {key}));
+  return key;
+}
+
+const char *G_Translate(const char *key) {
+  return G_Messages == nullptr ? key : fTranslateMessage_Function(G_Messages.get(), key);
+}
+
+std::string G_Message(const char *key, std::initializer_list<FormatArg> arguments) {
+  return FormatMessage(G_Translate(key), arguments);
+}
+
+void G_Report(CList *errors, const char *key, std::initializer_list<FormatArg> arguments) {
+  const std::string message = G_Message(key, arguments);
+  PrintErrorLine(message);
+  if (errors != nullptr) {
+    fAddTail_CList_Function(errors, CreateStringWithValue(message.c_str()));
+  }
+}
+
+void G_Fatal(int status, const char *key, std::initializer_list<FormatArg> arguments) {
+  PrintErrorLine(G_Message(key, arguments));
+  std::exit(status);
+}

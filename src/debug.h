@@ -1,0 +1,47 @@
+// The diagnostics log on standard error; silent unless the program was started with "-verbose <n>".
+#pragma once
+
+#include <source_location>
+#include <string>
+#include <string_view>
+
+// 0 = no output at all; 1 start-up milestones ... 4 everything. A negative level prints nothing.
+extern int G_DebugLevel;
+
+// Writes `message` (UTF-8) when G_DebugLevel is at least `level` (clamped to 1..4): the message
+// alone, or, when KPXDEBUG is "TRUE", "<file>[<line>]: " before it, indented by the nesting of
+// BEGIN and END messages. The form is decided on the first call that is not silent.
+void debugout(const char *file, int line, int level, const char *message);
+
+// The same with the caller's own place.
+inline void Log(int level, const std::string &message,
+                const std::source_location place = std::source_location::current()) {
+  if (G_DebugLevel != 0) {
+    debugout(place.file_name(), static_cast<int>(place.line()), level, message.c_str());
+  }
+}
+
+// Logs "BEGIN <name>() function" when made and "END   <name>() function" when it goes, at level 4.
+// `name` must outlive the guard. While the log is silent both ends cost one test.
+class LogScope {
+ public:
+  explicit LogScope(const char *name,
+                    const std::source_location place = std::source_location::current())
+      : name_(name), place_(place) {
+    if (G_DebugLevel != 0) Write("BEGIN ");
+  }
+  ~LogScope() {
+    if (G_DebugLevel != 0) Write("END   ");
+  }
+  LogScope(const LogScope &) = delete;
+  LogScope &operator=(const LogScope &) = delete;
+
+ private:
+  void Write(std::string_view word) const;
+
+  const char *name_;
+  std::source_location place_;
+};
+
+// "%p" of an address, for log lines.
+std::string PointerText(const void *pointer);

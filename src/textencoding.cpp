@@ -1,0 +1,134 @@
+#include "textencoding.h"
+
+#include <iconv.h>
+#include <langinfo.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+
+namespace {
+
+// Length of the well-formed UTF-8 sequence at the start of `bytes`, 0 when there is none
+// (table 3-7 of the Unicode Standard).
+size_t SequenceLength(std::string_view bytes) {
+  const auto byte = [&](size_t i) { return static_cast<uint8_t>(bytes[i]); };
+  const auto in = [&](size_t i, int low, int high) {
+    return i < bytes.size() && byte(i) >= low && byte(i) <= high;
+  };
+  const uint8_t first = byte(0);
+  if (first < 0x80) return 1;
+  if (first >= 0xC2 && first <= 0xDF) return in(1, 0x80, 0xBF) ? 2 : 0;
+  if (first >= 0xE0 && first <= 0xEF) {
+    const int low = first == 0xE0 ? 0xA0 : 0x80;
+    const int high = first == 0xED ? 0x9F : 0xBF;
+    return in(1, low, high) && in(2, 0x80, 0xBF) ? 3 : 0;
+  }
+  if (first >= 0xF0 && first <= 0xF4) {
+    const int low = first == 0xF0 ? 0x90 : 0x80;
+    const int high = first == 0xF4 ? 0x8F : 0xBF;
+    return in(1, low, high) && in(2, 0x80, 0xBF) && in(3, 0x80, 0xBF) ? 4 : 0;
+  }
+  return 0;
+}
+
+bool IsContinuation(char c) { return (static_cast<uint8_t>(c) & 0xC0) == 0x80; }
+
+// `text` in the locale's character set, "?" for what it lacks.
+std::string LocaleBytes(std::string_view text) {
+  const char *charset = nl_langinfo(CODESET);
+  if (std::strcmp(charset, "UTF-8") == 0) return std::string(text);
+  iconv_t converter = iconv_open(charset, "UTF-8");
+  if (converter == reinterpret_cast<iconv_t>(-1)) return std::string(text);
+  std::string in(text);
+  std::string result;
+  char *from = in.data();
+  size_t left = in.size();
+  while (left > 0) {
+    char buffer[256];
+    char *to = buffer;
+    size_t room = sizeof buffer;
+    const size_t done = iconv(converter, &from, &left, &to, &room);
+    result.append(buffer, sizeof buffer - room);
+    if (done != static_cast<size_t>(-1) || errno == E2BIG || left == 0) continue;
+    const size_t skip = SequenceLength({from, left});
+    from += skip == 0 ? 1 : skip;
+    left -= skip == 0 ? 1 : skip;
+    result += '?';
+  }
+  iconv_close(converter);
+  return result;
+}
+
+}  // namespace
+
+bool IsValidUtf8(std::string_view bytes) {
+  while (!bytes.empty()) {
+    const size_t length = SequenceLength(bytes);
+    if (length == 0) return false;
+    bytes.remove_prefix(length);
+  }
+  return true;
+}
+
+std::string Utf8FromLatin1(std::string_view bytes) {
+  std::string text;
+  for (const char c : bytes) {
+    const auto code = static_cast<uint8_t>(c);
+    if (code < 0x80) {
+      text += c;
+    } else {
+      text += static_cast<char>(0xC0 | (code >> 6));
+      text += static_cast<char>(0x80 | (code & 0x3F));
+    }
+  }
+  return text;
+}
+
+std::string DecodeLine(std::string_view bytes) {
+  return IsValidUtf8(bytes) ? std::string(bytes) : Utf8FromLatin1(bytes);
+}
+
+std::string_view Utf8Prefix(std::string_view text, size_t max_bytes) {
+  if (text.size() <= max_bytes) return text;
+  size_t end = max_bytes;
+  // A sequence has at most three continuation bytes; more are no UTF-8 and are cut as bytes.
+  while (end > 0 && max_bytes - end < 3 && IsContinuation(text[end])) --end;
+  return text.substr(0, IsContinuation(text[end]) ? max_bytes : end);
+}
+
+void PrintError(std::string_view text) {
+  const std::string bytes = LocaleBytes(text);
+  std::fwrite(bytes.data(), 1, bytes.size(), stderr);
+  std::fflush(stderr);
+}
+
+void PrintErrorLine(std::string_view text) { PrintError(std::string(text) + "\n"); }
+
+std::optional<std::string> LineReader::Next() {
+  if (rest_.empty()) return std::nullopt;
+  if (had_line_feed_) ++line_number_;
+  const size_t feed = rest_.substr(0, kMaxLine + 1).find('\n');
+  had_line_feed_ = feed != std::string_view::npos;
+  std::string_view line =
+      had_line_feed_ ? rest_.substr(0, feed) : Utf8Prefix(rest_, kMaxLine);
+  rest_.remove_prefix(line.size() + (had_line_feed_ ? 1 : 0));
+  if (form_ == Form::Bytes) return std::string(line);
+  return DecodeLine(line.substr(0, line.find('\0')));
+}
+
+std::optional<std::string> ReadWholeFile(const std::string &path) {
+  std::FILE *file = std::fopen(path.c_str(), "re");
+  if (file == nullptr) return std::nullopt;
+  std::string content;
+  char buffer[16384];
+  size_t count = 0;
+  while ((count = std::fread(buffer, 1, sizeof buffer, file)) > 0) content.append(buffer, count);
+  const int error = std::ferror(file) != 0 ? errno : 0;
+  std::fclose(file);
+  if (error != 0) {
+    errno = error;
+    return std::nullopt;
+  }
+  return content;
+}

@@ -1,0 +1,59 @@
+// Text at the edges of the process: inside, every text is UTF-8; files may hold any bytes and
+// standard error takes the locale's character set.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+// True when `bytes` is well-formed UTF-8 (RFC 3629: no overlong forms, no surrogates).
+bool IsValidUtf8(std::string_view bytes);
+
+// `bytes` read as ISO-8859-1.
+std::string Utf8FromLatin1(std::string_view bytes);
+
+// A line of a file as UTF-8: as it stands when it is valid UTF-8, else read as ISO-8859-1.
+std::string DecodeLine(std::string_view bytes);
+
+// The first at most `max_bytes` bytes of `text`, without splitting a UTF-8 sequence.
+std::string_view Utf8Prefix(std::string_view text, size_t max_bytes);
+
+// Writes `text` (UTF-8, no line feed added) to standard error in the locale's character set
+// (characters it lacks become "?") and flushes.
+void PrintError(std::string_view text);
+
+// PrintError of `text` and a line feed.
+void PrintErrorLine(std::string_view text);
+
+// The longest line every reader takes as one, in bytes without the line feed; the rest of a longer
+// one is read as the next line.
+inline constexpr size_t kMaxLine = 1023;
+
+// Hands out the lines of a buffer. A text ends at its first NUL byte, as C text does.
+class LineReader {
+ public:
+  enum class Form { Text, Bytes };  // Text: decoded to UTF-8; Bytes: as they stand
+
+  // `buffer` must outlive the reader.
+  explicit LineReader(std::string_view buffer, Form form = Form::Text)
+      : rest_(buffer), form_(form) {}
+
+  // The next line without its line feed, or nothing at the end. A carriage return stays.
+  std::optional<std::string> Next();
+
+  // Whether the line handed out last ended in a line feed.
+  bool HadLineFeed() const { return had_line_feed_; }
+
+  // The number of the line handed out last, from 1; pieces of a long line share theirs.
+  int LineNumber() const { return line_number_; }
+
+ private:
+  std::string_view rest_;
+  Form form_;
+  bool had_line_feed_ = true;
+  int line_number_ = 0;
+};
+
+// The whole content of a readable regular file or pipe; nothing (and errno) when it cannot be
+// opened or read, a directory included.
+std::optional<std::string> ReadWholeFile(const std::string &path);
