@@ -30,7 +30,7 @@ bool IsMarker(const std::string &line) {
 // loses a character, kept on purpose.
 std::optional<std::string> NextLine(LineReader &lines) {
   std::optional<std::string> line = lines.Next();
-  if (line && !lines.HadLineFeed() && line->size() < kMaxLine - 3) {
+  if (line && !lines.HadLineFeed() && lines.AtEnd()) {
     line->resize(Utf8Prefix(*line, line->empty() ? 0 : line->size() - 1).size());
   }
   return line;

@@ -44,6 +44,9 @@ class LineReader {
   // Whether the line handed out last ended in a line feed.
   bool HadLineFeed() const { return had_line_feed_; }
 
+  // Whether nothing is left.
+  bool AtEnd() const { return rest_.empty(); }
+
   // The number of the line handed out last, from 1; pieces of a long line share theirs.
   int LineNumber() const { return line_number_; }
 
