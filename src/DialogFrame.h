@@ -1,0 +1,16 @@
+// The frame of the small dialogs: a modal window, a box for the content, one button below it.
+#pragma once
+
+#include <gtk/gtk.h>
+
+struct Dialog {
+  GtkWidget *window;
+  GtkWidget *box;  // vertical; the content goes to its start
+};
+
+// A modal window of that widget name, titled by the catalogue text.
+Dialog NewDialog(const char *name, const char *title_key);
+
+// Puts the one button, stored as `name`, below the content and shows the content; Return and Escape
+// press it. A null handler destroys the dialog.
+GtkWidget *AddOkButton(const Dialog &dialog, const char *name, void (*pressed)());

@@ -1,0 +1,54 @@
+// The multi-column list of the windows: numbered rows of texts with a datum each, one callback for
+// every row whose selection changes.
+#pragma once
+
+#include <gtk/gtk.h>
+
+#include <string>
+#include <vector>
+
+struct ListColumn {
+  const char *title_key;  // null: no title
+  int width;              // pixels; 0: natural
+};
+
+using ListRowHandler = void (*)(int row);
+
+// A list with these columns; titles are shown when the first column has one. The widget is a
+// GtkTreeView that owns everything about the list.
+GtkWidget *NewList(const std::vector<ListColumn> &columns, GtkSelectionMode mode);
+
+// `selected` and `unselected` run once for each row whose state changed, whoever changed it, in row
+// order with the unselected rows first.
+void ListOnSelection(GtkWidget *list, ListRowHandler selected, ListRowHandler unselected);
+
+// Appends a row (cells are UTF-8) and returns its number, from 0. `data` is the caller's and is
+// never touched.
+int ListAppend(GtkWidget *list, const std::vector<std::string> &cells, gpointer data);
+
+// Removes the row; when it was selected, the unselection is reported first. Out of range: nothing.
+void ListRemove(GtkWidget *list, int row);
+
+// Removes all rows; nothing is reported.
+void ListClear(GtkWidget *list);
+
+int ListRowCount(GtkWidget *list);
+
+// The row's datum, null when out of range; the row of a datum, -1 when there is none.
+gpointer ListRowData(GtkWidget *list, int row);
+int ListFindData(GtkWidget *list, gconstpointer data);
+
+// A cell's text; empty when out of range.
+std::string ListCell(GtkWidget *list, int row, int column);
+
+void ListSelectRow(GtkWidget *list, int row);
+void ListUnselectRow(GtkWidget *list, int row);
+void ListUnselectAll(GtkWidget *list);
+bool ListIsSelected(GtkWidget *list, int row);
+
+// Scrolls so far that the row is seen.
+void ListShowRow(GtkWidget *list, int row);
+
+// Between the two the view does not follow the rows; for filling many at once.
+void ListFreeze(GtkWidget *list);
+void ListThaw(GtkWidget *list);

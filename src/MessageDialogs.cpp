@@ -1,0 +1,142 @@
+#include "MessageDialogs.h"
+
+#include <cstdlib>
+
+#include "DialogFrame.h"
+#include "Pixmaps.h"
+#include "Support.h"
+#include "chelp.h"
+#include "cmessages.h"
+#include "cstring.h"
+#include "debug.h"
+#include "globals.h"
+#include "textencoding.h"
+
+std::unique_ptr<ErrorWarningWindow> G_ErrorWarningWindow_helper;
+
+namespace {
+
+constexpr int L_Spacing = 8;
+constexpr size_t L_MessageBuffer = 1023;
+
+int L_ExitOrReturn = kReturn;
+
+std::string LinesOf(const CList *messages) {
+  std::string lines;
+  for (const CString *message : Elements<CString>(messages)) {
+    const char *text = fGet_CString_Value_Function(message);
+    if (text != nullptr) lines.append(Utf8Prefix(text, L_MessageBuffer)) += '\n';
+  }
+  return lines;
+}
+
+}  // namespace
+
+GtkWidget *create_AboutWindow() {
+  const LogScope log("create_AboutWindow");
+  const Dialog dialog = NewDialog("dialogAbout", "DEF_WND_ABOUT_TITLE");
+  gtk_widget_set_size_request(dialog.window, 410, 360);
+  gtk_window_set_resizable(GTK_WINDOW(dialog.window), FALSE);
+  gtk_container_set_border_width(GTK_CONTAINER(dialog.box), 0);
+
+  GtkWidget *fixed = StoreWidget(dialog.window, gtk_fixed_new(), "fixed1");
+  GtkWidget *picture = create_pixmap(dialog.window, "np_vek.xpm");
+  gtk_widget_set_size_request(StoreWidget(dialog.window, picture, "AboutPixmap"), 328, 117);
+  gtk_fixed_put(GTK_FIXED(fixed), picture, 40, 15);
+  GtkWidget *label =
+      NewLabel(dialog.window, "label1", fGetHelp_Function(G_Help.get(), "KPX_ABOUT_BEGIN"), nullptr);
+  gtk_label_set_justify(GTK_LABEL(label), GTK_JUSTIFY_CENTER);
+  gtk_label_set_xalign(GTK_LABEL(label), 0.5F);
+  gtk_label_set_yalign(GTK_LABEL(label), 0.0F);
+  gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
+  gtk_label_set_max_width_chars(GTK_LABEL(label), 1);
+  gtk_widget_set_size_request(label, 370, 200);
+  gtk_fixed_put(GTK_FIXED(fixed), label, 10, 140);
+
+  // The button lies over the foot of the fixed layout, which fills the whole box.
+  GtkWidget *overlay = gtk_overlay_new();
+  gtk_container_add(GTK_CONTAINER(overlay), fixed);
+  gtk_box_pack_start(GTK_BOX(dialog.box), overlay, TRUE, TRUE, 0);
+  GtkWidget *button = AddOkButton(dialog, "ButtonOk", nullptr);
+  gtk_widget_set_size_request(button, 52, 24);
+  GtkWidget *buttons = GTK_WIDGET(g_object_ref(gtk_widget_get_parent(button)));
+  gtk_container_remove(GTK_CONTAINER(dialog.box), buttons);
+  gtk_widget_set_valign(buttons, GTK_ALIGN_END);
+  gtk_widget_set_margin_bottom(buttons, L_Spacing);
+  gtk_overlay_add_overlay(GTK_OVERLAY(overlay), buttons);
+  g_object_unref(buttons);
+  return dialog.window;
+}
+
+void G_ButtonAboutPressed() {
+  const LogScope log("G_ButtonAboutPressed");
+  gtk_widget_show(create_AboutWindow());
+}
+
+GtkWidget *create_ErrorWindow(const char *detail, const std::string &text) {
+  const LogScope log("create_ErrorWindow");
+  const Dialog dialog = NewDialog("ErrorDialog", "DEF_WND_ERROR_TITLE");
+  GtkWidget *data = gtk_box_new(GTK_ORIENTATION_VERTICAL, L_Spacing);
+  gtk_box_pack_start(GTK_BOX(dialog.box), StoreWidget(dialog.window, data, "DataErrorVbox"), TRUE,
+                     TRUE, 0);
+  const std::string texts[] = {text, detail == nullptr ? "" : detail};
+  const char *names[] = {"ErrorLabel1", "ErrorLabel2"};
+  for (int i = 0; i < 2; ++i) {
+    GtkWidget *label = NewLabel(dialog.window, names[i], DecodeLine(texts[i]), nullptr);
+    gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
+    gtk_label_set_max_width_chars(GTK_LABEL(label), 60);
+    gtk_label_set_selectable(GTK_LABEL(label), TRUE);
+    gtk_widget_set_can_focus(label, FALSE);
+    gtk_box_pack_start(GTK_BOX(data), label, TRUE, TRUE, 0);
+  }
+  AddOkButton(dialog, "OKButton", nullptr);
+  return dialog.window;
+}
+
+void ShowError(const char *key) {
+  gtk_widget_show(create_ErrorWindow(nullptr, G_Translate(key)));
+}
+
+GtkWidget *create_HelpWindow(const std::string &text) {
+  const LogScope log("create_HelpWindow");
+  const Dialog dialog = NewDialog("KPXHelpDialog", "DEF_WND_HELP_TITLE");
+  gtk_window_set_default_size(GTK_WINDOW(dialog.window), 480, 360);
+  gtk_box_pack_start(GTK_BOX(dialog.box),
+                     NewScrolledText(dialog.window, "HelpScrolledwindow", "HelpText", text), TRUE,
+                     TRUE, 0);
+  AddOkButton(dialog, "OKButton", nullptr);
+  return dialog.window;
+}
+
+void ShowHelp(const char *block) {
+  gtk_widget_show(create_HelpWindow(fGetHelp_Function(G_Help.get(), block)));
+}
+
+GtkWidget *create_ErrorWarningWindow(const CList *messages, int exit_or_return) {
+  const LogScope log("create_ErrorWarningWindow");
+  L_ExitOrReturn = exit_or_return;
+  const Dialog dialog = NewDialog("KPXErrorWarningDialog", "DEF_WND_ERROR_TITLE");
+  gtk_window_set_default_size(GTK_WINDOW(dialog.window), 480, 360);
+  gtk_box_pack_start(
+      GTK_BOX(dialog.box),
+      NewLabel(dialog.window, "ErrorWarningLabel", G_Translate("ERR_ERRS_AND_WRNS"), nullptr),
+      FALSE, FALSE, 0);
+  gtk_box_pack_start(GTK_BOX(dialog.box),
+                     NewScrolledText(dialog.window, "ErrorWarningScrolledwindow",
+                                     "ErrorWarningText", LinesOf(messages)),
+                     TRUE, TRUE, 0);
+  AddOkButton(dialog, "OKButton", ButtonOkErrorWarningPressed);
+  OnDeleteEvent(dialog.window, ButtonOkErrorWarningPressed);
+  G_ErrorWarningWindow_helper = std::make_unique<ErrorWarningWindow>(
+      ErrorWarningWindow{dialog.window, lookup_widget(dialog.window, "ErrorWarningText")});
+  return dialog.window;
+}
+
+void ButtonOkErrorWarningPressed() {
+  // Kept on purpose: the log knows this handler under another name.
+  const LogScope log("ButtonOkErrorWindowPressed");
+  if (L_ExitOrReturn == kExit) std::exit(1);
+  if (L_ExitOrReturn != kReturn || G_ErrorWarningWindow_helper == nullptr) return;
+  gtk_widget_destroy(G_ErrorWarningWindow_helper->window);
+  G_ErrorWarningWindow_helper.reset();
+}

@@ -1,0 +1,23 @@
+// XPM pictures: finding, loading, replacing.
+#pragma once
+
+#include <gtk/gtk.h>
+
+#include <string>
+
+// Adds a copy of `dir` to the front of the search list.
+void add_pixmap_directory(const char *dir);
+
+// "<dir>/<file>" if that names a regular file (or a link to one), else an empty text.
+std::string check_file_exists(const std::string &dir, const std::string &file);
+
+// A picture widget for the XPM file `file`, searched in the directories of the list and then in
+// "../pixmaps". The placeholder when the name is null or empty, and, after one line on standard
+// error, when there is no such file or it is no XPM. `widget` is where it will be shown.
+GtkWidget *create_pixmap(GtkWidget *widget, const char *file);
+
+// Replaces the image of a picture widget made by create_pixmap, with the same search and messages.
+void change_pixmap(GtkWidget *picture, const char *file);
+
+// The placeholder.
+GtkWidget *create_dummy_pixmap(GtkWidget *widget);

@@ -1,0 +1,167 @@
+#include "Support.h"
+
+#include "cmessages.h"
+#include "debug.h"
+#include "textencoding.h"
+
+namespace {
+
+using Handler = void (*)();
+
+constexpr char L_AccelGroupKey[] = "accel_group";
+constexpr int L_ButtonSpacing = 6;
+
+void RunHandler(GtkWidget *, gpointer handler) { reinterpret_cast<Handler>(handler)(); }
+
+gboolean RunDeleteHandler(GtkWidget *, GdkEvent *, gpointer handler) {
+  reinterpret_cast<Handler>(handler)();
+  return TRUE;
+}
+
+GtkAccelGroup *WindowAccelGroup(GtkWidget *window) {
+  gpointer stored = g_object_get_data(G_OBJECT(window), L_AccelGroupKey);
+  if (stored != nullptr) return GTK_ACCEL_GROUP(stored);
+  GtkAccelGroup *group = gtk_accel_group_new();
+  gtk_window_add_accel_group(GTK_WINDOW(window), group);
+  g_object_set_data_full(G_OBJECT(window), L_AccelGroupKey, group, g_object_unref);
+  return group;
+}
+
+// The window that a new dialog belongs above: the active one, else the one shown last.
+GtkWindow *CurrentWindow(const GtkWidget *dialog) {
+  GtkWindow *current = nullptr;
+  GList *windows = gtk_window_list_toplevels();
+  for (GList *link = windows; link != nullptr; link = link->next) {
+    GtkWidget *window = GTK_WIDGET(link->data);
+    if (window == dialog || !gtk_widget_get_visible(window)) continue;
+    if (gtk_window_get_window_type(GTK_WINDOW(window)) != GTK_WINDOW_TOPLEVEL) continue;
+    const bool active = gtk_window_is_active(GTK_WINDOW(window)) != FALSE;
+    if (current == nullptr || active) current = GTK_WINDOW(window);
+    if (active) break;
+  }
+  g_list_free(windows);
+  return current;
+}
+
+}  // namespace
+
+GtkWidget *StoreWidget(GtkWidget *window, GtkWidget *widget, const char *name) {
+  gtk_widget_set_name(widget, name);
+  if (widget != window) {
+    g_object_set_data_full(G_OBJECT(window), name, g_object_ref(widget), g_object_unref);
+  }
+  return widget;
+}
+
+GtkWidget *lookup_widget(GtkWidget *widget, const char *name) {
+  const LogScope log("lookup_widget");
+  for (;;) {
+    GtkWidget *parent = GTK_IS_MENU(widget) ? gtk_menu_get_attach_widget(GTK_MENU(widget))
+                                            : gtk_widget_get_parent(widget);
+    if (parent == nullptr) break;
+    widget = parent;
+  }
+  gpointer found = g_object_get_data(G_OBJECT(widget), name);
+  return found == nullptr ? nullptr : GTK_WIDGET(found);
+}
+
+GtkWidget *NewButton(GtkWidget *window, GtkWidget *box, const char *name, const char *title_key,
+                     void (*pressed)()) {
+  GtkWidget *button = gtk_button_new_with_label(G_Translate(title_key));
+  gtk_widget_set_can_default(button, TRUE);
+  gtk_container_add(GTK_CONTAINER(box), button);
+  if (pressed != nullptr) {
+    g_signal_connect(button, "clicked", G_CALLBACK(RunHandler),
+                     reinterpret_cast<gpointer>(pressed));
+  }
+  return StoreWidget(window, button, name);
+}
+
+GtkWidget *NewButtonBox(GtkWidget *window, GtkOrientation orientation, const char *name) {
+  GtkWidget *box = gtk_button_box_new(orientation);
+  const bool vertical = orientation == GTK_ORIENTATION_VERTICAL;
+  gtk_button_box_set_layout(GTK_BUTTON_BOX(box),
+                            vertical ? GTK_BUTTONBOX_START : GTK_BUTTONBOX_SPREAD);
+  gtk_box_set_spacing(GTK_BOX(box), L_ButtonSpacing);
+  return StoreWidget(window, box, name);
+}
+
+GtkWidget *NewLabel(GtkWidget *window, const char *name, const std::string &text,
+                    GtkWidget *target) {
+  GtkWidget *label = gtk_label_new(text.c_str());
+  gtk_label_set_xalign(GTK_LABEL(label), 0.0F);
+  if (target != nullptr) gtk_label_set_mnemonic_widget(GTK_LABEL(label), target);
+  return StoreWidget(window, label, name);
+}
+
+GtkWidget *NewScrolledText(GtkWidget *window, const char *scrolled_name, const char *text_name,
+                           const std::string &text) {
+  GtkWidget *area = gtk_text_view_new();
+  gtk_text_view_set_editable(GTK_TEXT_VIEW(area), FALSE);
+  gtk_text_view_set_cursor_visible(GTK_TEXT_VIEW(area), FALSE);
+  gtk_text_view_set_accepts_tab(GTK_TEXT_VIEW(area), FALSE);
+  gtk_text_view_set_wrap_mode(GTK_TEXT_VIEW(area), GTK_WRAP_WORD_CHAR);
+  gtk_text_view_set_left_margin(GTK_TEXT_VIEW(area), L_ButtonSpacing);
+  gtk_text_view_set_right_margin(GTK_TEXT_VIEW(area), L_ButtonSpacing);
+  // The buffer takes UTF-8 only; a file name in a message may be anything.
+  const std::string shown = DecodeLine(text);
+  gtk_text_buffer_set_text(gtk_text_view_get_buffer(GTK_TEXT_VIEW(area)), shown.c_str(),
+                           static_cast<gint>(shown.size()));
+
+  GtkWidget *scrolled = gtk_scrolled_window_new(nullptr, nullptr);
+  gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_AUTOMATIC,
+                                 GTK_POLICY_ALWAYS);
+  gtk_scrolled_window_set_shadow_type(GTK_SCROLLED_WINDOW(scrolled), GTK_SHADOW_IN);
+  gtk_scrolled_window_set_overlay_scrolling(GTK_SCROLLED_WINDOW(scrolled), FALSE);
+  gtk_container_add(GTK_CONTAINER(scrolled), StoreWidget(window, area, text_name));
+  return StoreWidget(window, scrolled, scrolled_name);
+}
+
+void AddAccelerator(GtkWidget *window, GtkWidget *button, guint key) {
+  gtk_widget_add_accelerator(button, "clicked", WindowAccelGroup(window), key, GdkModifierType(0),
+                             GTK_ACCEL_VISIBLE);
+}
+
+void AddReturnAccelerator(GtkWidget *window, GtkWidget *button) {
+  AddAccelerator(window, button, GDK_KEY_Return);
+  AddAccelerator(window, button, GDK_KEY_KP_Enter);
+}
+
+void OnDeleteEvent(GtkWidget *window, void (*handler)()) {
+  g_signal_connect(window, "delete-event", G_CALLBACK(RunDeleteHandler),
+                   reinterpret_cast<gpointer>(handler));
+}
+
+void MakeModal(GtkWidget *dialog) {
+  gtk_window_set_modal(GTK_WINDOW(dialog), TRUE);
+  gtk_window_set_type_hint(GTK_WINDOW(dialog), GDK_WINDOW_TYPE_HINT_DIALOG);
+  GtkWindow *parent = CurrentWindow(dialog);
+  if (parent != nullptr) {
+    gtk_window_set_transient_for(GTK_WINDOW(dialog), parent);
+    gtk_window_set_position(GTK_WINDOW(dialog), GTK_WIN_POS_CENTER_ON_PARENT);
+  }
+}
+
+void InstallStyle() {
+  // A pop-up as list: a menu-style one costs ten times as much for long lists.
+  GtkCssProvider *provider = gtk_css_provider_new();
+  gtk_css_provider_load_from_data(provider, "* { -GtkComboBox-appears-as-list: true; }", -1,
+                                  nullptr);
+  gtk_style_context_add_provider_for_screen(gdk_screen_get_default(), GTK_STYLE_PROVIDER(provider),
+                                            GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
+  g_object_unref(provider);
+}
+
+void FreeString(char *string) {
+  if (string == nullptr) return;
+  if (G_DebugLevel != 0) {
+    Log(4, "Deleting string " + PointerText(string) + " >>" + string + "<<");
+  }
+  g_free(string);
+}
+
+void G_FreeStringsFrom_g_list(GList *list) {
+  for (GList *link = list; link != nullptr; link = link->next) {
+    FreeString(static_cast<char *>(link->data));
+  }
+}

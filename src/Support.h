@@ -1,0 +1,54 @@
+// What every window builder uses: widgets by name, buttons, accelerators, labels, text areas.
+#pragma once
+
+#include <gtk/gtk.h>
+
+#include <string>
+
+// Stores `widget` on the top-level `window` under `name`, with a reference held until the window
+// dies, and gives the widget that name. Returns `widget`.
+GtkWidget *StoreWidget(GtkWidget *window, GtkWidget *widget, const char *name);
+
+// The widget stored under `name` on the top-level window of `widget` (a menu goes on from the widget
+// that it is attached to), lent; null, without a message, when there is none.
+GtkWidget *lookup_widget(GtkWidget *widget, const char *name);
+
+// A button stored as `name` with the text of `title_key`, at the end of `box`; `pressed` is its
+// "clicked" handler and may be null.
+GtkWidget *NewButton(GtkWidget *window, GtkWidget *box, const char *name, const char *title_key,
+                     void (*pressed)());
+
+// A button box stored as `name`: horizontal ones spread their buttons, vertical ones start at the
+// top.
+GtkWidget *NewButtonBox(GtkWidget *window, GtkOrientation orientation, const char *name);
+
+// A left-aligned label stored as `name`; assistive technology reads it as the label of `target`,
+// which may be null.
+GtkWidget *NewLabel(GtkWidget *window, const char *name, const std::string &text,
+                    GtkWidget *target);
+
+// A scrolled window stored as `scrolled_name` with a read-only, word-wrapped text area stored as
+// `text_name` that shows `text` (UTF-8).
+GtkWidget *NewScrolledText(GtkWidget *window, const char *scrolled_name, const char *text_name,
+                           const std::string &text);
+
+// `key` presses `button` wherever the focus is, through the window's one accelerator group.
+void AddAccelerator(GtkWidget *window, GtkWidget *button, guint key);
+
+// Return and the keypad's Enter press `button`.
+void AddReturnAccelerator(GtkWidget *window, GtkWidget *button);
+
+// Closing `window` through its manager runs `handler` and leaves the rest to it.
+void OnDeleteEvent(GtkWidget *window, void (*handler)());
+
+// Puts a dialog above the window that the user works in and keeps input to it.
+void MakeModal(GtkWidget *dialog);
+
+// Style settings that every window needs; once, after gtk_init.
+void InstallStyle();
+
+// Frees one string of GLib (null is ignored).
+void FreeString(char *string);
+
+// FreeString for every element; the list's cells stay the caller's.
+void G_FreeStringsFrom_g_list(GList *list);

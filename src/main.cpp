@@ -1,0 +1,181 @@
+// Start-up and shut-down of the one executable behind KPXadmin and KPXtool.
+
+#include <glib-unix.h>
+#include <gtk/gtk.h>
+
+#include <clocale>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "AdminWindow.h"
+#include "AdminWindowFct.h"
+#include "MessageDialogs.h"
+#include "Pixmaps.h"
+#include "Support.h"
+#include "ToolWindow.h"
+#include "ToolWindowFct.h"
+#include "chelp.h"
+#include "cmessages.h"
+#include "cprinters.h"
+#include "cprintqueues.h"
+#include "debug.h"
+#include "fontmap.h"
+#include "globals.h"
+#include "language.h"
+#include "paths.h"
+#include "porting.h"
+#include "stdindata.h"
+#include "textencoding.h"
+#include "utils.h"
+
+namespace {
+
+constexpr char L_VerboseSwitch[] = "-verbose";
+
+int ModeFromProgramName(const char *path) {
+  const char *slash = std::strrchr(path, '/');
+  const char *name = slash == nullptr ? path : slash + 1;
+  if (std::strcmp(name, "KPXadmin") == 0) return kModeAdministration;
+  if (std::strcmp(name, "KPXtool") == 0) return kModePrintTool;
+  return kModeNeither;
+}
+
+// Sets the log level; false when only the usage was wanted.
+bool ReadVerboseSwitch(int argc, char **argv) {
+  if (argc < 2 || std::strcmp(argv[1], L_VerboseSwitch) != 0) return true;
+  if (argc == 2) {
+    std::fprintf(stderr, "Usage: %s -verbose <n>\n", argv[0]);
+    std::fprintf(stderr, "\n");
+    std::fflush(stderr);
+    return false;
+  }
+  // As atoi reads it, but defined for numbers out of range too.
+  G_DebugLevel = static_cast<int>(std::strtol(argv[2], nullptr, 10));
+  return true;
+}
+
+void LoadMessages() {
+  lng_dir = G_GetNlsDirFromLang();
+  BuildMessagesPath();
+  Log(1, "Create the CMessages structure");
+  G_Messages = CreateMessages(msg_path.c_str());
+  fFillFromPaf_Function(G_Messages.get());
+}
+
+// Administration is the superuser's alone.
+void RefuseOtherAdministrators() {
+  const char *name = GetUserName(nullptr);
+  const std::string user = name == nullptr ? "" : name;
+  if (G_ProgName != kModeAdministration || user == "root") return;
+  PrintErrorLine(G_Translate("MSG2"));
+  G_Messages.reset();
+  std::exit(3);
+}
+
+void LoadHelp() {
+  BuildHelpPath();
+  Log(1, "Create the CHelp structure");
+  G_Help = CreateHelp(hlp_path.c_str());
+  fFillFromHelp_Function(G_Help.get());
+}
+
+void LoadPrinters() {
+  BuildPrinterPaths();
+  Log(1, "Create the CPrinters structure");
+  G_Printers = CreatePrinters(ppd_path.c_str(), paf_path.c_str());
+  fBuildPrinters_Function(G_Printers.get());
+  G_Printers_hash = fGetPrinters_Function(G_Printers.get());
+}
+
+// The queues of the list that the spooler still has; what went wrong is added to `messages`.
+void LoadQueues(CList *messages) {
+  BuildQueuesPath();
+  Log(1, "Create the CPrintQueues structure");
+  G_Queues = CreatePrintQueues(queues_path.c_str());
+  fFillFromPaf_Function_(G_Queues.get(), G_ProgName == kModeAdministration ? 1 : 0);
+  G_Queues_hash = fGetPrintQueues_Function(G_Queues.get());
+  RemoveInexistentSystemVQueues(messages);
+  G_OrgQueues = CloneOf(G_Queues.get());
+  G_OrgQueues_hash = fGetPrintQueues_Function(G_OrgQueues.get());
+  // After the snapshot, which holds the administrator's values.
+  if (G_ProgName == kModePrintTool) fFillAllFromDef_Function(G_Queues.get());
+}
+
+// The data that stands at standard input becomes the first file to print.
+void TakeStandardInput() {
+  std::string name;
+  std::string error;
+  if (GetStdinData(&name, &error) == 0) {
+    PrintErrorLine(error);
+    std::exit(1);
+  }
+  if (name.empty()) return;
+  AddFileRow(name, G_Translate("MSG3"));
+  G_StdinFileName = name;
+}
+
+GtkWidget *CreateMainWindow() {
+  if (G_ProgName == kModeAdministration) return create_AdminWindow();
+  if (G_ProgName == kModePrintTool) {
+    GtkWidget *window = create_ToolWindow();
+    TakeStandardInput();
+    return window;
+  }
+  return nullptr;
+}
+
+// A terminating signal ends the program as its Cancel button does, so that nothing is left behind.
+gboolean CancelOnSignal(gpointer) {
+  if (G_ProgName == kModeAdministration) {
+    ButtonCancelPressed();
+  } else {
+    ButtonCancelToolPressed();
+  }
+  return G_SOURCE_CONTINUE;
+}
+
+// Everything up to the main window; null when the program's name is neither of the two.
+GtkWidget *StartUp(CList *messages) {
+  G_Fonts_hash = ParseFontmap();
+  LoadHelp();
+  Log(1, "Set the pixmaps dir");
+  add_pixmap_directory(kPixmapDir);
+  LoadPrinters();
+  LoadQueues(messages);
+  return CreateMainWindow();
+}
+
+int Run(int argc, char **argv) {
+  const LogScope log("main");
+  std::setlocale(LC_ALL, "");
+  gtk_init(&argc, &argv);
+  InstallStyle();
+  LoadMessages();
+  RefuseOtherAdministrators();
+  const Owned<CList> messages = CreateList();
+  GtkWidget *window = StartUp(messages.get());
+  if (window == nullptr) return 1;
+  gtk_widget_show(window);
+  if (fIsEmpty_CList_Function(messages.get()) == 0) {
+    gtk_widget_show(create_ErrorWarningWindow(messages.get(), kReturn));
+  }
+  for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
+    g_unix_signal_add(signal, CancelOnSignal, nullptr);
+  }
+  gtk_main();
+  DeleteGlobalVars();
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char **argv) {
+  if (argc == 0 || argv[0] == nullptr) return 0;
+  InstallAllocationHandler();
+  G_ProgName = ModeFromProgramName(argv[0]);
+  if (!ReadVerboseSwitch(argc, argv)) return 0;
+  return Run(argc, argv);
+}
