@@ -33,7 +33,6 @@ GtkWidget *NewFilesList(ToolWindowHelper &helper) {
   helper.files_list = NewList({{nullptr, 0}}, GTK_SELECTION_MULTIPLE);
   ListOnSelection(helper.files_list, FilesCListRowSelection, FilesCListRowUnSelection);
   StoreWidget(helper.window, helper.files_list, "FilesClist");
-  AcceptDroppedFiles(helper.files_list);
 
   GtkWidget *scrolled = gtk_scrolled_window_new(nullptr, nullptr);
   gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_AUTOMATIC,
@@ -92,6 +91,7 @@ GtkWidget *create_ToolWindow() {
   gtk_window_set_title(GTK_WINDOW(helper.window), G_Translate("DEF_WND_TOOL_TITLE"));
   gtk_window_set_default_size(GTK_WINDOW(helper.window), L_Width, L_Height);
   OnDeleteEvent(helper.window, ButtonCancelToolPressed);
+  AcceptDroppedFiles(helper.window);
 
   GtkWidget *box = gtk_box_new(GTK_ORIENTATION_VERTICAL, L_Spacing);
   gtk_container_set_border_width(GTK_CONTAINER(box), L_Border);

@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include <vector>
+
 #include "ComboWidget.h"
 #include "FilesSelectionWindow.h"
 #include "ListWidget.h"
@@ -10,13 +12,13 @@
 #include "Support.h"
 #include "ToolWindow.h"
 #include "cmessages.h"
-#include "command.h"
-#include "cprintqueue.h"
 #include "cselection.h"
 #include "debug.h"
 #include "filelist.h"
 #include "globals.h"
 #include "printcommand.h"
+#include "textencoding.h"
+#include "utils.h"
 
 namespace {
 
@@ -49,9 +51,8 @@ void TakeDroppedFiles(GtkWidget *, GdkDragContext *context, gint, gint, GtkSelec
   if (bytes != nullptr && length > 0) {
     paths = PathsFromUriList({reinterpret_cast<const char *>(bytes), static_cast<size_t>(length)});
   }
-  for (std::string path : paths) {
-    if (g_file_test(path.c_str(), G_FILE_TEST_IS_DIR) != FALSE && !path.ends_with('/')) path += '/';
-    AddChosenPath(path);
+  for (const std::string &path : paths) {
+    AddChosenPath(IsDirectory(path) && !path.ends_with('/') ? path + "/" : path);
   }
   gtk_drag_finish(context, paths.empty() ? FALSE : TRUE, FALSE, time);
 }
@@ -82,4 +83,87 @@ void ButtonLPRPressed() {
 void ButtonAddFilesPressed() {
   const LogScope log("ButtonAddFilesPressed");
   gtk_widget_show(create_FilesSelectionWindow());
+}
+
+void ButtonDeleteFilesPressed() {
+  const LogScope log("ButtonDeleteFilesPressed");
+  GtkWidget *list = G_QueuesWindow_helper->files_list;
+  RemoveSelectedFiles(
+      [list](const CNodeList *position) { ListRemove(list, ListFindData(list, position)); });
+}
+
+void ButtonHelpToolPressed() {
+  const LogScope log("ButtonHelpToolPressed");
+  ShowHelp("KPX_TOOL_BEGIN");
+}
+
+void ButtonCancelToolPressed() {
+  const LogScope log("ButtonCancelToolPressed");
+  if (G_QueuesWindow_helper == nullptr) return;
+  RemoveStdinFile();
+  G_QueuesWindow_helper.reset();
+  G_FilesList.reset();
+  gtk_main_quit();
+}
+
+void FilesCListRowSelection(int row) {
+  const LogScope log("FilesCListRowSelection");
+  gtk_widget_set_sensitive(G_QueuesWindow_helper->delete_button, TRUE);
+  CSelection *record = RecordOfRow(row);
+  if (record == nullptr) return;
+  if (fIsSelected_CSelection_Function(record) == 0) ++G_QueuesWindow_helper->selected_files;
+  fSet_Selected_Function(record, 1);
+}
+
+void FilesCListRowUnSelection(int row) {
+  const LogScope log("FilesCListRowUnSelection");
+  CSelection *record = RecordOfRow(row);
+  if (record == nullptr) return;
+  if (fIsSelected_CSelection_Function(record) != 0) --G_QueuesWindow_helper->selected_files;
+  fSet_Selected_Function(record, 0);
+  if (G_QueuesWindow_helper->selected_files == 0) {
+    gtk_widget_set_sensitive(G_QueuesWindow_helper->delete_button, FALSE);
+  }
+}
+
+GList *BuildQueuesGList() {
+  const LogScope log("BuildQueuesGList");
+  GList *list = nullptr;
+  for (const std::string &entry : QueueEntries()) {
+    list = g_list_prepend(list, g_strdup(entry.c_str()));
+  }
+  return g_list_reverse(list);
+}
+
+void ShowQueues() {
+  const LogScope log("ShowQueues");
+  GList *list = BuildQueuesGList();
+  std::vector<std::string> entries;
+  for (GList *link = list; link != nullptr; link = link->next) {
+    entries.emplace_back(static_cast<const char *>(link->data));
+  }
+  G_FreeStringsFrom_g_list(list);
+  g_list_free(list);
+
+  const ToolWindowHelper &helper = *G_QueuesWindow_helper;
+  ComboFill(helper.queue_combo, entries);
+  ComboSetRow(helper.queue_combo, entries.empty() ? -1 : 0);
+  gtk_widget_set_sensitive(helper.print_button, entries.empty() ? FALSE : TRUE);
+  gtk_widget_set_sensitive(helper.lpr_button, entries.empty() ? FALSE : TRUE);
+}
+
+void AddFileRow(const std::string &path, const std::string &shown) {
+  const LogScope log("AddFileRow");
+  ListAppend(G_QueuesWindow_helper->files_list, {shown}, AppendFile(path));
+}
+
+void AddChosenPath(const std::string &path) {
+  const LogScope log("AddChosenPath");
+  for (const std::string &file : FilesOfSelection(path)) AddFileRow(file, DisplayName(file));
+}
+
+void AcceptDroppedFiles(GtkWidget *window) {
+  gtk_drag_dest_set(window, GTK_DEST_DEFAULT_ALL, nullptr, 0, GDK_ACTION_COPY);
+  gtk_drag_dest_add_uri_targets(window);
+  g_signal_connect(window, "drag-data-received", G_CALLBACK(TakeDroppedFiles), nullptr);
 }

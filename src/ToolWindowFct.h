@@ -33,5 +33,5 @@ void AddFileRow(const std::string &path, const std::string &shown);
 // of that folder.
 void AddChosenPath(const std::string &path);
 
-// Files dropped on `list` from a file manager (text/uri-list) are added as chosen ones.
-void AcceptDroppedFiles(GtkWidget *list);
+// Files dropped on `window` from a file manager (text/uri-list) are added as chosen ones.
+void AcceptDroppedFiles(GtkWidget *window);
