@@ -1,0 +1,34 @@
+// kpxfilter: converts a PPD file into a PAF printer description, and turns job files into printer
+// data. Called as
+//   kpxfilter --ppdfile PPD --paffile PAF
+//   kpxfilter OPTIONS -JTITLE -eTITLE -LUSER --filter --type TYPE --ppdfile PPD --deffile DEF <FILE
+// Exit status: 0 done; 1 it could not be done, standard error says why; 2 wrong call.
+#include <clocale>
+#include <string>
+#include <vector>
+
+#include "arguments.h"
+#include "conversion.h"
+#include "filtering.h"
+#include "textencoding.h"
+
+int main(int argc, char **argv) {
+  std::setlocale(LC_CTYPE, "");
+  const FilterArguments arguments =
+      ParseArguments(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc));
+  std::string problem;
+  switch (arguments.mode) {
+    case FilterMode::None:
+      PrintErrorLine("kpxfilter: either --filter or both of --ppdfile and --paffile are needed");
+      return 2;
+    case FilterMode::Convert:
+      problem = ConvertPpd(arguments.ppd_file, arguments.paf_file);
+      break;
+    case FilterMode::Filter:
+      problem = FilterJob(arguments);
+      break;
+  }
+  if (problem.empty()) return 0;
+  PrintErrorLine("kpxfilter: " + problem);
+  return 1;
+}

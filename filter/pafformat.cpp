@@ -1,0 +1,48 @@
+#include "pafformat.h"
+
+#include <algorithm>
+#include <charconv>
+#include <iterator>
+
+#include "textencoding.h"
+
+namespace {
+
+// As many characters of each keyword as the reader compares.
+constexpr std::string_view kKeywords[] = {
+    "##",          "#uio",       "#uip",      "#uij",      "#uiio",     "#id",        "#default",
+    "#type",       "#_options",  "#_option",  "#translat", "#end_options",
+    "#end_option", "#end_ui",    "#cps",      "#MinWidth", "#MaxWidth", "#MinLength", "#MaxLength",
+    "#end_cps",    "#ccc",       "#f1",       "#o1",       "#f2",       "#o2",        "#end_ccc"};
+
+}  // namespace
+
+bool IsPafKeywordLine(std::string_view line) {
+  return line.empty() || std::any_of(std::begin(kKeywords), std::end(kKeywords),
+                                     [&](std::string_view word) { return line.starts_with(word); });
+}
+
+std::string PafValue(std::string_view text, std::string_view substitute) {
+  if (text.empty()) text = substitute;
+  std::string value(IsPafKeywordLine(text) ? " " : "");
+  value += text;
+  return std::string(Utf8Prefix(value, kMaxLine));
+}
+
+std::string PafHeaderValue(std::string_view text, std::string_view keyword) {
+  std::string value(Utf8Prefix(text.substr(0, text.find(':')), kMaxLine - keyword.size()));
+  std::replace(value.begin(), value.end(), '\n', ' ');
+  const size_t first = value.find_first_not_of(' ');
+  if (first == std::string::npos) return {};
+  return value.substr(first, value.find_last_not_of(' ') - first + 1);
+}
+
+std::string PafNumber(double points) {
+  char buffer[64];
+  const auto result =
+      std::to_chars(std::begin(buffer), std::end(buffer), points, std::chars_format::fixed, 3);
+  std::string number(buffer, result.ptr);
+  number.erase(number.find_last_not_of('0') + 1);
+  if (number.ends_with('.')) number.pop_back();
+  return number;
+}

@@ -1,0 +1,20 @@
+// What a line of a PAF printer description can carry. The reader is fFillFromPaf.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+// Whether the reader would take `line` for a keyword, a comment or a separator instead of a value.
+bool IsPafKeywordLine(std::string_view line);
+
+// `text` (UTF-8 on one line) as a value line: one blank is put before a text that would be a
+// keyword or comment, and what goes past the reader's line is cut off between two characters.
+// `substitute` (itself a valid value) stands for an empty text.
+std::string PafValue(std::string_view text, std::string_view substitute);
+
+// The value of a "##Name:" or "##PPD:" line: up to the first ":", ends trimmed of blanks, cut to
+// what the line has room for. May be empty.
+std::string PafHeaderValue(std::string_view text, std::string_view keyword);
+
+// A length in points: at most three decimals, none that says nothing, never in exponent form.
+std::string PafNumber(double points);

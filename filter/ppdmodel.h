@@ -1,0 +1,80 @@
+// What a PPD file says, as plain values. Texts are UTF-8; keywords stand without their asterisk.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+enum class PpdUi { Boolean, PickOne, PickMany };
+
+// Where a feature's code belongs in a job (*OrderDependency).
+enum class PpdSection { Any, Document, Exit, Jcl, Page, Prolog };
+
+struct PpdChoice {
+  std::string keyword;
+  std::string text;  // never empty
+  std::string code;  // bytes as they go to the printer
+};
+
+// The code behind "*Custom<keyword> True" and how its parameters are handed over.
+struct PpdCustom {
+  std::string code;
+  std::vector<std::string> parameters;  // names, in the order in which the code expects them
+  std::optional<double> order;          // from *NonUIOrderDependency
+};
+
+struct PpdFeature {
+  std::string keyword;
+  std::string text;  // never empty
+  PpdUi ui = PpdUi::PickOne;
+  bool installable = false;
+  PpdSection section = PpdSection::Any;
+  double order = 0;
+  std::string default_choice;  // as written; may name no choice, or be empty
+  std::vector<PpdChoice> choices;
+  std::optional<PpdCustom> custom;
+
+  // The choice of this keyword (case does not count), or nothing.
+  const PpdChoice *FindChoice(std::string_view choice) const;
+
+  // The default, or the first choice where the default names none. There must be a choice.
+  const PpdChoice &DefaultChoice() const;
+};
+
+// A line of *UIConstraints or *NonUIConstraints; an empty choice stands for a left-out one.
+struct PpdConstraint {
+  std::string feature1, choice1, feature2, choice2;
+};
+
+// Limits of a custom page size, in points.
+struct PpdCustomLimits {
+  double min_width = 0, max_width = 0, min_length = 0, max_length = 0;
+};
+
+// A page size, in points: the paper, and the corners of its printable area.
+struct PpdPageSize {
+  double width = 0, length = 0, left = 0, bottom = 0, right = 0, top = 0;
+};
+
+struct PpdModel {
+  std::string nick_name;   // *NickName, may be empty
+  std::string model_name;  // *ModelName, may be empty
+  int language_level = 2;
+  std::vector<PpdFeature> features;
+  std::vector<PpdConstraint> constraints;
+  std::optional<PpdCustomLimits> custom_limits;
+  std::map<std::string, PpdPageSize, std::less<>> page_sizes;
+  std::map<std::string, bool, std::less<>> requires_page_region;  // by input slot or "All"
+
+  bool pjl = false;  // the printer understands PJL
+  bool pjl_utf8 = false;
+  std::string jcl_begin, jcl_to_postscript, jcl_end;  // empty without *JCLBegin
+
+  // The feature of this keyword (case does not count, no asterisk), or nothing.
+  const PpdFeature *FindFeature(std::string_view keyword) const;
+};
+
+// Whether two keywords are the same: case does not count (ASCII only).
+bool SameKeyword(std::string_view a, std::string_view b);
