@@ -1,0 +1,84 @@
+#include "printcommand.h"
+
+#include "cselection.h"
+#include "debug.h"
+#include "paths.h"
+#include "textformat.h"
+
+namespace {
+
+constexpr char L_CopiesKey[] = "*NrCopies";
+constexpr char L_DefaultCopies[] = "1";
+constexpr size_t L_CommandStep = 10240;
+
+// `"<program> <queue> -o "*NrCopies=<copies>,`, its quotes still open. The captured standard input
+// is removed after printing, so the spooler has to copy it.
+std::string CommandStart(const std::string &queue, const std::string &copies, bool copy_files) {
+  const std::string program = std::string(kLp) + (copy_files ? " -c -d" : " -d");
+  return FormatMessage("%s %s %s \"%s=%s,", {program, queue, "-o", L_CopiesKey, copies});
+}
+
+void CloseQuotes(std::string &command) {
+  if (command.ends_with(',')) command.pop_back();
+  command += '"';
+}
+
+// Kept on purpose: the names are not quoted.
+void AppendFileNames(std::string &command, const CList *files) {
+  size_t capacity = L_CommandStep;
+  for (const CSelection *file : Elements<CSelection>(files)) {
+    const char *text = fGet_CSelection_Value_Function(file);
+    const std::string_view name = text == nullptr ? "" : text;
+    if (command.size() + name.size() >= capacity) {
+      capacity += L_CommandStep;
+      Log(3, FormatMessage("realloc'ed lpr_cmd, now >>%i<<", {static_cast<long>(capacity)}));
+    }
+    command += ' ';
+    command += name;
+  }
+}
+
+}  // namespace
+
+std::string QueueEntry(const char *name, const char *printer_name, const char *language) {
+  return FormatMessage("%s    [ %s ]    %s", {name, printer_name, language});
+}
+
+std::string QueueNameFromEntry(std::string_view entry) {
+  return std::string(entry.substr(0, entry.find(' ')));
+}
+
+std::string PrintCommandText(const std::string &queue, const std::string &copies, bool copy_files,
+                             const CList *files) {
+  const LogScope log("PrintCommandText");
+  std::string command = CommandStart(queue, copies, copy_files);
+  CloseQuotes(command);
+  AppendFileNames(command, files);
+  return command;
+}
+
+std::string DisplayedCommandText(const std::string &queue, const CHash *options, bool copy_files,
+                                 const CList *files) {
+  const LogScope log("DisplayedCommandText");
+  const char *copies = HashText(options, L_CopiesKey);
+  std::string command =
+      CommandStart(queue, copies == nullptr ? L_DefaultCopies : copies, copy_files);
+  // Kept on purpose: the comma after the copies stays before further pairs, which the command that
+  // is run does not carry.
+  for (const auto [key, value] : Pairs<CString>(options)) {
+    if (std::string_view(key) == L_CopiesKey) continue;
+    command += FormatMessage(" %s=%s", {key, fGet_CString_Value_Function(value)});
+  }
+  CloseQuotes(command);
+  AppendFileNames(command, files);
+  return command;
+}
+
+std::string CopiesToPrint(CHash *options) {
+  const LogScope log("CopiesToPrint");
+  const char *copies = HashText(options, L_CopiesKey);
+  if (copies != nullptr) return copies;
+  Log(2, "The NRCOPIES feature was not founded in the features_hash. Put it with default 1");
+  HashPutText(options, L_CopiesKey, L_DefaultCopies);
+  return L_DefaultCopies;
+}

@@ -1,0 +1,14 @@
+// Standard input captured for printing.
+#pragma once
+
+#include <sys/types.h>
+
+#include <string>
+
+// The name of the file for process `pid`; the number in it is the low 16 bits of `pid`, signed.
+std::string StdinDataFileName(pid_t pid);
+
+// Copies what standard input holds right now, up to the first pause of 50 microseconds, to a file
+// that only its user can read. 1, with its path in `name` when any data came (else `name` is left
+// alone); 0 with a message (at most 1023 bytes) in `error_text`, and a partly written file stays.
+int GetStdinData(std::string *name, std::string *error_text);

@@ -1,0 +1,90 @@
+#include "utils.h"
+
+#include <dirent.h>
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+#include "cstring.h"
+#include "debug.h"
+
+namespace {
+
+struct DirectoryCloser {
+  void operator()(DIR *directory) const { closedir(directory); }
+};
+
+const passwd *FindUser(const char *user) {
+  return user == nullptr ? getpwuid(geteuid()) : getpwnam(user);
+}
+
+}  // namespace
+
+const char *GetUserName(const char *user) {
+  const LogScope log("GetUserName");
+  const passwd *entry = FindUser(user);
+  return entry == nullptr ? nullptr : entry->pw_name;
+}
+
+const char *GetHomeDir(const char *user) {
+  const LogScope log("GetHomeDir");
+  const passwd *entry = FindUser(user);
+  return entry == nullptr ? nullptr : entry->pw_dir;
+}
+
+int BuildUserDefFileName(const char *user, const char *queue, std::string *out) {
+  const LogScope log("BuildUserDefFileName");
+  if (queue == nullptr || out == nullptr) return 0;
+  const char *name = GetUserName(user);
+  if (name == nullptr) return 0;
+  *out = std::string(name) + ":" + queue;
+  return 1;
+}
+
+Owned<CList> GetFilesFromDir(const char *path) {
+  const LogScope log("GetFilesFromDir");
+  if (path == nullptr) return nullptr;
+  const std::unique_ptr<DIR, DirectoryCloser> directory(opendir(path));
+  if (directory == nullptr) return nullptr;
+  Owned<CList> names = CreateList();
+  while (const dirent *entry = readdir(directory.get())) {
+    if (std::strcmp(entry->d_name, ".") == 0 || std::strcmp(entry->d_name, "..") == 0) continue;
+    fAddTail_CList_Function(names.get(), CreateStringWithValue(entry->d_name));
+  }
+  return names;
+}
+
+bool IsDirectory(const std::string &path) {
+  struct stat status = {};
+  return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+int DeleteFilesFromDir(const char *dir, const CList *names, const char *pattern) {
+  const LogScope log("DeleteFilesFromDir");
+  if (dir == nullptr || names == nullptr) return 0;
+  for (const CString *element : Elements<CString>(names)) {
+    const char *name = fGet_CString_Value_Function(element);
+    if (name == nullptr) continue;
+    const std::string path = std::string(dir) + "/" + name;
+    if (IsDirectory(path)) continue;
+    if (pattern != nullptr && std::strstr(name, pattern) == nullptr) continue;
+    std::remove(path.c_str());
+  }
+  return 1;
+}
+
+int DeleteFilesEndingIn(const char *dir, const char *suffix) {
+  const LogScope log("DeleteFilesEndingIn");
+  const Owned<CList> all = GetFilesFromDir(dir);
+  if (all == nullptr || suffix == nullptr) return 0;
+  const Owned<CList> names = CreateList();
+  for (const CString *element : Elements<CString>(all.get())) {
+    if (!element->value->ends_with(suffix)) continue;
+    fAddTail_CList_Function(names.get(), CloneOf(element));
+  }
+  return DeleteFilesFromDir(dir, names.get(), suffix);
+}
