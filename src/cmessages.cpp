@@ -26,23 +26,13 @@ bool IsMarker(const std::string &line) {
          line.starts_with("#end_translation") || line.starts_with("#end_languag");
 }
 
-// The next line as a value. Its last character counts as the line feed, so a last line without one
-// loses a character, kept on purpose.
-std::optional<std::string> NextLine(LineReader &lines) {
-  std::optional<std::string> line = lines.Next();
-  if (line && !lines.HadLineFeed() && lines.AtEnd()) {
-    line->resize(Utf8Prefix(*line, line->empty() ? 0 : line->size() - 1).size());
-  }
-  return line;
-}
-
 void FillTable(CMessages *catalogue, LineReader &lines) {
   CHash *table = catalogue->messages.get();
-  while (const std::optional<std::string> line = NextLine(lines)) {
+  while (const std::optional<std::string> line = lines.NextDroppingLast()) {
     if (line->empty()) continue;
     const bool is_language = line->starts_with("#language");
     if (!is_language && IsMarker(*line)) continue;
-    const std::optional<std::string> value = NextLine(lines);
+    const std::optional<std::string> value = lines.NextDroppingLast();
     if (!value) return;
     if (is_language) {
       catalogue->language = CreateStringWithValue(value->c_str());

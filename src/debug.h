@@ -5,6 +5,14 @@
 #include <string>
 #include <string_view>
 
+#ifndef __cpp_lib_source_location
+// Clang before version 16 lacks what libstdc++ builds the standard class on.
+#include <experimental/source_location>
+using SourceLocation = std::experimental::source_location;
+#else
+using SourceLocation = std::source_location;
+#endif
+
 // 0 = no output at all; 1 start-up milestones ... 4 everything. A negative level prints nothing.
 extern int G_DebugLevel;
 
@@ -15,7 +23,7 @@ void debugout(const char *file, int line, int level, const char *message);
 
 // The same with the caller's own place.
 inline void Log(int level, const std::string &message,
-                const std::source_location place = std::source_location::current()) {
+                const SourceLocation place = SourceLocation::current()) {
   if (G_DebugLevel != 0) {
     debugout(place.file_name(), static_cast<int>(place.line()), level, message.c_str());
   }
@@ -25,8 +33,7 @@ inline void Log(int level, const std::string &message,
 // `name` must outlive the guard. While the log is silent both ends cost one test.
 class LogScope {
  public:
-  explicit LogScope(const char *name,
-                    const std::source_location place = std::source_location::current())
+  explicit LogScope(const char *name, const SourceLocation place = SourceLocation::current())
       : name_(name), place_(place) {
     if (G_DebugLevel != 0) Write("BEGIN ");
   }
@@ -40,7 +47,7 @@ class LogScope {
   void Write(std::string_view word) const;
 
   const char *name_;
-  std::source_location place_;
+  SourceLocation place_;
 };
 
 // "%p" of an address, for log lines.

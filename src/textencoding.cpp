@@ -92,9 +92,11 @@ std::string DecodeLine(std::string_view bytes) {
 std::string_view Utf8Prefix(std::string_view text, size_t max_bytes) {
   if (text.size() <= max_bytes) return text;
   size_t end = max_bytes;
-  // A sequence has at most three continuation bytes; more are no UTF-8 and are cut as bytes.
+  // A sequence has at most three continuation bytes.
   while (end > 0 && max_bytes - end < 3 && IsContinuation(text[end])) --end;
-  return text.substr(0, IsContinuation(text[end]) ? max_bytes : end);
+  // Bytes that are no UTF-8 are cut as bytes.
+  const bool splits = end + SequenceLength(text.substr(end)) > max_bytes;
+  return text.substr(0, splits ? end : max_bytes);
 }
 
 void PrintError(std::string_view text) {
@@ -115,6 +117,15 @@ std::optional<std::string> LineReader::Next() {
   rest_.remove_prefix(line.size() + (had_line_feed_ ? 1 : 0));
   if (form_ == Form::Bytes) return std::string(line);
   return DecodeLine(line.substr(0, line.find('\0')));
+}
+
+std::optional<std::string> LineReader::NextDroppingLast() {
+  std::optional<std::string> line = Next();
+  // Kept on purpose: see the header.
+  if (line && !line->empty() && !had_line_feed_ && AtEnd()) {
+    line->resize(Utf8Prefix(*line, line->size() - 1).size());
+  }
+  return line;
 }
 
 std::optional<std::string> ReadWholeFile(const std::string &path) {

@@ -41,6 +41,10 @@ class LineReader {
   // The next line without its line feed, or nothing at the end. A carriage return stays.
   std::optional<std::string> Next();
 
+  // The next line for the files whose lines must all end in a line feed: the last character read
+  // counts as the line feed, so the file's last line loses a character when it has none.
+  std::optional<std::string> NextDroppingLast();
+
   // Whether the line handed out last ended in a line feed.
   bool HadLineFeed() const { return had_line_feed_; }
 
