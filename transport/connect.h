@@ -1,0 +1,29 @@
+// Reaching the printer: name look-up and connection.
+#pragma once
+
+#include <string>
+
+#include "descriptor.h"
+#include "transferlimits.h"
+
+struct Destination {
+  std::string address;  // name, IPv4 or IPv6 address
+  std::string port;     // decimal, 1 to 65535
+};
+
+enum class ConnectEnd {
+  kConnected,
+  kUnreachable,  // refused, no answer, or the name look-up failed for now: worth another attempt
+  kUnknownName,  // the name services know no such name
+  kStopped,      // `stop` became readable
+};
+
+struct ConnectResult {
+  ConnectEnd end = ConnectEnd::kUnreachable;
+  Descriptor socket;   // connected, non-blocking, with keep-alive on; none unless kConnected
+  std::string peer;    // the numeric address connected to
+  std::string reason;  // in words, for kUnreachable and kUnknownName
+};
+
+// Tries every address of `destination` in the resolver's order until one accepts.
+ConnectResult ConnectTo(const Destination &destination, const Limits &limits, int stop);

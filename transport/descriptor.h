@@ -1,0 +1,29 @@
+// A file descriptor that is closed when its owner goes.
+#pragma once
+
+#include <unistd.h>
+
+#include <utility>
+
+class Descriptor {
+ public:
+  Descriptor() = default;
+  explicit Descriptor(int number) : number_(number) {}
+  Descriptor(Descriptor &&other) noexcept : number_(std::exchange(other.number_, -1)) {}
+  Descriptor &operator=(Descriptor &&other) noexcept {
+    std::swap(number_, other.number_);
+    return *this;
+  }
+  Descriptor(const Descriptor &) = delete;
+  Descriptor &operator=(const Descriptor &) = delete;
+  ~Descriptor() {
+    if (number_ >= 0) close(number_);
+  }
+
+  // -1 when there is none.
+  int get() const { return number_; }
+  explicit operator bool() const { return number_ >= 0; }
+
+ private:
+  int number_ = -1;
+};

@@ -1,0 +1,62 @@
+// The job's data: standard input, moved to the printer in large pieces.
+//
+// The first part of the job is kept in memory, so that a job that has not gone beyond it can be
+// sent again even from a pipe. What follows goes by splice from a pipe and by sendfile from a
+// regular file, without passing through the process; anything else is copied.
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstddef>
+#include <vector>
+
+enum class MoveEnd {
+  kMoved,        // `count` bytes went to the socket
+  kAwaitInput,   // the input has nothing at the moment
+  kAwaitSocket,  // the socket takes nothing at the moment
+  kEnd,          // the input is at its end and everything went to the socket
+  kInputFailed,  // `error` came from reading
+  kBroken,       // `error` came from the connection
+};
+
+struct MoveResult {
+  MoveEnd end;
+  std::size_t count = 0;
+  int error = 0;
+};
+
+class JobInput {
+ public:
+  // `descriptor` is lent. Data before its current position is not part of the job.
+  explicit JobInput(int descriptor);
+
+  int descriptor() const { return descriptor_; }
+
+  // Reads the first data, once the input has some: kMoved, kEnd for an empty job, kAwaitInput or
+  // kInputFailed.
+  MoveResult Begin();
+
+  // Moves what goes without waiting. `socket` is non-blocking.
+  MoveResult MoveTo(int socket);
+
+  // Makes the job's first byte the next one again; false when the input cannot give it again.
+  bool Rewind();
+
+ private:
+  // How data moves once buffer_ is full.
+  enum class Way { kSplice, kSendfile, kCopy };
+
+  bool Ready() const;
+  MoveResult Fill();
+  MoveResult SendBuffer(int socket);
+  MoveResult SendDirectly(int socket);
+
+  int descriptor_;
+  Way way_ = Way::kCopy;
+  bool is_file_ = false;
+  off_t start_ = 0;
+  std::vector<char> buffer_;
+  std::size_t sent_ = 0;            // bytes of buffer_ that went to the socket
+  std::size_t filled_ = 0;          // bytes of buffer_ that were read
+  bool buffer_holds_start_ = true;  // nothing beyond buffer_ has been taken from the input
+};

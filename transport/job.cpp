@@ -1,0 +1,186 @@
+#include "job.h"
+
+#include <poll.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <optional>
+#include <string>
+
+#include "input.h"
+#include "sender.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
+
+class Carrier {
+ public:
+  Carrier(const Destination &destination, int input, const Limits &limits, const Report &report,
+          int stop)
+      : destination_(destination),
+        input_(input),
+        limits_(limits),
+        report_(report),
+        stop_(stop),
+        name_(destination.address + " port " + destination.port) {}
+
+  Outcome Run();
+
+ private:
+  // Each gives the outcome once it is known, nothing as long as there is more to try.
+  std::optional<Outcome> AwaitJob();
+  std::optional<Outcome> Attempt();
+  std::optional<Outcome> Send(const ConnectResult &link);
+  std::optional<Outcome> AfterBreak(const SendResult &sent);
+  std::optional<Outcome> PauseAndRetry(const std::string &failure);
+  Outcome GiveUp(const std::string &failure) const;
+  Outcome Stopped() const;
+
+  const Destination &destination_;
+  JobInput input_;
+  const Limits &limits_;
+  const Report &report_;
+  const int stop_;
+  const std::string name_;
+
+  int failures_ = 0;
+  int restarts_ = 0;
+  Clock::time_point first_failure_;
+};
+
+// Waits until a descriptor is readable or the time is over (negative: no limit). False when
+// `stop` became readable.
+bool AwaitUnlessStopped(int stop, int descriptor, milliseconds limit) {
+  const auto deadline = Clock::now() + limit;
+  for (;;) {
+    std::array<pollfd, 2> waited = {pollfd{stop, POLLIN, 0}, pollfd{descriptor, POLLIN, 0}};
+    int timeout = -1;
+    if (limit.count() >= 0) {
+      const auto left = std::chrono::ceil<milliseconds>(deadline - Clock::now());
+      timeout = static_cast<int>(std::max<milliseconds::rep>(left.count(), 0));
+    }
+    const int count = poll(waited.data(), waited.size(), timeout);
+    if (waited[0].revents != 0) return false;
+    if (count >= 0 || errno != EINTR) return true;
+  }
+}
+
+std::string Bytes(std::uint64_t count) {
+  return std::to_string(count) + (count == 1 ? " byte" : " bytes");
+}
+
+Outcome Carrier::GiveUp(const std::string &failure) const {
+  report_.Say(failure + "; giving up for now, the job should stay in the queue");
+  return Outcome::kTryLater;
+}
+
+Outcome Carrier::Stopped() const {
+  report_.Say("stopped by a signal");
+  return Outcome::kStopped;
+}
+
+std::optional<Outcome> Carrier::AwaitJob() {
+  for (;;) {
+    const MoveResult first = input_.Begin();
+    switch (first.end) {
+      case MoveEnd::kMoved:
+        return std::nullopt;
+      case MoveEnd::kEnd:
+        report_.Say("the job is empty; nothing to send");
+        return Outcome::kAccepted;
+      case MoveEnd::kAwaitInput:
+        if (!AwaitUnlessStopped(stop_, input_.descriptor(), milliseconds{-1})) return Stopped();
+        break;
+      default:
+        report_.Say("the job cannot be read: " + ErrorText(first.error));
+        return Outcome::kInputUnreadable;
+    }
+  }
+}
+
+std::optional<Outcome> Carrier::PauseAndRetry(const std::string &failure) {
+  const auto now = Clock::now();
+  if (failures_++ == 0) first_failure_ = now;
+  const auto left = std::chrono::ceil<milliseconds>(first_failure_ + limits_.give_up - now);
+  if (left.count() <= 0) {
+    return GiveUp(failure + " (no success for " + DurationText(limits_.give_up) + ")");
+  }
+  const milliseconds pause = std::min(PauseAfter(limits_, failures_), left);
+  report_.Say(failure + "; trying again in " + DurationText(pause));
+  if (!AwaitUnlessStopped(stop_, -1, pause)) return Stopped();
+  return std::nullopt;
+}
+
+std::optional<Outcome> Carrier::AfterBreak(const SendResult &sent) {
+  if (sent.whole_job) {
+    return GiveUp("the printer took all " + Bytes(sent.acknowledged) +
+                  " but the connection did not end in order (" + sent.reason +
+                  "); it may have printed the job");
+  }
+  const std::string failure = "the connection to " + name_ + " broke after " +
+                              Bytes(sent.acknowledged) + " (" + sent.reason + ")";
+  if (!input_.Rewind()) {
+    return GiveUp(failure + "; the data cannot be read a second time from here");
+  }
+  if (sent.acknowledged > 0 && ++restarts_ > limits_.restarts) {
+    return GiveUp(failure + ", attempt " + std::to_string(restarts_));
+  }
+  return PauseAndRetry(failure + "; the printer may be busy");
+}
+
+std::optional<Outcome> Carrier::Send(const ConnectResult &link) {
+  report_.Say("connected to " + name_ +
+              (link.peer == destination_.address ? "" : " at " + link.peer));
+  const SendResult sent = SendJob(link.socket.get(), input_, limits_, report_, stop_);
+  if (sent.sent_back > 0) {
+    report_.Say("the printer sent back " + Bytes(sent.sent_back) + ", which were not kept");
+  }
+  switch (sent.end) {
+    case SendEnd::kAccepted:
+      report_.Say("the printer took all " + Bytes(sent.acknowledged) +
+                  " and closed the connection");
+      return Outcome::kAccepted;
+    case SendEnd::kInputFailed:
+      report_.Say("the job cannot be read on after " + Bytes(sent.acknowledged) + ": " +
+                  sent.reason);
+      return Outcome::kInputUnreadable;
+    case SendEnd::kStopped:
+      return Stopped();
+    case SendEnd::kBroken:
+      break;
+  }
+  return AfterBreak(sent);
+}
+
+std::optional<Outcome> Carrier::Attempt() {
+  const ConnectResult link = ConnectTo(destination_, limits_, stop_);
+  switch (link.end) {
+    case ConnectEnd::kConnected:
+      return Send(link);
+    case ConnectEnd::kUnreachable:
+      return PauseAndRetry("cannot reach " + name_ + " (" + link.reason +
+                           "); the printer may be busy or switched off");
+    case ConnectEnd::kUnknownName:
+      return GiveUp("cannot reach " + name_ + " (" + link.reason + ")");
+    case ConnectEnd::kStopped:
+      break;
+  }
+  return Stopped();
+}
+
+Outcome Carrier::Run() {
+  std::optional<Outcome> outcome = AwaitJob();
+  while (!outcome) outcome = Attempt();
+  return *outcome;
+}
+
+}  // namespace
+
+Outcome CarryJob(const Destination &destination, int input, const Limits &limits,
+                 const Report &report, int stop) {
+  return Carrier(destination, input, limits, report, stop).Run();
+}

@@ -1,0 +1,30 @@
+// Sending one job over one connection, up to the printer's orderly close.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "input.h"
+#include "report.h"
+#include "transferlimits.h"
+
+enum class SendEnd {
+  kAccepted,     // every byte was acknowledged and the printer closed the connection in order
+  kBroken,       // the connection failed, or the printer was silent or took nothing for too long
+  kInputFailed,  // reading the job failed
+  kStopped,      // `stop` became readable
+};
+
+struct SendResult {
+  SendEnd end = SendEnd::kBroken;
+  std::string reason;              // in words, for kBroken and kInputFailed
+  std::uint64_t acknowledged = 0;  // bytes that reached the printer
+  std::uint64_t sent_back = 0;     // bytes that came from the printer; they are thrown away
+  bool whole_job = false;          // the input was at its end and all of it was acknowledged
+};
+
+// `socket` is a connected, non-blocking TCP socket with keep-alive on; it is lent, and after the
+// call only good for closing. Closing it after anything but kAccepted resets the connection when
+// bytes are still under way, so that neither side goes on with a job that has ended.
+SendResult SendJob(int socket, JobInput &input, const Limits &limits, const Report &report,
+                   int stop);
