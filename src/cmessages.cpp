@@ -5,7 +5,6 @@
 
 #include "debug.h"
 #include "globals.h"
-#include "textencoding.h"
 
 namespace {
 
@@ -26,7 +25,48 @@ bool IsMarker(const std::string &line) {
          line.starts_with("#end_translation") || line.starts_with("#end_languag");
 }
 
-void FillTable(CMessages *catalogue, LineReader &lines) {
+}  // namespace
+
+const CObjectOps *CMessages::Ops() {
+  return &L_Ops.header;
+}
+
+Owned<CMessages> CreateMessages(const char *path) {
+  const LogScope log("CreateMessages");
+  if (path == nullptr) return nullptr;
+  Owned<CMessages> catalogue = NewObject<CMessages>();
+  catalogue->messages = CreateHash();
+  catalogue->file_name = CreateStringWithValue(path);
+  return catalogue;
+}
+
+int fCMessages_Class_ID_Function() {
+  return CMessages::kClassId;
+}
+
+const char *fCMessages_Class_Name_Function() {
+  return CMessagesClassName;
+}
+
+int fDelete_CMessages_Function(CMessages *catalogue) {
+  if (catalogue == nullptr) return 0;
+  SetAllocationFailedText(nullptr);
+  FreeObject(catalogue);
+  return 1;
+}
+
+Owned<CMessages> fClone_CMessages_Function(const CMessages *catalogue) {
+  const LogScope log("fClone_CMessages_Function");
+  if (catalogue == nullptr || catalogue->language == nullptr || catalogue->messages == nullptr) {
+    return nullptr;
+  }
+  Owned<CMessages> clone = CreateMessages(fGet_CString_Value_Function(catalogue->file_name.get()));
+  clone->messages = CloneOf(catalogue->messages.get());
+  clone->language = CloneOf(catalogue->language.get());
+  return clone;
+}
+
+void ReadMessages(CMessages *catalogue, LineReader &lines) {
   CHash *table = catalogue->messages.get();
   while (const std::optional<std::string> line = lines.NextDroppingLast()) {
     if (line->empty()) continue;
@@ -42,42 +82,6 @@ void FillTable(CMessages *catalogue, LineReader &lines) {
   }
 }
 
-}  // namespace
-
-const CObjectOps *CMessages::Ops() { return &L_Ops.header; }
-
-Owned<CMessages> CreateMessages(const char *path) {
-  const LogScope log("CreateMessages");
-  if (path == nullptr) return nullptr;
-  Owned<CMessages> catalogue = NewObject<CMessages>();
-  catalogue->messages = CreateHash();
-  catalogue->file_name = CreateStringWithValue(path);
-  return catalogue;
-}
-
-int fCMessages_Class_ID_Function() { return CMessages::kClassId; }
-
-const char *fCMessages_Class_Name_Function() { return CMessagesClassName; }
-
-int fDelete_CMessages_Function(CMessages *catalogue) {
-  if (catalogue == nullptr) return 0;
-  SetAllocationFailedText(nullptr);
-  FreeObject(catalogue);
-  return 1;
-}
-
-Owned<CMessages> fClone_CMessages_Function(const CMessages *catalogue) {
-  const LogScope log("fClone_CMessages_Function");
-  if (catalogue == nullptr || catalogue->language == nullptr || catalogue->messages == nullptr) {
-    return nullptr;
-  }
-  Owned<CMessages> clone =
-      CreateMessages(fGet_CString_Value_Function(catalogue->file_name.get()));
-  clone->messages = CloneOf(catalogue->messages.get());
-  clone->language = CloneOf(catalogue->language.get());
-  return clone;
-}
-
 void fFillFromPaf_Function(CMessages *catalogue) {
   const LogScope log("fFillFromPaf_Function");
   const char *path = fGet_CString_Value_Function(catalogue->file_name.get());
@@ -88,7 +92,7 @@ void fFillFromPaf_Function(CMessages *catalogue) {
   }
   catalogue->messages = CreateHash();
   LineReader lines(*content);
-  FillTable(catalogue, lines);
+  ReadMessages(catalogue, lines);
   SetAllocationFailedText(HashText(catalogue->messages.get(), "AllocMemoryError"));
 }
 

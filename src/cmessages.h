@@ -5,6 +5,7 @@
 #include <string>
 
 #include "chash.h"
+#include "textencoding.h"
 #include "textformat.h"
 
 inline constexpr char CMessagesClassName[] = "CMessages";
@@ -38,6 +39,9 @@ Owned<CMessages> fClone_CMessages_Function(const CMessages *catalogue);
 
 // Reads the file into a new table. A file that cannot be opened ends the process with status 3.
 void fFillFromPaf_Function(CMessages *catalogue);
+
+// Reads keys, texts and language into `catalogue`; every content is accepted.
+void ReadMessages(CMessages *catalogue, LineReader &lines);
 
 // The text of `key`, lent by the catalogue. A key that is missing is reported on standard error and
 // returned itself. Null for a null catalogue.

@@ -1,9 +1,13 @@
 #include "printcommand.h"
 
+#include "cmessages.h"
+#include "command.h"
+#include "cprintqueue.h"
 #include "cselection.h"
 #include "debug.h"
+#include "filelist.h"
+#include "globals.h"
 #include "paths.h"
-#include "textformat.h"
 
 namespace {
 
@@ -81,4 +85,36 @@ std::string CopiesToPrint(CHash *options) {
   Log(2, "The NRCOPIES feature was not founded in the features_hash. Put it with default 1");
   HashPutText(options, L_CopiesKey, L_DefaultCopies);
   return L_DefaultCopies;
+}
+
+std::vector<std::string> QueueEntries() {
+  const LogScope log("QueueEntries");
+  std::vector<std::string> entries;
+  for (const auto [name, queue] : Pairs<CPrintQueue>(G_Queues_hash)) {
+    const char *language = fGet_CString_Value_Function(fGet_Language_Function(queue));
+    entries.push_back(QueueEntry(name,
+                                 fGet_CString_Value_Function(fGet_PrinterName_Function(queue)),
+                                 language == nullptr ? nullptr : G_Translate(language)));
+  }
+  return entries;
+}
+
+void PrintFiles(const std::string &queue, CList *errors) {
+  const LogScope log("PrintFiles");
+  const auto *record = HashValue<CPrintQueue>(G_Queues_hash, queue.c_str());
+  const std::string copies = CopiesToPrint(fGet_Options_Function(record));
+  Log(2, "Write the features_hash in the .def file");
+  fWriteDefFile_Function(record, 0);
+  const std::string command =
+      PrintCommandText(queue, copies, IsStdinDataToPrint() == 1, G_FilesList.get());
+  Log(2, "The entire lpr_cmd is:");
+  Log(2, command);
+  if (RunCommand(command) != 0) G_Report(errors, "ERR_CMD_FOR_QUEUE", {"lp", queue});
+}
+
+std::string DisplayedPrintCommand(const std::string &queue) {
+  const LogScope log("DisplayedPrintCommand");
+  const auto *record = HashValue<CPrintQueue>(G_Queues_hash, queue.c_str());
+  return DisplayedCommandText(queue, fGet_Options_Function(record), IsStdinDataToPrint() == 1,
+                              G_FilesList.get());
 }
