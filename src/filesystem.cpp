@@ -124,6 +124,6 @@ int G_EliminateSpacesAndTabs(const char *source, std::string *result, int mode) 
 int G_DeleteAllUsersDefForQueue(const char *queue) {
   const LogScope log("G_DeleteAllUsersDefForQueue");
   if (queue == nullptr) return 0;
-  DeleteFilesEndingIn(kUsersDir, (":" + std::string(queue) + ".def").c_str());
+  DeleteFilesEndingIn(kUsersDir, (std::string(":") + queue + ".def").c_str());
   return 1;
 }
