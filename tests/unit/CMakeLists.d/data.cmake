@@ -1,0 +1,19 @@
+# The data that is installed beside the programs.
+set(KPX_PPD_DIR ${CMAKE_BINARY_DIR}/data/ppds)
+set(KPX_PAF_DIR ${CMAKE_BINARY_DIR}/data/pafs)
+
+kpx_add_test(NAME data_messages SOURCES unit/data_messages_test.cpp LIBS kpx_core LABEL unit)
+kpx_add_test(NAME data_help SOURCES unit/data_help_test.cpp LIBS kpx_core LABEL unit)
+kpx_add_test(NAME data_fontmap SOURCES unit/data_fontmap_test.cpp LIBS kpx_core LABEL unit)
+kpx_add_test(NAME data_ppd SOURCES unit/data_ppd_test.cpp LIBS kpx_core LABEL unit)
+kpx_add_test(NAME data_installed SOURCES unit/data_installed_test.cpp LIBS kpx_core LABEL unit
+  SANDBOX bare)
+foreach(name data_fontmap data_ppd)
+  target_compile_definitions(test_${name} PRIVATE KPX_PPD_DIR="${KPX_PPD_DIR}")
+  add_dependencies(test_${name} kpx_data)
+endforeach()
+
+foreach(model vek41201 vek41101 vek41051 vek41211 vek41001 vek41021)
+  add_test(NAME data_cupstestppd_${model} COMMAND cupstestppd -q ${KPX_PPD_DIR}/${model}.ppd)
+  set_tests_properties(data_cupstestppd_${model} PROPERTIES LABELS unit)
+endforeach()
