@@ -1,0 +1,65 @@
+// CConstrain: option 1 of feature 1 cannot be combined with option 2 of feature 2.
+#pragma once
+
+#include "cstring.h"
+
+inline constexpr char CConstrainClassName[] = "CConstrain";
+
+struct CConstrain : CObject {
+  static constexpr int kClassId = 260;
+  static const CObjectOps *Ops();
+
+  Owned<CString> feature1;
+  Owned<CString> option1;
+  Owned<CString> feature2;
+  Owned<CString> option2;
+};
+
+struct CConstrainOps {
+  CObjectOps header;
+  int (*SetFeature1)(CConstrain *constrain, Owned<CString> &&value);
+  CString *(*GetFeature1)(const CConstrain *constrain);
+  int (*SetOption1)(CConstrain *constrain, Owned<CString> &&value);
+  CString *(*GetOption1)(const CConstrain *constrain);
+  int (*SetFeature2)(CConstrain *constrain, Owned<CString> &&value);
+  CString *(*GetFeature2)(const CConstrain *constrain);
+  int (*SetOption2)(CConstrain *constrain, Owned<CString> &&value);
+  CString *(*GetOption2)(const CConstrain *constrain);
+  int (*SetData)(CConstrain *constrain, Owned<CString> &&feature1, Owned<CString> &&option1,
+                 Owned<CString> &&feature2, Owned<CString> &&option2);
+  int (*IsEqual)(const CConstrain *a, const CConstrain *b);
+};
+
+// A record with every member null. Out of memory: the catalogue's words, status 3.
+Owned<CConstrain> CreateConstrain();
+
+int fCConstrain_Class_ID_Function();
+const char *fCConstrain_Class_Name_Function();
+
+// Takes the record over with its members; 1, also for null.
+int fDelete_CConstrain_Function(CConstrain *constrain);
+
+// A deep copy; null for null and for a record that lacks any of its members.
+Owned<CConstrain> fClone_CConstrain_Function(const CConstrain *constrain);
+
+// Getters lend the member (null when the record or the member is null). Setters take `value` over
+// and delete the one it replaces: 1; 0 and no change when the record or `value` is null, and then
+// `value` stays the caller's.
+int fSetFeature1_Function(CConstrain *constrain, Owned<CString> &&value);
+CString *fGetFeature1_Function(const CConstrain *constrain);
+int fSetOption1_Function(CConstrain *constrain, Owned<CString> &&value);
+CString *fGetOption1_Function(const CConstrain *constrain);
+int fSetFeature2_Function(CConstrain *constrain, Owned<CString> &&value);
+CString *fGetFeature2_Function(const CConstrain *constrain);
+int fSetOption2_Function(CConstrain *constrain, Owned<CString> &&value);
+CString *fGetOption2_Function(const CConstrain *constrain);
+
+// Takes all four over, null ones included, and deletes those they replace: 1; 0 for a null record,
+// and then they stay the caller's.
+int fSetData_Function(CConstrain *constrain, Owned<CString> &&feature1, Owned<CString> &&option1,
+                      Owned<CString> &&feature2, Owned<CString> &&option2);
+
+// 1 when both name the same two (feature, option) ends, in either order, else 0. A missing option
+// matches only a missing one. 0 when a record or a feature is missing and, kept on purpose, when
+// both records lack both options.
+int fIsEqual_Function(const CConstrain *a, const CConstrain *b);

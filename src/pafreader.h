@@ -1,0 +1,33 @@
+// The reader of the PAF format, the text form of a printer description.
+#pragma once
+
+#include <string>
+#include <variant>
+
+#include "chash.h"
+#include "textencoding.h"
+
+// What a description says.
+struct PafContent {
+  Owned<CString> name;  // the printer's
+  Owned<CString> ppd_file;
+  Owned<CHash> features;             // identifier to CFeature
+  Owned<CHash> installable_options;  // identifier to CFeature
+  Owned<CHash> custom_paper;         // the four limits; null without a custom paper block
+  Owned<CList> constraints;          // of CConstrain, in file order
+};
+
+// Why a description is corrupt.
+struct PafError {
+  std::string line;  // the line being read, empty at the end of the file
+  int line_number;   // from 1; at the end of the file the last line's
+  std::string reason;  // English, for the log
+};
+
+// The whole description or the first error. Every content is accepted or refused; nothing is kept
+// from one call to the next.
+std::variant<PafContent, PafError> ReadPaf(LineReader &lines);
+
+// The text between the first and the second ":" of a header line ("##Name:", "##PPD:"), untrimmed;
+// up to the end when there is no second one.
+std::string PafHeaderValue(const std::string &line);
