@@ -64,6 +64,9 @@ int fDelete_CPrintQueue_Function(CPrintQueue *queue);
 // A deep copy; null for null and for a record that lacks any of its members.
 Owned<CPrintQueue> fClone_CPrintQueue_Function(const CPrintQueue *queue);
 
+// True when the record has all of its members; false for null.
+bool IsComplete(const CPrintQueue *queue);
+
 // Getters lend the member (null when the record or the member is null). Setters replace it by a
 // clone of `value`: 1; 0 and no change when the record or `value` is null.
 CHash *fGet_CustomPapers_Function(const CPrintQueue *queue);

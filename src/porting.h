@@ -2,11 +2,22 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "clist.h"
 
 // The line of an interface script by which a queue is known as ours.
 inline constexpr char kMarkerLine[] = "# the following lines are inserted by KPXadmin";
+
+// The characters that no queue name may hold, because the shell or a path gives them a meaning.
+inline constexpr std::string_view kNotInQueueNames = "/\\.,;: '`*@#$=!&|()\"~%^[]{}<>";
+
+// True when `name` can stand in a command unquoted: not empty and without those characters and
+// control characters.
+bool IsCommandSafeName(std::string_view name);
+
+// IsCommandSafeName; a name that is not is reported to `errors` as the failure of `command`.
+bool CheckCommandSafeName(std::string_view command, const char *name, CList *errors);
 
 // The interface script of the queue `name`.
 std::string InterfacePath(const std::string &name);
@@ -24,7 +35,11 @@ int OurQueueExistsSysV(const char *name, CList *errors);
 // gone, with a report to `errors` when the script has lost the marker or cannot be read. 1.
 int RemoveInexistentSystemVQueues(CList *errors);
 
-// Removes the queue from the spooler: 1; 0, reported to `errors`, when the spooler refuses.
+// The command that removes the queue `name`.
+std::string DeleteQueueCommand(const std::string &name);
+
+// Removes the queue from the spooler: 1; 0, reported to `errors`, when the spooler refuses or the
+// name cannot stand in a command.
 int DeleteQueueSysV(const char *name, CList *errors);
 
 // Removes those of `names` (CString) that are ours from the spooler and their users' option files

@@ -1,0 +1,24 @@
+// The one place that runs shell commands.
+#pragma once
+
+#include <string>
+#include <vector>
+
+struct CommandRecord {
+  std::string command;
+  int status;  // as RunCommand returned it
+};
+
+// Runs `command` through the shell and waits for it: its exit status, 128 plus the signal's number
+// when a signal ended it, -1 when it could not be started. What it prints goes where this process
+// prints.
+int RunCommand(const std::string &command);
+
+// Every command run so far, in order.
+const std::vector<CommandRecord> &CommandRecords();
+
+// The redirection that throws away all that a command prints.
+inline constexpr char kDiscardOutput[] = ">/dev/null 2>&1";
+
+// `words` joined by single blanks.
+std::string JoinWords(const std::vector<std::string> &words);

@@ -1,0 +1,132 @@
+#include "cprintqueues.h"
+
+#include <cerrno>
+#include <vector>
+
+#include "cmessages.h"
+#include "debug.h"
+#include "paths.h"
+#include "queuelistreader.h"
+#include "queuelistwriter.h"
+#include "textencoding.h"
+#include "utils.h"
+
+namespace {
+
+constexpr CPrintQueuesOps L_Ops{
+    .header = {.Class_ID = fCPrintQueues_Class_ID_Function,
+               .Class_Name = fCPrintQueues_Class_Name_Function,
+               .Delete = DeleteAs<CPrintQueues, fDelete_CPrintQueues_Function>,
+               .Clone = CloneAs<CPrintQueues, fClone_CPrintQueues_Function>},
+    .WriteToPaf = fWriteToPaf_Function,
+    .WriteAllToDef = fWriteAllToDef_Function,
+    .FillFromPaf = fFillFromPaf_Function_,
+    .FillAllFromDef = fFillAllFromDef_Function,
+    .GetPrintQueues = fGetPrintQueues_Function,
+    .GetPafFile = fGetPafFile_Function,
+};
+
+// Kept on purpose: reading the list again drops the old queues without deleting them, so who was
+// lent one may go on using it. They stay reachable here until the process ends.
+std::vector<Owned<CHash>> L_DroppedQueues;
+
+const char *PathOf(const CPrintQueues *collection) {
+  return fGet_CString_Value_Function(fGetPafFile_Function(collection));
+}
+
+// The queues, lent; ends the process when there is no dictionary to take them from.
+const CHash *ExistingQueues(const CPrintQueues *collection) {
+  const CHash *queues = fGetPrintQueues_Function(collection);
+  if (queues == nullptr) G_Fatal(5, "ERR_UNEXPECTED2", {"CPrintQueues"});
+  return queues;
+}
+
+// What happens when the list cannot be read. The administrator gets a new one, but only when there
+// is none: a list that is there and cannot be read just now is not emptied.
+void MissingList(const char *path, int create, int error) {
+  if (create != 1) {
+    G_Report(nullptr, "ERR_UNABLE_TO_READ_FILE", {path});
+  } else if (error == ENOENT) {
+    WriteHeader(path);
+  } else {
+    G_Report(nullptr, "ERR_UNABLE_TO_WRITE_FILE", {path});
+  }
+}
+
+}  // namespace
+
+const CObjectOps *CPrintQueues::Ops() { return &L_Ops.header; }
+
+Owned<CPrintQueues> CreatePrintQueues(const char *path) {
+  const LogScope log("CreatePrintQueues");
+  if (path == nullptr) return nullptr;
+  Owned<CPrintQueues> collection = NewObject<CPrintQueues, OnNoMemory::Catalogue>();
+  collection->paf_file = CreateStringWithValue(path);
+  return collection;
+}
+
+int fCPrintQueues_Class_ID_Function() { return CPrintQueues::kClassId; }
+
+const char *fCPrintQueues_Class_Name_Function() { return CPrintQueuesClassName; }
+
+int fDelete_CPrintQueues_Function(CPrintQueues *collection) {
+  FreeObject(collection);
+  return 1;
+}
+
+Owned<CPrintQueues> fClone_CPrintQueues_Function(const CPrintQueues *collection) {
+  const LogScope log("fClone_CPrintQueues_Function");
+  Owned<CPrintQueues> clone = CreatePrintQueues(PathOf(collection));
+  if (clone == nullptr) return nullptr;
+  clone->queues = CloneOf(collection->queues.get());
+  return clone->queues == nullptr ? nullptr : std::move(clone);
+}
+
+int fWriteToPaf_Function(const CPrintQueues *collection) {
+  const LogScope log("fWriteToPaf_Function");
+  return WriteQueueList(PathOf(collection), fGetPrintQueues_Function(collection)) ? 1 : 0;
+}
+
+int fWriteAllToDef_Function(const CPrintQueues *collection) {
+  const LogScope log("fWriteAllToDef_Function");
+  const CHash *queues = ExistingQueues(collection);
+  DeleteFilesEndingIn(kDataDir, ".def");
+  int result = 1;
+  for (const auto [name, queue] : Pairs<CPrintQueue>(queues)) {
+    if (fWriteDefFile_Function(queue, 1) == 0) result = 0;
+  }
+  return result;
+}
+
+int fFillFromPaf_Function_(CPrintQueues *collection, int create) {
+  const LogScope log("fFillFromPaf_Function_");
+  if (collection->queues != nullptr) L_DroppedQueues.push_back(std::move(collection->queues));
+  collection->queues = CreateHash();
+  const char *path = PathOf(collection);
+  const std::optional<std::string> text = ReadWholeFile(path);
+  if (!text) {
+    MissingList(path, create, errno);
+    return 0;
+  }
+  if (const auto error = ReadQueueList(*text, collection->queues.get())) {
+    Log(1, std::string(path) + ":" + std::to_string(error->line_number) + ": " + error->reason);
+    G_Fatal(3, "ERR_FILE_CORRUPTED", {path, error->line});
+  }
+  return 1;
+}
+
+int fFillAllFromDef_Function(CPrintQueues *collection) {
+  const LogScope log("fFillAllFromDef_Function");
+  for (const auto [name, queue] : Pairs<CPrintQueue>(ExistingQueues(collection))) {
+    fFillFromDefFile_Function(queue);
+  }
+  return 1;
+}
+
+CHash *fGetPrintQueues_Function(const CPrintQueues *collection) {
+  return collection == nullptr ? nullptr : collection->queues.get();
+}
+
+CString *fGetPafFile_Function(const CPrintQueues *collection) {
+  return collection == nullptr ? nullptr : collection->paf_file.get();
+}

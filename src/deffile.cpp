@@ -1,0 +1,130 @@
+#include "deffile.h"
+
+#include "ccmtparams.h"
+#include "ccpsparams.h"
+#include "cmessages.h"
+#include "debug.h"
+#include "paths.h"
+#include "textencoding.h"
+#include "textfile.h"
+#include "textline.h"
+#include "utils.h"
+
+namespace {
+
+// The spooler's group, whose filter reads the files.
+constexpr char L_SpoolerGroup[] = "lp";
+
+// A file may hold a PIN: its owner and the spooler read it, nobody else. In the users' directory
+// the group comes from the directory. On a host without the spooler's group the queue's own file
+// is readable by all, as the queue list is, because the filter must read it.
+constexpr FileAccess L_UserFileAccess{.mode = 0640};
+constexpr FileAccess L_QueueFileAccess{
+    .mode = 0640, .group = L_SpoolerGroup, .mode_without_group = 0644};
+
+void AppendPair(std::string &text, std::string_view key, std::string_view value) {
+  AppendTextLine(text, std::string(key) + "=" + std::string(value));
+}
+
+void AppendPairs(std::string &text, const CHash *settings) {
+  for (const auto [key, value] : Pairs<CString>(settings)) {
+    const char *setting = fGet_CString_Value_Function(value);
+    if (setting != nullptr) AppendPair(text, key, setting);
+  }
+}
+
+void AppendCustomSizes(std::string &text, const CPrintQueue *queue) {
+  for (const auto [name, size] : Pairs<CCpsParams>(queue->CustomPapers.get())) {
+    if (size == nullptr) continue;
+    AppendPair(text, "*CustomPaperSize",
+               std::string(name) + "''" + WholeNumber(fGetWidth_Function(size)) + "''" +
+                   WholeNumber(fGetLength_Function(size)));
+  }
+  for (const auto [name, media] : Pairs<CCmtParams>(queue->CustomMedias.get())) {
+    const char *gui_name = fGet_CString_Value_Function(fGetGuiName_Function(media));
+    if (gui_name != nullptr) {
+      AppendPair(text, "*CustomMediaType", std::string(name) + "::" + gui_name);
+    }
+  }
+}
+
+// The calling user's file for the queue; nothing when the user has no name.
+std::optional<std::string> CallersDefFilePath(const char *def_file) {
+  std::string name;
+  if (BuildUserDefFileName(nullptr, def_file, &name) == 0) return std::nullopt;
+  return UserDefFilePath(name);
+}
+
+bool WriteOwnFile(const std::string &path, const std::string &text, const FileAccess &access) {
+  if (ReplaceFile(path, text, access)) return true;
+  G_Report(nullptr, "ERR_UNABLE_TO_WRITE_FILE", {path});
+  return false;
+}
+
+void PutOption(CHash *options, const std::string &key, const std::string &value) {
+  if (key == "*Booklet") HashRemove(options, "*Nup");
+  if (key == "*Nup") HashRemove(options, "*Booklet");
+  HashPutText(options, key.c_str(), value.c_str());
+}
+
+}  // namespace
+
+std::string UserDefFileText(const CPrintQueue *queue) {
+  std::string text;
+  AppendPairs(text, queue->Options.get());
+  return text;
+}
+
+std::string QueueDefFileText(const CPrintQueue *queue) {
+  std::string text = UserDefFileText(queue);
+  AppendPairs(text, queue->InstallableFeatures.get());
+  AppendCustomSizes(text, queue);
+  return text;
+}
+
+void OverlayDefFile(std::string_view text, CHash *options) {
+  LineReader lines(text);
+  while (const std::optional<std::string> line = lines.Next()) {
+    if (line->empty() || line->starts_with("##")) continue;
+    const size_t equals = line->find('=');
+    if (equals == 0 || equals == std::string::npos) continue;
+    const size_t value = equals + 1;
+    const size_t end = line->find('=', value);
+    PutOption(options, line->substr(0, equals), line->substr(value, end - value));
+  }
+}
+
+std::string QueueDefFilePath(const std::string &def_file) {
+  return std::string(kDataDir) + "/" + def_file;
+}
+
+std::string UserDefFilePath(const std::string &user_def_file) {
+  return std::string(kUsersDir) + "/" + user_def_file;
+}
+
+int fWriteDefFile_Function(const CPrintQueue *queue, int which) {
+  const LogScope log("fWriteDefFile_Function");
+  const char *def_file = fGet_CString_Value_Function(fGet_DefFile_Function(queue));
+  if (def_file == nullptr) {
+    G_Report(nullptr, "ERR_UNEXPECTED2", {"CPrintQueue"});
+    return 0;
+  }
+  if (which == 1) {
+    return WriteOwnFile(QueueDefFilePath(def_file), QueueDefFileText(queue), L_QueueFileAccess);
+  }
+  const std::optional<std::string> path = CallersDefFilePath(def_file);
+  return path && WriteOwnFile(*path, UserDefFileText(queue), L_UserFileAccess) ? 1 : 0;
+}
+
+int fFillFromDefFile_Function(CPrintQueue *queue) {
+  const LogScope log("fFillFromDefFile_Function");
+  const char *def_file = fGet_CString_Value_Function(fGet_DefFile_Function(queue));
+  if (def_file == nullptr) G_Fatal(5, "ERR_UNEXPECTED2", {"CPrintQueue"});
+  const std::optional<std::string> path = CallersDefFilePath(def_file);
+  if (!path) return 0;
+  const std::optional<std::string> text = ReadOwnFile(*path);
+  if (!text) return 0;
+  if (queue->Options == nullptr) queue->Options = CreateHash();
+  OverlayDefFile(*text, queue->Options.get());
+  return 1;
+}

@@ -1,0 +1,128 @@
+#include "interfacescript.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+
+#include "cmessages.h"
+#include "command.h"
+#include "debug.h"
+#include "paths.h"
+#include "porting.h"
+#include "textencoding.h"
+#include "textfile.h"
+
+namespace {
+
+constexpr std::string_view L_AddressVariable = "NETWORK_ADDRESS";
+
+// The port on which the printers take data.
+constexpr char L_Port[] = "2501";
+
+std::string AddressLine(std::string_view address) {
+  return std::string(L_AddressVariable) + "=" + std::string(address) + "\n";
+}
+
+// The lines that turn the file "$1" into printer data.
+std::string FilterLines(const InterfaceBlock &block) {
+  if (block.queue_type == "raw") return "  ${CAT} \"$1\"\n";
+  return std::string("  ") + kFilterProgram + " \\\n" +
+         "    \"$options\" \\\n"
+         "    -J\"$title\" \\\n"
+         "    -e\"$title\" \\\n"
+         "    -L\"$username\" \\\n"
+         "    --filter \\\n"
+         "    --type " +
+         block.queue_type + " \\\n" + "    --ppdfile " + block.ppd_path + " \\\n" +
+         "    --deffile " + block.def_path + " <\"$1\"\n";
+}
+
+// Renames the rewritten script over the old one and gives it back to the spooler.
+bool InstallScript(const std::string &temporary, const std::string &path) {
+  return std::rename(temporary.c_str(), path.c_str()) == 0 &&
+         RunCommand(ScriptOwnerCommand(path)) == 0;
+}
+
+}  // namespace
+
+std::string InterfaceBlockText(const InterfaceBlock &block) {
+  return std::string("\n") + kMarkerLine + "\n" +
+         "# please do not edit\n"
+         "#\n" +
+         AddressLine(block.address) +
+         "{\n"
+         "while [ $# -gt 0 ]\n"
+         "do\n" +
+         FilterLines(block) +
+         "  shift\n"
+         "done\n"
+         "} | " +
+         kTransportProgram + " $" + std::string(L_AddressVariable) + " " + L_Port + " " +
+         block.transport_parameter + "\n";
+}
+
+int WriteToInterfaceFile(const char *script_path, const char *queue_type, const char *ppd_path,
+                         const char *def_path, const char *address, const char *transport_parameter,
+                         CList *errors) {
+  const LogScope log("WriteToInterfaceFile");
+  for (const char *text :
+       {script_path, queue_type, ppd_path, def_path, address, transport_parameter}) {
+    if (text == nullptr) return 0;
+  }
+  const std::string text =
+      InterfaceBlockText({queue_type, ppd_path, def_path, address, transport_parameter});
+  if (AppendToFile(script_path, text)) return 1;
+  G_Report(errors, "ERR_UNABLE_TO_WRITE_FILE", {script_path});
+  return 0;
+}
+
+std::optional<std::string> WithNetworkAddress(std::string_view script, std::string_view address) {
+  std::string result;
+  bool found = false;
+  while (!script.empty()) {
+    const std::string_view line = script.substr(0, script.find('\n'));
+    const size_t length = line.size() + (line.size() < script.size() ? 1 : 0);
+    if (line.starts_with(L_AddressVariable)) {
+      found = true;
+      result += AddressLine(address);
+    } else {
+      result += script.substr(0, length);
+    }
+    script.remove_prefix(length);
+  }
+  return found ? std::optional(std::move(result)) : std::nullopt;
+}
+
+std::string ScriptOwnerCommand(const std::string &script_path) {
+  return JoinWords({"/bin/chmod", "755", script_path, kDiscardOutput, ";",  //
+                    "/bin/chgrp", "bin", script_path, kDiscardOutput, ";",  //
+                    "/bin/chown", "lp", script_path, kDiscardOutput});
+}
+
+int ChangeAddressInInterface(const char *name, const char *address, CList *errors) {
+  const LogScope log("ChangeAddressInInterface");
+  if (address == nullptr || !CheckCommandSafeName("/bin/chmod", name, errors)) return 0;
+  const std::string path = InterfacePath(name);
+  const std::string temporary = path + ".KPXadmin";
+  const std::optional<std::string> script = ReadWholeFile(path);
+  if (!script) {
+    G_Report(errors, "ERR_UNABLE_TO_READ_FILE", {path});
+    return 0;
+  }
+  const std::optional<std::string> changed = WithNetworkAddress(*script, address);
+  switch (WriteNewFile(temporary, changed.value_or(*script), 0755)) {
+    case NewFile::Written:
+      if (changed && InstallScript(temporary, path)) return 1;
+      break;
+    case NewFile::NotWritten:
+      G_Report(errors, "ERR_UNABLE_TO_WRITE_FILE", {temporary});
+      break;
+    case NewFile::NotMade:
+      // Kept on purpose: the message speaks of reading although the file was to be written.
+      G_Report(errors, "ERR_UNABLE_TO_READ_FILE", {temporary});
+      return 0;
+  }
+  // After a finished rename there is nothing to remove any more, which gets reported.
+  if (std::remove(temporary.c_str()) != 0) G_Report(errors, "ERR_REMOVE", {temporary});
+  return 0;
+}

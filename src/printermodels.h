@@ -1,0 +1,14 @@
+// The printer models that the spooler has an interface for.
+#pragma once
+
+#include <string_view>
+
+struct PrinterModel {
+  const char *display_name;         // a printer is of this model when its name begins so
+  const char *spooler_model;        // the spooler's name of the interface
+  const char *ppd_file;             // bare file name; null when unknown
+  const char *transport_parameter;  // third argument of the transport program; null when unknown
+};
+
+// The first row that fits, or the row of all other printers.
+const PrinterModel &FindPrinterModel(std::string_view printer_name);

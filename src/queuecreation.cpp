@@ -1,0 +1,115 @@
+#include "queuecreation.h"
+
+#include "cmessages.h"
+#include "command.h"
+#include "cprintqueue.h"
+#include "debug.h"
+#include "deffile.h"
+#include "globals.h"
+#include "interfacescript.h"
+#include "language.h"
+#include "paths.h"
+#include "porting.h"
+#include "printermodels.h"
+
+namespace {
+
+// What the scripts of one save say about the printer. Kept on purpose: a printer of no known model
+// leaves the values of the queue before it.
+struct ScriptValues {
+  std::string ppd_path;
+  std::string transport_parameter;
+};
+
+const char *TextOf(const CString *text) { return fGet_CString_Value_Function(text); }
+
+std::string PpdPath(const char *ppd_file) {
+  return std::string(kNlsDir) + "/" + G_GetNlsDirFromLang() + "/ppds/" + ppd_file;
+}
+
+// Rewrites the script when the address is no longer that of the start.
+void UpdateAddress(const char *name, CPrintQueue *queue, CList *errors) {
+  const CPrintQueue *original = HashValue<CPrintQueue>(G_OrgQueues_hash, name);
+  const CString *old_address = fGet_Address_Function(original);
+  const CString *new_address = fGet_Address_Function(queue);
+  if (original == nullptr || fIsEqual_CString_Value_Function(old_address, new_address) == 1) return;
+  if (ChangeAddressInInterface(name, TextOf(new_address), errors) == 1) return;
+  // The saved list tells the address that the spooler really uses.
+  fSet_Address_Function(queue, old_address);
+}
+
+// Makes the queue and appends its block: 1, or 0 after any failure.
+int CreateQueue(const char *name, const CPrintQueue *queue, ScriptValues &values, CList *errors) {
+  const PrinterModel &model = FindPrinterModel(TextOf(fGet_PrinterName_Function(queue)));
+  if (model.ppd_file != nullptr) values.ppd_path = PpdPath(model.ppd_file);
+  if (model.transport_parameter != nullptr) values.transport_parameter = model.transport_parameter;
+  if (AddQueueSysV(name, model.spooler_model, errors) == 0) {
+    HashRemove(G_Queues_hash, name);
+    return 0;
+  }
+  return WriteToInterfaceFile(
+      InterfacePath(name).c_str(), TextOf(fGet_Language_Function(queue)), values.ppd_path.c_str(),
+      QueueDefFilePath(std::string(name) + ".def").c_str(), TextOf(fGet_Address_Function(queue)),
+      values.transport_parameter.c_str(), errors);
+}
+
+// One queue of the working set: 1, or 0 after a failure that the save must tell.
+int BringInLine(const char *name, ScriptValues &values, CList *errors) {
+  CPrintQueue *queue = HashValue<CPrintQueue>(G_Queues_hash, name);
+  if (queue == nullptr) {
+    G_Report(errors, "ERR_UNEXPECTED2", {"CPrintQueues"});
+    return 0;
+  }
+  if (TextOf(queue->PrinterName.get()) == nullptr || TextOf(queue->Language.get()) == nullptr ||
+      TextOf(queue->Address.get()) == nullptr) {
+    G_Report(errors, "ERR_UNEXPECTED2", {"CPrintQueue"});
+    return 0;
+  }
+  if (OurQueueExistsSysV(name, errors) == 0) return CreateQueue(name, queue, values, errors);
+  UpdateAddress(name, queue, errors);
+  return 1;
+}
+
+}  // namespace
+
+std::vector<QueueCommand> CreateQueueCommands(const std::string &name, const std::string &model) {
+  const std::string script = InterfacePath(name);
+  return {
+      {"lpadmin", JoinWords({std::string(kLpadmin) + " -p", name,
+                             "-v /dev/null -I any -o nobanner -m", model, kDiscardOutput})},
+      {"/bin/chmod", JoinWords({"/bin/chmod", "755", script, kDiscardOutput})},
+      {"/bin/chgrp", JoinWords({"/bin/chgrp", "bin", script, kDiscardOutput})},
+      {"/bin/chown", JoinWords({"/bin/chown", "lp", script, kDiscardOutput})},
+      {kAccept, JoinWords({kAccept, name, kDiscardOutput})},
+      {kEnable, JoinWords({kEnable, name, kDiscardOutput})},
+  };
+}
+
+int AddQueueSysV(const char *name, const char *model, CList *errors) {
+  const LogScope log("AddQueueSysV");
+  if (!CheckCommandSafeName("lpadmin", name, errors)) return 0;
+  bool exists = false;
+  for (const QueueCommand &step : CreateQueueCommands(name, model)) {
+    if (RunCommand(step.command) != 0) {
+      G_Report(errors, "ERR_CMD_FOR_QUEUE", {step.reported_name, name});
+      if (!exists) return 0;
+    }
+    exists = true;
+  }
+  return 1;
+}
+
+int AddQueuesSysV(CList *errors) {
+  const LogScope log("AddQueuesSysV");
+  const Owned<CList> names = fGetKeys_CHash_Function(G_Queues_hash);
+  if (names == nullptr) {
+    G_Report(errors, "ERR_UNEXPECTED2", {"CHash"});
+    return 0;
+  }
+  int result = 1;
+  ScriptValues values;
+  for (const CString *name : Elements<CString>(names.get())) {
+    if (BringInLine(TextOf(name), values, errors) == 0) result = 0;
+  }
+  return result;
+}

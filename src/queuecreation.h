@@ -1,0 +1,26 @@
+// Bringing the spooler in line with the working set of queues.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "clist.h"
+
+struct QueueCommand {
+  std::string reported_name;  // how a failure's message calls the command
+  std::string command;
+};
+
+// The commands that make a spooler queue, in order. When the first fails there is no queue.
+std::vector<QueueCommand> CreateQueueCommands(const std::string &name, const std::string &model);
+
+// Makes the queue in the spooler from the interface of `model`: 1 once it exists; 0 when the first
+// command fails or the name cannot stand in a command. Every failed command is reported to
+// `errors`.
+int AddQueueSysV(const char *name, const char *model, CList *errors);
+
+// Makes every queue of G_Queues_hash that the spooler does not have as ours, and puts a changed
+// address into the script of those that it has. A queue that cannot be made is taken out of
+// G_Queues_hash. 1 when nothing failed; 0 otherwise, reported to `errors`. A failed change of an
+// address leaves the result and takes the queue's address back.
+int AddQueuesSysV(CList *errors);

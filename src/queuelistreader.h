@@ -1,0 +1,23 @@
+// Reading the queue list.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "cprintqueue.h"
+
+// Why a queue list cannot be used.
+struct QueueListError {
+  int line_number;     // from 1
+  std::string line;    // the line at which the fault was found
+  const char *reason;  // in English, for the log
+};
+
+// Adds every queue of the list `text` to `queues` under its name (one read later replaces one of
+// the same name). Nothing on success; the error of the first incomplete entry, after which no
+// further queue is read. A queue that does not end is left out.
+std::optional<QueueListError> ReadQueueList(std::string_view text, CHash *queues);
+
+// True when a line holding just `text` is read as a value: not empty, no comment and no keyword.
+bool CanStandAsListValue(std::string_view text);

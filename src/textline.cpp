@@ -1,0 +1,28 @@
+#include "textline.h"
+
+#include <locale.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+
+#include "textencoding.h"
+
+void AppendTextLine(std::string &text, std::string_view line) {
+  const size_t start = text.size();
+  text += Utf8Prefix(line, kMaxLine);
+  std::replace(text.begin() + static_cast<std::ptrdiff_t>(start), text.end(), '\n', ' ');
+  text += '\n';
+}
+
+std::string WholeNumber(double value) {
+  const int length = std::snprintf(nullptr, 0, "%.0f", value);
+  std::string digits(static_cast<size_t>(length), '\0');
+  std::snprintf(digits.data(), digits.size() + 1, "%.0f", value);
+  return digits;
+}
+
+double NumberFromText(const std::string &text) {
+  static const locale_t plain = newlocale(LC_ALL_MASK, "C", nullptr);
+  return strtod_l(text.c_str(), nullptr, plain);
+}
