@@ -227,7 +227,7 @@ SendResult Sender::Run() {
   }
   tcp_info info{};
   Account(info);
-  if (result_.end != SendEnd::kAccepted && result_.acknowledged < sent_) {
+  if (!result_.whole_job) {
     constexpr linger kReset{1, 0};
     setsockopt(socket_, SOL_SOCKET, SO_LINGER, &kReset, sizeof kReset);
   }

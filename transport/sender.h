@@ -24,7 +24,7 @@ struct SendResult {
 };
 
 // `socket` is a connected, non-blocking TCP socket with keep-alive on; it is lent, and after the
-// call only good for closing. Closing it after anything but kAccepted resets the connection when
-// bytes are still under way, so that neither side goes on with a job that has ended.
+// call only good for closing. Unless the printer has the whole job, closing it resets the
+// connection, so that neither side takes a part of the job for all of it or goes on with it.
 SendResult SendJob(int socket, JobInput &input, const Limits &limits, const Report &report,
                    int stop);

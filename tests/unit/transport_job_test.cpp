@@ -1,0 +1,216 @@
+// Attempts, silence and pauses, with limits short enough to see their ends.
+#include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+
+#include <chrono>
+#include <future>
+
+#include "job.h"
+#include "loopback.h"
+
+namespace {
+
+using std::chrono::milliseconds;
+using Clock = std::chrono::steady_clock;
+
+Limits ShortLimits() {
+  Limits limits;
+  limits.first_pause = milliseconds{10};
+  limits.longest_pause = milliseconds{40};
+  limits.give_up = milliseconds{300};
+  limits.connect = milliseconds{100};
+  limits.tick = milliseconds{10};
+  return limits;
+}
+
+// CarryJob in a thread of its own.
+class Transfer {
+ public:
+  Transfer(const Destination &destination, Descriptor input, const Limits &limits, int stop = -1)
+      : words_pipe_(MakePipe()), words_(std::move(words_pipe_.reading)) {
+    outcome_ =
+        std::async(std::launch::async, [this, destination, limits, stop, in = std::move(input)] {
+          const Descriptor writing = std::move(words_pipe_.writing);
+          return CarryJob(destination, in.get(), limits, Report(writing.get()), stop);
+        });
+  }
+  Words &words() { return words_; }
+  Outcome Wait() {
+    words_.Rest();
+    return outcome_.get();
+  }
+
+ private:
+  Pipe words_pipe_;
+  Words words_;
+  std::future<Outcome> outcome_;
+};
+
+void ExpectWords(Transfer &transfer, const std::string &words) {
+  EXPECT_NE(transfer.words().seen().find(words), std::string::npos) << "no \"" << words << "\" in\n"
+                                                                    << transfer.words().seen();
+}
+
+TEST(TransportJob, GivesUpOnAPrinterThatRefusesWhenTheTimeIsOver) {
+  const Listener printer;
+  const auto start = Clock::now();
+  Transfer transfer({"127.0.0.1", printer.port()}, TestFile(10), ShortLimits());
+  EXPECT_EQ(transfer.Wait(), Outcome::kTryLater);
+  EXPECT_GE(Clock::now() - start, milliseconds{300});
+  EXPECT_LT(Clock::now() - start, std::chrono::seconds{20});
+  ExpectWords(transfer, "no success for 300 ms); giving up for now, the job should stay in");
+}
+
+TEST(TransportJob, PausesGrowUpToTheLongest) {
+  const Listener printer;
+  Transfer transfer({"127.0.0.1", printer.port()}, TestFile(10), ShortLimits());
+  transfer.Wait();
+  const std::string words = transfer.words().seen();
+  EXPECT_EQ(Occurrences(words, "trying again in 10 ms\n"), 1) << words;
+  EXPECT_EQ(Occurrences(words, "trying again in 20 ms\n"), 1) << words;
+  EXPECT_GE(Occurrences(words, "trying again in 40 ms\n"), 2) << words;
+  EXPECT_EQ(Occurrences(words, "trying again in 80 ms\n"), 0) << words;
+}
+
+TEST(TransportJob, AnAddressThatDoesNotAnswerCountsAsUnreachable) {
+  Listener printer;
+  printer.Listen();
+  Listener::CutCable(printer.socket());
+  Transfer transfer({"127.0.0.1", printer.port()}, TestFile(10), ShortLimits());
+  EXPECT_EQ(transfer.Wait(), Outcome::kTryLater);
+  ExpectWords(transfer, "127.0.0.1: Connection timed out");
+}
+
+TEST(TransportJob, APrinterWithoutASignOfLifeIsGivenUp) {
+  Listener printer;
+  printer.Listen();
+  Limits limits = ShortLimits();
+  limits.unanswered = milliseconds{300};
+  limits.give_up = milliseconds{0};
+  Transfer transfer({"127.0.0.1", printer.port()}, TestFile(20'000'000), limits);
+  const Descriptor connection = printer.Accept();
+  EXPECT_EQ(Receive(connection.get(), 1000).count, 1000U);
+  Listener::CutCable(connection.get());
+  EXPECT_EQ(transfer.Wait(), Outcome::kTryLater);
+  ExpectWords(transfer, "(no answer for ");
+}
+
+TEST(TransportJob, APrinterThatAnswersButTakesNothingIsWaitedForInWords) {
+  Listener printer;
+  printer.Listen();
+  Limits limits = ShortLimits();
+  limits.usual_pause = milliseconds{50};
+  Transfer transfer({"127.0.0.1", printer.port()}, TestFile(20'000'000), limits);
+  const Descriptor connection = printer.Accept(4096);
+  ASSERT_TRUE(transfer.words().Await("the printer has taken no data for "));
+  const Received received = Receive(connection.get());
+  EXPECT_EQ(received.count, 20'000'000U);
+  EXPECT_EQ(received.wrong, 0U);
+  shutdown(connection.get(), SHUT_RDWR);
+  EXPECT_EQ(transfer.Wait(), Outcome::kAccepted);
+  ExpectWords(transfer, "may be out of paper or paused; waiting");
+}
+
+TEST(TransportJob, WordsAboutOnePauseComeLessAndLessOften) {
+  Listener printer;
+  printer.Listen();
+  Limits limits = ShortLimits();
+  limits.usual_pause = milliseconds{20};
+  limits.stalled = milliseconds{1000};
+  limits.give_up = milliseconds{0};
+  Transfer transfer({"127.0.0.1", printer.port()}, TestFile(20'000'000), limits);
+  const Descriptor connection = printer.Accept(4096);
+  EXPECT_EQ(transfer.Wait(), Outcome::kTryLater);
+  const int words = Occurrences(transfer.words().seen(), "the printer has taken no data for ");
+  // 20, 40, 80, 160, 320, 640 ms.
+  EXPECT_GE(words, 2) << transfer.words().seen();
+  EXPECT_LE(words, 6) << transfer.words().seen();
+  ExpectWords(transfer, "(no data taken for 1");
+}
+
+TEST(TransportJob, APrinterThatKeepsTheConnectionOpenAfterTheJobIsWaitedForInWords) {
+  Listener printer;
+  printer.Listen();
+  Limits limits = ShortLimits();
+  limits.usual_pause = milliseconds{50};
+  Transfer transfer({"127.0.0.1", printer.port()}, TestFile(1000), limits);
+  Descriptor connection = printer.Accept();
+  EXPECT_EQ(Receive(connection.get()).count, 1000U);
+  ASSERT_TRUE(transfer.words().Await("has the whole job but has not closed the connection"));
+  connection = Descriptor();
+  EXPECT_EQ(transfer.Wait(), Outcome::kAccepted);
+}
+
+TEST(TransportJob, APrinterThatNeverClosesIsNoSuccess) {
+  Listener printer;
+  printer.Listen();
+  Limits limits = ShortLimits();
+  limits.stalled = milliseconds{100};
+  Transfer transfer({"127.0.0.1", printer.port()}, TestFile(1000), limits);
+  const Descriptor connection = printer.Accept();
+  EXPECT_EQ(transfer.Wait(), Outcome::kTryLater);
+  ExpectWords(transfer, "took all 1000 bytes but the connection did not end in order (not closed");
+}
+
+TEST(TransportJob, AJobIsBegunAnewOnlySoOften) {
+  Listener printer;
+  printer.Listen();
+  Limits limits = ShortLimits();
+  limits.restarts = 2;
+  limits.give_up = std::chrono::minutes{1};
+  Transfer transfer({"127.0.0.1", printer.port()}, TestFile(20'000'000), limits);
+  for (int i = 0; i < 3; ++i) {
+    Descriptor connection = printer.Accept();
+    EXPECT_EQ(Receive(connection.get(), 1000).count, 1000U);
+    Reset(std::move(connection));
+  }
+  EXPECT_EQ(transfer.Wait(), Outcome::kTryLater);
+  EXPECT_FALSE(printer.HasCaller());
+  EXPECT_EQ(Occurrences(transfer.words().seen(), "connected to"), 3);
+}
+
+TEST(TransportJob, AProgressWordTellsHowMuchThePrinterHasTaken) {
+  Listener printer;
+  printer.Listen();
+  Limits limits = ShortLimits();
+  limits.progress = milliseconds{20};
+  Pipe pipe = MakePipe();
+  Transfer transfer({"127.0.0.1", printer.port()}, std::move(pipe.reading), limits);
+  ASSERT_TRUE(WriteTestData(pipe.writing.get(), 1000));
+  const Descriptor connection = printer.Accept();
+  ASSERT_TRUE(transfer.words().Await("the printer has taken 1000 bytes so far"));
+  pipe.writing = Descriptor();
+  EXPECT_EQ(Receive(connection.get()).count, 1000U);
+  shutdown(connection.get(), SHUT_RDWR);
+  EXPECT_EQ(transfer.Wait(), Outcome::kAccepted);
+}
+
+TEST(TransportJob, TheStopDescriptorEndsTheWaitForTheJob) {
+  const Pipe input = MakePipe();
+  Pipe stop = MakePipe();
+  Transfer transfer({"127.0.0.1", "9"}, Descriptor(dup(input.reading.get())), ShortLimits(),
+                    stop.reading.get());
+  ASSERT_TRUE(WriteTestData(stop.writing.get(), 1));
+  EXPECT_EQ(transfer.Wait(), Outcome::kStopped);
+}
+
+TEST(TransportJob, IdleConnectionsAreAskedOftenEnoughToNoticeSilence) {
+  Listener printer;
+  printer.Listen();
+  const ConnectResult link = ConnectTo({"127.0.0.1", printer.port()}, Limits{}, -1);
+  ASSERT_EQ(link.end, ConnectEnd::kConnected) << link.reason;
+  const auto option = [&](int level, int name) {
+    int value = 0;
+    socklen_t size = sizeof value;
+    EXPECT_EQ(getsockopt(link.socket.get(), level, name, &value, &size), 0);
+    return value;
+  };
+  EXPECT_NE(option(SOL_SOCKET, SO_KEEPALIVE), 0);
+  const std::chrono::seconds idle{option(IPPROTO_TCP, TCP_KEEPIDLE)};
+  const std::chrono::seconds interval{option(IPPROTO_TCP, TCP_KEEPINTVL)};
+  EXPECT_LT(idle + 4 * interval, Limits{}.unanswered);
+}
+
+}  // namespace
