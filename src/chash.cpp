@@ -14,11 +14,15 @@ constexpr CHashOps L_Ops{
     .GetKeys = fGetKeys_CHash_Function,
 };
 
-CPairHash *PairAt(const CNodeList *node) { return static_cast<CPairHash *>(node->value); }
+CPairHash *PairAt(const CNodeList *node) {
+  return static_cast<CPairHash *>(node->value);
+}
 
 }  // namespace
 
-const CObjectOps *CHash::Ops() { return &L_Ops.header; }
+const CObjectOps *CHash::Ops() {
+  return &L_Ops.header;
+}
 
 Owned<CHash> CreateHash() {
   Owned<CHash> hash = NewObject<CHash>();
@@ -26,9 +30,13 @@ Owned<CHash> CreateHash() {
   return hash;
 }
 
-int fCHash_Class_ID_Function() { return CHash::kClassId; }
+int fCHash_Class_ID_Function() {
+  return CHash::kClassId;
+}
 
-const char *fCHash_Class_Name_Function() { return CHashClassName; }
+const char *fCHash_Class_Name_Function() {
+  return CHashClassName;
+}
 
 int fDelete_CHash_Function(CHash *hash) {
   // Kept on purpose: unlike the other classes, deleting a null dictionary is a failure.
@@ -51,6 +59,7 @@ Owned<CHash> fClone_CHash_Function(const CHash *hash) {
 int fAdd_CHash_Function(CHash *hash, Owned<CObject> &&key, Owned<CObject> &&value) {
   const char *text = KeyText(key.get());
   if (hash == nullptr || hash->pairs == nullptr || text == nullptr) return 0;
+  const AllocationWords words(OnNoMemory::ObjectLibrary);
   // The view stays good: the text lives in the key record, which only changes its owner.
   const std::string_view view = text;
   Owned<CObject> pair = CreatePairHashWithKeyAndValue(std::move(key), std::move(value));

@@ -25,6 +25,10 @@ bool IsMarker(const std::string &line) {
          line.starts_with("#end_translation") || line.starts_with("#end_languag");
 }
 
+const char *AllocationFailedText(const CMessages *catalogue) {
+  return HashText(catalogue->messages.get(), "AllocMemoryError");
+}
+
 }  // namespace
 
 const CObjectOps *CMessages::Ops() {
@@ -50,7 +54,7 @@ const char *fCMessages_Class_Name_Function() {
 
 int fDelete_CMessages_Function(CMessages *catalogue) {
   if (catalogue == nullptr) return 0;
-  SetAllocationFailedText(nullptr);
+  TakeBackAllocationFailedText(AllocationFailedText(catalogue));
   FreeObject(catalogue);
   return 1;
 }
@@ -90,10 +94,11 @@ void fFillFromPaf_Function(CMessages *catalogue) {
     PrintError(FormatMessage("Unable to read file %s\n", {path}));
     std::exit(3);
   }
+  TakeBackAllocationFailedText(AllocationFailedText(catalogue));
   catalogue->messages = CreateHash();
   LineReader lines(*content);
   ReadMessages(catalogue, lines);
-  SetAllocationFailedText(HashText(catalogue->messages.get(), "AllocMemoryError"));
+  LendAllocationFailedText(AllocationFailedText(catalogue));
 }
 
 const char *fTranslateMessage_Function(const CMessages *catalogue, const char *key) {

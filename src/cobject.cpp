@@ -8,6 +8,7 @@
 namespace {
 
 const char *L_CatalogueText = nullptr;
+OnNoMemory L_Words = OnNoMemory::Catalogue;
 
 void WriteAll(const char *text) {
   size_t left = std::strlen(text);
@@ -33,10 +34,26 @@ void AllocationFailed(OnNoMemory words) {
   std::_Exit(3);
 }
 
-void SetAllocationFailedText(const char *text) { L_CatalogueText = text; }
-
-void InstallAllocationHandler() {
-  std::set_new_handler([] { AllocationFailed(OnNoMemory::ObjectLibrary); });
+void LendAllocationFailedText(const char *text) {
+  L_CatalogueText = text;
 }
 
-int ClassIdOf(const CObject *object) { return object == nullptr ? 0 : object->ops->Class_ID(); }
+void TakeBackAllocationFailedText(const char *text) {
+  if (L_CatalogueText == text) L_CatalogueText = nullptr;
+}
+
+void InstallAllocationHandler() {
+  std::set_new_handler([] { AllocationFailed(L_Words); });
+}
+
+AllocationWords::AllocationWords(OnNoMemory words) : before_(L_Words) {
+  L_Words = words;
+}
+
+AllocationWords::~AllocationWords() {
+  L_Words = before_;
+}
+
+int ClassIdOf(const CObject *object) {
+  return object == nullptr ? 0 : object->ops->Class_ID();
+}

@@ -2,6 +2,7 @@
 // and answers four header operations through its class's constant table.
 #pragma once
 
+#include <cstdlib>
 #include <memory>
 #include <new>
 #include <utility>
@@ -21,7 +22,7 @@ using Owned = std::unique_ptr<T, ObjectDeleter>;
 struct CObjectOps {
   int (*Class_ID)();
   const char *(*Class_Name)();
-  int (*Delete)(CObject *object);             // takes the record over; 1 also for null, except CHash
+  int (*Delete)(CObject *object);  // takes the record over; 1 also for null, except CHash
   Owned<CObject> (*Clone)(const CObject *object);  // deep copy, or null
 };
 
@@ -36,24 +37,42 @@ struct CTextOps {
   const char *(*Get)(const CObject *object);  // lent, null when there is none
 };
 
-// Whose words report that memory ran out: the object library's constant, or the catalogue's.
+// Whose words report that memory ran out: the object library's constant, or the catalogue's (the
+// constant too while no catalogue lends its text).
 enum class OnNoMemory { ObjectLibrary, Catalogue };
 
 // Ends the process with status 3 after one line on standard error; allocates nothing.
 [[noreturn]] void AllocationFailed(OnNoMemory words);
 
-// Lends the catalogue's out-of-memory text (UTF-8, must outlive the registration; null takes it
-// back). Kept ready beforehand because it cannot be looked up when memory is gone.
-void SetAllocationFailedText(const char *text);
+// Lends the catalogue's out-of-memory text (UTF-8) until it is taken back; taking back another text
+// than the one lent last does nothing. Kept ready beforehand because it cannot be looked up when
+// memory is gone.
+void LendAllocationFailedText(const char *text);
+void TakeBackAllocationFailedText(const char *text);
 
-// Makes failing standard-library allocations end the process through AllocationFailed too.
+// Makes failing standard-library allocations end the process through AllocationFailed too, with the
+// catalogue's words outside any AllocationWords.
 void InstallAllocationHandler();
+
+// For its lifetime: the words of failing standard-library allocations.
+class AllocationWords {
+ public:
+  explicit AllocationWords(OnNoMemory words);
+  ~AllocationWords();
+  AllocationWords(const AllocationWords &) = delete;
+  AllocationWords &operator=(const AllocationWords &) = delete;
+
+ private:
+  OnNoMemory before_;
+};
 
 // Allocates a zeroed record of class T with T's operations; never null.
 template <class T, OnNoMemory words = OnNoMemory::ObjectLibrary>
 Owned<T> NewObject() {
-  T *object = new (std::nothrow) T();
-  if (object == nullptr) AllocationFailed(words);
+  // Not through operator new, which would run the allocation handler with words of its own.
+  void *memory = std::malloc(sizeof(T));
+  if (memory == nullptr) AllocationFailed(words);
+  T *object = new (memory) T();
   object->ops = T::Ops();
   return Owned<T>(object);
 }
@@ -61,7 +80,9 @@ Owned<T> NewObject() {
 // The end of a record's life, for Delete operations only.
 template <class T>
 void FreeObject(T *object) {
-  delete object;
+  if (object == nullptr) return;
+  object->~T();
+  std::free(object);
 }
 
 // Adapters from a class's typed operations to the header's signatures.

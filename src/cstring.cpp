@@ -19,20 +19,29 @@ constexpr CStringOps L_Ops{
 
 }  // namespace
 
-const CObjectOps *CString::Ops() { return &L_Ops.text.header; }
+const CObjectOps *CString::Ops() {
+  return &L_Ops.text.header;
+}
 
-Owned<CString> CreateString() { return NewObject<CString>(); }
+Owned<CString> CreateString() {
+  return NewObject<CString>();
+}
 
 Owned<CString> CreateStringWithValue(const char *text) {
   if (text == nullptr) return nullptr;
+  const AllocationWords words(OnNoMemory::ObjectLibrary);
   Owned<CString> object = CreateString();
   object->value = text;
   return object;
 }
 
-int fCString_Class_ID_Function() { return CString::kClassId; }
+int fCString_Class_ID_Function() {
+  return CString::kClassId;
+}
 
-const char *fCString_Class_Name_Function() { return CStringClassName; }
+const char *fCString_Class_Name_Function() {
+  return CStringClassName;
+}
 
 int fDelete_CString_Function(CString *object) {
   FreeObject(object);
@@ -49,6 +58,7 @@ const char *fGet_CString_Value_Function(const CString *object) {
 
 int fSet_CString_Value_Function(CString *object, const char *text) {
   if (object == nullptr || text == nullptr) return 0;
+  const AllocationWords words(OnNoMemory::ObjectLibrary);
   // Through a copy: `text` may point into the value it replaces.
   object->value = std::string(text);
   return 1;
