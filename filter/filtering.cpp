@@ -1,3 +1,79 @@
 #include "filtering.h"
 
-std::string FilterJob(const FilterArguments &) { return "filtering is not built yet"; }
+#include <unistd.h>
+
+#include <csignal>
+#include <cstring>
+
+#include "joblanguage.h"
+#include "jobsettings.h"
+#include "jobsource.h"
+#include "pcljob.h"
+#include "postscript.h"
+#include "ppdadaptor.h"
+#include "textencoding.h"
+#include "textjob.h"
+
+namespace {
+
+void Warn(const std::string &text) { PrintErrorLine("kpxfilter: " + text); }
+
+// The layers of settings over the printer's defaults: the queue's file, the user's, the job's words.
+// Returns an empty text, or what failed.
+std::string ApplyLayers(const FilterArguments &arguments, JobSettings *settings) {
+  if (!arguments.def_file.empty()) {
+    const OptionFile queue = ReadQueueOptions(arguments.def_file);
+    if (!queue.error.empty()) return queue.error;
+    settings->ApplyQueue(queue.settings);
+    const std::string user_file = UserOptionFile(arguments.def_file, arguments.user);
+    if (!user_file.empty()) {
+      const OptionFile user = ReadUserOptions(user_file, arguments.user);
+      if (!user.error.empty()) return user.error;
+      if (!user.warning.empty()) Warn(user.warning);
+      settings->Apply(user.settings);
+    }
+  }
+  settings->Apply(ParseOptionWords(arguments.options));
+  for (const std::string &warning : settings->Warnings()) Warn(warning);
+  return {};
+}
+
+std::string Describe(const char *end, int error) {
+  return std::string(end) + ": " + std::strerror(error);
+}
+
+}  // namespace
+
+std::string FilterJob(const FilterArguments &arguments) {
+  // A reader of our output that goes away is an error to report, not an end without a word.
+  std::signal(SIGPIPE, SIG_IGN);
+  PpdModel model;
+  if (!arguments.ppd_file.empty()) {
+    PpdError error;
+    std::optional<PpdModel> read = ReadPpdFile(arguments.ppd_file, &error);
+    if (!read) return error.Text(arguments.ppd_file);
+    model = std::move(*read);
+  }
+  JobSettings settings(model);
+  std::string problem = ApplyLayers(arguments, &settings);
+  if (!problem.empty()) return problem;
+
+  const JobIdentity identity{DecodeLine(arguments.title), DecodeLine(arguments.event),
+                             DecodeLine(arguments.user)};
+  JobSource source = DescriptorSource(STDIN_FILENO);
+  JobSink sink = DescriptorSink(STDOUT_FILENO);
+  if (arguments.type == "postscript") {
+    FilterPostScript(settings, identity, &source, &sink);
+  } else if (arguments.type == "text") {
+    FilterText(settings, identity, &source, &sink);
+  } else if (arguments.type == "pcl6") {
+    if (!FilterPcl(settings, identity, &source, &sink)) {
+      Warn("one copy only: the printer description gives no way to ask for more");
+    }
+  } else {
+    return "\"" + arguments.type + "\" is no job type (postscript, text, pcl6)";
+  }
+  if (source.Error() != 0) return Describe("standard input", source.Error());
+  if (sink.Error() != 0) return Describe("standard output", sink.Error());
+  return {};
+}

@@ -1,7 +1,6 @@
 #include "pafformat.h"
 
 #include <algorithm>
-#include <charconv>
 #include <iterator>
 
 #include "textencoding.h"
@@ -35,14 +34,4 @@ std::string PafHeaderValue(std::string_view text, std::string_view keyword) {
   const size_t first = value.find_first_not_of(' ');
   if (first == std::string::npos) return {};
   return value.substr(first, value.find_last_not_of(' ') - first + 1);
-}
-
-std::string PafNumber(double points) {
-  char buffer[64];
-  const auto result =
-      std::to_chars(std::begin(buffer), std::end(buffer), points, std::chars_format::fixed, 3);
-  std::string number(buffer, result.ptr);
-  number.erase(number.find_last_not_of('0') + 1);
-  if (number.ends_with('.')) number.pop_back();
-  return number;
 }

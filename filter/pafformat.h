@@ -15,6 +15,3 @@ std::string PafValue(std::string_view text, std::string_view substitute);
 // The value of a "##Name:" or "##PPD:" line: up to the first ":", ends trimmed of blanks, cut to
 // what the line has room for. May be empty.
 std::string PafHeaderValue(std::string_view text, std::string_view keyword);
-
-// A length in points: at most three decimals, none that says nothing, never in exponent form.
-std::string PafNumber(double points);

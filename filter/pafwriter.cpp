@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "constraints.h"
+#include "decimal.h"
 #include "pafformat.h"
 
 namespace {
@@ -63,10 +64,10 @@ void AddFeature(std::string *paf, const PpdFeature &feature) {
 void AddCustomLimits(std::string *paf, const PpdCustomLimits &limits) {
   AddLine(paf, "##");
   AddLine(paf, "#cps");
-  AddValue(paf, "#MinWidth", PafNumber(limits.min_width));
-  AddValue(paf, "#MaxWidth", PafNumber(limits.max_width));
-  AddValue(paf, "#MinLength", PafNumber(limits.min_length));
-  AddValue(paf, "#MaxLength", PafNumber(limits.max_length));
+  AddValue(paf, "#MinWidth", DecimalText(limits.min_width));
+  AddValue(paf, "#MaxWidth", DecimalText(limits.max_width));
+  AddValue(paf, "#MinLength", DecimalText(limits.min_length));
+  AddValue(paf, "#MaxLength", DecimalText(limits.max_length));
   AddLine(paf, "#end_cps");
 }
 

@@ -104,6 +104,26 @@ std::optional<double> NonUiOrder(ppd_file_t *ppd, const std::string &keyword) {
   return std::nullopt;
 }
 
+PpdParameter ParameterOf(const ppd_cparam_t &parameter) {
+  switch (parameter.type) {
+    case PPD_CUSTOM_INT:
+      return {parameter.name, false, static_cast<double>(parameter.minimum.custom_int),
+              static_cast<double>(parameter.maximum.custom_int)};
+    case PPD_CUSTOM_PASSCODE:
+    case PPD_CUSTOM_PASSWORD:
+    case PPD_CUSTOM_STRING:
+      return {parameter.name, true, 0, 0};
+    case PPD_CUSTOM_POINTS:
+    case PPD_CUSTOM_REAL:
+    case PPD_CUSTOM_CURVE:
+    case PPD_CUSTOM_INVCURVE:
+    case PPD_CUSTOM_UNKNOWN:
+      break;
+  }
+  return {parameter.name, false, static_cast<double>(parameter.minimum.custom_real),
+          static_cast<double>(parameter.maximum.custom_real)};
+}
+
 std::optional<PpdCustom> CustomOf(ppd_file_t *ppd, const std::string &keyword) {
   ppd_coption_t *option = ppdFindCustomOption(ppd, keyword.c_str());
   if (option == nullptr || option->option == nullptr) return std::nullopt;
@@ -118,7 +138,7 @@ std::optional<PpdCustom> CustomOf(ppd_file_t *ppd, const std::string &keyword) {
   }
   std::stable_sort(parameters.begin(), parameters.end(),
                    [](const auto *a, const auto *b) { return a->order < b->order; });
-  for (const ppd_cparam_t *p : parameters) custom.parameters.emplace_back(p->name);
+  for (const ppd_cparam_t *p : parameters) custom.parameters.push_back(ParameterOf(*p));
   return custom;
 }
 
@@ -197,7 +217,11 @@ void FillJcl(ppd_file_t *ppd, PpdModel *model) {
   model->jcl_begin = TextOf(ppd->jcl_begin);
   model->jcl_to_postscript = TextOf(ppd->jcl_ps);
   model->jcl_end = TextOf(ppd->jcl_end);
-  model->pjl = model->jcl_begin.find("@PJL") != std::string::npos ||
+  const bool other_jcl = !model->jcl_begin.empty() &&
+                         (model->jcl_begin + model->jcl_to_postscript).find("@PJL") ==
+                             std::string::npos;
+  if (other_jcl) return;
+  model->pjl = !model->jcl_begin.empty() ||
                TextOf(ppd->protocols).find("PJL") != std::string::npos;
   for (const PpdFeature &feature : model->features) {
     if (feature.section != PpdSection::Jcl) continue;

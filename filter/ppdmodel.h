@@ -18,10 +18,17 @@ struct PpdChoice {
   std::string code;  // bytes as they go to the printer
 };
 
+// A parameter of a custom value.
+struct PpdParameter {
+  std::string name;
+  bool is_text = false;     // else a number
+  double min = 0, max = 0;  // limits of a number
+};
+
 // The code behind "*Custom<keyword> True" and how its parameters are handed over.
 struct PpdCustom {
   std::string code;
-  std::vector<std::string> parameters;  // names, in the order in which the code expects them
+  std::vector<PpdParameter> parameters;  // in the order in which the code expects them
   std::optional<double> order;          // from *NonUIOrderDependency
 };
 

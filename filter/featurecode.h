@@ -1,0 +1,45 @@
+// The code that a job's settings put into the job.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "jobsettings.h"
+
+// The code of one chosen option.
+struct FeatureCode {
+  std::string keyword, choice;  // without asterisk; for a custom value "Custom<keyword>", "True"
+  std::string code;             // never empty
+  double order = 0;
+};
+
+// The code for one section of the job, ordered by *OrderDependency (equal numbers: as in the PPD).
+// Features that stand anywhere belong to the document's setup, and so do their order numbers.
+//  - *PageSize and *PageRegion set the same thing: of the two only one is used, *PageRegion where
+//    the input slot in force asks for it (*RequiresPageRegion) or paper is fed by hand.
+//  - A custom paper size or media type uses the PPD's custom code, or sets the page device itself.
+std::vector<FeatureCode> CodeOfSection(const JobSettings &settings, PpdSection section);
+
+// PostScript that runs one feature's code, marked as the document conventions ask; an error in it
+// leaves the job and its stacks as they were.
+std::string GuardedFeature(const FeatureCode &code);
+
+// GuardedFeature of every element.
+std::string GuardedFeatures(const std::vector<FeatureCode> &codes);
+
+// The code of "*keyword choice" for a job that asks for a feature by itself; empty when the printer
+// has no such option or it needs no code.
+std::string IncludedFeature(const PpdModel &model, std::string_view keyword,
+                            std::string_view choice);
+
+// PostScript that sets the number of copies; empty for one copy, and where the PPD has a feature of
+// its own for copies (JclCopies).
+std::string CopiesCode(const JobSettings &settings);
+
+// The job-control code of the PPD for the number of copies; empty where it has none or one copy is
+// asked for.
+std::string JclCopies(const JobSettings &settings);
+
+// The size of the paper in force and its printable area.
+PpdPageSize PageInForce(const JobSettings &settings);

@@ -1,0 +1,130 @@
+#include "jobsettings.h"
+
+#include <charconv>
+
+namespace {
+
+constexpr int kMostCopies = 32767;
+constexpr double kLongestSide = 1e5;  // points
+constexpr std::string_view kPaperKey = "*CustomPaperSize";
+constexpr std::string_view kMediaKey = "*CustomMediaType";
+
+// The whole of `text` as a number, nothing when it is none.
+template <typename Number>
+std::optional<Number> NumberOf(std::string_view text) {
+  Number number{};
+  const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (result.ec != std::errc() || result.ptr != text.data() + text.size()) return std::nullopt;
+  return number;
+}
+
+std::optional<CustomPaper> PaperOf(std::string_view width, std::string_view length) {
+  const auto w = NumberOf<double>(width);
+  const auto l = NumberOf<double>(length);
+  const auto good = [](const std::optional<double> &v) {
+    return v && *v > 0 && *v <= kLongestSide;
+  };
+  if (!good(w) || !good(l)) return std::nullopt;
+  return CustomPaper{*w, *l};
+}
+
+}  // namespace
+
+JobSettings::JobSettings(const PpdModel &model) : model_(model) {}
+
+void JobSettings::ApplyQueue(const std::vector<Setting> &settings) {
+  // The definitions stand behind the settings that name them.
+  for (const Setting &setting : settings) Define(setting);
+  Apply(settings);
+}
+
+void JobSettings::Define(const Setting &setting) {
+  if (setting.key == kMediaKey) {
+    const size_t mark = setting.value.find("::");
+    if (mark != std::string::npos) {
+      medias_[setting.value.substr(0, mark)] = setting.value.substr(mark + 2);
+    }
+  }
+  if (setting.key != kPaperKey) return;
+  const std::string &value = setting.value;
+  const size_t last = value.rfind("''");
+  const size_t first =
+      last == std::string::npos || last == 0 ? std::string::npos : value.rfind("''", last - 1);
+  const auto paper = first == std::string::npos
+                         ? std::nullopt
+                         : PaperOf(std::string_view(value).substr(first + 2, last - first - 2),
+                                   std::string_view(value).substr(last + 2));
+  if (paper) {
+    papers_[value.substr(0, first)] = *paper;
+  } else {
+    warnings_.push_back("\"" + setting.key + "=" + value + "\" defines no paper size, ignored");
+  }
+}
+
+void JobSettings::Apply(const std::vector<Setting> &settings) {
+  for (const Setting &setting : settings) {
+    if (setting.key != kPaperKey && setting.key != kMediaKey) ApplyOne(setting);
+  }
+}
+
+void JobSettings::ApplyOne(const Setting &setting) {
+  if (setting.key == "*NrCopies") {
+    const auto copies = NumberOf<int>(setting.value);
+    if (copies && *copies >= 1 && *copies <= kMostCopies) {
+      copies_ = *copies;
+    } else {
+      warnings_.push_back("\"*NrCopies=" + setting.value + "\" is no number of copies, ignored");
+    }
+    return;
+  }
+  // A PIN is never looked up, so that it never gets into a warning.
+  const bool may_be_feature = setting.key.starts_with('*') && setting.key != "*DeliveryPIN";
+  const PpdFeature *feature =
+      may_be_feature ? model_.FindFeature(setting.key.substr(1)) : nullptr;
+  if (feature == nullptr) {
+    // A booklet and several pages a sheet exclude each other: the one set later stays.
+    if (setting.key == "*Booklet") others_.erase("*Nup");
+    if (setting.key == "*Nup") others_.erase("*Booklet");
+    others_[setting.key] = setting.value;
+    return;
+  }
+  const PpdChoice *choice = feature->FindChoice(setting.value);
+  const bool custom = (feature->keyword == "PageSize" && papers_.contains(setting.value)) ||
+                      (feature->keyword == "MediaType" && medias_.contains(setting.value));
+  if (choice != nullptr || custom) {
+    features_[feature->keyword] = choice != nullptr ? choice->keyword : setting.value;
+  } else {
+    warnings_.push_back("\"" + setting.key + "=" + setting.value +
+                        "\" is no option of the printer, ignored");
+  }
+}
+
+const PpdChoice *JobSettings::Chosen(std::string_view keyword) const {
+  const PpdFeature *feature = model_.FindFeature(keyword);
+  if (feature == nullptr || feature->choices.empty()) return nullptr;
+  const auto set = features_.find(feature->keyword);
+  return set == features_.end() ? &feature->DefaultChoice() : feature->FindChoice(set->second);
+}
+
+bool JobSettings::IsSet(std::string_view keyword) const {
+  const PpdFeature *feature = model_.FindFeature(keyword);
+  return feature != nullptr && features_.contains(feature->keyword);
+}
+
+std::optional<CustomPaper> JobSettings::Paper() const {
+  const auto set = features_.find("PageSize");
+  if (set == features_.end() || Chosen("PageSize") != nullptr) return std::nullopt;
+  const auto paper = papers_.find(set->second);
+  return paper == papers_.end() ? std::nullopt : std::optional(paper->second);
+}
+
+std::optional<std::string> JobSettings::MediaName() const {
+  const auto set = features_.find("MediaType");
+  if (set == features_.end() || Chosen("MediaType") != nullptr) return std::nullopt;
+  return set->second;
+}
+
+std::string JobSettings::Other(std::string_view key) const {
+  const auto found = others_.find(key);
+  return found == others_.end() ? std::string() : found->second;
+}

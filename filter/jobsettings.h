@@ -1,0 +1,61 @@
+// The settings of one job, merged from their layers.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "optionfiles.h"
+#include "ppdmodel.h"
+
+struct CustomPaper {
+  double width = 0, length = 0;  // points
+};
+
+class JobSettings {
+ public:
+  // Begins with the defaults of `model`, which must outlive this.
+  explicit JobSettings(const PpdModel &model);
+
+  // Lays the settings of a queue over the present ones. Only a queue defines custom paper sizes
+  // ("*CustomPaperSize=name''width''length") and media types ("*CustomMediaType=name::display name").
+  void ApplyQueue(const std::vector<Setting> &settings);
+
+  // Lays a user's or a job's settings over the present ones. A value that the printer does not offer
+  // changes nothing and is added to the warnings.
+  void Apply(const std::vector<Setting> &settings);
+
+  const PpdModel &Model() const { return model_; }
+
+  // The choice for a feature (keyword without asterisk); nothing for a feature without choices and
+  // for one that is not there, or stands at a custom value.
+  const PpdChoice *Chosen(std::string_view keyword) const;
+
+  // Whether a layer above the printer's defaults set the feature.
+  bool IsSet(std::string_view keyword) const;
+
+  // The custom paper size or media type in force, if one is.
+  std::optional<CustomPaper> Paper() const;
+  std::optional<std::string> MediaName() const;
+
+  // The value of a key that is no feature of the printer ("*JobName"), or an empty text.
+  std::string Other(std::string_view key) const;
+
+  int Copies() const { return copies_; }
+
+  const std::vector<std::string> &Warnings() const { return warnings_; }
+
+ private:
+  void ApplyOne(const Setting &setting);
+  void Define(const Setting &setting);
+
+  const PpdModel &model_;
+  std::map<std::string, std::string, std::less<>> features_;  // keyword -> choice or custom name
+  std::map<std::string, std::string, std::less<>> others_;
+  std::map<std::string, CustomPaper, std::less<>> papers_;
+  std::map<std::string, std::string, std::less<>> medias_;
+  int copies_ = 1;
+  std::vector<std::string> warnings_;
+};

@@ -1,0 +1,309 @@
+#include "postscript.h"
+
+#include <charconv>
+#include <string_view>
+
+#include "featurecode.h"
+
+namespace {
+
+// Where in a conforming document the copying is.
+enum class Place {
+  Header,    // in the header comments
+  Preamble,  // behind them, before the document's setup
+  Prolog,    // between BeginProlog and EndProlog
+  Body       // the setup code is out
+};
+
+std::string_view WithoutEnd(std::string_view line) {
+  while (line.ends_with('\n') || line.ends_with('\r')) line.remove_suffix(1);
+  return line;
+}
+
+std::string_view AfterBlanks(std::string_view text) {
+  const size_t first = text.find_first_not_of(" \t");
+  return first == std::string_view::npos ? std::string_view() : text.substr(first);
+}
+
+// Whether the rest of the header still lies in `line`: comments of the conventions have a printable
+// character behind the percent sign.
+bool IsHeaderComment(std::string_view line) {
+  return line.size() > 1 && line[0] == '%' && line[1] > ' ' && line[1] < 0x7F &&
+         !line.starts_with("%%Begin") && !line.starts_with("%%Page:") &&
+         !line.starts_with("%%Trailer") && !line.starts_with("%%EOF");
+}
+
+// Whether one of the marks that end a prolog without frame lies in `ahead`.
+bool PrologEndsIn(std::string_view ahead) {
+  for (const std::string_view mark : {"%%EndProlog", "%%BeginSetup", "%%Page:"}) {
+    size_t at = 0;
+    while ((at = ahead.find(mark, at)) != std::string_view::npos) {
+      if (at > 0 && (ahead[at - 1] == '\n' || ahead[at - 1] == '\r')) return true;
+      ++at;
+    }
+  }
+  return false;
+}
+
+// Copies one document; ends at the end of the job or before a language switch.
+class DocumentFilter {
+ public:
+  DocumentFilter(const PpdModel &model, const DocumentCode &code, JobSource *source, JobSink *sink)
+      : model_(model), code_(code), source_(source), sink_(sink) {}
+
+  void Run();
+
+ private:
+  void Unstructured(bool has_first_line);
+  void Line(std::string_view line);
+  bool Verbatim(std::string_view line);
+  void HeaderLine(std::string_view line);
+  void PreambleLine(std::string_view line);
+  void PrologLine(std::string_view line);
+  void BodyLine(std::string_view line);
+  void CountedData(std::string_view line);
+  void WriteProlog(bool with_frame);
+  void WriteSetup(bool with_frame);
+
+  const PpdModel &model_;
+  const DocumentCode &code_;
+  JobSource *source_;
+  JobSink *sink_;
+  Place place_ = Place::Header;
+  int documents_ = 0;  // depth of BeginDocument
+  int blocks_ = 0;     // depth of other Begin/End pairs in the preamble
+  bool prolog_written_ = false;
+  bool loose_prolog_ = false;  // prolog code without a frame goes on
+  bool page_pending_ = false;  // the page setup code of the present page is still to come
+};
+
+void DocumentFilter::Run() {
+  const std::string_view start = source_->Peek(11);
+  const bool marked = start.starts_with("%!");
+  const bool conforming = start == "%!PS-Adobe-";
+  sink_->Write(code_.exit_server);
+  if (!conforming) Unstructured(marked);
+  for (;;) {
+    const std::string_view next = source_->Peek(kUel.size());
+    if (next.empty() || next == kUel || sink_->Error() != 0) return;
+    const std::string_view piece = source_->NextPiece();
+    if (source_->AtLineStart()) {
+      Line(piece);
+    } else {
+      sink_->Write(piece);
+    }
+  }
+}
+
+// A job that does not follow the conventions gets the code before all of its own.
+void DocumentFilter::Unstructured(bool has_first_line) {
+  if (has_first_line) {
+    bool ended = false;
+    while (!ended && source_->Peek(kUel.size()) != kUel) {
+      const std::string_view piece = source_->NextPiece();
+      if (piece.empty()) break;
+      sink_->Write(piece);
+      ended = piece.ends_with('\n') || piece.ends_with('\r');
+    }
+    if (!ended) sink_->Write("\n");
+  } else {
+    sink_->Write("%!\n");
+  }
+  sink_->Write(code_.prolog);
+  sink_->Write(code_.setup);
+  sink_->Write(code_.page_setup);
+  place_ = Place::Body;
+  page_pending_ = false;
+}
+
+void DocumentFilter::Line(std::string_view line) {
+  if (Verbatim(line)) return;
+  switch (place_) {
+    case Place::Header:
+      HeaderLine(line);
+      return;
+    case Place::Preamble:
+      PreambleLine(line);
+      return;
+    case Place::Prolog:
+      PrologLine(line);
+      return;
+    case Place::Body:
+      BodyLine(line);
+      return;
+  }
+}
+
+// Copies included documents and counted data, which are none of ours.
+bool DocumentFilter::Verbatim(std::string_view line) {
+  const bool begins = line.starts_with("%%BeginDocument");
+  if (begins && documents_ == 0 && place_ != Place::Body && place_ != Place::Prolog) {
+    WriteProlog(true);
+    WriteSetup(true);
+  }
+  if (begins) ++documents_;
+  if (line.starts_with("%%BeginBinary:") || line.starts_with("%%BeginData:")) {
+    CountedData(line);
+    return true;
+  }
+  if (documents_ == 0) return false;
+  if (line.starts_with("%%EndDocument")) --documents_;
+  sink_->Write(line);
+  return true;
+}
+
+// "%%BeginBinary: <bytes>" and "%%BeginData: <count> [<type> [Bytes | Lines]]".
+void DocumentFilter::CountedData(std::string_view line) {
+  const std::string_view text = AfterBlanks(line.substr(line.find(':') + 1));
+  size_t count = 0;
+  const bool number =
+      std::from_chars(text.data(), text.data() + text.size(), count).ec == std::errc();
+  const bool lines = WithoutEnd(text).find("Lines") != std::string_view::npos;
+  sink_->Write(line);
+  if (!number) return;
+  if (lines) {
+    source_->CopyLines(count, sink_);
+  } else {
+    source_->CopyBytes(count, sink_);
+  }
+}
+
+void DocumentFilter::HeaderLine(std::string_view line) {
+  if (IsHeaderComment(line)) {
+    if (line.starts_with("%%EndComments")) place_ = Place::Preamble;
+    sink_->Write(line);
+    return;
+  }
+  place_ = Place::Preamble;
+  PreambleLine(line);
+}
+
+void DocumentFilter::PreambleLine(std::string_view line) {
+  const std::string_view text = WithoutEnd(line);
+  if (text.starts_with("%%BeginProlog")) {
+    sink_->Write(line);
+    WriteProlog(false);
+    place_ = Place::Prolog;
+    loose_prolog_ = false;
+  } else if (text.starts_with("%%BeginSetup")) {
+    WriteProlog(true);
+    sink_->Write(line);
+    WriteSetup(false);
+  } else if (text.starts_with("%%Page:") || text.starts_with("%%Trailer") ||
+             text.starts_with("%%EOF")) {
+    WriteProlog(true);
+    WriteSetup(true);
+    BodyLine(line);
+  } else if (text.starts_with("%%EndProlog")) {
+    WriteProlog(false);
+    loose_prolog_ = false;
+    sink_->Write(line);
+  } else if (text.empty() || text.starts_with('%') || blocks_ > 0 || loose_prolog_) {
+    if (text.starts_with("%%Begin")) ++blocks_;
+    if (text.starts_with("%%End") && blocks_ > 0) --blocks_;
+    sink_->Write(line);
+  } else {
+    // Code without a frame: prolog of an older document, or the document itself.
+    const std::string first(line);
+    loose_prolog_ = PrologEndsIn(source_->Peek(JobSource::kCapacity / 2));
+    if (loose_prolog_) {
+      WriteProlog(false);
+      sink_->Write(first);
+    } else {
+      WriteProlog(true);
+      WriteSetup(true);
+      BodyLine(first);
+    }
+  }
+}
+
+void DocumentFilter::PrologLine(std::string_view line) {
+  if (line.starts_with("%%EndProlog")) {
+    sink_->Write(line);
+    place_ = Place::Preamble;
+    blocks_ = 0;
+  } else if (line.starts_with("%%BeginSetup") || line.starts_with("%%Page:")) {
+    PreambleLine(line);
+  } else {
+    sink_->Write(line);
+  }
+}
+
+void DocumentFilter::BodyLine(std::string_view line) {
+  constexpr std::string_view kInclude = "%%IncludeFeature:";
+  if (page_pending_ && line.starts_with("%%BeginPageSetup")) {
+    sink_->Write(line);
+    sink_->Write(code_.page_setup);
+    page_pending_ = false;
+    return;
+  }
+  if (page_pending_ && (!line.starts_with("%%") || line.starts_with("%%Begin") ||
+                        line.starts_with("%%Include"))) {
+    sink_->Write("%%BeginPageSetup\n" + code_.page_setup + "%%EndPageSetup\n");
+    page_pending_ = false;
+  }
+  sink_->Write(line);
+  if (line.starts_with("%%Page:")) page_pending_ = !code_.page_setup.empty();
+  if (!line.starts_with(kInclude)) return;
+  const std::string_view text = WithoutEnd(AfterBlanks(line.substr(kInclude.size())));
+  const size_t blank = text.find_first_of(" \t");
+  if (!text.starts_with('*') || blank == std::string_view::npos) return;
+  std::string_view choice = AfterBlanks(text.substr(blank));
+  choice = choice.substr(0, choice.find_first_of(" \t"));
+  sink_->Write(IncludedFeature(model_, text.substr(1, blank - 1), choice));
+}
+
+void DocumentFilter::WriteProlog(bool with_frame) {
+  if (prolog_written_ || code_.prolog.empty()) return;
+  prolog_written_ = true;
+  if (with_frame) sink_->Write("%%BeginProlog\n");
+  sink_->Write(code_.prolog);
+  if (with_frame) sink_->Write("%%EndProlog\n");
+}
+
+void DocumentFilter::WriteSetup(bool with_frame) {
+  place_ = Place::Body;
+  loose_prolog_ = false;
+  if (code_.setup.empty()) return;
+  if (with_frame) sink_->Write("%%BeginSetup\n");
+  sink_->Write(code_.setup);
+  if (with_frame) sink_->Write("%%EndSetup\n");
+}
+
+}  // namespace
+
+DocumentCode CodeOfDocument(const JobSettings &settings) {
+  DocumentCode code;
+  const auto exit_server = CodeOfSection(settings, PpdSection::Exit);
+  // A job of its own, as what it sets is to last.
+  if (!exit_server.empty()) {
+    code.exit_server = "%!PS-Adobe-3.0 ExitServer\n" + GuardedFeatures(exit_server) + "%%EOF\n";
+  }
+  code.prolog = GuardedFeatures(CodeOfSection(settings, PpdSection::Prolog));
+  code.setup =
+      GuardedFeatures(CodeOfSection(settings, PpdSection::Document)) + CopiesCode(settings);
+  code.page_setup = GuardedFeatures(CodeOfSection(settings, PpdSection::Page));
+  return code;
+}
+
+void FilterPostScript(const JobSettings &settings, const JobIdentity &identity, JobSource *source,
+                      JobSink *sink) {
+  const DocumentCode code = CodeOfDocument(settings);
+  // More than one turn for a job that holds several documents with job control between them.
+  for (;;) {
+    const JobControl control = TakeJobControl(source);
+    if (source->Peek(1).empty() || sink->Error() != 0) break;
+    if (source->Peek(kUel.size()) == kUel) continue;
+    const bool other =
+        !control.language.empty() && !control.language.starts_with("POSTSCRIPT");
+    sink->Write(JobControlHeader(settings, identity, control.settings,
+                                 other ? control.language : "POSTSCRIPT"));
+    if (other) {
+      source->CopyRest(sink);
+    } else {
+      DocumentFilter(settings.Model(), code, source, sink).Run();
+    }
+    sink->Write(JobControlTrailer(settings.Model()));
+  }
+  sink->Flush();
+}
