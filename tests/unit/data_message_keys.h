@@ -189,6 +189,7 @@ inline constexpr MessageKey kMessageKeys[] = {
     {"MSG3", ""},
     {"PAFNotFoundError", "s"},
     {"UseAppSetting", ""},
+    {"WARN_QUEUE_LIST_RESTORED", "s"},
     {"WARN_QUEUE_SCRIPT_CHANGED", "s"},
     {"pcl6", ""},
     {"postscript", ""},
