@@ -40,7 +40,8 @@ int fDelete_CFeature_Function(CFeature *feature);
 Owned<CFeature> fClone_CFeature_Function(const CFeature *feature);
 
 // Getters lend the member (null when the record or the member is null). Setters replace it by a
-// clone of `value`, which stays the caller's: 1; 0 and no change when the record or `value` is null.
+// clone of `value`, which stays the caller's: 1; 0 and no change when the record or `value` is
+// null.
 CString *fGet_Translation_Function(const CFeature *feature);
 int fSet_Translation_Function(CFeature *feature, const CString *value);
 CString *fGet_Default_Function(const CFeature *feature);

@@ -49,6 +49,7 @@ CHash *fGetCustomPaper_Function(const CPrinter *printer);
 CList *fGetConstraints_Function(const CPrinter *printer);
 CString *fGetPpdFile_Function(const CPrinter *printer);
 
-// Reads the record's description file into it and returns the printer's name. A file that cannot be
-// read or is corrupt ends the process with status 5 after one line on standard error.
+// Reads the record's description file into it and returns the printer's name; null for null. A file
+// that cannot be read or is corrupt ends the process with status 5 after one line on standard
+// error.
 Owned<CString> fFillFromPaf_Function(CPrinter *printer);

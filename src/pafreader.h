@@ -19,8 +19,8 @@ struct PafContent {
 
 // Why a description is corrupt.
 struct PafError {
-  std::string line;  // the line being read, empty at the end of the file
-  int line_number;   // from 1; at the end of the file the last line's
+  std::string line;    // the line being read, empty at the end of the file
+  int line_number;     // from 1; at the end of the file the last line's
   std::string reason;  // English, for the log
 };
 
@@ -30,4 +30,4 @@ std::variant<PafContent, PafError> ReadPaf(LineReader &lines);
 
 // The text between the first and the second ":" of a header line ("##Name:", "##PPD:"), untrimmed;
 // up to the end when there is no second one.
-std::string PafHeaderValue(const std::string &line);
+std::string PafHeaderText(const std::string &line);
