@@ -6,10 +6,12 @@ kpx_add_test(NAME data_messages SOURCES unit/data_messages_test.cpp LIBS kpx_cor
 kpx_add_test(NAME data_help SOURCES unit/data_help_test.cpp LIBS kpx_core LABEL unit)
 kpx_add_test(NAME data_fontmap SOURCES unit/data_fontmap_test.cpp LIBS kpx_core LABEL unit)
 kpx_add_test(NAME data_ppd SOURCES unit/data_ppd_test.cpp LIBS kpx_core LABEL unit)
+kpx_add_test(NAME data_paf SOURCES unit/data_paf_test.cpp LIBS kpx_core LABEL unit)
 kpx_add_test(NAME data_installed SOURCES unit/data_installed_test.cpp LIBS kpx_core LABEL unit
   SANDBOX bare)
-foreach(name data_fontmap data_ppd)
-  target_compile_definitions(test_${name} PRIVATE KPX_PPD_DIR="${KPX_PPD_DIR}")
+foreach(name data_fontmap data_ppd data_paf)
+  target_compile_definitions(test_${name} PRIVATE KPX_PPD_DIR="${KPX_PPD_DIR}"
+                             KPX_PAF_DIR="${KPX_PAF_DIR}")
   add_dependencies(test_${name} kpx_data)
 endforeach()
 
