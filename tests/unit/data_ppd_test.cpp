@@ -193,6 +193,23 @@ TEST_P(ShippedPpd, HasOptionCodeThatAnInterpreterRuns) {
   EXPECT_EQ(InterpreterOutput(program), "");
 }
 
+TEST_P(ShippedPpd, KeepsTheChosenHalftoneWhenTheJobSetsItsPageDevice) {
+  for (const PpdOption &option : ppd_.features.at("HalfTone").options) {
+    const std::string frequency =
+        "currenthalftone /Frequency 2 copy known {get cvi} {pop pop 0} ifelse ";
+    const std::string shown = InterpreterOutput(
+        option.code + " " + frequency + "=\n<</NumCopies 2/PageSize[300 400]>>setpagedevice " +
+        frequency + "=\n");
+    std::istringstream lines(shown);
+    std::string before, after;
+    lines >> before >> after;
+    EXPECT_EQ(after, before) << option.name;
+    if (option.name == "Fine") {
+      EXPECT_EQ(after, "106");
+    }
+  }
+}
+
 INSTANTIATE_TEST_SUITE_P(Models, ShippedPpd, testing::ValuesIn(kModels),
                          [](const auto &row) { return std::string(row.param.file); });
 
