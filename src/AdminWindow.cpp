@@ -1,25 +1,93 @@
 #include "AdminWindow.h"
 
 #include "AdminWindowFct.h"
+#include "ListWidget.h"
 #include "Support.h"
 #include "cmessages.h"
+#include "cprintqueue.h"
 #include "debug.h"
+#include "globals.h"
+
+std::unique_ptr<KPXadminWindowHelper> G_KPXadminWindow_helper;
+Owned<CList> G_QueuesSelections;
+
+namespace {
+
+constexpr int L_Border = 10;
+constexpr int L_Spacing = 8;
+
+void AddQueueList(KPXadminWindowHelper &helper, GtkWidget *parent) {
+  helper.queues_list = NewList({{"DEF_LBL_QUEUE_TITLE", 120},
+                                {"DEF_LBL_PRINTER_TITLE", 150},
+                                {"DEF_LBL_TYPE_TITLE", 120},
+                                {"DEF_LBL_IPADDRESS_TITLE", 120}},
+                               GTK_SELECTION_MULTIPLE);
+  StoreWidget(helper.window, helper.queues_list, "QueuesClist");
+  ListOnSelection(helper.queues_list, QueuesCListRowSelection, QueuesCListRowUnSelection);
+  g_signal_connect(helper.queues_list, "button-press-event", G_CALLBACK(LogMultipleClick),
+                   nullptr);
+  GtkWidget *scrolled =
+      NewScrolledList(helper.window, "QueuesScrolledwindow", helper.queues_list);
+  gtk_box_pack_start(GTK_BOX(parent), scrolled, TRUE, TRUE, 0);
+}
+
+void AddQueueButtons(KPXadminWindowHelper &helper, GtkWidget *parent) {
+  GtkWidget *window = helper.window;
+  GtkWidget *box = NewButtonBox(window, GTK_ORIENTATION_HORIZONTAL, "QueueHbuttonbox");
+  gtk_box_pack_start(GTK_BOX(parent), box, FALSE, FALSE, 0);
+  NewButton(window, box, "AddButton", "DEF_BTN_ADD_TITLE", ButtonAddPressed);
+  helper.clone_button =
+      NewButton(window, box, "CloneButton", "DEF_BTN_CLONE_TITLE", ButtonClonePressed);
+  helper.properties_button = NewButton(window, box, "PropertiesButton", "DEF_BTN_PROPERTIES_TITLE",
+                                       ButtonPropertiesPressed);
+  helper.delete_button = NewButton(window, box, "DeleteButton", "DEF_BTN_DELETE_TITLE",
+                                   [] { ButtonKPXDeletePressed(1); });
+  for (GtkWidget *button :
+       {helper.clone_button, helper.properties_button, helper.delete_button}) {
+    gtk_widget_set_sensitive(button, FALSE);
+  }
+}
+
+void AddAdminButtons(GtkWidget *window, GtkWidget *parent) {
+  GtkWidget *box = NewButtonBox(window, GTK_ORIENTATION_HORIZONTAL, "AdminHbuttonbox");
+  gtk_box_pack_start(GTK_BOX(parent), box, FALSE, FALSE, 0);
+  NewButton(window, box, "SaveButton", "DEF_BTN_SAVE_TITLE", ButtonSavePressed);
+  GtkWidget *cancel =
+      NewButton(window, box, "CancelButton", "DEF_BTN_CANCEL_TITLE", ButtonCancelPressed);
+  GtkWidget *help = NewButton(window, box, "HelpButton", "DEF_BTN_HELP_TITLE", ButtonHelpPressed);
+  AddAccelerator(window, cancel, GDK_KEY_Escape);
+  AddAccelerator(window, help, GDK_KEY_F1);
+}
+
+void AddAllQueues(GtkWidget *list) {
+  ListFreeze(list);
+  for (const auto [name, queue] : Pairs<CPrintQueue>(G_Queues_hash)) {
+    AddItemInQueuesCListWidget(name);
+  }
+  ListThaw(list);
+}
+
+}  // namespace
 
 GtkWidget *create_AdminWindow() {
   const LogScope log("create_AdminWindow");
-  GtkWidget *window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
-  StoreWidget(window, window, "AdminWindow");
-  gtk_window_set_title(GTK_WINDOW(window), G_Translate("DEF_WND_ADMIN_TITLE"));
-  gtk_window_set_default_size(GTK_WINDOW(window), 432, 315);
-  OnDeleteEvent(window, ButtonCancelPressed);
-  GtkWidget *box = gtk_box_new(GTK_ORIENTATION_VERTICAL, 8);
-  gtk_container_set_border_width(GTK_CONTAINER(box), 10);
-  gtk_container_add(GTK_CONTAINER(window), box);
-  GtkWidget *buttons = NewButtonBox(window, GTK_ORIENTATION_HORIZONTAL, "AdminHbuttonbox");
-  gtk_box_pack_end(GTK_BOX(box), buttons, FALSE, FALSE, 0);
-  GtkWidget *cancel =
-      NewButton(window, buttons, "CancelButton", "DEF_BTN_CANCEL_TITLE", ButtonCancelPressed);
-  AddAccelerator(window, cancel, GDK_KEY_Escape);
+  G_QueuesSelections = CreateList();
+  G_KPXadminWindow_helper = std::make_unique<KPXadminWindowHelper>();
+  KPXadminWindowHelper &helper = *G_KPXadminWindow_helper;
+  helper.window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+  StoreWidget(helper.window, helper.window, "AdminWindow");
+  gtk_window_set_title(GTK_WINDOW(helper.window), G_Translate("DEF_WND_ADMIN_TITLE"));
+  gtk_window_set_default_size(GTK_WINDOW(helper.window), 432, 315);
+  OnDeleteEvent(helper.window, ButtonCancelPressed);
+
+  GtkWidget *box = gtk_box_new(GTK_ORIENTATION_VERTICAL, L_Spacing);
+  gtk_container_set_border_width(GTK_CONTAINER(box), L_Border);
+  gtk_container_add(GTK_CONTAINER(helper.window), box);
+  AddQueueList(helper, box);
+  AddQueueButtons(helper, box);
+  gtk_box_pack_start(GTK_BOX(box), gtk_separator_new(GTK_ORIENTATION_HORIZONTAL), FALSE, FALSE, 0);
+  AddAdminButtons(helper.window, box);
+  AddAllQueues(helper.queues_list);
   gtk_widget_show_all(box);
-  return window;
+  return helper.window;
 }

@@ -1,10 +1,166 @@
 #include "AdminWindowFct.h"
 
-#include <gtk/gtk.h>
+#include <string>
+#include <vector>
 
+#include "AddQueueWindow.h"
+#include "AdminWindow.h"
+#include "ListWidget.h"
+#include "MessageDialogs.h"
+#include "SaveWindow.h"
+#include "addqueue.h"
+#include "cmessages.h"
+#include "cselection.h"
 #include "debug.h"
+#include "globals.h"
+#include "savequeues.h"
+
+namespace {
+
+Owned<CList> L_DeletedQueues_list;  // CString names, the one deleted last first
+
+CSelection *RecordOfRow(int row) {
+  gpointer position = ListRowData(G_KPXadminWindow_helper->queues_list, row);
+  return ObjectCast<CSelection>(
+      fGetAt_CList_Function(G_QueuesSelections.get(), static_cast<CNodeList *>(position)));
+}
+
+void UpdateButtons() {
+  const KPXadminWindowHelper &helper = *G_KPXadminWindow_helper;
+  const QueueButtons buttons = QueueButtonsFor(helper.m_NumberOfQueuesSelected);
+  gtk_widget_set_sensitive(helper.clone_button, buttons.clone ? TRUE : FALSE);
+  gtk_widget_set_sensitive(helper.properties_button, buttons.properties ? TRUE : FALSE);
+  gtk_widget_set_sensitive(helper.delete_button, buttons.remove ? TRUE : FALSE);
+}
+
+// The name of the first selected queue; without a selection that of the last row.
+std::string FirstSelectedQueue() {
+  std::string name;
+  for (const CSelection *record : Elements<CSelection>(G_QueuesSelections.get())) {
+    name = fGet_CSelection_Value_Function(record);
+    if (fIsSelected_CSelection_Function(record) != 0) break;
+  }
+  return name;
+}
+
+void RememberDeleted(const char *name) {
+  if (L_DeletedQueues_list == nullptr) L_DeletedQueues_list = CreateList();
+  fAddHead_CList_Function(L_DeletedQueues_list.get(), CreateStringWithValue(name));
+}
+
+}  // namespace
+
+void ButtonAddPressed() {
+  const LogScope log("ButtonAddPressed");
+  gtk_widget_show(create_AddQueueWindow());
+}
+
+void ButtonClonePressed() {
+  const LogScope log("ButtonClonePressed");
+  const std::string clone = CloneQueue(FirstSelectedQueue().c_str());
+  if (!clone.empty()) {
+    UnselectAllAndSelectOneInQueuesCList(AddItemInQueuesCListWidget(clone.c_str()));
+  }
+}
+
+void ButtonPropertiesPressed() { const LogScope log("ButtonPropertiesPressed"); }
+
+void ButtonHelpPressed() {
+  const LogScope log("ButtonHelpPressed");
+  ShowHelp("KPX_ADMIN_BEGIN");
+}
+
+void ButtonKPXDeletePressed(int flag) {
+  const LogScope log("ButtonKPXDeletePressed");
+  if (G_QueuesSelections == nullptr) {
+    G_Report(nullptr, "ERR_UNEXPECTED2", {CSelectionClassName});
+    return;
+  }
+  GtkWidget *list = G_KPXadminWindow_helper->queues_list;
+  CNodeList *position = fGetHeadPosition_CList_Function(G_QueuesSelections.get());
+  while (position != nullptr) {
+    CNodeList *current = position;
+    const auto *record = ObjectCast<CSelection>(
+        fGetNext_CList_Function(G_QueuesSelections.get(), &position));
+    if (record == nullptr || fIsSelected_CSelection_Function(record) == 0) continue;
+    const std::string name = fGet_CSelection_Value_Function(record);
+    ListRemove(list, ListFindData(list, current));
+    HashRemove(G_Queues_hash, name.c_str());
+    if (flag != 0) RememberDeleted(name.c_str());
+    fRemoveAt_CList_Function(G_QueuesSelections.get(), current);
+  }
+}
+
+void ButtonSavePressed() {
+  const LogScope log("ButtonSavePressed");
+  const Owned<CList> errors = CreateList();
+  SaveProgressWindow progress;
+  const SaveResult result = SaveQueues(L_DeletedQueues_list.get(), errors.get(),
+                                       [&progress](const SaveStep &step) { progress.Show(step); });
+  if (result == SaveResult::ListNotWritable) {
+    Log(1, "Cannot open for writting the queues.paf file");
+    ButtonCancelPressed();
+  } else if (fIsEmpty_CList_Function(errors.get()) == 1) {
+    ButtonCancelPressed();
+  } else {
+    gtk_widget_show(create_ErrorWarningWindow(errors.get(), kExit));
+  }
+}
 
 void ButtonCancelPressed() {
   const LogScope log("ButtonCancelPressed");
+  if (G_KPXadminWindow_helper == nullptr) return;
+  G_KPXadminWindow_helper.reset();
+  G_QueuesSelections.reset();
+  L_DeletedQueues_list.reset();
   gtk_main_quit();
+}
+
+void QueuesCListRowSelection(int row) {
+  const LogScope log("QueuesCListRowSelection");
+  CSelection *record = RecordOfRow(row);
+  if (record == nullptr) return;
+  if (fIsSelected_CSelection_Function(record) == 0) {
+    ++G_KPXadminWindow_helper->m_NumberOfQueuesSelected;
+  }
+  fSet_Selected_Function(record, 1);
+  UpdateButtons();
+}
+
+void QueuesCListRowUnSelection(int row) {
+  const LogScope log("QueuesCListRowUnSelection");
+  CSelection *record = RecordOfRow(row);
+  if (record == nullptr) return;
+  if (fIsSelected_CSelection_Function(record) != 0) {
+    --G_KPXadminWindow_helper->m_NumberOfQueuesSelected;
+  }
+  fSet_Selected_Function(record, 0);
+  UpdateButtons();
+}
+
+gboolean LogMultipleClick(GtkWidget *, GdkEventButton *event, gpointer) {
+  if (event->type == GDK_2BUTTON_PRESS) Log(4, "2-button press");
+  if (event->type == GDK_3BUTTON_PRESS) Log(4, "3-button press");
+  return FALSE;
+}
+
+int AddItemInQueuesCListWidget(const char *name) {
+  const LogScope log("AddItemInQueuesCListWidget");
+  const std::vector<std::string> row = QueueRow(name);
+  if (row.empty()) return -1;
+  fAddTail_CList_Function(G_QueuesSelections.get(), CreateSelection(name, 0));
+  return ListAppend(G_KPXadminWindow_helper->queues_list, row,
+                    fGetTailPosition_CList_Function(G_QueuesSelections.get()));
+}
+
+void UnselectAllAndSelectOneInQueuesCList(int row) {
+  const LogScope log("UnselectAllAndSelectOneInQueuesCList");
+  GtkWidget *list = G_KPXadminWindow_helper->queues_list;
+  ListUnselectAll(list);
+  for (CSelection *record : Elements<CSelection>(G_QueuesSelections.get())) {
+    fSet_Selected_Function(record, 0);
+  }
+  if (row < 0) return;
+  ListSelectRow(list, row);
+  ListShowRow(list, row);
 }

@@ -1,5 +1,35 @@
 // The administration program's main window: its handlers.
 #pragma once
 
-// Ends the main loop; nothing is written.
+#include <gtk/gtk.h>
+
+// "clicked" handlers of the buttons; Cancel is also the window's close.
+void ButtonAddPressed();
+void ButtonClonePressed();
+void ButtonPropertiesPressed();
+void ButtonHelpPressed();
+
+// Takes the selected queues out of the list and the working set; with a `flag` other than 0 Save
+// will remove them from the spooler.
+void ButtonKPXDeletePressed(int flag);
+
+// Brings spooler and files in line with the working set; ends the main loop when nothing went
+// wrong, else shows what did.
+void ButtonSavePressed();
+
+// Gives the window's state up and ends the main loop; nothing is written.
 void ButtonCancelPressed();
+
+// A row of the queue list became selected or unselected.
+void QueuesCListRowSelection(int row);
+void QueuesCListRowUnSelection(int row);
+
+// Double and triple clicks are only logged. A "button-press-event" handler.
+gboolean LogMultipleClick(GtkWidget *list, GdkEventButton *event, gpointer data);
+
+// Adds a row for the queue of the working set; its number, or -1, after a report on standard error,
+// when the queue is unknown or incomplete.
+int AddItemInQueuesCListWidget(const char *name);
+
+// Leaves exactly that row selected and in view. Out of range: nothing selected.
+void UnselectAllAndSelectOneInQueuesCList(int row);

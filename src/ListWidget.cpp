@@ -22,6 +22,7 @@ struct ListState {
   ListRowHandler selected = nullptr;
   ListRowHandler unselected = nullptr;
   RowSet reported;  // the rows last reported as selected
+  std::map<gconstpointer, GtkTreeIter> by_data;
   bool reporting = false;
 
   ~ListState() { g_object_unref(store); }
@@ -45,15 +46,19 @@ void AddToRowSet(GtkTreeModel *, GtkTreePath *, GtkTreeIter *iter, gpointer data
   static_cast<RowSet *>(data)->emplace(iter->user_data, *iter);
 }
 
+int RowNumber(GtkTreeModel *model, GtkTreeIter iter) {
+  GtkTreePath *path = gtk_tree_model_get_path(model, &iter);
+  const int number = gtk_tree_path_get_indices(path)[0];
+  gtk_tree_path_free(path);
+  return number;
+}
+
 // The numbers of the rows of `rows` that are not in `others`, ascending.
 std::vector<int> RowNumbersOnlyIn(const RowSet &rows, const RowSet &others, GtkTreeModel *model) {
   std::vector<int> numbers;
   for (const auto &[id, iter] : rows) {
     if (others.count(id) != 0) continue;
-    GtkTreeIter row = iter;
-    GtkTreePath *path = gtk_tree_model_get_path(model, &row);
-    numbers.push_back(gtk_tree_path_get_indices(path)[0]);
-    gtk_tree_path_free(path);
+    numbers.push_back(RowNumber(model, iter));
   }
   std::sort(numbers.begin(), numbers.end());
   return numbers;
@@ -130,6 +135,7 @@ int ListAppend(GtkWidget *list, const std::vector<std::string> &cells, gpointer 
   GtkTreeIter iter;
   const int row = ListRowCount(list);
   gtk_list_store_insert_with_values(store, &iter, -1, kDataColumn, data, -1);
+  StateOf(list)->by_data[data] = iter;
   for (size_t i = 0; i < cells.size(); ++i) {
     gtk_list_store_set(store, &iter, kFirstTextColumn + static_cast<int>(i), cells[i].c_str(), -1);
   }
@@ -144,6 +150,7 @@ void ListRemove(GtkWidget *list, int row) {
     if (!RowIter(list, row, &iter)) return;
   }
   StateOf(list)->reported.erase(iter.user_data);
+  StateOf(list)->by_data.erase(ListRowData(list, row));
   gtk_list_store_remove(StateOf(list)->store, &iter);
 }
 
@@ -152,6 +159,7 @@ void ListClear(GtkWidget *list) {
   const bool was_reporting = state->reporting;
   state->reporting = true;
   state->reported.clear();
+  state->by_data.clear();
   gtk_list_store_clear(state->store);
   state->reporting = was_reporting;
 }
@@ -168,15 +176,9 @@ gpointer ListRowData(GtkWidget *list, int row) {
 }
 
 int ListFindData(GtkWidget *list, gconstpointer data) {
-  GtkTreeModel *model = ModelOf(list);
-  GtkTreeIter iter;
-  gboolean more = gtk_tree_model_get_iter_first(model, &iter);
-  for (int row = 0; more != FALSE; ++row, more = gtk_tree_model_iter_next(model, &iter)) {
-    gpointer found = nullptr;
-    gtk_tree_model_get(model, &iter, kDataColumn, &found, -1);
-    if (found == data) return row;
-  }
-  return -1;
+  const auto &by_data = StateOf(list)->by_data;
+  const auto found = by_data.find(data);
+  return found == by_data.end() ? -1 : RowNumber(ModelOf(list), found->second);
 }
 
 std::string ListCell(GtkWidget *list, int row, int column) {

@@ -34,7 +34,8 @@ void ListClear(GtkWidget *list);
 
 int ListRowCount(GtkWidget *list);
 
-// The row's datum, null when out of range; the row of a datum, -1 when there is none.
+// The row's datum, null when out of range; the row of a datum (the last one appended with it), -1
+// when there is none.
 gpointer ListRowData(GtkWidget *list, int row);
 int ListFindData(GtkWidget *list, gconstpointer data);
 

@@ -117,6 +117,15 @@ GtkWidget *NewScrolledText(GtkWidget *window, const char *scrolled_name, const c
   return StoreWidget(window, scrolled, scrolled_name);
 }
 
+GtkWidget *NewScrolledList(GtkWidget *window, const char *name, GtkWidget *list) {
+  GtkWidget *scrolled = gtk_scrolled_window_new(nullptr, nullptr);
+  gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_AUTOMATIC,
+                                 GTK_POLICY_AUTOMATIC);
+  gtk_scrolled_window_set_shadow_type(GTK_SCROLLED_WINDOW(scrolled), GTK_SHADOW_IN);
+  gtk_container_add(GTK_CONTAINER(scrolled), list);
+  return StoreWidget(window, scrolled, name);
+}
+
 void AddAccelerator(GtkWidget *window, GtkWidget *button, guint key) {
   gtk_widget_add_accelerator(button, "clicked", WindowAccelGroup(window), key, GdkModifierType(0),
                              GTK_ACCEL_VISIBLE);

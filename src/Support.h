@@ -32,6 +32,9 @@ GtkWidget *NewLabel(GtkWidget *window, const char *name, const std::string &text
 GtkWidget *NewScrolledText(GtkWidget *window, const char *scrolled_name, const char *text_name,
                            const std::string &text);
 
+// A scrolled window stored as `name` around `list`, with bars when needed.
+GtkWidget *NewScrolledList(GtkWidget *window, const char *name, GtkWidget *list);
+
 // `key` presses `button` wherever the focus is, through the window's one accelerator group.
 void AddAccelerator(GtkWidget *window, GtkWidget *button, guint key);
 

@@ -33,13 +33,7 @@ GtkWidget *NewFilesList(ToolWindowHelper &helper) {
   helper.files_list = NewList({{nullptr, 0}}, GTK_SELECTION_MULTIPLE);
   ListOnSelection(helper.files_list, FilesCListRowSelection, FilesCListRowUnSelection);
   StoreWidget(helper.window, helper.files_list, "FilesClist");
-
-  GtkWidget *scrolled = gtk_scrolled_window_new(nullptr, nullptr);
-  gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_AUTOMATIC,
-                                 GTK_POLICY_AUTOMATIC);
-  gtk_scrolled_window_set_shadow_type(GTK_SCROLLED_WINDOW(scrolled), GTK_SHADOW_IN);
-  gtk_container_add(GTK_CONTAINER(scrolled), helper.files_list);
-  return StoreWidget(helper.window, scrolled, "FilesScrolledwindow");
+  return NewScrolledList(helper.window, "FilesScrolledwindow", helper.files_list);
 }
 
 void AddFilesFrame(ToolWindowHelper &helper, GtkWidget *parent) {

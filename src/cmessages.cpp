@@ -25,15 +25,20 @@ bool IsMarker(const std::string &line) {
          line.starts_with("#end_translation") || line.starts_with("#end_languag");
 }
 
+std::string WithoutFirstCharacter(const std::string &line) {
+  size_t length = 1;
+  while (length < line.size() && (static_cast<unsigned char>(line[length]) & 0xC0) == 0x80)
+    ++length;
+  return line.substr(length);
+}
+
 const char *AllocationFailedText(const CMessages *catalogue) {
   return HashText(catalogue->messages.get(), "AllocMemoryError");
 }
 
 }  // namespace
 
-const CObjectOps *CMessages::Ops() {
-  return &L_Ops.header;
-}
+const CObjectOps *CMessages::Ops() { return &L_Ops.header; }
 
 Owned<CMessages> CreateMessages(const char *path) {
   const LogScope log("CreateMessages");
@@ -44,13 +49,9 @@ Owned<CMessages> CreateMessages(const char *path) {
   return catalogue;
 }
 
-int fCMessages_Class_ID_Function() {
-  return CMessages::kClassId;
-}
+int fCMessages_Class_ID_Function() { return CMessages::kClassId; }
 
-const char *fCMessages_Class_Name_Function() {
-  return CMessagesClassName;
-}
+const char *fCMessages_Class_Name_Function() { return CMessagesClassName; }
 
 int fDelete_CMessages_Function(CMessages *catalogue) {
   if (catalogue == nullptr) return 0;
@@ -81,7 +82,7 @@ void ReadMessages(CMessages *catalogue, LineReader &lines) {
     if (is_language) {
       catalogue->language = CreateStringWithValue(value->c_str());
     } else {
-      HashPutText(table, line->substr(1).c_str(), value->c_str());
+      HashPutText(table, WithoutFirstCharacter(*line).c_str(), value->c_str());
     }
   }
 }

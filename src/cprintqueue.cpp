@@ -37,7 +37,8 @@ constexpr CPrintQueueOps L_Ops{
     .Set_AddressType = fSet_AddressType_Function,
     .Get_PrintingSystem = fGet_PrintingSystem_Function,
     .Set_PrintingSystem = fSet_PrintingSystem_Function,
-    .WriteDefFile = fWriteDefFile_Function,
+    .WriteDefFile = [](const CPrintQueue *queue,
+                       int which) { return fWriteDefFile_Function(queue, which); },
     .FillWithDefaultOptions = fFillWithDefaultOptions_Function,
     .FillFromDefFile = fFillFromDefFile_Function,
 };

@@ -93,9 +93,9 @@ CString *fGet_PrintingSystem_Function(const CPrintQueue *queue);
 int fSet_PrintingSystem_Function(CPrintQueue *queue, const CString *value);
 
 // Writes the options to the queue's own option file (`which` 1: with installable features, custom
-// papers and media) or to the calling user's (`which` 0: options only). 1; 0 after a message on
-// standard error (without one when the user has no name). Defined in deffile.cpp.
-int fWriteDefFile_Function(const CPrintQueue *queue, int which);
+// papers and media) or to the calling user's (`which` 0: options only). 1; 0, reported to `errors`
+// (may be null), when that fails (silently when the user has no name). Defined in deffile.cpp.
+int fWriteDefFile_Function(const CPrintQueue *queue, int which, CList *errors = nullptr);
 
 // Empties the custom papers and sets options and installable features to the defaults of the
 // queue's printer in `printers` (name to CPrinter); each pair is traced on standard error. 1. An

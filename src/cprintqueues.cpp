@@ -18,8 +18,9 @@ constexpr CPrintQueuesOps L_Ops{
                .Class_Name = fCPrintQueues_Class_Name_Function,
                .Delete = DeleteAs<CPrintQueues, fDelete_CPrintQueues_Function>,
                .Clone = CloneAs<CPrintQueues, fClone_CPrintQueues_Function>},
-    .WriteToPaf = fWriteToPaf_Function,
-    .WriteAllToDef = fWriteAllToDef_Function,
+    .WriteToPaf = [](const CPrintQueues *collection) { return fWriteToPaf_Function(collection); },
+    .WriteAllToDef =
+        [](const CPrintQueues *collection) { return fWriteAllToDef_Function(collection); },
     .FillFromPaf = fFillFromPaf_Function_,
     .FillAllFromDef = fFillAllFromDef_Function,
     .GetPrintQueues = fGetPrintQueues_Function,
@@ -82,18 +83,18 @@ Owned<CPrintQueues> fClone_CPrintQueues_Function(const CPrintQueues *collection)
   return clone->queues == nullptr ? nullptr : std::move(clone);
 }
 
-int fWriteToPaf_Function(const CPrintQueues *collection) {
+int fWriteToPaf_Function(const CPrintQueues *collection, CList *errors) {
   const LogScope log("fWriteToPaf_Function");
-  return WriteQueueList(PathOf(collection), fGetPrintQueues_Function(collection)) ? 1 : 0;
+  return WriteQueueList(PathOf(collection), fGetPrintQueues_Function(collection), errors) ? 1 : 0;
 }
 
-int fWriteAllToDef_Function(const CPrintQueues *collection) {
+int fWriteAllToDef_Function(const CPrintQueues *collection, CList *errors) {
   const LogScope log("fWriteAllToDef_Function");
   const CHash *queues = ExistingQueues(collection);
   DeleteFilesEndingIn(kDataDir, ".def");
   int result = 1;
   for (const auto [name, queue] : Pairs<CPrintQueue>(queues)) {
-    if (fWriteDefFile_Function(queue, 1) == 0) result = 0;
+    if (fWriteDefFile_Function(queue, 1, errors) == 0) result = 0;
   }
   return result;
 }

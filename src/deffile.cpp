@@ -55,9 +55,10 @@ std::optional<std::string> CallersDefFilePath(const char *def_file) {
   return UserDefFilePath(name);
 }
 
-bool WriteOwnFile(const std::string &path, const std::string &text, const FileAccess &access) {
+bool WriteOwnFile(const std::string &path, const std::string &text, const FileAccess &access,
+                  CList *errors) {
   if (ReplaceFile(path, text, access)) return true;
-  G_Report(nullptr, "ERR_UNABLE_TO_WRITE_FILE", {path});
+  G_Report(errors, "ERR_UNABLE_TO_WRITE_FILE", {path});
   return false;
 }
 
@@ -102,18 +103,19 @@ std::string UserDefFilePath(const std::string &user_def_file) {
   return std::string(kUsersDir) + "/" + user_def_file;
 }
 
-int fWriteDefFile_Function(const CPrintQueue *queue, int which) {
+int fWriteDefFile_Function(const CPrintQueue *queue, int which, CList *errors) {
   const LogScope log("fWriteDefFile_Function");
   const char *def_file = fGet_CString_Value_Function(fGet_DefFile_Function(queue));
   if (def_file == nullptr) {
-    G_Report(nullptr, "ERR_UNEXPECTED2", {"CPrintQueue"});
+    G_Report(errors, "ERR_UNEXPECTED2", {"CPrintQueue"});
     return 0;
   }
   if (which == 1) {
-    return WriteOwnFile(QueueDefFilePath(def_file), QueueDefFileText(queue), L_QueueFileAccess);
+    return WriteOwnFile(QueueDefFilePath(def_file), QueueDefFileText(queue), L_QueueFileAccess,
+                        errors);
   }
   const std::optional<std::string> path = CallersDefFilePath(def_file);
-  return path && WriteOwnFile(*path, UserDefFileText(queue), L_UserFileAccess) ? 1 : 0;
+  return path && WriteOwnFile(*path, UserDefFileText(queue), L_UserFileAccess, errors) ? 1 : 0;
 }
 
 int fFillFromDefFile_Function(CPrintQueue *queue) {

@@ -27,6 +27,7 @@
 #include "language.h"
 #include "paths.h"
 #include "porting.h"
+#include "queuelistkeep.h"
 #include "stdindata.h"
 #include "textencoding.h"
 #include "utils.h"
@@ -75,6 +76,17 @@ void RefuseOtherAdministrators() {
   std::exit(3);
 }
 
+// A second administrator's program says so and ends.
+void RefuseSecondAdministrator() {
+  if (G_ProgName != kModeAdministration || LockQueueList(kQueuesFile) == 1) return;
+  GtkWidget *window = create_ErrorWindow(nullptr, G_Translate("ERR_ADMIN_RUNNING"));
+  PrintErrorLine(G_Translate("ERR_ADMIN_RUNNING"));
+  g_signal_connect(window, "destroy", G_CALLBACK(gtk_main_quit), nullptr);
+  gtk_widget_show(window);
+  gtk_main();
+  std::exit(1);
+}
+
 void LoadHelp() {
   BuildHelpPath();
   Log(1, "Create the CHelp structure");
@@ -95,7 +107,8 @@ void LoadQueues(CList *messages) {
   BuildQueuesPath();
   Log(1, "Create the CPrintQueues structure");
   G_Queues = CreatePrintQueues(queues_path.c_str());
-  fFillFromPaf_Function_(G_Queues.get(), G_ProgName == kModeAdministration ? 1 : 0);
+  const bool administration = G_ProgName == kModeAdministration;
+  LoadQueueList(G_Queues.get(), administration ? 1 : 0, administration ? messages : nullptr);
   G_Queues_hash = fGetPrintQueues_Function(G_Queues.get());
   RemoveInexistentSystemVQueues(messages);
   G_OrgQueues = CloneOf(G_Queues.get());
@@ -155,6 +168,7 @@ int Run(int argc, char **argv) {
   InstallStyle();
   LoadMessages();
   RefuseOtherAdministrators();
+  RefuseSecondAdministrator();
   const Owned<CList> messages = CreateList();
   GtkWidget *window = StartUp(messages.get());
   if (window == nullptr) return 1;

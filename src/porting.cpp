@@ -128,12 +128,13 @@ int DeleteQueueSysV(const char *name, CList *errors) {
   return 0;
 }
 
-int DeleteQueuesSysV(const CList *names, CList *errors) {
+int DeleteQueuesSysV(const CList *names, CList *errors, const QueueObserver &observer) {
   const LogScope log("DeleteQueuesSysV");
   if (names == nullptr) return 0;
   int result = 1;
   for (const CString *element : Elements<CString>(names)) {
     const char *name = fGet_CString_Value_Function(element);
+    if (observer) observer(name);
     if (OurQueueExistsSysV(name, errors) == 0) continue;
     if (DeleteQueueSysV(name, errors) == 1) {
       G_DeleteAllUsersDefForQueue(name);

@@ -1,6 +1,7 @@
 // The System V spooler: which queues it has, which of them are ours, and how they go.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -42,7 +43,10 @@ std::string DeleteQueueCommand(const std::string &name);
 // name cannot stand in a command.
 int DeleteQueueSysV(const char *name, CList *errors);
 
+// Told the name of each queue before the spooler is asked to do something about it; may be empty.
+using QueueObserver = std::function<void(const char *name)>;
+
 // Removes those of `names` (CString) that are ours from the spooler and their users' option files
 // from the disk. A queue that the spooler keeps comes back into G_Queues_hash as it was at start.
 // 1 when all removals succeeded; 0 after a failure and for a null list.
-int DeleteQueuesSysV(const CList *names, CList *errors);
+int DeleteQueuesSysV(const CList *names, CList *errors, const QueueObserver &observer = {});

@@ -99,7 +99,7 @@ int AddQueueSysV(const char *name, const char *model, CList *errors) {
   return 1;
 }
 
-int AddQueuesSysV(CList *errors) {
+int AddQueuesSysV(CList *errors, const QueueObserver &observer) {
   const LogScope log("AddQueuesSysV");
   const Owned<CList> names = fGetKeys_CHash_Function(G_Queues_hash);
   if (names == nullptr) {
@@ -109,6 +109,7 @@ int AddQueuesSysV(CList *errors) {
   int result = 1;
   ScriptValues values;
   for (const CString *name : Elements<CString>(names.get())) {
+    if (observer) observer(TextOf(name));
     if (BringInLine(TextOf(name), values, errors) == 0) result = 0;
   }
   return result;

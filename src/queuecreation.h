@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "clist.h"
+#include "porting.h"
 
 struct QueueCommand {
   std::string reported_name;  // how a failure's message calls the command
@@ -23,4 +24,4 @@ int AddQueueSysV(const char *name, const char *model, CList *errors);
 // address into the script of those that it has. A queue that cannot be made is taken out of
 // G_Queues_hash. 1 when nothing failed; 0 otherwise, reported to `errors`. A failed change of an
 // address leaves the result and takes the queue's address back.
-int AddQueuesSysV(CList *errors);
+int AddQueuesSysV(CList *errors, const QueueObserver &observer = {});

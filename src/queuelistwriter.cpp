@@ -1,5 +1,7 @@
 #include "queuelistwriter.h"
 
+#include <sys/stat.h>
+
 #include "ccmtparams.h"
 #include "ccpsparams.h"
 #include "cmessages.h"
@@ -96,9 +98,17 @@ void AppendQueue(std::string &text, const char *name, const CPrintQueue *queue) 
   AppendTextLine(text, "#end_queue");
 }
 
-bool WriteListFile(const char *path, const std::string &text) {
-  if (OverwriteFile(path, text, L_ListMode)) return true;
-  G_Report(nullptr, "ERR_UNABLE_TO_WRITE_FILE", {path});
+// A list that is there is replaced whole, so that a crash never leaves half of the new one; it
+// keeps its owner and mode.
+bool WriteListText(const char *path, const std::string &text) {
+  struct stat status = {};
+  const bool is_file = lstat(path, &status) == 0 && S_ISREG(status.st_mode);
+  return is_file ? ReplaceFileDurably(path, text, status) : OverwriteFile(path, text, L_ListMode);
+}
+
+bool WriteListFile(const char *path, const std::string &text, CList *errors) {
+  if (WriteListText(path, text)) return true;
+  G_Report(errors, "ERR_UNABLE_TO_WRITE_FILE", {path});
   return false;
 }
 
@@ -124,15 +134,15 @@ std::string QueueListText(const CHash *queues, int *left_out) {
   return text;
 }
 
-bool WriteHeader(const char *path) {
+bool WriteHeader(const char *path, CList *errors) {
   const LogScope log("WriteHeader");
-  return WriteListFile(path, QueueListHeader());
+  return WriteListFile(path, QueueListHeader(), errors);
 }
 
-bool WriteQueueList(const char *path, const CHash *queues) {
+bool WriteQueueList(const char *path, const CHash *queues, CList *errors) {
   const LogScope log("WriteQueueList");
   int left_out = 0;
   const std::string text = QueueListText(queues, &left_out);
-  for (int i = 0; i < left_out; ++i) G_Report(nullptr, "ERR_UNEXPECTED2", {"CPrintQueue"});
-  return WriteListFile(path, text) && left_out == 0;
+  for (int i = 0; i < left_out; ++i) G_Report(errors, "ERR_UNEXPECTED2", {"CPrintQueue"});
+  return WriteListFile(path, text, errors) && left_out == 0;
 }

@@ -12,7 +12,7 @@ std::string QueueListHeader();
 // queues that lack a member: their entries would make the list unreadable.
 std::string QueueListText(const CHash *queues, int *left_out);
 
-// Write the header alone, or the list of `queues`, over the file `path`: true; false after a
-// message on standard error when it does not hold all of it.
-bool WriteHeader(const char *path);
-bool WriteQueueList(const char *path, const CHash *queues);
+// Write the header alone, or the list of `queues`, over the file `path`: true; false, reported to
+// `errors` (may be null), when it does not hold all of it.
+bool WriteHeader(const char *path, CList *errors = nullptr);
+bool WriteQueueList(const char *path, const CHash *queues, CList *errors = nullptr);

@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <functional>
 #include <utility>
 
 namespace {
@@ -53,6 +54,26 @@ bool FillNewFile(OpenFile &file, std::string_view text, const FileAccess &access
   return file.Write(text) && fchmod(file.Descriptor(), mode) == 0 && file.Close();
 }
 
+// Makes a new file beside `path`, has it filled and closed, and renames it into place.
+bool ReplaceWith(const std::string &path, const std::function<bool(OpenFile &)> &fill) {
+  std::string temporary = path + ".XXXXXX";
+  OpenFile file(mkostemp(temporary.data(), O_CLOEXEC));
+  if (!file.IsOpen()) return false;
+  if (fill(file) && rename(temporary.c_str(), path.c_str()) == 0) return true;
+  const int error = errno;
+  unlink(temporary.c_str());
+  errno = error;
+  return false;
+}
+
+// Makes renames in the directory last.
+bool SyncDirectoryOf(const std::string &path) {
+  const std::string directory = path.substr(0, path.rfind('/') + 1);
+  const OpenFile file(
+      open(directory.empty() ? "." : directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  return file.IsOpen() && fsync(file.Descriptor()) == 0;
+}
+
 }  // namespace
 
 bool OverwriteFile(const std::string &path, std::string_view text, mode_t mode) {
@@ -87,14 +108,17 @@ NewFile WriteNewFile(const std::string &path, std::string_view text, mode_t mode
 }
 
 bool ReplaceFile(const std::string &path, std::string_view text, const FileAccess &access) {
-  std::string temporary = path + ".XXXXXX";
-  OpenFile file(mkostemp(temporary.data(), O_CLOEXEC));
-  if (!file.IsOpen()) return false;
-  if (FillNewFile(file, text, access) && rename(temporary.c_str(), path.c_str()) == 0) return true;
-  const int error = errno;
-  unlink(temporary.c_str());
-  errno = error;
-  return false;
+  return ReplaceWith(path, [&](OpenFile &file) { return FillNewFile(file, text, access); });
+}
+
+bool ReplaceFileDurably(const std::string &path, std::string_view text, const struct stat &like) {
+  const auto fill = [&](OpenFile &file) {
+    // An owner that cannot be given, as on some network file systems, does not cost the text.
+    [[maybe_unused]] const int given = fchown(file.Descriptor(), like.st_uid, like.st_gid);
+    return file.Write(text) && fchmod(file.Descriptor(), like.st_mode & 07777) == 0 &&
+           fsync(file.Descriptor()) == 0 && file.Close();
+  };
+  return ReplaceWith(path, fill) && SyncDirectoryOf(path);
 }
 
 std::optional<std::string> ReadOwnFile(const std::string &path) {

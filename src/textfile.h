@@ -2,6 +2,7 @@
 // noticed.
 #pragma once
 
+#include <sys/stat.h>
 #include <sys/types.h>
 
 #include <optional>
@@ -36,6 +37,10 @@ struct FileAccess {
 // the new one, never half of one. What stood at `path`, a symbolic link too, is replaced. Not
 // flushed to the disk.
 bool ReplaceFile(const std::string &path, std::string_view text, const FileAccess &access);
+
+// The same, with the owner, group and mode of `like`, and flushed to the disk before and after the
+// renaming: whatever ends the machine, the old text or the new one is there.
+bool ReplaceFileDurably(const std::string &path, std::string_view text, const struct stat &like);
 
 // The content of a regular file that the effective user or the superuser owns; nothing for any
 // other, a symbolic link included.

@@ -1,0 +1,131 @@
+#include "AddQueueWindow.h"
+
+#include <string>
+#include <vector>
+
+#include "AddQueueWindowFct.h"
+#include "ComboWidget.h"
+#include "EntryHandlers.h"
+#include "ListWidget.h"
+#include "MessageDialogs.h"
+#include "Support.h"
+#include "addqueue.h"
+#include "cmessages.h"
+#include "debug.h"
+
+std::unique_ptr<AddQueueWindowHelper> G_AddQueueWindow_helper;
+
+namespace {
+
+constexpr int L_Border = 10;
+constexpr int L_Spacing = 8;
+constexpr int L_NameLength = 128;
+constexpr int L_AddressLength = 64;
+
+// The form: a grid of labels and fields, filled from the top.
+struct Form {
+  GtkWidget *window;
+  GtkWidget *grid;
+  int rows;
+};
+
+// Adds a row; the label is stored under `label_name`.
+void AddRow(Form &form, const char *label_name, const char *label_key, GtkWidget *field,
+            GtkWidget *target) {
+  GtkWidget *label = NewLabel(form.window, label_name, G_Translate(label_key), target);
+  gtk_widget_set_valign(label, field == target ? GTK_ALIGN_CENTER : GTK_ALIGN_START);
+  gtk_widget_set_hexpand(field, TRUE);
+  gtk_grid_attach(GTK_GRID(form.grid), label, 0, form.rows, 1, 1);
+  gtk_grid_attach(GTK_GRID(form.grid), field, 1, form.rows, 1, 1);
+  ++form.rows;
+}
+
+GtkWidget *NewEntry(const Form &form, const char *name, int max_length) {
+  GtkWidget *entry = StoreWidget(form.window, gtk_entry_new(), name);
+  gtk_entry_set_max_length(GTK_ENTRY(entry), max_length);
+  return entry;
+}
+
+void AddCombo(Form &form, const std::string &name, const char *label_key,
+              const std::vector<std::string> &texts, void (*changed)()) {
+  GtkWidget *combo =
+      NewCombo(form.window, (name + "Combo").c_str(), (name + "ComboEntry").c_str(), changed);
+  ComboFill(combo, texts);
+  ComboSetRow(combo, 0);
+  AddRow(form, (name + "Label").c_str(), label_key, combo, combo);
+}
+
+void AddPrinterList(Form &form) {
+  GtkWidget *list = NewList({{nullptr, 80}}, GTK_SELECTION_SINGLE);
+  StoreWidget(form.window, list, "PrinterClist");
+  ListOnSelection(list, PrintersCListRowSelection, PrintersCListRowUnSelection);
+  FillPrinterCList(list);
+  G_AddQueueWindow_helper->printer_list = list;
+  GtkWidget *scrolled = NewScrolledList(form.window, "PrinterScrolledwindow", list);
+  gtk_widget_set_vexpand(scrolled, TRUE);
+  AddRow(form, "PrinterLabel", "DEF_LBL_PRINTER", scrolled, list);
+}
+
+std::vector<std::string> TypeTexts() {
+  std::vector<std::string> texts;
+  for (const char *type : G_QueueTypes) texts.emplace_back(G_Translate(type));
+  return texts;
+}
+
+void AddFields(Form &form) {
+  GtkWidget *name = NewEntry(form, "QueueEntry", L_NameLength);
+  FilterAsQueueName(name);
+  AddRow(form, "QueueLabel", "DEF_LBL_QUEUE", name, name);
+  AddPrinterList(form);
+  AddCombo(form, "QueueType", "DEF_LBL_TYPE", TypeTexts(), nullptr);
+  AddCombo(form, "Transport", "DEF_LBL_TRANSPORT", {G_Translate("tcpip")}, nullptr);
+  GtkWidget *address = NewEntry(form, "AddressEntry", L_AddressLength);
+  FilterAsAddress(address);
+  AddRow(form, "AddressLabel", "DEF_LBL_IPADDRESS", address, address);
+  AddCombo(form, "PrintingSystem", "DEF_LBL_PRN_SYS", {"SystemV"}, PrnSysComboBoxOptionChanged);
+  GtkWidget *about = NewButtonBox(form.window, GTK_ORIENTATION_HORIZONTAL, "AboutHbuttonbox");
+  gtk_button_box_set_layout(GTK_BUTTON_BOX(about), GTK_BUTTONBOX_END);
+  NewButton(form.window, about, "AboutButton", "DEF_BTN_ABOUT_TITLE", G_ButtonAboutPressed);
+  gtk_grid_attach(GTK_GRID(form.grid), about, 1, form.rows, 1, 1);
+}
+
+void AddButtons(GtkWidget *window, GtkWidget *parent) {
+  GtkWidget *box = NewButtonBox(window, GTK_ORIENTATION_HORIZONTAL, "AddQueueHbuttonbox");
+  gtk_box_pack_end(GTK_BOX(parent), box, FALSE, FALSE, 0);
+  GtkWidget *ok = NewButton(window, box, "OKButton", "DEF_BTN_OK_TITLE", ButtonOKAddQueuePressed);
+  GtkWidget *cancel =
+      NewButton(window, box, "CancelButton", "DEF_BTN_CANCEL_TITLE", ButtonCancelAddQueuePressed);
+  NewButton(window, box, "ApplyButton", "DEF_BTN_APPLY_TITLE", ButtonApplyAddQueuePressed);
+  GtkWidget *help =
+      NewButton(window, box, "HelpButton", "DEF_BTN_HELP_TITLE", ButtonHelpAddQueuePressed);
+  AddReturnAccelerator(window, ok);
+  AddAccelerator(window, cancel, GDK_KEY_Escape);
+  AddAccelerator(window, help, GDK_KEY_F1);
+}
+
+}  // namespace
+
+GtkWidget *create_AddQueueWindow() {
+  const LogScope log("create_AddQueueWindow");
+  GtkWidget *window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+  StoreWidget(window, window, "AddQueueWindow");
+  gtk_window_set_title(GTK_WINDOW(window), G_Translate("DEF_WND_ADDQUEUE_TITLE"));
+  gtk_window_set_default_size(GTK_WINDOW(window), 427, 371);
+  MakeModal(window);
+  OnDeleteEvent(window, ButtonCancelAddQueuePressed);
+  G_AddQueueWindow_helper =
+      std::make_unique<AddQueueWindowHelper>(AddQueueWindowHelper{window, nullptr, -1});
+
+  GtkWidget *box = gtk_box_new(GTK_ORIENTATION_VERTICAL, L_Spacing);
+  gtk_container_set_border_width(GTK_CONTAINER(box), L_Border);
+  gtk_container_add(GTK_CONTAINER(window), box);
+  Form form{window, gtk_grid_new(), 0};
+  gtk_grid_set_row_spacing(GTK_GRID(form.grid), L_Spacing);
+  gtk_grid_set_column_spacing(GTK_GRID(form.grid), L_Spacing);
+  gtk_box_pack_start(GTK_BOX(box), form.grid, TRUE, TRUE, 0);
+  AddFields(form);
+  AddButtons(window, box);
+  G_Toggle_Ok_Apply_Sensitivity();
+  gtk_widget_show_all(box);
+  return window;
+}

@@ -1,0 +1,16 @@
+// The add-queue dialog: builder and state.
+#pragma once
+
+#include <gtk/gtk.h>
+
+#include <memory>
+
+struct AddQueueWindowHelper {
+  GtkWidget *window;
+  GtkWidget *printer_list;
+  int selected_printer;  // row of the printer list, -1 when none
+};
+extern std::unique_ptr<AddQueueWindowHelper> G_AddQueueWindow_helper;
+
+// Builds the dialog, not yet shown, and fills G_AddQueueWindow_helper.
+GtkWidget *create_AddQueueWindow();

@@ -1,0 +1,90 @@
+#include "AddQueueWindowFct.h"
+
+#include "AddQueueWindow.h"
+#include "AdminWindowFct.h"
+#include "ComboWidget.h"
+#include "EntryHandlers.h"
+#include "ListWidget.h"
+#include "MessageDialogs.h"
+#include "Support.h"
+#include "addqueue.h"
+#include "chelp.h"
+#include "cprinter.h"
+#include "debug.h"
+#include "globals.h"
+
+namespace {
+
+std::string EntryText(const char *name) {
+  return gtk_entry_get_text(GTK_ENTRY(lookup_widget(G_AddQueueWindow_helper->window, name)));
+}
+
+std::string ComboEntryText(const char *name) {
+  return ComboText(lookup_widget(G_AddQueueWindow_helper->window, name));
+}
+
+}  // namespace
+
+void ButtonOKAddQueuePressed() {
+  const LogScope log("ButtonOKAddQueuePressed");
+  if (GetAndSaveUserDataAddQueue() == 1) ButtonCancelAddQueuePressed();
+}
+
+void ButtonApplyAddQueuePressed() {
+  const LogScope log("ButtonApplyAddQueuePressed");
+  GetAndSaveUserDataAddQueue();
+}
+
+void ButtonCancelAddQueuePressed() {
+  const LogScope log("ButtonCancelAddQueuePressed");
+  gtk_widget_destroy(G_AddQueueWindow_helper->window);
+  G_AddQueueWindow_helper.reset();
+}
+
+void ButtonHelpAddQueuePressed() {
+  const LogScope log("ButtonHelpAddQueuePressed");
+  std::string text;
+  for (const char *block : {"KPX_ADMIN_ADDQUEUE_BEGIN", "KPX_ABOUT_BTN_BEGIN",
+                            "KPX_ADMIN_ADDQUEUE_BTNS_BEGIN"}) {
+    text += fGetHelp_Function(G_Help.get(), block);
+  }
+  gtk_widget_show(create_HelpWindow(text));
+}
+
+void PrintersCListRowSelection(int row) {
+  const LogScope log("PrintersCListRowSelection");
+  G_AddQueueWindow_helper->selected_printer = row;
+  G_Toggle_Ok_Apply_Sensitivity();
+}
+
+void PrintersCListRowUnSelection(int) {
+  const LogScope log("PrintersCListRowUnSelection");
+  G_AddQueueWindow_helper->selected_printer = -1;
+  G_Toggle_Ok_Apply_Sensitivity();
+}
+
+void FillPrinterCList(GtkWidget *list) {
+  const LogScope log("FillPrinterCList");
+  ListFreeze(list);
+  ListClear(list);
+  for (const auto [name, printer] : Pairs<CPrinter>(G_Printers_hash)) {
+    ListAppend(list, {name}, printer);
+  }
+  ListThaw(list);
+}
+
+int GetAndSaveUserDataAddQueue() {
+  const LogScope log("GetAndSaveUserDataAddQueue");
+  const AddQueueWindowHelper &helper = *G_AddQueueWindow_helper;
+  const NewQueue input{EntryText("QueueEntry"),
+                       ListCell(helper.printer_list, helper.selected_printer, 0),
+                       ComboEntryText("QueueTypeCombo"), ComboEntryText("TransportCombo"),
+                       EntryText("AddressEntry")};
+  const AddQueueResult result = AddQueue(input);
+  if (result.warning_key != nullptr) ShowError(result.warning_key);
+  if (!result.added) return 0;
+  UnselectAllAndSelectOneInQueuesCList(AddItemInQueuesCListWidget(input.name.c_str()));
+  return 1;
+}
+
+void PrnSysComboBoxOptionChanged() { const LogScope log("PrnSysComboBoxOptionChanged"); }

@@ -1,0 +1,24 @@
+// The add-queue dialog: its handlers.
+#pragma once
+
+#include <gtk/gtk.h>
+
+// "clicked" handlers of the buttons; Cancel is also the window's close.
+void ButtonOKAddQueuePressed();
+void ButtonApplyAddQueuePressed();
+void ButtonCancelAddQueuePressed();
+void ButtonHelpAddQueuePressed();
+
+// A row of the printer list became selected or unselected.
+void PrintersCListRowSelection(int row);
+void PrintersCListRowUnSelection(int row);
+
+// Fills the list with the names of the printer catalogue, in key order.
+void FillPrinterCList(GtkWidget *list);
+
+// Reads the dialog and adds the queue to the working set and to the administration window: 1; 0
+// after telling the user what is missing (or silently when a combo holds no known entry).
+int GetAndSaveUserDataAddQueue();
+
+// Handler of the printing-system combo; with one system there is nothing to act on.
+void PrnSysComboBoxOptionChanged();

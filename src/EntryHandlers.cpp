@@ -1,0 +1,90 @@
+#include "EntryHandlers.h"
+
+#include "AddQueueWindow.h"
+#include "Support.h"
+#include "addqueue.h"
+#include "debug.h"
+#include "entryfilters.h"
+
+namespace {
+
+std::string_view Inserted(const gchar *text, gint length) {
+  return length < 0 ? std::string_view(text) : std::string_view(text, static_cast<size_t>(length));
+}
+
+// Carries a deletion out in place of the emission that `handler` was called for.
+void DeleteInstead(GtkEditable *entry, GCallback handler, bool allowed, gint start, gint end,
+                   gpointer data) {
+  const auto function = reinterpret_cast<gpointer>(handler);
+  g_signal_handlers_block_by_func(entry, function, data);
+  if (allowed) gtk_editable_delete_text(entry, start, end);
+  g_signal_handlers_unblock_by_func(entry, function, data);
+  g_signal_stop_emission_by_name(entry, "delete-text");
+  G_Toggle_Ok_Apply_Sensitivity();
+}
+
+std::string EntryText(GtkWidget *window, const char *name) {
+  return gtk_entry_get_text(GTK_ENTRY(lookup_widget(window, name)));
+}
+
+}  // namespace
+
+void InsertFiltered(GtkEditable *entry, GCallback handler, const std::string &filtered,
+                    gint *position, gpointer data) {
+  const auto function = reinterpret_cast<gpointer>(handler);
+  g_signal_handlers_block_by_func(entry, function, data);
+  gtk_editable_insert_text(entry, filtered.c_str(), static_cast<gint>(filtered.size()), position);
+  g_signal_handlers_unblock_by_func(entry, function, data);
+  g_signal_stop_emission_by_name(entry, "insert-text");
+}
+
+void G_QueueNameEntryText(GtkEditable *entry, const gchar *text, gint length, gint *position,
+                          gpointer data) {
+  const LogScope log("G_QueueNameEntryText");
+  InsertFiltered(entry, G_CALLBACK(G_QueueNameEntryText),
+                 FilterQueueName(Inserted(text, length), *position), position, data);
+  G_Toggle_Ok_Apply_Sensitivity();
+}
+
+void G_QueueNameDeleteText(GtkEditable *entry, gint start, gint end, gpointer data) {
+  const LogScope log("G_QueueNameDeleteText");
+  const bool allowed =
+      QueueNameDeletionAllowed(gtk_entry_get_text(GTK_ENTRY(entry)), start, end);
+  DeleteInstead(entry, G_CALLBACK(G_QueueNameDeleteText), allowed, start, end, data);
+}
+
+void G_IPAddressEntryText(GtkEditable *entry, const gchar *text, gint length, gint *position,
+                          gpointer data) {
+  const LogScope log("G_IPAddressEntryText");
+  InsertFiltered(entry, G_CALLBACK(G_IPAddressEntryText), FilterAddress(Inserted(text, length)),
+                 position, data);
+  G_Toggle_Ok_Apply_Sensitivity();
+}
+
+void G_IPAddressDeleteText(GtkEditable *entry, gint start, gint end, gpointer data) {
+  const LogScope log("G_IPAddressDeleteText");
+  DeleteInstead(entry, G_CALLBACK(G_IPAddressDeleteText), true, start, end, data);
+}
+
+void FilterAsQueueName(GtkWidget *entry) {
+  g_signal_connect(entry, "insert-text", G_CALLBACK(G_QueueNameEntryText), nullptr);
+  g_signal_connect(entry, "delete-text", G_CALLBACK(G_QueueNameDeleteText), nullptr);
+}
+
+void FilterAsAddress(GtkWidget *entry) {
+  g_signal_connect(entry, "insert-text", G_CALLBACK(G_IPAddressEntryText), nullptr);
+  g_signal_connect(entry, "delete-text", G_CALLBACK(G_IPAddressDeleteText), nullptr);
+}
+
+void G_Toggle_Ok_Apply_Sensitivity() {
+  const LogScope log("G_Toggle_Ok_Apply_Sensitivity");
+  Log(4, "ADDQUEUEQUEUE=>>>" + PointerText(G_AddQueueWindow_helper.get()) + "<<<");
+  if (G_AddQueueWindow_helper == nullptr) return;
+  GtkWidget *window = G_AddQueueWindow_helper->window;
+  const bool complete =
+      IsQueueInputComplete(EntryText(window, "QueueEntry"), EntryText(window, "AddressEntry"),
+                           G_AddQueueWindow_helper->selected_printer != -1);
+  for (const char *name : {"OKButton", "ApplyButton"}) {
+    gtk_widget_set_sensitive(lookup_widget(window, name), complete ? TRUE : FALSE);
+  }
+}

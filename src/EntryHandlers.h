@@ -1,0 +1,28 @@
+// The handlers that filter what is typed, pasted or dropped into an entry.
+#pragma once
+
+#include <gtk/gtk.h>
+
+#include <string>
+
+// Replaces the insertion that `handler`, running for "insert-text", was called for by that of
+// `filtered`.
+void InsertFiltered(GtkEditable *entry, GCallback handler, const std::string &filtered,
+                    gint *position, gpointer data);
+
+// "insert-text" and "delete-text" handlers of a queue name entry.
+void G_QueueNameEntryText(GtkEditable *entry, const gchar *text, gint length, gint *position,
+                          gpointer data);
+void G_QueueNameDeleteText(GtkEditable *entry, gint start, gint end, gpointer data);
+
+// "insert-text" and "delete-text" handlers of a network address entry.
+void G_IPAddressEntryText(GtkEditable *entry, const gchar *text, gint length, gint *position,
+                          gpointer data);
+void G_IPAddressDeleteText(GtkEditable *entry, gint start, gint end, gpointer data);
+
+// Connects the two pairs.
+void FilterAsQueueName(GtkWidget *entry);
+void FilterAsAddress(GtkWidget *entry);
+
+// Makes OK and Apply of the open queue dialog sensitive when its required fields are filled.
+void G_Toggle_Ok_Apply_Sensitivity();

@@ -1,0 +1,97 @@
+#include "addqueue.h"
+
+#include "cmessages.h"
+#include "cprinter.h"
+#include "cprintqueue.h"
+#include "cprintqueues.h"
+#include "debug.h"
+#include "globals.h"
+#include "queuenames.h"
+
+const std::vector<const char *> G_QueueTypes = {"postscript", "text", "pcl6", "raw"};
+
+namespace {
+
+constexpr char L_Transport[] = "tcpip";
+constexpr char L_PrintingSystem[] = "SystemV";
+
+// The type whose translation `text` is, or null.
+const char *TypeFromText(const std::string &text) {
+  for (const char *type : G_QueueTypes) {
+    if (text == G_Translate(type)) return type;
+  }
+  return nullptr;
+}
+
+Owned<CPrintQueue> NewRecord(const NewQueue &input, const char *type) {
+  Owned<CPrintQueue> queue = CreatePrintQueue();
+  const auto set = [&queue](int (*setter)(CPrintQueue *, const CString *), const char *text) {
+    setter(queue.get(), CreateStringWithValue(text).get());
+  };
+  set(fSet_PrinterName_Function, input.printer.c_str());
+  set(fSet_Language_Function, type);
+  set(fSet_AddressType_Function, L_Transport);
+  set(fSet_Address_Function, input.address.c_str());
+  set(fSet_PrintingSystem_Function, L_PrintingSystem);
+  set(fSet_DefFile_Function, (input.name + ".def").c_str());
+  const CPrinter *printer = HashValue<CPrinter>(G_Printers_hash, input.printer.c_str());
+  fSet_PpdFile_Function(queue.get(), fGetPpdFile_Function(printer));
+  const Owned<CHash> empty = CreateHash();
+  fSet_Options_Function(queue.get(), empty.get());
+  fSet_InstallableFeatures_Function(queue.get(), empty.get());
+  fSet_CustomPapers_Function(queue.get(), empty.get());
+  fSet_CustomMedias_Function(queue.get(), empty.get());
+  return queue;
+}
+
+}  // namespace
+
+AddQueueResult AddQueue(const NewQueue &input) {
+  const LogScope log("AddQueue");
+  const Owned<CList> errors = CreateList();
+  if (input.name.empty()) return {false, "KPXadminWarn003"};
+  if (G_CheckUniqueQueueName(input.name.c_str(), errors.get()) == 0) {
+    return {false, "KPXadminWarn004"};
+  }
+  if (input.printer.empty()) return {false, "KPXadminWarn001"};
+  const char *type = TypeFromText(input.type);
+  if (type == nullptr || input.transport != G_Translate(L_Transport)) return {false, nullptr};
+  if (input.address.empty()) return {false, "KPXadminWarn002"};
+  HashPut(G_Queues_hash, input.name.c_str(), NewRecord(input, type));
+  return {true, nullptr};
+}
+
+bool IsQueueInputComplete(const std::string &name, const std::string &address,
+                          bool printer_selected) {
+  return !name.empty() && !address.empty() && printer_selected;
+}
+
+std::string CloneQueue(const char *name) {
+  const LogScope log("CloneQueue");
+  Owned<CPrintQueue> clone = CloneOf(HashValue<CPrintQueue>(G_Queues_hash, name));
+  if (clone == nullptr) return "";
+  const std::string clone_name = BuildCloneName(name);
+  fSet_DefFile_Function(clone.get(), CreateStringWithValue((clone_name + ".def").c_str()).get());
+  HashPut(G_Queues_hash, clone_name.c_str(), std::move(clone));
+  return clone_name;
+}
+
+std::vector<std::string> QueueRow(const char *name) {
+  const CPrintQueue *queue = HashValue<CPrintQueue>(G_Queues_hash, name);
+  if (queue == nullptr) {
+    G_Report(nullptr, "ERR_UNEXPECTED2", {CPrintQueuesClassName});
+    return {};
+  }
+  const char *printer = fGet_CString_Value_Function(fGet_PrinterName_Function(queue));
+  const char *language = fGet_CString_Value_Function(fGet_Language_Function(queue));
+  const char *address = fGet_CString_Value_Function(fGet_Address_Function(queue));
+  if (printer == nullptr || language == nullptr || address == nullptr) {
+    G_Report(nullptr, "ERR_UNEXPECTED2", {CPrintQueueClassName});
+    return {};
+  }
+  return {name, printer, G_Translate(language), address};
+}
+
+QueueButtons QueueButtonsFor(int selected_rows) {
+  return {selected_rows == 1, selected_rows == 1, selected_rows >= 1};
+}

@@ -1,0 +1,46 @@
+// The rules of the administration windows: adding, cloning and showing queues of the working set.
+#pragma once
+
+#include <string>
+#include <vector>
+
+// The queue types in the order in which they are offered; each is also the catalogue key of its
+// name.
+extern const std::vector<const char *> G_QueueTypes;
+
+// What the add-queue dialog holds, as shown (UTF-8).
+struct NewQueue {
+  std::string name;
+  std::string printer;  // empty: none is selected
+  std::string type;
+  std::string transport;
+  std::string address;
+};
+
+struct AddQueueResult {
+  bool added = false;
+  const char *warning_key = nullptr;  // catalogue key of what to tell the user, or null
+};
+
+// Checks the input and adds a record without settings to G_Queues_hash.
+AddQueueResult AddQueue(const NewQueue &input);
+
+// True when the input can be tried at all: a name, an address and a selected printer.
+bool IsQueueInputComplete(const std::string &name, const std::string &address,
+                          bool printer_selected);
+
+// Adds a copy of the queue under a free name to G_Queues_hash; that name, or an empty text when
+// there is no such queue or its record is incomplete.
+std::string CloneQueue(const char *name);
+
+// The row of a queue: name, printer, translated type, address. Empty, after a report on standard
+// error, when the queue is unknown or lacks one of them.
+std::vector<std::string> QueueRow(const char *name);
+
+// Which buttons of the queue list work with so many selected rows.
+struct QueueButtons {
+  bool clone;
+  bool properties;
+  bool remove;
+};
+QueueButtons QueueButtonsFor(int selected_rows);

@@ -1,0 +1,42 @@
+#include "entryfilters.h"
+
+namespace {
+
+constexpr std::string_view L_NotInQueueNames = "/\\.,;: '`*@#$=!&|()\"~%^[]{}<>";
+constexpr std::string_view L_Digits = "0123456789";
+
+// All the sets are ASCII, so no byte of a longer UTF-8 sequence is ever taken for a member.
+std::string Without(std::string_view text, std::string_view left_out) {
+  std::string kept;
+  for (const char c : text) {
+    if (left_out.find(c) == std::string_view::npos) kept += c;
+  }
+  return kept;
+}
+
+// The byte at which the character number `position` begins, or the end of the text.
+size_t ByteOfCharacter(std::string_view text, int position) {
+  size_t byte = 0;
+  for (; position > 0 && byte < text.size(); --position) {
+    do {
+      ++byte;
+    } while (byte < text.size() && (text[byte] & 0xC0) == 0x80);
+  }
+  return byte;
+}
+
+}  // namespace
+
+std::string FilterQueueName(std::string_view inserted, int position) {
+  std::string kept = Without(inserted, L_NotInQueueNames);
+  if (position == 0) kept.erase(0, kept.find_first_not_of(L_Digits));
+  return kept;
+}
+
+bool QueueNameDeletionAllowed(std::string_view text, int start, int end) {
+  if (start != 0 || end < 0) return true;
+  const size_t next = ByteOfCharacter(text, end);
+  return next >= text.size() || L_Digits.find(text[next]) == std::string_view::npos;
+}
+
+std::string FilterAddress(std::string_view inserted) { return Without(inserted, " "); }

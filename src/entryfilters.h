@@ -1,0 +1,17 @@
+// What the entries for queue name and network address let in. Positions and lengths are in
+// characters, texts are UTF-8.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+// `inserted` without the characters that a queue name may not hold; at position 0 also without its
+// leading digits, since a queue name never begins with one.
+std::string FilterQueueName(std::string_view inserted, int position);
+
+// False when deleting the characters from `start` up to `end` (-1: all that follow) of the queue
+// name `text` would leave a digit at its beginning.
+bool QueueNameDeletionAllowed(std::string_view text, int start, int end);
+
+// `inserted` without blanks.
+std::string FilterAddress(std::string_view inserted);

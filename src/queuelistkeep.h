@@ -1,0 +1,33 @@
+// What keeps the queue list safe while it is saved: one administrator at a time, and a copy of the
+// list ("<list>.save") from before it is emptied until everything is written.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "clist.h"
+#include "cprintqueues.h"
+
+// Takes the administrators' lock beside the list file, which the kernel releases when the process
+// ends: 1; 0 when another process holds it; 1 also where no lock file can be made (the directory is
+// read-only, so nothing can be saved either).
+int LockQueueList(const char *list_path);
+
+// The place of the kept copy.
+std::string KeptQueueListPath(const std::string &list_path);
+
+// Writes the list file's content to the kept copy, with the list's owner and mode, flushed to disk
+// before it is renamed into place. A kept copy that a start would still need is left as it is. 1,
+// also when there is no list; 0, reported to `errors`, when it cannot be written.
+int KeepQueueList(const std::string &list_path, CList *errors);
+
+// Removes the kept copy.
+void DropKeptQueueList(const std::string &list_path);
+
+// True when the text of a list is complete: it has its header and ends where a queue ends, or
+// holds no queue at all and nothing cut off.
+bool IsWholeQueueList(std::string_view text);
+
+// Fills the collection as fFillFromPaf_Function_ does, from the kept copy when the last save did
+// not end and left no whole list; that is said in `messages` (null in the print tool).
+int LoadQueueList(CPrintQueues *collection, int create, CList *messages);

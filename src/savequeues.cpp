@@ -1,0 +1,81 @@
+#include "savequeues.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "cmessages.h"
+#include "cprintqueues.h"
+#include "debug.h"
+#include "globals.h"
+#include "porting.h"
+#include "queuecreation.h"
+#include "queuelistkeep.h"
+
+namespace {
+
+// Whether the list file can be opened for writing; makes a missing one.
+bool IsListWritable(const std::string &path) {
+  const int file = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
+  if (file != -1) close(file);
+  return file != -1;
+}
+
+bool EmptyList(const std::string &path) { return truncate(path.c_str(), 0) == 0; }
+
+// Numbers the steps of one save and hands them on.
+class Steps {
+ public:
+  Steps(const SaveObserver &observer, int total) : observer_(observer), total_(total) {}
+
+  QueueObserver Counting(const char *text_key) {
+    return [this, text_key](const char *queue) {
+      ++number_;
+      if (observer_) observer_({text_key, number_, total_, queue});
+    };
+  }
+
+ private:
+  const SaveObserver &observer_;
+  int total_;
+  int number_ = 0;
+};
+
+int CountOf(const CHash *hash) {
+  return hash == nullptr ? 0 : static_cast<int>(hash->index.size());
+}
+
+int CountOf(const CList *list) {
+  int count = 0;
+  for (CNodeList *node = fGetHeadPosition_CList_Function(list); node != nullptr;
+       node = node->next.get()) {
+    ++count;
+  }
+  return count;
+}
+
+}  // namespace
+
+SaveResult SaveQueues(const CList *deleted, CList *errors, const SaveObserver &observer) {
+  const LogScope log("SaveQueues");
+  const std::string list = fGet_CString_Value_Function(fGetPafFile_Function(G_Queues.get()));
+  if (!IsListWritable(list)) {
+    G_Report(errors, "ERR_UNABLE_TO_WRITE_FILE", {list});
+    return SaveResult::ListNotWritable;
+  }
+  // Without a kept copy nothing is emptied: the queues that stand there are the only record.
+  if (KeepQueueList(list, errors) == 0) return SaveResult::Ended;
+  if (!EmptyList(list)) {
+    G_Report(errors, "ERR_UNABLE_TO_WRITE_FILE", {list});
+    return SaveResult::ListNotWritable;
+  }
+  Steps steps(observer, CountOf(deleted) + CountOf(G_Queues_hash));
+  const Owned<CList> none = CreateList();
+  const CList *names = deleted == nullptr ? none.get() : deleted;
+  if (DeleteQueuesSysV(names, errors, steps.Counting("SAVE_REMOVING")) == 1) {
+    AddQueuesSysV(errors, steps.Counting("SAVE_CREATING"));
+  }
+  const int list_written = fWriteToPaf_Function(G_Queues.get(), errors);
+  fWriteAllToDef_Function(G_Queues.get(), errors);
+  if (list_written == 1) DropKeptQueueList(list);
+  return SaveResult::Ended;
+}
