@@ -29,9 +29,6 @@ std::string PafValue(std::string_view text, std::string_view substitute) {
 }
 
 std::string PafHeaderValue(std::string_view text, std::string_view keyword) {
-  std::string value(Utf8Prefix(text.substr(0, text.find(':')), kMaxLine - keyword.size()));
-  std::replace(value.begin(), value.end(), '\n', ' ');
-  const size_t first = value.find_first_not_of(' ');
-  if (first == std::string::npos) return {};
-  return value.substr(first, value.find_last_not_of(' ') - first + 1);
+  const std::string_view value = text.substr(0, text.find_first_of(":\n"));
+  return std::string(Utf8Prefix(value, kMaxLine - keyword.size()));
 }

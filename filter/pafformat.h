@@ -12,6 +12,6 @@ bool IsPafKeywordLine(std::string_view line);
 // `substitute` (itself a valid value) stands for an empty text.
 std::string PafValue(std::string_view text, std::string_view substitute);
 
-// The value of a "##Name:" or "##PPD:" line: up to the first ":", ends trimmed of blanks, cut to
-// what the line has room for. May be empty.
+// The value of a "##Name:" or "##PPD:" line: up to the first ":" or line feed, cut to what the line
+// has room for. May be empty.
 std::string PafHeaderValue(std::string_view text, std::string_view keyword);

@@ -124,7 +124,7 @@ std::string CleanText(std::string_view bytes) {
     if (!line_end && ((code >= 0x20 && code != 0x7F) || c == '\t')) clean += c;
   }
   std::replace(clean.begin(), clean.end(), '\n', ' ');
-  return std::string(Trimmed(clean));
+  return clean;
 }
 
 std::string DecodeHex(std::string_view code) {

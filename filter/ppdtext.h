@@ -28,7 +28,7 @@ bool DropOrphanedValue(std::string *ppd, int line);
 bool DefinesChoice(std::string_view ppd, std::string_view keyword, std::string_view choice);
 
 // A display text: UTF-8 (bytes that are none are read as ISO-8859-1), every run of line feeds and
-// carriage returns one blank, other control characters left out, blanks at the ends taken off.
+// carriage returns one blank, other control characters but tabs left out.
 std::string CleanText(std::string_view bytes);
 
 // `code` with every "<hex digits>" replaced by its bytes, as the values of JCL keywords are written.

@@ -1,0 +1,66 @@
+#include "filterrun.h"
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <stdexcept>
+
+#include "temporarydirectory.h"
+
+namespace {
+
+int Start(const std::vector<std::string> &arguments, int input, int output, int errors) {
+  std::vector<char *> argv;
+  for (const std::string &argument : arguments) argv.push_back(const_cast<char *>(argument.c_str()));
+  argv.push_back(nullptr);
+  const pid_t child = fork();
+  if (child < 0) throw std::runtime_error("fork");
+  if (child == 0) {
+    dup2(input, STDIN_FILENO);
+    dup2(output, STDOUT_FILENO);
+    dup2(errors, STDERR_FILENO);
+    execv(KPX_FILTER, argv.data());
+    _exit(127);
+  }
+  return child;
+}
+
+}  // namespace
+
+FilterRun RunFilter(const std::vector<std::string> &arguments, const std::string &input) {
+  const TemporaryDirectory directory;
+  const int in = open(directory.Write("in", input).c_str(), O_RDONLY | O_CLOEXEC);
+  const int out = open(directory.Write("out", "").c_str(), O_WRONLY | O_CLOEXEC);
+  const int err = open(directory.Write("err", "").c_str(), O_WRONLY | O_CLOEXEC);
+  const pid_t child = Start(arguments, in, out, err);
+  for (const int fd : {in, out, err}) close(fd);
+  int status = 0;
+  rusage usage{};
+  wait4(child, &status, 0, &usage);
+  return {WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status),
+          ContentOf(directory.Path("out")), ContentOf(directory.Path("err")), usage.ru_maxrss};
+}
+
+FilterRun Convert(const std::string &ppd_path, const std::string &paf_path) {
+  return RunFilter(
+      {"DEF_KPXFILTER", "--ppdfile", ppd_path, "--paffile", paf_path, "2>&1 & >/dev/null"});
+}
+
+std::vector<std::string> FilterArgumentsOf(const FilterCall &call) {
+  return {"/opt/orlan/bin/kpxfilter", call.options,  "-J" + call.title, "-e" + call.title,
+          "-L" + call.user,           "--filter",    "--type",          call.type,
+          "--ppdfile",                call.ppd_file, "--deffile",       call.def_file};
+}
+
+FilterRun Filter(const FilterCall &call, const std::string &input) {
+  return RunFilter(FilterArgumentsOf(call), input);
+}
+
+int StartFilter(const std::vector<std::string> &arguments, int input, int output) {
+  const int errors = open("/dev/null", O_WRONLY | O_CLOEXEC);
+  const int child = Start(arguments, input, output, errors);
+  close(errors);
+  return child;
+}

@@ -1,0 +1,32 @@
+// Runs the filter program.
+#pragma once
+
+#include <string>
+#include <vector>
+
+struct FilterRun {
+  int status = -1;      // exit status; 128 plus the signal's number when a signal ended it
+  std::string output;   // its standard output
+  std::string errors;   // its standard error
+  long memory_kib = 0;  // its largest resident set
+};
+
+// Runs kpxfilter with `arguments` (argv[0] first), `input` as its standard input.
+FilterRun RunFilter(const std::vector<std::string> &arguments, const std::string &input = {});
+
+// A conversion, called as the program's start-up calls it.
+FilterRun Convert(const std::string &ppd_path, const std::string &paf_path);
+
+// What the interface script of a queue gives the filter.
+struct FilterCall {
+  std::string options, title = "Report", user = "anna", type = "postscript";
+  std::string ppd_file, def_file;
+};
+
+// The arguments of a job, as the interface script has them.
+std::vector<std::string> FilterArgumentsOf(const FilterCall &call);
+FilterRun Filter(const FilterCall &call, const std::string &input);
+
+// Starts the program between two descriptors (which stay the caller's), standard error to nowhere;
+// returns the process id.
+int StartFilter(const std::vector<std::string> &arguments, int input, int output);

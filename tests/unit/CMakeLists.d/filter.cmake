@@ -1,0 +1,7 @@
+# The filter program: conversion and filtering.
+kpx_add_test(NAME filter_corpus SOURCES e2e/filter_corpus_test.cpp support/filterrun.cpp
+             LIBS kpx_core Cups::Cups LABEL e2e TIMEOUT 600)
+foreach(name filter_corpus)
+  target_compile_definitions(test_${name} PRIVATE KPX_FILTER="$<TARGET_FILE:kpxfilter>")
+  add_dependencies(test_${name} kpxfilter)
+endforeach()
