@@ -1,3 +1,11 @@
 # The object library, the texts, the log and the print tool's core.
 kpx_add_test(NAME object_library LIBS kpx_core LABEL unit
   SOURCES unit/cstring_test.cpp unit/clist_test.cpp unit/chash_test.cpp unit/cselection_test.cpp)
+kpx_add_test(NAME text_resources LIBS kpx_core LABEL unit
+  SOURCES unit/textformat_test.cpp unit/textencoding_test.cpp unit/cmessages_test.cpp
+          unit/chelp_test.cpp)
+kpx_add_test(NAME application_core LIBS kpx_core LABEL unit
+  SOURCES unit/debug_test.cpp unit/language_test.cpp unit/globals_test.cpp)
+if(NOT KPX_SANITIZE)
+  kpx_add_test(NAME allocation LIBS kpx_core LABEL unit SOURCES unit/allocation_test.cpp)
+endif()
