@@ -95,7 +95,7 @@ TEST(SourceKeys, EveryKeyThatTheSourcesNameIsInTheTable) {
   std::set<std::string> known;
   for (const MessageKey &row : kMessageKeys) known.insert(row.key);
   std::vector<std::string> asked = SourceMatches(
-      "\"((?:DEF_(?:WND|BTN|LBL|TAB|STR)|ERR|WARN|(?:CONSTR|DCPS|DCMT)_Dlg)_[A-Za-z0-9_]*"
+      "\"((?:DEF_(?:WND|BTN|LBL|TAB|STR)|ERR|WARN|SAVE|(?:CONSTR|DCPS|DCMT)_Dlg)_[A-Za-z0-9_]*"
       "[A-Za-z0-9]|MSG[0-9]+|KPXadminWarn[0-9]+|ErrDest[A-Za-z0-9]+|[A-Za-z]+Error)\"");
   for (const char *call : {"G_(?:Translate|Message)\\(\\s*\"([^\"]*)\"",
                            "G_(?:Report|Fatal)\\([^,;\"]*,\\s*\"([^\"]*)\""}) {
