@@ -1,0 +1,111 @@
+#!/usr/bin/env python3
+"""Holds the map of the tree against the tree.
+
+Compares the source lists of src/CMakeLists.txt with the tables of docs/ARCHITECTURE.md and with the
+files of src/, and the #include lines with the layers: a module of the core includes neither the
+toolkit nor a module that has windows. Prints one line a fault; ends with 1 when there are any.
+
+Usage: structure.py ROOT
+"""
+
+import pathlib
+import re
+import sys
+
+TOOLKIT = re.compile(r"<(gtk|gdk|gdk-pixbuf|glib|gio|pango|cairo|atk|X11)[/.-]|<(glib-unix|gmodule)\.h>")
+INCLUDE = re.compile(r'^\s*#\s*include\s+(<[^>]+>|"[^"]+")')
+
+
+def subsystem_lists(text):
+    """{subsystem number: modules} and {list variable: modules} of src/CMakeLists.txt."""
+    numbers, variables = {}, {}
+    current = []
+    for comment, variable, files, program in re.findall(
+            r"^(#.*)$|^set\((KPX_\w+)\s*([^)]*)\)|^add_executable\(\w+ ([^)]*)\)", text, re.M):
+        if comment:
+            current = [int(n) for n in re.findall(r"(?:^# |, )(\d+) [A-Z]", comment)]
+            continue
+        modules = [pathlib.Path(f).stem for f in (files or program).split() if f.endswith(".cpp")]
+        if variable:
+            variables[variable] = modules
+        for number in current[:1]:
+            numbers.setdefault(number, set()).update(modules)
+    return numbers, variables
+
+
+def documented_modules(text):
+    """{subsystem number: modules} of the tables of docs/ARCHITECTURE.md."""
+    numbers = {}
+    for section in re.split(r"^### ", text, flags=re.M)[1:]:
+        heading = re.match(r"(\d+) ", section)
+        if heading is None:
+            continue
+        names = set()
+        for cell in re.findall(r"^\| (`[^|]*) \|", section, re.M):
+            names.update(re.findall(r"`(\w+)`", cell))
+        numbers[int(heading.group(1))] = names
+    return numbers
+
+
+def library_modules(text, variables, library):
+    """The modules that a library of src/CMakeLists.txt is made of."""
+    listed = re.search(r"add_library\(%s STATIC ([^)]*)\)" % library, text).group(1)
+    return {m for name in re.findall(r"\$\{(KPX_\w+)\}", listed) for m in variables[name]}
+
+
+def includes(path):
+    found = (INCLUDE.match(line) for line in path.read_text(encoding="utf-8").splitlines())
+    return [match.group(1) for match in found if match]
+
+
+def map_faults(numbers, documented):
+    for number in sorted(numbers.keys() | documented.keys()):
+        listed, shown = numbers.get(number, set()), documented.get(number, set())
+        for module in sorted(listed - shown):
+            yield f"docs/ARCHITECTURE.md: subsystem {number} does not show {module}"
+        for module in sorted(shown - listed):
+            yield f"src/CMakeLists.txt: subsystem {number} does not list {module}"
+
+
+def file_faults(src, numbers):
+    listed = [module for modules in numbers.values() for module in modules]
+    for module in sorted(set(listed)):
+        if listed.count(module) > 1:
+            yield f"src/CMakeLists.txt: {module} is in {listed.count(module)} subsystems"
+        if not (src / f"{module}.cpp").exists():
+            yield f"src/CMakeLists.txt: there is no src/{module}.cpp"
+    for source in sorted(src.glob("*.cpp")):
+        if source.stem not in listed:
+            yield f"src/CMakeLists.txt: {source.name} is in no list"
+
+
+def layer_faults(src, core, gui):
+    for module in sorted(core):
+        for path in (src / f"{module}.cpp", src / f"{module}.h"):
+            for included in includes(path) if path.exists() else []:
+                name = included.strip('<>"')
+                if TOOLKIT.match(included):
+                    yield f"src/{path.name}: the core includes the toolkit's {name}"
+                if pathlib.Path(name).stem in gui and included.startswith('"'):
+                    yield f"src/{path.name}: the core includes {name}, a module with windows"
+
+
+def main():
+    root = pathlib.Path(sys.argv[1])
+    src = root / "src"
+    lists = (src / "CMakeLists.txt").read_text(encoding="utf-8")
+    numbers, variables = subsystem_lists(lists)
+    documented = documented_modules((root / "docs/ARCHITECTURE.md").read_text(encoding="utf-8"))
+    core = library_modules(lists, variables, "kpx_core")
+    gui = library_modules(lists, variables, "kpx_gui")
+    if not core or not gui or len(documented) != 12:
+        sys.exit("structure.py: the lists or the map cannot be read any more")
+    faults = [*map_faults(numbers, documented), *file_faults(src, numbers),
+              *layer_faults(src, core, gui)]
+    for fault in faults:
+        print(fault)
+    return 1 if faults else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
