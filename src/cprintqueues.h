@@ -35,11 +35,13 @@ int fDelete_CPrintQueues_Function(CPrintQueues *collection);
 // A deep copy; null for null and for a collection without a dictionary.
 Owned<CPrintQueues> fClone_CPrintQueues_Function(const CPrintQueues *collection);
 
-// Rewrites the list file: 1; 0, reported to `errors` (may be null), when it cannot be written whole.
+// Rewrites the list file: 1; 0, reported to `errors` (may be null), when it cannot be written
+// whole.
 int fWriteToPaf_Function(const CPrintQueues *collection, CList *errors = nullptr);
 
 // Removes every option file from the data directory and writes that of each queue: 1; 0, reported
-// to `errors` (may be null), when one could not be written. A collection without a dictionary ends the process with status 5.
+// to `errors` (may be null), when one could not be written. A collection without a dictionary ends
+// the process with status 5.
 int fWriteAllToDef_Function(const CPrintQueues *collection, CList *errors = nullptr);
 
 // Reads the list file into a new dictionary: 1; 0 and an empty dictionary when it cannot be read

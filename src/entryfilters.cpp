@@ -1,8 +1,9 @@
 #include "entryfilters.h"
 
+#include "porting.h"
+
 namespace {
 
-constexpr std::string_view L_NotInQueueNames = "/\\.,;: '`*@#$=!&|()\"~%^[]{}<>";
 constexpr std::string_view L_Digits = "0123456789";
 
 // All the sets are ASCII, so no byte of a longer UTF-8 sequence is ever taken for a member.
@@ -28,7 +29,7 @@ size_t ByteOfCharacter(std::string_view text, int position) {
 }  // namespace
 
 std::string FilterQueueName(std::string_view inserted, int position) {
-  std::string kept = Without(inserted, L_NotInQueueNames);
+  std::string kept = Without(inserted, kNotInQueueNames);
   if (position == 0) kept.erase(0, kept.find_first_not_of(L_Digits));
   return kept;
 }

@@ -3,7 +3,6 @@
 #include "ccmtparams.h"
 #include "ccpsparams.h"
 #include "debug.h"
-#include "textencoding.h"
 #include "textline.h"
 
 namespace {
@@ -76,16 +75,10 @@ void KeepMediaName(Reader &reader, const std::string &line) {
   Log(4, "CUSTOMMEDIAPARAMS : " + line);
 }
 
-// `line` is a key; the line after it, whatever it looks like, is the value.
 template <Owned<CHash> Reader::*table>
 void AddPair(Reader &reader, const std::string &line) {
-  std::optional<std::string> value = reader.lines.Next();
-  if (!value) return;
-  // Kept on purpose: a value's last character counts as its line feed, whether it is one or not.
-  if (!reader.lines.HadLineFeed() && !value->empty()) {
-    value->resize(Utf8Prefix(*value, value->size() - 1).size());
-  }
-  HashPutText((reader.*table).get(), line.c_str(), value->c_str());
+  const std::optional<std::string> value = ReadOptionValue(reader.lines);
+  if (value) HashPutText((reader.*table).get(), line.c_str(), value->c_str());
 }
 
 void EndPaper(Reader &reader) {
@@ -179,6 +172,15 @@ std::optional<QueueListError> ReadQueueList(std::string_view text, CHash *queues
     }
   }
   return std::nullopt;
+}
+
+std::optional<std::string> ReadOptionValue(LineReader &lines) {
+  std::optional<std::string> value = lines.Next();
+  // Kept on purpose: the last character counts as the line feed, whether it is one or not.
+  if (value && !lines.HadLineFeed() && !value->empty()) {
+    value->resize(Utf8Prefix(*value, value->size() - 1).size());
+  }
+  return value;
 }
 
 bool CanStandAsListValue(std::string_view text) {

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "cprintqueue.h"
+#include "textencoding.h"
 
 // Why a queue list cannot be used.
 struct QueueListError {
@@ -18,6 +19,10 @@ struct QueueListError {
 // the same name). Nothing on success; the error of the first incomplete entry, after which no
 // further queue is read. A queue that does not end is left out.
 std::optional<QueueListError> ReadQueueList(std::string_view text, CHash *queues);
+
+// The line after an option's key, which is its value whatever it looks like; nothing at the end. A
+// line that does not end in a line feed loses its last character.
+std::optional<std::string> ReadOptionValue(LineReader &lines);
 
 // True when a line holding just `text` is read as a value: not empty, no comment and no keyword.
 bool CanStandAsListValue(std::string_view text);

@@ -41,8 +41,7 @@ constexpr TableMember kTableMembers[] = {
     {"Options", fGet_Options_Function, fSet_Options_Function},
     {"CustomPapers", fGet_CustomPapers_Function, fSet_CustomPapers_Function},
     {"CustomMedias", fGet_CustomMedias_Function, fSet_CustomMedias_Function},
-    {"InstallableFeatures", fGet_InstallableFeatures_Function,
-     fSet_InstallableFeatures_Function},
+    {"InstallableFeatures", fGet_InstallableFeatures_Function, fSet_InstallableFeatures_Function},
 };
 
 TEST(CPrintQueue, HasItsIdentifierAndName) {
@@ -171,9 +170,11 @@ TEST(CPrintQueue, TheTableHoldsTheOperationsInTheirOrder) {
   EXPECT_EQ(ops->Get_Address(queue.get()), queue->Address.get());
   EXPECT_EQ(ops->Get_AddressType(queue.get()), queue->AddressType.get());
   EXPECT_EQ(ops->Get_PrintingSystem(queue.get()), queue->PrintingSystem.get());
-  EXPECT_EQ(ops->WriteDefFile, fWriteDefFile_Function);
   EXPECT_EQ(ops->FillWithDefaultOptions, fFillWithDefaultOptions_Function);
   EXPECT_EQ(ops->FillFromDefFile, fFillFromDefFile_Function);
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(ops->WriteDefFile(CreatePrintQueue().get(), 1), 0);
+  EXPECT_NE(testing::internal::GetCapturedStderr(), "");
 }
 
 // Defaults.

@@ -1,3 +1,5 @@
 # The queue database and the spooler integration.
 kpx_add_test(NAME queue_record LIBS kpx_core LABEL unit
-  SOURCES unit/cprintqueue_test.cpp unit/textline_test.cpp)
+  SOURCES unit/cprintqueue_test.cpp unit/textline_test.cpp unit/queuelist_test.cpp)
+kpx_add_test(NAME option_files LIBS kpx_core LABEL unit SANDBOX bare
+  SOURCES unit/textfile_test.cpp unit/deffile_test.cpp unit/cprintqueues_test.cpp)
