@@ -8,3 +8,4 @@ add_executable(argumentrecorder support/argumentrecorder.cpp)
 add_dependencies(test_printer_catalogue argumentrecorder)
 target_compile_definitions(test_printer_catalogue PRIVATE
   KPX_ARGUMENT_RECORDER="$<TARGET_FILE:argumentrecorder>")
+kpx_add_test(NAME records_memory LIBS kpx_core LABEL unit SOURCES unit/records_memory_test.cpp)

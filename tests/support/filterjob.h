@@ -1,0 +1,48 @@
+// The job side of the filter, run over texts.
+#pragma once
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+#include <utility>
+
+#include "joblanguage.h"
+#include "jobsettings.h"
+#include "jobsource.h"
+#include "ppdadaptor.h"
+
+// A source over `text`, which must outlive it, in reads of at most `step` bytes.
+inline JobSource TextSource(const std::string &text, size_t step = 65536) {
+  return JobSource([&text, step, at = size_t{0}](char *bytes, size_t size) mutable -> long {
+    const size_t count = std::min({size, step, text.size() - at});
+    std::memcpy(bytes, text.data() + at, count);
+    at += count;
+    return static_cast<long>(count);
+  });
+}
+
+// Runs a filter function over `text`; gives what it writes.
+template <typename Function>
+std::string RunOver(Function function, const JobSettings &settings, const std::string &text,
+                       size_t step = 65536, const JobIdentity &identity = {"Title", "Event", "anna"}) {
+  std::string output;
+  JobSource source = TextSource(text, step);
+  JobSink sink([&output](std::string_view bytes) {
+    output += bytes;
+    return true;
+  });
+  function(settings, identity, &source, &sink);
+  return output;
+}
+
+inline PpdModel TestPpd(const std::string &name) {
+  PpdError error;
+  return ReadPpdFile(std::string(KPX_TEST_DATA) + "/data/ppd/" + name, &error).value();
+}
+
+// How often `part` lies in `text`.
+inline size_t CountOf(const std::string &text, const std::string &part) {
+  size_t count = 0;
+  for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
+  return count;
+}

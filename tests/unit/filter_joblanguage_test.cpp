@@ -1,0 +1,140 @@
+// Job control around the data, and the PCL jobs that have nothing else.
+#include <gtest/gtest.h>
+
+#include "filterjob.h"
+#include "pcljob.h"
+#include "postscript.h"
+
+namespace {
+
+constexpr char kUelText[] = "\033%-12345X";
+
+class JobControlText : public testing::Test {
+ protected:
+  std::string Header(const JobIdentity &identity = {"Title", "Event", "anna"}) const {
+    return JobControlHeader(settings_, identity, "", "POSTSCRIPT");
+  }
+  void Set(const std::vector<Setting> &settings) { settings_.Apply(settings); }
+
+  PpdModel model_ = TestPpd("office.ppd");
+  JobSettings settings_{model_};
+};
+
+TEST_F(JobControlText, NamesJobAndOwnerThenTheOptionsInTheirOrder) {
+  Set({{"*EmailNotification", "JobCompleted"}, {"*EmailAddress", "a@b.cd"}});
+  EXPECT_EQ(Header(), std::string(kUelText) +
+                          "@PJL JOB\n@PJL SET JOBNAME=\"Title\"\n@PJL SET USERNAME=\"anna\"\n"
+                          "@PJL SET EMAILADDRESS=\"a@b.cd\"\n@PJL SET EMAILSUBJECT=\"Event\"\n"
+                          "@PJL SET EMAILNOTIFY=COMPLETED\n@PJL SET DELIVERY=PRINT\n"
+                          "@PJL ENTER LANGUAGE = POSTSCRIPT \n");
+}
+
+TEST_F(JobControlText, TheQueuesOwnNamesWin) {
+  Set({{"*JobName", "Fixed"}, {"*UserName", "Office"}});
+  EXPECT_NE(Header().find("JOBNAME=\"Fixed\"\n@PJL SET USERNAME=\"Office\"\n"), std::string::npos);
+}
+
+TEST_F(JobControlText, UseAppSettingMeansTheJobsTitle) {
+  Set({{"*JobName", "UseAppSetting"}});
+  EXPECT_NE(Header().find("JOBNAME=\"Title\""), std::string::npos);
+}
+
+TEST_F(JobControlText, ThePinGoesOnlyWithADeliveryThatAsksForIt) {
+  Set({{"*DeliveryPIN", "4711"}});
+  EXPECT_EQ(Header().find("4711"), std::string::npos);
+  Set({{"*Delivery", "HoldJobUntilYouEnterPIN"}});
+  EXPECT_NE(Header().find("@PJL SET DELIVERYPIN=\"4711\"\n"), std::string::npos);
+}
+
+TEST_F(JobControlText, APinThatIsNoneIsNotSent) {
+  Set({{"*Delivery", "HoldJobUntilYouEnterPIN"}, {"*DeliveryPIN", "47\"1"}});
+  EXPECT_EQ(Header().find("PIN="), std::string::npos);
+}
+
+TEST_F(JobControlText, MailTextsGoOnlyWithANotification) {
+  Set({{"*EmailAddress", "a@b.cd"}, {"*EmailMessage", "Hello"}});
+  EXPECT_EQ(Header().find("EMAIL"), std::string::npos);
+}
+
+TEST_F(JobControlText, TextsCannotBreakOutOfTheirQuotes) {
+  const std::string header = Header({"a\"b\n@PJL RESET\033\r", "", "Jürgen"});
+  EXPECT_NE(header.find("JOBNAME=\"a'b@PJL RESET\"\n"), std::string::npos);
+  EXPECT_NE(header.find("USERNAME=\"J?rgen\"\n"), std::string::npos);
+  model_.pjl_utf8 = true;
+  EXPECT_NE(Header({"", "", "Jürgen"}).find("USERNAME=\"Jürgen\"\n"), std::string::npos);
+}
+
+TEST_F(JobControlText, CopiesArePostScriptsBusinessInAPostScriptJob) {
+  Set({{"*NrCopies", "2"}});
+  EXPECT_EQ(Header().find("COPIES"), std::string::npos);
+  EXPECT_NE(JobControlHeader(settings_, {}, "", "PCLXL").find("@PJL SET COPIES=2\n"),
+            std::string::npos);
+}
+
+TEST_F(JobControlText, APpdWithAFeatureForCopiesUsesIt) {
+  PpdFeature copies;
+  copies.keyword = "JCLCopies";
+  copies.section = PpdSection::Jcl;
+  copies.choices = {{"1", "1", "@PJL SET QTY=1\n"}, {"2", "2", "@PJL SET QTY=2\n"}};
+  copies.custom = PpdCustom{"@PJL SET QTY=\\1\n", {{"Copies", false, 1, 999}}, {}};
+  model_.features.push_back(copies);
+  Set({{"*NrCopies", "2"}});
+  EXPECT_NE(Header().find("@PJL SET QTY=2\n"), std::string::npos);
+  EXPECT_EQ(CountOf(Header(), "QTY"), 1u);
+  EXPECT_EQ(RunOver(FilterPostScript, settings_, "%!\nx\n").find("NumCopies"),
+            std::string::npos);
+  Set({{"*NrCopies", "17"}});
+  EXPECT_NE(Header().find("@PJL SET QTY=17\n"), std::string::npos);
+}
+
+TEST(JobControlReading, TakesSettingsAndLanguageAndLeavesTheFrame) {
+  const std::string start = std::string("\004") + kUelText +
+                            "@PJL JOB NAME=\"x\"\r\n@PJL\r\n@pjl set copies=3\r\n@PJL COMMENT y\n"
+                            "@PJL ENTER LANGUAGE = PostScript \r\n%!PS";
+  const JobControl control = ReadJobControl(start, true);
+  EXPECT_EQ(start.substr(control.length), "%!PS");
+  EXPECT_EQ(control.settings, "@pjl set copies=3\n@PJL COMMENT y\n");
+  EXPECT_EQ(control.language, "POSTSCRIPT");
+}
+
+TEST(JobControlReading, AJobWithoutHasNone) {
+  EXPECT_EQ(ReadJobControl("%!PS\n@PJL SET A=B\n", true).length, 0u);
+  EXPECT_EQ(ReadJobControl("@PJL SET A=B\n", true).length, 0u);
+  EXPECT_EQ(ReadJobControl("", true).length, 0u);
+}
+
+TEST(JobControlReading, AnUnfinishedLineIsLeftUntilTheRestIsThere) {
+  const std::string start = std::string(kUelText) + "@PJL SET A=";
+  EXPECT_EQ(ReadJobControl(start, false).length, 9u);
+  EXPECT_EQ(ReadJobControl(start, true).length, start.size());
+}
+
+TEST_F(JobControlText, PclDataIsUnchangedBetweenHeaderAndTrailer) {
+  std::string data = ") HP-PCL XL;2;0\n";
+  for (int i = 0; i < 256; ++i) data += static_cast<char>(i);
+  data += kUelText;
+  data += "still data\r\n";
+  Set({{"*NrCopies", "2"}});
+  const std::string output = RunOver(FilterPcl, settings_, data, 7);
+  EXPECT_NE(output.find("@PJL SET COPIES=2\n"), std::string::npos);
+  EXPECT_NE(output.find("@PJL ENTER LANGUAGE=PCLXL\n" + data + kUelText + "@PJL EOJ \n"),
+            std::string::npos);
+}
+
+TEST_F(JobControlText, ThePclJobsOwnLanguageAndCommandsStay) {
+  const std::string output =
+      RunOver(FilterPcl, settings_,
+                 std::string(kUelText) + "@PJL SET TONER=1\n@PJL ENTER LANGUAGE=PCL\n\033Edata");
+  EXPECT_NE(output.find("@PJL SET TONER=1\n"), std::string::npos);
+  EXPECT_NE(output.find("@PJL ENTER LANGUAGE=PCL\n\033Edata"), std::string::npos);
+  EXPECT_EQ(CountOf(output, "ENTER LANGUAGE"), 1u);
+}
+
+TEST(PclJob, GoesUnchangedToAPrinterWithoutPjl) {
+  const PpdModel plain;
+  const JobSettings settings(plain);
+  const std::string data = std::string(kUelText) + "@PJL ENTER LANGUAGE=PCLXL\n) HP-PCL XL;x";
+  EXPECT_EQ(RunOver(FilterPcl, settings, data), data);
+}
+
+}  // namespace

@@ -1,0 +1,137 @@
+// Text jobs as PostScript pages.
+#include <gtest/gtest.h>
+
+#include "filterjob.h"
+#include "glyphnames.h"
+#include "textjob.h"
+
+namespace {
+
+class TextJob : public testing::Test {
+ protected:
+  std::string Pages(const std::string &text, size_t step = 65536) const {
+    const std::string output = RunOver(FilterText, settings_, text, step);
+    const size_t start = output.find("%%Page: ");
+    const size_t end = output.find("%%Trailer");
+    return start == std::string::npos ? "" : output.substr(start, end - start);
+  }
+
+  // The settings of a printer that is not described: A4, no job control.
+  const PpdModel model_;
+  JobSettings settings_{model_};
+};
+
+std::string Page(int number, const std::string &marks) {
+  const std::string text = std::to_string(number);
+  return "%%Page: " + text + " " + text + "\n/S save def F setfont\n" + marks +
+         "showpage S restore\n";
+}
+
+std::string Lines(int count) {
+  std::string text;
+  for (int i = 0; i < count; ++i) text += "x\n";
+  return text;
+}
+
+TEST_F(TextJob, LinesStandAtTheirColumnAndLine) {
+  EXPECT_EQ(Pages("one\ntwo (x\\)\n"), Page(1, "0 0 (one) T\n0 1 (two \\(x\\\\\\)) T\n"));
+}
+
+TEST_F(TextJob, CharactersBeyondAsciiGoByGlyphName) {
+  EXPECT_EQ(Pages("a é€b"), Page(1, "0 0 (a ) T\n2 0 /eacute G\n3 0 /Euro G\n4 0 (b) T\n"));
+}
+
+TEST_F(TextJob, ALineThatIsNotUtf8IsLatin1) {
+  EXPECT_EQ(Pages("\xE9\né\n"), Page(1, "0 0 /eacute G\n0 1 /eacute G\n"));
+}
+
+TEST_F(TextJob, AFormFeedBeginsANewPage) {
+  EXPECT_EQ(Pages("a\fb\n\f"), Page(1, "0 0 (a) T\n") + Page(2, "0 0 (b) T\n"));
+}
+
+TEST_F(TextJob, AFormFeedAtTheTopLeavesAnEmptyPage) {
+  EXPECT_EQ(Pages("\fb"), Page(1, "") + Page(2, "0 0 (b) T\n"));
+}
+
+TEST_F(TextJob, AFullPageBeginsANewOne) {
+  const std::string pages = Pages(Lines(65));
+  EXPECT_EQ(CountOf(pages, "%%Page:"), 2u);
+  EXPECT_NE(pages.find("0 63 (x) T\nshowpage"), std::string::npos);
+  EXPECT_TRUE(pages.ends_with(Page(2, "0 0 (x) T\n")));
+}
+
+TEST_F(TextJob, AFormFeedBehindAFullPageLeavesNoEmptyPage) {
+  EXPECT_EQ(CountOf(Pages(Lines(64) + "\f" + Lines(64)), "%%Page:"), 2u);
+}
+
+TEST_F(TextJob, EmptyLinesTakeTheirPlace) {
+  EXPECT_EQ(Pages("\n\nx"), Page(1, "0 2 (x) T\n"));
+  EXPECT_EQ(CountOf(Pages(std::string(70, '\n') + "x"), "%%Page:"), 2u);
+}
+
+TEST_F(TextJob, LongLinesAreWrapped) {
+  const std::string pages = Pages(std::string(81, 'x') + "\nnext");
+  EXPECT_EQ(pages, Page(1, "0 0 (" + std::string(80, 'x') + ") T\n0 1 (x) T\n0 2 (next) T\n"));
+}
+
+TEST_F(TextJob, TabsGoToEveryEighthColumn) {
+  EXPECT_EQ(Pages("a\tb\t\tc"), Page(1, "0 0 (a) T\n8 0 (b) T\n24 0 (c) T\n"));
+}
+
+TEST_F(TextJob, CarriageReturnAndBackspacePrintOver) {
+  EXPECT_EQ(Pages("ab\b_\rX\r\ny"), Page(1, "0 0 (ab) T\n1 0 (_) T\n0 0 (X) T\n0 1 (y) T\n"));
+}
+
+TEST_F(TextJob, OtherControlCharactersAreLeftOut) {
+  EXPECT_EQ(Pages(std::string("a\0\033\004b", 5)), Page(1, "0 0 (ab) T\n"));
+}
+
+TEST_F(TextJob, ALastLineWithoutLineFeedIsPrinted) {
+  EXPECT_EQ(Pages("x"), Page(1, "0 0 (x) T\n"));
+}
+
+TEST_F(TextJob, VeryLongLinesKeepTheirCharactersWhole) {
+  std::string line;
+  for (int i = 0; i < 20000; ++i) line += "é";
+  EXPECT_EQ(CountOf(Pages(line), "/eacute G"), 20000u);
+  EXPECT_EQ(Pages(line, 1), Pages(line));
+}
+
+TEST_F(TextJob, AnEmptyJobGivesNothing) { EXPECT_EQ(Pages(""), ""); }
+
+TEST_F(TextJob, TheQueuesFontSizeCounts) {
+  settings_.Apply({{"*FontSize", "24"}});
+  EXPECT_EQ(Pages(std::string(41, 'x')),
+            Page(1, "0 0 (" + std::string(40, 'x') + ") T\n0 1 (x) T\n"));
+  settings_.Apply({{"*FontSize", "1000"}});
+  EXPECT_EQ(CountOf(Pages(std::string(80, 'x')), " T\n"), 1u);
+}
+
+TEST(TextJobSettings, TheDocumentCarriesTheOptionsCode) {
+  const PpdModel model = TestPpd("office.ppd");
+  JobSettings settings(model);
+  settings.Apply({{"*InputSlot", "Lower"}, {"*NrCopies", "2"}, {"*Stamp", "Draft"}});
+  const std::string output =
+      RunOver(FilterText, settings, "a\fb");
+  EXPECT_EQ(CountOf(output, "*InputSlot Lower"), 1u);
+  EXPECT_EQ(CountOf(output, "<</NumCopies 2>>setpagedevice"), 1u);
+  EXPECT_EQ(CountOf(output, "*Stamp Draft"), 2u);
+  EXPECT_NE(output.find("%%Pages: 2\n%%EOF\n"), std::string::npos);
+}
+
+TEST(GlyphNames, FollowTheAdobeGlyphList) {
+  EXPECT_EQ(GlyphName('A'), "A");
+  EXPECT_EQ(GlyphName('~'), "asciitilde");
+  EXPECT_EQ(GlyphName(0xA0), "space");
+  EXPECT_EQ(GlyphName(0xFF), "ydieresis");
+  EXPECT_EQ(GlyphName(0x100), "Amacron");
+  EXPECT_EQ(GlyphName(0x17F), "longs");
+  EXPECT_EQ(GlyphName(0x141), "Lslash");
+  EXPECT_EQ(GlyphName(0x2014), "emdash");
+  EXPECT_EQ(GlyphName(0x3B1), "uni03B1");
+  EXPECT_EQ(GlyphName(0x1F600), "u1F600");
+  EXPECT_EQ(GlyphName(0x7F), "");
+  EXPECT_EQ(GlyphName(0x85), "");
+}
+
+}  // namespace
