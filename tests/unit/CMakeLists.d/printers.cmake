@@ -9,3 +9,4 @@ add_dependencies(test_printer_catalogue argumentrecorder)
 target_compile_definitions(test_printer_catalogue PRIVATE
   KPX_ARGUMENT_RECORDER="$<TARGET_FILE:argumentrecorder>")
 kpx_add_test(NAME records_memory LIBS kpx_core LABEL unit SOURCES unit/records_memory_test.cpp)
+target_link_options(test_records_memory PRIVATE -Wl,--wrap=malloc)
