@@ -10,6 +10,7 @@ using Handler = void (*)();
 
 constexpr char L_AccelGroupKey[] = "accel_group";
 constexpr int L_ButtonSpacing = 6;
+constexpr int L_ListHeight = 140;
 
 void RunHandler(GtkWidget *, gpointer handler) { reinterpret_cast<Handler>(handler)(); }
 
@@ -122,6 +123,9 @@ GtkWidget *NewScrolledList(GtkWidget *window, const char *name, GtkWidget *list)
   gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_AUTOMATIC,
                                  GTK_POLICY_AUTOMATIC);
   gtk_scrolled_window_set_shadow_type(GTK_SCROLLED_WINDOW(scrolled), GTK_SHADOW_IN);
+  // A window opens wide enough for all columns and tall enough for some rows.
+  gtk_scrolled_window_set_propagate_natural_width(GTK_SCROLLED_WINDOW(scrolled), TRUE);
+  gtk_scrolled_window_set_min_content_height(GTK_SCROLLED_WINDOW(scrolled), L_ListHeight);
   gtk_container_add(GTK_CONTAINER(scrolled), list);
   return StoreWidget(window, scrolled, name);
 }
@@ -154,7 +158,7 @@ void MakeModal(GtkWidget *dialog) {
 void InstallStyle() {
   // A pop-up as list: a menu-style one costs ten times as much for long lists.
   GtkCssProvider *provider = gtk_css_provider_new();
-  gtk_css_provider_load_from_data(provider, "* { -GtkComboBox-appears-as-list: true; }", -1,
+  gtk_css_provider_load_from_data(provider, "combobox { -GtkComboBox-appears-as-list: true; }", -1,
                                   nullptr);
   gtk_style_context_add_provider_for_screen(gdk_screen_get_default(), GTK_STYLE_PROVIDER(provider),
                                             GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);

@@ -2,6 +2,7 @@
 
 #include <glib-unix.h>
 #include <gtk/gtk.h>
+#include <pango/pangocairo.h>
 
 #include <clocale>
 #include <csignal>
@@ -164,6 +165,9 @@ GtkWidget *StartUp(CList *messages) {
 int Run(int argc, char **argv) {
   const LogScope log("main");
   std::setlocale(LC_ALL, "");
+  // Pango reads the system's font configuration in a thread of its own: started here, it is done by
+  // the time the X connection stands, instead of holding up the first window.
+  pango_cairo_font_map_get_default();
   gtk_init(&argc, &argv);
   InstallStyle();
   LoadMessages();
