@@ -1,0 +1,388 @@
+#include "guiapp.h"
+
+#include <fcntl.h>
+#include <grp.h>
+#include <poll.h>
+#include <pwd.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <stdexcept>
+
+#include "xinput.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::seconds kDeadline{60};
+// How long to watch for X events before looking again; only a bound, what happens ends it.
+constexpr int kPauseMilliseconds = 10;
+
+struct User {
+  uid_t id = 0;
+  gid_t group = 0;
+  std::string home;
+};
+
+User UserNamed(const std::string &name) {
+  if (name.empty()) return {getuid(), getgid(), ""};
+  const passwd *entry = getpwnam(name.c_str());
+  if (entry == nullptr) throw std::runtime_error("no user " + name);
+  return {entry->pw_uid, entry->pw_gid, entry->pw_dir};
+}
+
+std::string NewDirectory() {
+  std::string pattern = "/tmp/kpxgui.XXXXXX";
+  if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("mkdtemp");
+  chmod(pattern.c_str(), 0755);
+  return pattern;
+}
+
+// The other user may be unable to reach the build directory.
+std::string CopyInto(const std::string &directory, const std::string &file) {
+  const std::string copy = directory + "/" + std::filesystem::path(file).filename().string();
+  std::filesystem::copy_file(file, copy);
+  std::filesystem::permissions(copy, std::filesystem::perms{0755});
+  return copy;
+}
+
+void SetVariable(std::vector<std::string> &environment, const std::string &setting) {
+  const std::string name = setting.substr(0, setting.find('='));
+  std::erase_if(environment, [&](const std::string &entry) {
+    return entry.compare(0, name.size() + 1, name + "=") == 0;
+  });
+  if (setting.size() > name.size()) environment.push_back(setting);
+}
+
+std::vector<std::string> EnvironmentFor(const GuiAppOptions &options, const User &user,
+                                        const std::string &directory) {
+  std::vector<std::string> environment;
+  for (char **entry = environ; *entry != nullptr; ++entry) environment.emplace_back(*entry);
+  const std::string inner = directory + "/inner";
+  SetVariable(environment, "GTK_MODULES=" + CopyInto(directory, KPX_INSPECT_MODULE));
+  SetVariable(environment, "KPX_INSPECT_SOCKET=" + inner + "/socket");
+  if (std::getenv("LSAN_OPTIONS") != nullptr) {
+    SetVariable(environment, "LSAN_OPTIONS=print_suppressions=0:suppressions=" +
+                                 CopyInto(directory, KPX_LEAK_SUPPRESSIONS));
+  }
+  if (!options.user.empty()) {
+    SetVariable(environment, "HOME=" + user.home);
+    SetVariable(environment, "USER=" + options.user);
+    SetVariable(environment, "LOGNAME=" + options.user);
+  }
+  for (const std::string &setting : options.environment) SetVariable(environment, setting);
+  return environment;
+}
+
+std::vector<char *> Pointers(std::vector<std::string> &texts) {
+  std::vector<char *> pointers;
+  for (std::string &text : texts) pointers.push_back(text.data());
+  pointers.push_back(nullptr);
+  return pointers;
+}
+
+// The reading end of a pipe in which all of `input` already waits.
+int PipeWith(const std::string &input) {
+  int ends[2];
+  if (pipe2(ends, O_CLOEXEC) != 0) throw std::runtime_error("pipe");
+  fcntl(ends[1], F_SETPIPE_SZ, std::max<int>(65536, static_cast<int>(input.size())));
+  const ssize_t written = write(ends[1], input.data(), input.size());
+  close(ends[1]);
+  if (written != static_cast<ssize_t>(input.size())) throw std::runtime_error("input too long");
+  return ends[0];
+}
+
+// In the child: becomes the program.
+[[noreturn]] void Become(const std::string &program, const User &user, char **arguments,
+                         char **environment) {
+  if (user.id != getuid() &&
+      (setgroups(0, nullptr) != 0 || setgid(user.group) != 0 || setuid(user.id) != 0)) {
+    _exit(126);
+  }
+  execve(program.c_str(), arguments, environment);
+  _exit(127);
+}
+
+std::vector<std::string> LinesOf(const std::string &text) {
+  std::vector<std::string> lines;
+  std::istringstream stream(text);
+  for (std::string line; std::getline(stream, line);) lines.push_back(line);
+  return lines;
+}
+
+ScreenArea AreaFrom(const std::string &text) {
+  ScreenArea area;
+  std::istringstream(text) >> area.x >> area.y >> area.width >> area.height;
+  return area;
+}
+
+void RunImport(std::vector<std::string> arguments) {
+  std::vector<char *> pointers = Pointers(arguments);
+  const pid_t child = fork();
+  if (child == 0) {
+    execvp(pointers[0], pointers.data());
+    _exit(127);
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  if (status != 0) throw std::runtime_error("import failed");
+}
+
+}  // namespace
+
+GuiApp::GuiApp(GuiAppOptions options) : directory_(NewDirectory()) { Start(options); }
+
+GuiApp::~GuiApp() {
+  if (!HasEnded()) {
+    kill(pid_, SIGKILL);
+    waitpid(pid_, nullptr, 0);
+  }
+  std::error_code ignored;
+  std::filesystem::remove_all(directory_, ignored);
+}
+
+void GuiApp::Start(const GuiAppOptions &options) {
+  const User user = UserNamed(options.user);
+  std::vector<std::string> environment = EnvironmentFor(options, user, directory_);
+  std::vector<std::string> arguments = options.arguments;
+  arguments.insert(arguments.begin(),
+                   options.program_name.empty() ? options.program : options.program_name);
+  const std::string inner = directory_ + "/inner";
+  std::filesystem::create_directory(inner);
+  if (chown(inner.c_str(), user.id, user.group) != 0) throw std::runtime_error("chown");
+  const Descriptor input(options.input ? PipeWith(*options.input)
+                                       : open("/dev/null", O_RDONLY | O_CLOEXEC));
+  const Descriptor errors(
+      open((directory_ + "/stderr").c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644));
+  const std::vector<char *> argument_pointers = Pointers(arguments);
+  const std::vector<char *> environment_pointers = Pointers(environment);
+
+  pid_ = fork();
+  if (pid_ < 0) throw std::runtime_error("fork");
+  if (pid_ == 0) {
+    dup2(input.get(), STDIN_FILENO);
+    dup2(errors.get(), STDERR_FILENO);
+    Become(options.program, user, const_cast<char **>(argument_pointers.data()),
+           const_cast<char **>(environment_pointers.data()));
+  }
+  process_ = Descriptor(static_cast<int>(syscall(SYS_pidfd_open, pid_, 0)));
+}
+
+bool GuiApp::HasEnded() {
+  if (status_ >= 0) return true;
+  int status = 0;
+  if (waitpid(pid_, &status, WNOHANG) != pid_) return false;
+  status_ = WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+  return true;
+}
+
+bool GuiApp::Pause() {
+  pollfd watched[] = {{process_.get(), POLLIN, 0}, {XInputDescriptor(), POLLIN, 0}};
+  XInputDrain();
+  poll(watched, 2, kPauseMilliseconds);
+  return HasEnded();
+}
+
+bool GuiApp::Connect() {
+  if (connection_) return true;
+  sockaddr_un address = {};
+  address.sun_family = AF_UNIX;
+  const std::string path = directory_ + "/inner/socket";
+  std::strncpy(address.sun_path, path.c_str(), sizeof address.sun_path - 1);
+  Descriptor connection(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  if (connect(connection.get(), reinterpret_cast<sockaddr *>(&address), sizeof address) != 0) {
+    return false;
+  }
+  connection_ = std::move(connection);
+  return true;
+}
+
+std::optional<std::string> GuiApp::Ask(const std::string &request) {
+  const Clock::time_point deadline = Clock::now() + kDeadline;
+  while (!Connect()) {
+    if (Pause() || Clock::now() > deadline) Fail("the program shows no windows");
+  }
+  const std::string line = request + "\n";
+  send(connection_.get(), line.data(), line.size(), MSG_NOSIGNAL);
+  std::string answer;
+  size_t expected = std::string::npos;
+  while (answer.size() < expected) {
+    pollfd waiting = {connection_.get(), POLLIN, 0};
+    char buffer[4096];
+    const ssize_t count = poll(&waiting, 1, static_cast<int>(kDeadline.count()) * 1000) == 1
+                              ? read(connection_.get(), buffer, sizeof buffer)
+                              : -1;
+    if (count <= 0) Fail("no answer to \"" + request + "\"");
+    answer.append(buffer, static_cast<size_t>(count));
+    const size_t head = answer.find('\n');
+    if (head == std::string::npos) continue;
+    expected = head + 1 + std::stoul(answer.substr(answer.find(' ') + 1));
+  }
+  if (answer.compare(0, 3, "ok ") != 0) return std::nullopt;
+  return answer.substr(answer.find('\n') + 1);
+}
+
+std::string GuiApp::Demand(const std::string &request) {
+  const std::optional<std::string> answer = Ask(request);
+  if (!answer) Fail("nothing to answer \"" + request + "\" with");
+  return *answer;
+}
+
+void GuiApp::Fail(const std::string &what) {
+  std::string text = what;
+  if (HasEnded()) {
+    text += "; the program ended with status " + std::to_string(status_);
+  } else if (what.find("\"windows\"") == std::string::npos && connection_) {
+    text += "; it shows";
+    for (const std::string &window : Windows()) text += " " + window;
+  }
+  throw std::runtime_error(text + "; it wrote:\n" + Stderr());
+}
+
+void GuiApp::WaitUntil(const std::string &what, const std::function<bool()> &holds) {
+  const Clock::time_point deadline = Clock::now() + kDeadline;
+  while (!holds()) {
+    if (Pause() || Clock::now() > deadline) Fail("waited in vain for " + what);
+  }
+}
+
+void GuiApp::WaitWindow(const std::string &name) {
+  WaitUntil("the window " + name, [&] {
+    const std::vector<std::string> windows = Windows();
+    return std::find(windows.begin(), windows.end(), name) != windows.end();
+  });
+  FocusForemost();
+}
+
+void GuiApp::WaitGone(const std::string &name) {
+  WaitUntil(name + " to go", [&] {
+    const std::vector<std::string> windows = Windows();
+    return std::find(windows.begin(), windows.end(), name) == windows.end();
+  });
+}
+
+int GuiApp::WaitExit() {
+  const Clock::time_point deadline = Clock::now() + kDeadline;
+  while (!HasEnded()) {
+    pollfd waiting = {process_.get(), POLLIN, 0};
+    poll(&waiting, 1, static_cast<int>(kDeadline.count()) * 1000);
+    if (!HasEnded() && Clock::now() > deadline) Fail("waited in vain for the program's end");
+  }
+  return status_;
+}
+
+// Without a window manager nobody else gives the foremost window the focus.
+void GuiApp::FocusForemost() {
+  WaitUntil("the focus", [&] {
+    const std::vector<std::string> windows = Windows();
+    if (windows.empty()) return false;
+    const std::optional<std::string> xid = Ask("xid " + windows.front());
+    // A pop-up has grabbed all input.
+    if (!xid || Focus().starts_with(windows.front() + "/")) return true;
+    XInputFocus(std::stoul(*xid));
+    return Focus().starts_with(windows.front() + "/");
+  });
+}
+
+void GuiApp::Click(const std::string &name) {
+  WaitUntil("the widget " + name, [&] { return Ask("geometry " + name).has_value(); });
+  FocusForemost();
+  const ScreenArea area = Geometry(name);
+  XInputClick(area.x + area.width / 2, area.y + area.height / 2);
+}
+
+void GuiApp::ClickRow(const std::string &list, int row, const std::string &keys) {
+  const std::string request = "row " + list + " " + std::to_string(row);
+  WaitUntil("row " + std::to_string(row) + " of " + list, [&] { return Ask(request).has_value(); });
+  FocusForemost();
+  const ScreenArea area = AreaFrom(Demand(request));
+  if (!keys.empty()) XInputKey(keys, true);
+  // Near the row's start: a cell is as wide as its column, which may reach out of the window.
+  XInputClick(area.x + std::min(area.width / 2, 20), area.y + area.height / 2);
+  if (!keys.empty()) XInputKey(keys, false);
+}
+
+void GuiApp::DoubleClickRow(const std::string &list, int row) {
+  ClickRow(list, row);
+  ClickRow(list, row);
+}
+
+void GuiApp::Wheel(const std::string &name, int steps) {
+  const ScreenArea area = Geometry(name);
+  const int button = steps > 0 ? 5 : 4;
+  for (int i = 0; i < std::abs(steps); ++i) {
+    XInputClick(area.x + area.width / 2, area.y + area.height / 2, button);
+  }
+}
+
+void GuiApp::Type(const std::string &text) {
+  FocusForemost();
+  XInputType(text);
+}
+
+void GuiApp::Key(const std::string &key) {
+  FocusForemost();
+  XInputChord(key);
+}
+
+void GuiApp::CloseWindow(const std::string &name) {
+  XInputClose(std::stoul(Demand("xid " + name)));
+}
+
+bool GuiApp::HasWidget(const std::string &name) { return Ask("geometry " + name).has_value(); }
+
+std::string GuiApp::Text(const std::string &name) { return Demand("text " + name); }
+
+bool GuiApp::IsSensitive(const std::string &name) { return Demand("sensitive " + name) == "1"; }
+
+bool GuiApp::IsActive(const std::string &name) { return Demand("active " + name) == "1"; }
+
+std::vector<std::string> GuiApp::Rows(const std::string &list) {
+  return LinesOf(Demand("rows " + list));
+}
+
+std::string GuiApp::Focus() { return Demand("focus"); }
+
+std::vector<std::string> GuiApp::Windows() {
+  std::vector<std::string> names;
+  for (const std::string &line : LinesOf(Demand("windows"))) {
+    names.push_back(line.substr(0, line.find('\t')));
+  }
+  return names;
+}
+
+std::vector<std::string> GuiApp::ClippedTexts() { return LinesOf(Demand("clipped")); }
+
+ScreenArea GuiApp::Geometry(const std::string &name) {
+  return AreaFrom(Demand("geometry " + name));
+}
+
+std::string GuiApp::Stderr() const {
+  std::ifstream file(directory_ + "/stderr", std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+void Screenshot(const std::string &path) {
+  RunImport({"import", "-silent", "-window", "root", path});
+}
+
+void Screenshot(const std::string &path, const ScreenArea &area) {
+  RunImport({"import", "-silent", "-window", "root", "-crop",
+             std::to_string(area.width) + "x" + std::to_string(area.height) + "+" +
+                 std::to_string(area.x) + "+" + std::to_string(area.y),
+             "+repage", path});
+}

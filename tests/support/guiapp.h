@@ -1,0 +1,102 @@
+// Drives a program of the project through its windows, as a user does: it is started as it ships,
+// clicks and keys come from the X server at the places where the widgets are, and a module that GTK
+// loads into it tells what the windows show (inspect.cpp).
+//
+// Whatever is waited for has a deadline; a wait that ends without it, and a widget that is not
+// there, throw std::runtime_error, whose words tell what the program showed and wrote instead.
+#pragma once
+
+#include <sys/types.h>
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "descriptor.h"
+
+struct GuiAppOptions {
+  std::string program = "/usr/bin/KPXtool";
+  std::vector<std::string> arguments;
+  std::vector<std::string> environment;  // "NAME=VALUE"; "NAME" alone takes NAME away
+  std::optional<std::string> input;      // waits in a pipe at standard input; none: /dev/null
+  std::string user;                      // empty: the user of the test
+  std::string program_name;              // argv[0]; empty: `program`
+};
+
+struct ScreenArea {
+  int x = 0;
+  int y = 0;
+  int width = 0;
+  int height = 0;
+};
+
+class GuiApp {
+ public:
+  explicit GuiApp(GuiAppOptions options = {});
+  // Ends the program when it still runs.
+  ~GuiApp();
+  GuiApp(const GuiApp &) = delete;
+  GuiApp &operator=(const GuiApp &) = delete;
+
+  pid_t pid() const { return pid_; }
+
+  // Until the window is shown (and has the input focus), or is gone.
+  void WaitWindow(const std::string &name);
+  void WaitGone(const std::string &name);
+  // Until `holds`; `what` names it in the message.
+  void WaitUntil(const std::string &what, const std::function<bool()> &holds);
+  // Until the program ends: its exit status, 128 plus the signal's number when a signal ended it.
+  int WaitExit();
+
+  // The left button at the middle of a widget or a list row; `keys` are held down ("ctrl",
+  // "shift").
+  void Click(const std::string &name);
+  void ClickRow(const std::string &list, int row, const std::string &keys = "");
+  void DoubleClickRow(const std::string &list, int row);
+  // Turns the wheel down (or up when negative) `steps` notches over a widget.
+  void Wheel(const std::string &name, int steps);
+  // Types UTF-8 text, or one key with its modifiers ("Return", "ctrl+a"), into what has the focus.
+  void Type(const std::string &text);
+  void Key(const std::string &key);
+  // What a window manager sends when its close button is pressed.
+  void CloseWindow(const std::string &name);
+
+  bool HasWidget(const std::string &name);
+  std::string Text(const std::string &name);
+  bool IsSensitive(const std::string &name);
+  bool IsActive(const std::string &name);
+  // Lines of cells with tabs between; the first character is "*" for a selected row, else "-".
+  std::vector<std::string> Rows(const std::string &list);
+  // "<window>/<widget>" of the focus.
+  std::string Focus();
+  // Names of the windows shown, the foremost first.
+  std::vector<std::string> Windows();
+  // The texts that are not shown whole, "<window>/<widget> TAB <text>".
+  std::vector<std::string> ClippedTexts();
+  ScreenArea Geometry(const std::string &name);
+
+  // What the program has written to standard error so far.
+  std::string Stderr() const;
+
+ private:
+  std::optional<std::string> Ask(const std::string &request);
+  std::string Demand(const std::string &request);
+  void Start(const GuiAppOptions &options);
+  bool Connect();
+  bool HasEnded();
+  // True when the program has ended within the pause.
+  bool Pause();
+  void FocusForemost();
+  [[noreturn]] void Fail(const std::string &what);
+
+  pid_t pid_ = -1;
+  int status_ = -1;
+  Descriptor process_;
+  Descriptor connection_;
+  std::string directory_;
+};
+
+// A picture of the whole screen, or of a part of it, as PNG.
+void Screenshot(const std::string &path);
+void Screenshot(const std::string &path, const ScreenArea &area);

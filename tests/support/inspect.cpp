@@ -1,0 +1,395 @@
+// A GTK module that tells tests what the windows of a program show. It is loaded into the program
+// as it ships by GTK itself (GTK_MODULES=/path/libkpxinspect.so) and only looks: input is given to
+// the program by the X server.
+//
+// Listens on the Unix socket named by KPX_INSPECT_SOCKET. A request is one line, "WORD" or
+// "WORD NAME" or "WORD NAME NUMBER"; an answer is a line "ok <bytes>" or "none <bytes>" (nothing of
+// that name) and that many bytes. Widgets are found by their names in the visible top-level
+// windows, that of the current grab first; "WINDOW/NAME" looks in one window alone.
+//
+//   windows       lines "<name> TAB <title>"
+//   geometry N    "<x> <y> <width> <height>" in pixels of the screen
+//   row N n       the same for row n of a list; "none" when it is scrolled out of sight
+//   text N        what a label, button, entry, combo, text area or frame shows; a window's title
+//   sensitive N   "1" or "0"
+//   active N      "1" or "0" for a toggle or radio button
+//   xid N         the X identifier of its top-level window; "none" in a pop-up
+//   focus         "<window>/<widget>" of the window that has the focus
+//   rows N        lines of a list's or combo's cells with TAB between; "*" before a selected row,
+//                 "-" before another
+//   clipped       lines "<window>/<widget> TAB <text>" for every text that is not shown whole
+//   idle          "1", when everything that was under way has been done
+
+#include <gdk/gdkx.h>
+#include <glib-unix.h>
+#include <gmodule.h>
+#include <gtk/gtk.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace {
+
+using Answer = std::optional<std::string>;
+
+std::string Taken(gchar *text) {
+  const std::string result = text == nullptr ? "" : text;
+  g_free(text);
+  return result;
+}
+
+std::string OneLine(std::string text) {
+  for (char &c : text) {
+    if (c == '\n' || c == '\t') c = ' ';
+  }
+  return text;
+}
+
+// The mapped top-level windows, that of the current grab first, then the newest first.
+std::vector<GtkWidget *> VisibleWindows() {
+  std::vector<GtkWidget *> windows;
+  GtkWidget *grab = gtk_grab_get_current();
+  if (grab != nullptr) windows.push_back(gtk_widget_get_toplevel(grab));
+  GList *all = gtk_window_list_toplevels();
+  for (GList *link = g_list_last(all); link != nullptr; link = link->prev) {
+    GtkWidget *window = GTK_WIDGET(link->data);
+    if (gtk_widget_get_mapped(window) != FALSE && (windows.empty() || windows.front() != window)) {
+      windows.push_back(window);
+    }
+  }
+  g_list_free(all);
+  return windows;
+}
+
+// Calls `visit` for the widget and everything mapped in it, parents first, until it returns false.
+bool Walk(GtkWidget *widget, const std::function<bool(GtkWidget *)> &visit) {
+  if (gtk_widget_get_mapped(widget) == FALSE) return true;
+  if (!visit(widget)) return false;
+  if (!GTK_IS_CONTAINER(widget)) return true;
+  std::vector<GtkWidget *> children;
+  gtk_container_forall(
+      GTK_CONTAINER(widget),
+      [](GtkWidget *child, gpointer data) {
+        static_cast<std::vector<GtkWidget *> *>(data)->push_back(child);
+      },
+      &children);
+  for (GtkWidget *child : children) {
+    if (!Walk(child, visit)) return false;
+  }
+  return true;
+}
+
+GtkWidget *Find(const std::string &path) {
+  const size_t slash = path.find('/');
+  const std::string window_name = slash == std::string::npos ? "" : path.substr(0, slash);
+  const std::string name = slash == std::string::npos ? path : path.substr(slash + 1);
+  GtkWidget *found = nullptr;
+  for (GtkWidget *window : VisibleWindows()) {
+    if (!window_name.empty() && window_name != gtk_widget_get_name(window)) continue;
+    const bool go_on = Walk(window, [&](GtkWidget *widget) {
+      if (name == gtk_widget_get_name(widget)) found = widget;
+      return found == nullptr;
+    });
+    if (!go_on) break;
+  }
+  return found;
+}
+
+std::string PathOf(GtkWidget *widget) {
+  return std::string(gtk_widget_get_name(gtk_widget_get_toplevel(widget))) + "/" +
+         gtk_widget_get_name(widget);
+}
+
+Answer ScreenRectangle(GtkWidget *widget, GdkRectangle area) {
+  GtkWidget *window = gtk_widget_get_toplevel(widget);
+  int x = 0;
+  int y = 0;
+  if (gtk_widget_translate_coordinates(widget, window, area.x, area.y, &x, &y) == FALSE) return {};
+  int origin_x = 0;
+  int origin_y = 0;
+  gdk_window_get_origin(gtk_widget_get_window(window), &origin_x, &origin_y);
+  return std::to_string(origin_x + x) + " " + std::to_string(origin_y + y) + " " +
+         std::to_string(area.width) + " " + std::to_string(area.height);
+}
+
+Answer Geometry(GtkWidget *widget) {
+  GtkAllocation size;
+  gtk_widget_get_allocation(widget, &size);
+  return ScreenRectangle(widget, {0, 0, size.width, size.height});
+}
+
+Answer RowGeometry(GtkWidget *widget, int row) {
+  if (!GTK_IS_TREE_VIEW(widget)) return {};
+  GtkTreeView *list = GTK_TREE_VIEW(widget);
+  GtkTreePath *path = gtk_tree_path_new_from_indices(row, -1);
+  GdkRectangle cell = {0, 0, 0, 0};
+  gtk_tree_view_get_cell_area(list, path, gtk_tree_view_get_column(list, 0), &cell);
+  gtk_tree_path_free(path);
+  GdkRectangle seen;
+  gtk_tree_view_get_visible_rect(list, &seen);
+  int top = 0;
+  gtk_tree_view_convert_bin_window_to_tree_coords(list, 0, cell.y, nullptr, &top);
+  if (cell.height == 0 || top < seen.y || top + cell.height > seen.y + seen.height) return {};
+  gtk_tree_view_convert_bin_window_to_widget_coords(list, cell.x, cell.y, &cell.x, &cell.y);
+  return ScreenRectangle(widget, cell);
+}
+
+std::string TextOfArea(GtkTextView *area) {
+  GtkTextBuffer *buffer = gtk_text_view_get_buffer(area);
+  GtkTextIter start;
+  GtkTextIter end;
+  gtk_text_buffer_get_bounds(buffer, &start, &end);
+  return Taken(gtk_text_buffer_get_text(buffer, &start, &end, TRUE));
+}
+
+std::string OrEmpty(const char *text) { return text == nullptr ? "" : text; }
+
+Answer Text(GtkWidget *widget) {
+  if (GTK_IS_LABEL(widget)) return OrEmpty(gtk_label_get_text(GTK_LABEL(widget)));
+  if (GTK_IS_ENTRY(widget)) return OrEmpty(gtk_entry_get_text(GTK_ENTRY(widget)));
+  if (GTK_IS_BUTTON(widget)) return OrEmpty(gtk_button_get_label(GTK_BUTTON(widget)));
+  if (GTK_IS_FRAME(widget)) return OrEmpty(gtk_frame_get_label(GTK_FRAME(widget)));
+  if (GTK_IS_WINDOW(widget)) return OrEmpty(gtk_window_get_title(GTK_WINDOW(widget)));
+  if (GTK_IS_TEXT_VIEW(widget)) return TextOfArea(GTK_TEXT_VIEW(widget));
+  if (GTK_IS_COMBO_BOX(widget)) {
+    GtkWidget *child = gtk_bin_get_child(GTK_BIN(widget));
+    if (GTK_IS_ENTRY(child)) return OrEmpty(gtk_entry_get_text(GTK_ENTRY(child)));
+  }
+  return {};
+}
+
+std::string CellsOf(GtkTreeModel *model, GtkTreeIter *iter) {
+  std::string cells;
+  bool first = true;
+  for (int column = 0; column < gtk_tree_model_get_n_columns(model); ++column) {
+    if (gtk_tree_model_get_column_type(model, column) != G_TYPE_STRING) continue;
+    gchar *text = nullptr;
+    gtk_tree_model_get(model, iter, column, &text, -1);
+    if (!first) cells += '\t';
+    cells += OneLine(Taken(text));
+    first = false;
+  }
+  return cells;
+}
+
+bool IsRowSelected(GtkWidget *widget, GtkTreeIter *iter) {
+  if (GTK_IS_TREE_VIEW(widget)) {
+    return gtk_tree_selection_iter_is_selected(gtk_tree_view_get_selection(GTK_TREE_VIEW(widget)),
+                                               iter) != FALSE;
+  }
+  GtkTreeIter active;
+  return gtk_combo_box_get_active_iter(GTK_COMBO_BOX(widget), &active) != FALSE &&
+         active.user_data == iter->user_data;
+}
+
+Answer Rows(GtkWidget *widget) {
+  GtkTreeModel *model = nullptr;
+  if (GTK_IS_TREE_VIEW(widget)) model = gtk_tree_view_get_model(GTK_TREE_VIEW(widget));
+  if (GTK_IS_COMBO_BOX(widget)) model = gtk_combo_box_get_model(GTK_COMBO_BOX(widget));
+  if (model == nullptr) return {};
+  std::string rows;
+  GtkTreeIter iter;
+  for (gboolean more = gtk_tree_model_get_iter_first(model, &iter); more != FALSE;
+       more = gtk_tree_model_iter_next(model, &iter)) {
+    rows += IsRowSelected(widget, &iter) ? '*' : '-';
+    rows += CellsOf(model, &iter) + "\n";
+  }
+  return rows;
+}
+
+std::string Windows() {
+  std::string lines;
+  for (GtkWidget *window : VisibleWindows()) {
+    if (!GTK_IS_WINDOW(window)) continue;
+    lines += std::string(gtk_widget_get_name(window)) + "\t" +
+             OneLine(OrEmpty(gtk_window_get_title(GTK_WINDOW(window)))) + "\n";
+  }
+  return lines;
+}
+
+std::string Focus() {
+  for (GtkWidget *window : VisibleWindows()) {
+    if (!GTK_IS_WINDOW(window) || gtk_window_has_toplevel_focus(GTK_WINDOW(window)) == FALSE) {
+      continue;
+    }
+    GtkWidget *focus = gtk_window_get_focus(GTK_WINDOW(window));
+    return focus == nullptr ? std::string(gtk_widget_get_name(window)) + "/" : PathOf(focus);
+  }
+  return "";
+}
+
+// Smaller than what it wants to show its text in.
+bool IsTooSmall(GtkWidget *widget) {
+  GtkAllocation given;
+  gtk_widget_get_allocation(widget, &given);
+  int wanted = 0;
+  if (GTK_IS_LABEL(widget) && gtk_label_get_line_wrap(GTK_LABEL(widget)) != FALSE) {
+    gtk_widget_get_preferred_height_for_width(widget, given.width, &wanted, nullptr);
+    return given.height < wanted;
+  }
+  GtkRequisition natural;
+  gtk_widget_get_preferred_size(widget, nullptr, &natural);
+  return given.width < natural.width || given.height < natural.height;
+}
+
+bool IsOutside(GtkWidget *widget) {
+  GtkWidget *window = gtk_widget_get_toplevel(widget);
+  GtkAllocation given;
+  GtkAllocation room;
+  gtk_widget_get_allocation(widget, &given);
+  gtk_widget_get_allocation(window, &room);
+  int x = 0;
+  int y = 0;
+  if (gtk_widget_translate_coordinates(widget, window, 0, 0, &x, &y) == FALSE) return false;
+  return x < 0 || y < 0 || x + given.width > room.width || y + given.height > room.height;
+}
+
+bool IsInScrolledWindow(GtkWidget *widget) {
+  return gtk_widget_get_ancestor(widget, GTK_TYPE_SCROLLED_WINDOW) != nullptr;
+}
+
+bool IsClipped(GtkWidget *widget) {
+  if (!GTK_IS_LABEL(widget) && !GTK_IS_BUTTON(widget)) return false;
+  const Answer text = Text(widget);
+  if (!text || text->empty()) return false;
+  if (GTK_IS_LABEL(widget) &&
+      pango_layout_is_ellipsized(gtk_label_get_layout(GTK_LABEL(widget))) != FALSE) {
+    return true;
+  }
+  return IsTooSmall(widget) || (!IsInScrolledWindow(widget) && IsOutside(widget));
+}
+
+std::string Clipped() {
+  std::string lines;
+  for (GtkWidget *window : VisibleWindows()) {
+    Walk(window, [&](GtkWidget *widget) {
+      if (IsClipped(widget)) lines += PathOf(widget) + "\t" + OneLine(*Text(widget)) + "\n";
+      return true;
+    });
+  }
+  return lines;
+}
+
+Answer WindowIdentifier(GtkWidget *window) {
+  if (gtk_window_get_window_type(GTK_WINDOW(window)) != GTK_WINDOW_TOPLEVEL) return {};
+  return std::to_string(gdk_x11_window_get_xid(gtk_widget_get_window(window)));
+}
+
+Answer AboutWidget(const std::string &word, const std::string &name, int number) {
+  GtkWidget *widget = Find(name);
+  if (widget == nullptr) return {};
+  if (word == "geometry") return Geometry(widget);
+  if (word == "xid") return WindowIdentifier(gtk_widget_get_toplevel(widget));
+  if (word == "row") return RowGeometry(widget, number);
+  if (word == "text") return Text(widget);
+  if (word == "sensitive") return gtk_widget_is_sensitive(widget) != FALSE ? "1" : "0";
+  if (word == "rows") return Rows(widget);
+  if (word == "active" && GTK_IS_TOGGLE_BUTTON(widget)) {
+    return gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(widget)) != FALSE ? "1" : "0";
+  }
+  return {};
+}
+
+Answer AnswerTo(const std::string &request) {
+  const size_t first = request.find(' ');
+  const std::string word = request.substr(0, first);
+  if (word == "windows") return Windows();
+  if (word == "focus") return Focus();
+  if (word == "clipped") return Clipped();
+  if (word == "idle") return "1";
+  if (first == std::string::npos) return {};
+  const size_t second = request.find(' ', first + 1);
+  const std::string name = request.substr(
+      first + 1, second == std::string::npos ? std::string::npos : second - first - 1);
+  const int number = second == std::string::npos ? -1 : std::atoi(request.c_str() + second + 1);
+  return AboutWidget(word, name, number);
+}
+
+struct Connection {
+  int descriptor = -1;
+  std::string pending;  // what came of the next request
+};
+
+void WriteAll(int descriptor, const std::string &text) {
+  size_t sent = 0;
+  while (sent < text.size()) {
+    const ssize_t count = send(descriptor, text.data() + sent, text.size() - sent, MSG_NOSIGNAL);
+    if (count < 0) return;
+    sent += static_cast<size_t>(count);
+  }
+}
+
+// Runs when nothing else is left to do.
+gboolean AnswerWhenIdle(gpointer data) {
+  auto *connection = static_cast<Connection *>(data);
+  gdk_display_sync(gdk_display_get_default());
+  if (gtk_events_pending() != FALSE) return G_SOURCE_CONTINUE;
+  const size_t end = connection->pending.find('\n');
+  const std::string request = connection->pending.substr(0, end);
+  connection->pending.erase(0, end + 1);
+  const Answer answer = AnswerTo(request);
+  WriteAll(connection->descriptor, (answer ? "ok " : "none ") +
+                                       std::to_string(answer ? answer->size() : 0) + "\n" +
+                                       answer.value_or(""));
+  return G_SOURCE_REMOVE;
+}
+
+gboolean ReadRequest(gint descriptor, GIOCondition, gpointer data) {
+  auto *connection = static_cast<Connection *>(data);
+  char buffer[1024];
+  const ssize_t count = read(descriptor, buffer, sizeof buffer);
+  if (count <= 0) {
+    // An answer may still be under way; the few bytes of the record stay until the program ends.
+    close(descriptor);
+    return G_SOURCE_REMOVE;
+  }
+  connection->pending.append(buffer, static_cast<size_t>(count));
+  if (connection->pending.find('\n') != std::string::npos) {
+    g_idle_add_full(G_PRIORITY_LOW, AnswerWhenIdle, connection, nullptr);
+  }
+  return G_SOURCE_CONTINUE;
+}
+
+gboolean AcceptConnection(gint listener, GIOCondition, gpointer) {
+  const int descriptor = accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
+  if (descriptor < 0) return G_SOURCE_CONTINUE;
+  static std::vector<std::unique_ptr<Connection>> connections;
+  connections.push_back(std::make_unique<Connection>(Connection{descriptor, ""}));
+  g_unix_fd_add(descriptor, G_IO_IN, ReadRequest, connections.back().get());
+  return G_SOURCE_CONTINUE;
+}
+
+int ListenOn(const char *path) {
+  sockaddr_un address = {};
+  address.sun_family = AF_UNIX;
+  if (std::strlen(path) >= sizeof address.sun_path) return -1;
+  std::strcpy(address.sun_path, path);
+  const int listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  unlink(path);
+  if (bind(listener, reinterpret_cast<sockaddr *>(&address), sizeof address) == 0 &&
+      listen(listener, 4) == 0) {
+    return listener;
+  }
+  close(listener);
+  return -1;
+}
+
+}  // namespace
+
+extern "C" G_MODULE_EXPORT void gtk_module_init(gint *, gchar ***) {
+  const char *path = std::getenv("KPX_INSPECT_SOCKET");
+  const int listener = path == nullptr ? -1 : ListenOn(path);
+  if (listener < 0) {
+    g_printerr("libkpxinspect: no socket\n");
+    return;
+  }
+  g_unix_fd_add(listener, G_IO_IN, AcceptConnection, nullptr);
+}

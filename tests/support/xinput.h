@@ -1,0 +1,22 @@
+// Real input from the X server of $DISPLAY: pointer, buttons and keys (XTEST). Every call returns
+// when the server has handed the events on.
+#pragma once
+
+#include <string>
+
+// The X connection's descriptor; readable when a window was mapped, unmapped or moved.
+int XInputDescriptor();
+// Forgets what made it readable.
+void XInputDrain();
+
+void XInputClick(int x, int y, int button = 1);
+// Presses or releases the key with this X name, for example "Shift_L".
+void XInputKey(const std::string &name, bool down);
+// One key with modifiers, "ctrl+a". Throws std::invalid_argument for a name that X does not know.
+void XInputChord(const std::string &chord);
+// Types UTF-8 text; characters that the keyboard lacks get a key of their own.
+void XInputType(const std::string &text);
+// Gives the window the input focus and lifts it above the others, as a window manager does.
+void XInputFocus(unsigned long window);
+// Asks the window to close, as a window manager does.
+void XInputClose(unsigned long window);
