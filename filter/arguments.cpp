@@ -55,8 +55,6 @@ FilterArguments ParseArguments(const std::vector<std::string> &arguments) {
     }
   }
   const bool convert = !result.ppd_file.empty() && !result.paf_file.empty();
-  result.mode = filter    ? FilterMode::Filter
-                : convert ? FilterMode::Convert
-                          : FilterMode::None;
+  result.mode = filter ? FilterMode::Filter : convert ? FilterMode::Convert : FilterMode::None;
   return result;
 }

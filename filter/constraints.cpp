@@ -63,8 +63,7 @@ ConstraintPairs ExpandConstraints(const PpdModel &model) {
   for (const PpdConstraint &constraint : model.constraints) {
     const auto first = OptionsOf(model, constraint.feature1, constraint.choice1);
     const auto second = OptionsOf(model, constraint.feature2, constraint.choice2);
-    if (!first || !second ||
-        (first == second && first->size() == 1)) {
+    if (!first || !second || (first == second && first->size() == 1)) {
       ++result.left_out;
       continue;
     }

@@ -7,7 +7,8 @@
 
 #include "ppdmodel.h"
 
-// Option 1 of feature 1 cannot be combined with option 2 of feature 2. Features with their asterisk.
+// Option 1 of feature 1 cannot be combined with option 2 of feature 2. Features with their
+// asterisk.
 struct OptionPair {
   std::string feature1, option1, feature2, option2;
 };

@@ -5,7 +5,8 @@
 #include <iterator>
 #include <string>
 
-// `value` with at most three decimals, none that says nothing, in no locale, never in exponent form.
+// `value` with at most three decimals, none that says nothing, in no locale, never in exponent
+// form.
 inline std::string DecimalText(double value) {
   char buffer[400];
   const auto result =

@@ -72,8 +72,8 @@ FeatureCode CustomMediaCode(const PpdFeature &feature, const std::string &name) 
     return result;
   }
   for (const PpdParameter &parameter : feature.custom->parameters) {
-    result.code += parameter.is_text ? PostScriptString(name)
-                                     : DecimalText(NumberParameter(parameter, {}));
+    result.code +=
+        parameter.is_text ? PostScriptString(name) : DecimalText(NumberParameter(parameter, {}));
     result.code += "\n";
   }
   result.code += feature.custom->code;

@@ -18,8 +18,8 @@ namespace {
 
 void Warn(const std::string &text) { PrintErrorLine("kpxfilter: " + text); }
 
-// The layers of settings over the printer's defaults: the queue's file, the user's, the job's words.
-// Returns an empty text, or what failed.
+// The layers of settings over the printer's defaults: the queue's file, the user's, the job's
+// words. Returns an empty text, or what failed.
 std::string ApplyLayers(const FilterArguments &arguments, JobSettings *settings) {
   if (!arguments.def_file.empty()) {
     const OptionFile queue = ReadQueueOptions(arguments.def_file);

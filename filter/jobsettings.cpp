@@ -79,8 +79,7 @@ void JobSettings::ApplyOne(const Setting &setting) {
   }
   // A PIN is never looked up, so that it never gets into a warning.
   const bool may_be_feature = setting.key.starts_with('*') && setting.key != "*DeliveryPIN";
-  const PpdFeature *feature =
-      may_be_feature ? model_.FindFeature(setting.key.substr(1)) : nullptr;
+  const PpdFeature *feature = may_be_feature ? model_.FindFeature(setting.key.substr(1)) : nullptr;
   if (feature == nullptr) {
     // A booklet and several pages a sheet exclude each other: the one set later stays.
     if (setting.key == "*Booklet") others_.erase("*Nup");

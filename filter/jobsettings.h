@@ -20,11 +20,12 @@ class JobSettings {
   explicit JobSettings(const PpdModel &model);
 
   // Lays the settings of a queue over the present ones. Only a queue defines custom paper sizes
-  // ("*CustomPaperSize=name''width''length") and media types ("*CustomMediaType=name::display name").
+  // ("*CustomPaperSize=name''width''length") and media types ("*CustomMediaType=name::display
+  // name").
   void ApplyQueue(const std::vector<Setting> &settings);
 
-  // Lays a user's or a job's settings over the present ones. A value that the printer does not offer
-  // changes nothing and is added to the warnings.
+  // Lays a user's or a job's settings over the present ones. A value that the printer does not
+  // offer changes nothing and is added to the warnings.
   void Apply(const std::vector<Setting> &settings);
 
   const PpdModel &Model() const { return model_; }

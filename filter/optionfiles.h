@@ -10,7 +10,8 @@ struct Setting {
   std::string key, value;
 };
 
-// The "key=value" lines of an option file. Lines that begin with "##", empty lines and lines without
+// The "key=value" lines of an option file. Lines that begin with "##", empty lines and lines
+// without
 // "=" are left out. A value ends at a second "=", as the programs that keep these files read it.
 std::vector<Setting> ParseOptionFile(std::string_view text);
 

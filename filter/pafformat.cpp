@@ -9,10 +9,10 @@ namespace {
 
 // As many characters of each keyword as the reader compares.
 constexpr std::string_view kKeywords[] = {
-    "##",          "#uio",       "#uip",      "#uij",      "#uiio",     "#id",        "#default",
-    "#type",       "#_options",  "#_option",  "#translat", "#end_options",
-    "#end_option", "#end_ui",    "#cps",      "#MinWidth", "#MaxWidth", "#MinLength", "#MaxLength",
-    "#end_cps",    "#ccc",       "#f1",       "#o1",       "#f2",       "#o2",        "#end_ccc"};
+    "##",    "#uio",      "#uip",      "#uij",       "#uiio",        "#id",         "#default",
+    "#type", "#_options", "#_option",  "#translat",  "#end_options", "#end_option", "#end_ui",
+    "#cps",  "#MinWidth", "#MaxWidth", "#MinLength", "#MaxLength",   "#end_cps",    "#ccc",
+    "#f1",   "#o1",       "#f2",       "#o2",        "#end_ccc"};
 
 }  // namespace
 

@@ -6,7 +6,7 @@
 #include "jobsource.h"
 
 // Copies the job's data unchanged. For a printer that knows PJL the job control is put around it
-// (the job's own merged in); for another one nothing is added. Failures show in `source` and `sink`.
-// Returns whether the number of copies reaches the printer.
+// (the job's own merged in); for another one nothing is added. Failures show in `source` and
+// `sink`. Returns whether the number of copies reaches the printer.
 bool FilterPcl(const JobSettings &settings, const JobIdentity &identity, JobSource *source,
                JobSink *sink);

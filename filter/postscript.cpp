@@ -237,8 +237,8 @@ void DocumentFilter::BodyLine(std::string_view line) {
     page_pending_ = false;
     return;
   }
-  if (page_pending_ && (!line.starts_with("%%") || line.starts_with("%%Begin") ||
-                        line.starts_with("%%Include"))) {
+  if (page_pending_ &&
+      (!line.starts_with("%%") || line.starts_with("%%Begin") || line.starts_with("%%Include"))) {
     sink_->Write("%%BeginPageSetup\n" + code_.page_setup + "%%EndPageSetup\n");
     page_pending_ = false;
   }
@@ -294,8 +294,7 @@ void FilterPostScript(const JobSettings &settings, const JobIdentity &identity, 
     const JobControl control = TakeJobControl(source);
     if (source->Peek(1).empty() || sink->Error() != 0) break;
     if (source->Peek(kUel.size()) == kUel) continue;
-    const bool other =
-        !control.language.empty() && !control.language.starts_with("POSTSCRIPT");
+    const bool other = !control.language.empty() && !control.language.starts_with("POSTSCRIPT");
     sink->Write(JobControlHeader(settings, identity, control.settings,
                                  other ? control.language : "POSTSCRIPT"));
     if (other) {

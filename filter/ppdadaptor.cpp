@@ -133,7 +133,8 @@ std::optional<PpdCustom> CustomOf(ppd_file_t *ppd, const std::string &keyword) {
   custom.code = choice->code;
   custom.order = NonUiOrder(ppd, "Custom" + keyword);
   std::vector<ppd_cparam_t *> parameters;
-  for (ppd_cparam_t *p = ppdFirstCustomParam(option); p != nullptr; p = ppdNextCustomParam(option)) {
+  for (ppd_cparam_t *p = ppdFirstCustomParam(option); p != nullptr;
+       p = ppdNextCustomParam(option)) {
     parameters.push_back(p);
   }
   std::stable_sort(parameters.begin(), parameters.end(),
@@ -199,10 +200,9 @@ double AttributeNumber(ppd_file_t *ppd, const char *name) {
 // maximum that is missing there.
 std::optional<PpdCustomLimits> CustomLimitsOf(ppd_file_t *ppd) {
   if (ppd->variable_sizes == 0) return std::nullopt;
-  PpdCustomLimits limits{static_cast<double>(ppd->custom_min[0]),
-                         static_cast<double>(ppd->custom_max[0]),
-                         static_cast<double>(ppd->custom_min[1]),
-                         static_cast<double>(ppd->custom_max[1])};
+  PpdCustomLimits limits{
+      static_cast<double>(ppd->custom_min[0]), static_cast<double>(ppd->custom_max[0]),
+      static_cast<double>(ppd->custom_min[1]), static_cast<double>(ppd->custom_max[1])};
   if (limits.max_width <= 0) limits.max_width = AttributeNumber(ppd, "MaxMediaWidth");
   if (limits.max_length <= 0) limits.max_length = AttributeNumber(ppd, "MaxMediaHeight");
   for (double *value :
@@ -217,12 +217,11 @@ void FillJcl(ppd_file_t *ppd, PpdModel *model) {
   model->jcl_begin = TextOf(ppd->jcl_begin);
   model->jcl_to_postscript = TextOf(ppd->jcl_ps);
   model->jcl_end = TextOf(ppd->jcl_end);
-  const bool other_jcl = !model->jcl_begin.empty() &&
-                         (model->jcl_begin + model->jcl_to_postscript).find("@PJL") ==
-                             std::string::npos;
+  const bool other_jcl =
+      !model->jcl_begin.empty() &&
+      (model->jcl_begin + model->jcl_to_postscript).find("@PJL") == std::string::npos;
   if (other_jcl) return;
-  model->pjl = !model->jcl_begin.empty() ||
-               TextOf(ppd->protocols).find("PJL") != std::string::npos;
+  model->pjl = !model->jcl_begin.empty() || TextOf(ppd->protocols).find("PJL") != std::string::npos;
   for (const PpdFeature &feature : model->features) {
     if (feature.section != PpdSection::Jcl) continue;
     for (const PpdChoice &choice : feature.choices) {

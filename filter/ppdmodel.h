@@ -29,7 +29,7 @@ struct PpdParameter {
 struct PpdCustom {
   std::string code;
   std::vector<PpdParameter> parameters;  // in the order in which the code expects them
-  std::optional<double> order;          // from *NonUIOrderDependency
+  std::optional<double> order;           // from *NonUIOrderDependency
 };
 
 struct PpdFeature {

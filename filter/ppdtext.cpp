@@ -19,7 +19,8 @@ std::string_view Trimmed(std::string_view text) {
   return text.substr(first, text.find_last_not_of(kBlank) - first + 1);
 }
 
-// Calls `use(offset, line)` for every line, without its end (LF, CR LF or CR), until it gives false.
+// Calls `use(offset, line)` for every line, without its end (LF, CR LF or CR), until it gives
+// false.
 template <typename Use>
 void ForEachLine(std::string_view text, Use use) {
   size_t offset = 0;

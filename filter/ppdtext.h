@@ -31,5 +31,6 @@ bool DefinesChoice(std::string_view ppd, std::string_view keyword, std::string_v
 // carriage returns one blank, other control characters but tabs left out.
 std::string CleanText(std::string_view bytes);
 
-// `code` with every "<hex digits>" replaced by its bytes, as the values of JCL keywords are written.
+// `code` with every "<hex digits>" replaced by its bytes, as the values of JCL keywords are
+// written.
 std::string DecodeHex(std::string_view code);

@@ -15,7 +15,7 @@
 namespace {
 
 constexpr double kSideMargin = 9, kEndMargin = 36;  // points, where the printer needs no more
-constexpr double kCourierWidth = 0.6;                // of the point size
+constexpr double kCourierWidth = 0.6;               // of the point size
 constexpr size_t kTabStop = 8;
 
 // Where the text goes on the page.

@@ -5,11 +5,11 @@
 #include "jobsettings.h"
 #include "jobsource.h"
 
-// Writes the job as a PostScript document with the settings' code in it. Each line is UTF-8 or, when
-// it is not valid as that, ISO-8859-1. Long lines are wrapped at the last column, tabs go to every
-// eighth column, a form feed begins a new page, a carriage return alone goes back to the first
-// column and a backspace one column back; other control characters are left out. Courier in 12
-// points, or the queue's "*FontSize". An empty job gives nothing.
-// Failures show in `source` and `sink`.
+// Writes the job as a PostScript document with the settings' code in it. Each line is UTF-8 or,
+// when it is not valid as that, ISO-8859-1. Long lines are wrapped at the last column, tabs go to
+// every eighth column, a form feed begins a new page, a carriage return alone goes back to the
+// first column and a backspace one column back; other control characters are left out. Courier in
+// 12 points, or the queue's "*FontSize". An empty job gives nothing. Failures show in `source` and
+// `sink`.
 void FilterText(const JobSettings &settings, const JobIdentity &identity, JobSource *source,
                 JobSink *sink);

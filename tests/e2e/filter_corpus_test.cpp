@@ -45,8 +45,8 @@ std::optional<std::string> Recoded(const std::string &text, const char *to, cons
   return out;
 }
 
-// libcups reads a file that declares ISOLatin1 as that; many such files are UTF-8. Gives the text of
-// the file itself, its line feeds as blanks.
+// libcups reads a file that declares ISOLatin1 as that; many such files are UTF-8. Gives the text
+// of the file itself, its line feeds as blanks.
 std::string FileText(const char *libcups_text) {
   std::string text = libcups_text;
   const auto bytes = Recoded(text, "ISO-8859-1", "UTF-8");
@@ -130,8 +130,9 @@ class LibcupsView {
     for (const ppd_choice_t *each : Choices(*option)) {
       const std::string name = each->choice;
       const bool off = name == "None" || name == "False" || name == "Off";
-      if (choice.empty() ? !off : ppdFindChoice(const_cast<ppd_option_t *>(option),
-                                                choice.c_str()) == each) {
+      if (choice.empty()
+              ? !off
+              : ppdFindChoice(const_cast<ppd_option_t *>(option), choice.c_str()) == each) {
         ends.emplace_back("*" + std::string(option->keyword), name);
       }
     }

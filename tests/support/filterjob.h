@@ -24,7 +24,7 @@ inline JobSource TextSource(const std::string &text, size_t step = 65536) {
 // Runs a filter function over `text`; gives what it writes.
 template <typename Function>
 std::string RunOver(Function function, const JobSettings &settings, const std::string &text,
-                       size_t step = 65536, const JobIdentity &identity = {"Title", "Event", "anna"}) {
+                    size_t step = 65536, const JobIdentity &identity = {"Title", "Event", "anna"}) {
   std::string output;
   JobSource source = TextSource(text, step);
   JobSink sink([&output](std::string_view bytes) {

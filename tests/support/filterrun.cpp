@@ -1,7 +1,6 @@
 #include "filterrun.h"
 
 #include <fcntl.h>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -13,7 +12,8 @@ namespace {
 
 int Start(const std::vector<std::string> &arguments, int input, int output, int errors) {
   std::vector<char *> argv;
-  for (const std::string &argument : arguments) argv.push_back(const_cast<char *>(argument.c_str()));
+  for (const std::string &argument : arguments)
+    argv.push_back(const_cast<char *>(argument.c_str()));
   argv.push_back(nullptr);
   const pid_t child = fork();
   if (child < 0) throw std::runtime_error("fork");
@@ -36,11 +36,8 @@ FilterRun RunFilter(const std::vector<std::string> &arguments, const std::string
   const int err = open(directory.Write("err", "").c_str(), O_WRONLY | O_CLOEXEC);
   const pid_t child = Start(arguments, in, out, err);
   for (const int fd : {in, out, err}) close(fd);
-  int status = 0;
-  rusage usage{};
-  wait4(child, &status, 0, &usage);
-  return {WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status),
-          ContentOf(directory.Path("out")), ContentOf(directory.Path("err")), usage.ru_maxrss};
+  const int status = WaitFor(child);
+  return {status, ContentOf(directory.Path("out")), ContentOf(directory.Path("err"))};
 }
 
 FilterRun Convert(const std::string &ppd_path, const std::string &paf_path) {
@@ -49,9 +46,18 @@ FilterRun Convert(const std::string &ppd_path, const std::string &paf_path) {
 }
 
 std::vector<std::string> FilterArgumentsOf(const FilterCall &call) {
-  return {"/opt/orlan/bin/kpxfilter", call.options,  "-J" + call.title, "-e" + call.title,
-          "-L" + call.user,           "--filter",    "--type",          call.type,
-          "--ppdfile",                call.ppd_file, "--deffile",       call.def_file};
+  return {"/opt/orlan/bin/kpxfilter",
+          call.options,
+          "-J" + call.title,
+          "-e" + call.title,
+          "-L" + call.user,
+          "--filter",
+          "--type",
+          call.type,
+          "--ppdfile",
+          call.ppd_file,
+          "--deffile",
+          call.def_file};
 }
 
 FilterRun Filter(const FilterCall &call, const std::string &input) {
@@ -63,4 +69,10 @@ int StartFilter(const std::vector<std::string> &arguments, int input, int output
   const int child = Start(arguments, input, output, errors);
   close(errors);
   return child;
+}
+
+int WaitFor(int process) {
+  int status = 0;
+  waitpid(process, &status, 0);
+  return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
 }

@@ -5,10 +5,9 @@
 #include <vector>
 
 struct FilterRun {
-  int status = -1;      // exit status; 128 plus the signal's number when a signal ended it
-  std::string output;   // its standard output
-  std::string errors;   // its standard error
-  long memory_kib = 0;  // its largest resident set
+  int status = -1;     // as WaitFor gives it
+  std::string output;  // its standard output
+  std::string errors;  // its standard error
 };
 
 // Runs kpxfilter with `arguments` (argv[0] first), `input` as its standard input.
@@ -30,3 +29,6 @@ FilterRun Filter(const FilterCall &call, const std::string &input);
 // Starts the program between two descriptors (which stay the caller's), standard error to nowhere;
 // returns the process id.
 int StartFilter(const std::vector<std::string> &arguments, int input, int output);
+
+// Waits for a process: its exit status, 128 plus the signal's number when a signal ended it.
+int WaitFor(int process);

@@ -81,8 +81,7 @@ TEST_F(JobControlText, APpdWithAFeatureForCopiesUsesIt) {
   Set({{"*NrCopies", "2"}});
   EXPECT_NE(Header().find("@PJL SET QTY=2\n"), std::string::npos);
   EXPECT_EQ(CountOf(Header(), "QTY"), 1u);
-  EXPECT_EQ(RunOver(FilterPostScript, settings_, "%!\nx\n").find("NumCopies"),
-            std::string::npos);
+  EXPECT_EQ(RunOver(FilterPostScript, settings_, "%!\nx\n").find("NumCopies"), std::string::npos);
   Set({{"*NrCopies", "17"}});
   EXPECT_NE(Header().find("@PJL SET QTY=17\n"), std::string::npos);
 }
@@ -124,7 +123,7 @@ TEST_F(JobControlText, PclDataIsUnchangedBetweenHeaderAndTrailer) {
 TEST_F(JobControlText, ThePclJobsOwnLanguageAndCommandsStay) {
   const std::string output =
       RunOver(FilterPcl, settings_,
-                 std::string(kUelText) + "@PJL SET TONER=1\n@PJL ENTER LANGUAGE=PCL\n\033Edata");
+              std::string(kUelText) + "@PJL SET TONER=1\n@PJL ENTER LANGUAGE=PCL\n\033Edata");
   EXPECT_NE(output.find("@PJL SET TONER=1\n"), std::string::npos);
   EXPECT_NE(output.find("@PJL ENTER LANGUAGE=PCL\n\033Edata"), std::string::npos);
   EXPECT_EQ(CountOf(output, "ENTER LANGUAGE"), 1u);

@@ -99,9 +99,7 @@ TEST_F(OfficePaf, ADefaultThatIsNoChoiceGivesWayToTheFirstChoice) {
   EXPECT_EQ(Value(Feature("*MediaType")->default_option.get()), "Plain");
 }
 
-TEST_F(OfficePaf, AFeatureWithoutChoicesIsLeftOut) {
-  EXPECT_EQ(Feature("*Nothing"), nullptr);
-}
+TEST_F(OfficePaf, AFeatureWithoutChoicesIsLeftOut) { EXPECT_EQ(Feature("*Nothing"), nullptr); }
 
 TEST_F(OfficePaf, TranslationsAreUtf8OnOneLine) {
   EXPECT_STREQ(HashText(Feature("*MediaType")->options.get(), "Plain"), "Papier léger");
@@ -153,8 +151,8 @@ TEST_F(OfficePaf, ConstraintsOnWhatThePpdDoesNotDefineAreLeftOutAndCounted) {
 }
 
 TEST_F(OfficePaf, ConstraintsAreReadBackInTheirOrder) {
-  const auto *first = ObjectCast<CConstrain>(
-      fGetHeadPosition_CList_Function(paf_.constraints.get())->value);
+  const auto *first =
+      ObjectCast<CConstrain>(fGetHeadPosition_CList_Function(paf_.constraints.get())->value);
   ASSERT_NE(first, nullptr);
   EXPECT_EQ(Value(first->feature1.get()), "*Duplex");
   EXPECT_EQ(Value(first->option1.get()), "DuplexTumble");

@@ -50,10 +50,11 @@ constexpr char kSetupCode[] = "[InputSlot][MediaType][Duplex][PageSize]";
 
 TEST_F(PostScriptJob, CodeGoesBehindTheBeginningOfPrologAndSetup) {
   Set({{"*Overlay", "True"}, {"*NrCopies", "2"}});
-  EXPECT_EQ(Outline(Document("%!PS-Adobe-3.0\n%%Pages: 1\n%%EndComments\n%%BeginProlog\n/x 1 def\n"
-                             "%%EndProlog\n%%BeginSetup\n%%EndSetup\n%%Page: 1 1\nshowpage\n%%EOF\n")),
-            "Pages: 1;EndComments;BeginProlog;[Overlay]EndProlog;BeginSetup;" +
-                std::string(kSetupCode) + "[copies]EndSetup;Page: 1 1;EOF;");
+  EXPECT_EQ(
+      Outline(Document("%!PS-Adobe-3.0\n%%Pages: 1\n%%EndComments\n%%BeginProlog\n/x 1 def\n"
+                       "%%EndProlog\n%%BeginSetup\n%%EndSetup\n%%Page: 1 1\nshowpage\n%%EOF\n")),
+      "Pages: 1;EndComments;BeginProlog;[Overlay]EndProlog;BeginSetup;" + std::string(kSetupCode) +
+          "[copies]EndSetup;Page: 1 1;EOF;");
 }
 
 TEST_F(PostScriptJob, CodeIsGuardedAgainstErrors) {
@@ -73,8 +74,7 @@ TEST_F(PostScriptJob, ASetupSectionIsMadeWhereTheJobHasNone) {
 
 TEST_F(PostScriptJob, ThePrologOfAnOlderDocumentStaysInFrontOfTheSetup) {
   EXPECT_EQ(Outline(Document("%!PS-Adobe-1.0\n%%Creator: x\n/x 1 def\n%%EndProlog\n%%Page: 1 1\n")),
-            "Creator: x;EndProlog;BeginSetup;" + std::string(kSetupCode) +
-                "EndSetup;Page: 1 1;");
+            "Creator: x;EndProlog;BeginSetup;" + std::string(kSetupCode) + "EndSetup;Page: 1 1;");
 }
 
 TEST_F(PostScriptJob, ResourcesInFrontOfTheSetupStayThere) {
@@ -88,8 +88,7 @@ TEST_F(PostScriptJob, ResourcesInFrontOfTheSetupStayThere) {
 
 TEST_F(PostScriptJob, AConformingHeaderWithNothingBehindItGetsTheCodeBeforeTheFirstLine) {
   const std::string document = Document("%!PS-Adobe-3.0 EPSF-3.0\n%%EndComments\n\nshowpage\n");
-  EXPECT_EQ(Outline(document),
-            "EndComments;BeginSetup;" + std::string(kSetupCode) + "EndSetup;");
+  EXPECT_EQ(Outline(document), "EndComments;BeginSetup;" + std::string(kSetupCode) + "EndSetup;");
   EXPECT_TRUE(document.ends_with("%%EndSetup\nshowpage\n"));
 }
 
@@ -121,9 +120,10 @@ TEST_F(PostScriptJob, IncludedDocumentsGetNoCode) {
       "%%BeginDocument: a.eps\n%!PS-Adobe-3.0 EPSF-3.0\n%%BeginSetup\n%%EndSetup\n%%Page: 1 1\n"
       "%%BeginDocument: b.eps\n%%BeginProlog\n%%EndDocument\n%%BeginPageSetup\n%%EndDocument\n";
   Set({{"*Stamp", "Draft"}});
-  const std::string document = Document("%!PS-Adobe-3.0\n%%EndComments\n%%BeginSetup\n%%EndSetup\n"
-                                        "%%Page: 1 1\nsave\n" +
-                                        included + "restore showpage\n");
+  const std::string document = Document(
+      "%!PS-Adobe-3.0\n%%EndComments\n%%BeginSetup\n%%EndSetup\n"
+      "%%Page: 1 1\nsave\n" +
+      included + "restore showpage\n");
   EXPECT_NE(document.find("save\n" + included + "restore"), std::string::npos);
   EXPECT_EQ(CountOf(document, "*Stamp"), 1u);
 }
@@ -174,7 +174,8 @@ TEST_F(PostScriptJob, ReadsOfOneByteGiveTheSame) {
 
 TEST_F(PostScriptJob, VeryLongLinesGoThroughWhole) {
   const std::string line = "% " + std::string(300000, 'x') + "%%BeginSetup";
-  const std::string document = Document("%!PS-Adobe-3.0\n%%EndComments\n%%Page: 1 1\n" + line + "\n");
+  const std::string document =
+      Document("%!PS-Adobe-3.0\n%%EndComments\n%%Page: 1 1\n" + line + "\n");
   EXPECT_TRUE(document.ends_with("%%Page: 1 1\n" + line + "\n"));
 }
 
@@ -208,21 +209,22 @@ TEST_F(PostScriptJob, APrinterWithoutJobControlGetsNone) {
 
 TEST_F(PostScriptJob, DocumentsWithJobControlBetweenThemAllGetTheCode) {
   const std::string enter = std::string(kUelText) + "@PJL ENTER LANGUAGE=POSTSCRIPT\n";
-  const std::string output = RunOver(
-      FilterPostScript, settings_, enter + "%!PS\nfirst\n" + enter + "%!PS\nsecond\n" + kUelText);
+  const std::string output = RunOver(FilterPostScript, settings_,
+                                     enter + "%!PS\nfirst\n" + enter + "%!PS\nsecond\n" + kUelText);
   EXPECT_EQ(CountOf(output, "*InputSlot Upper"), 2u);
   EXPECT_EQ(CountOf(output, "ENTER LANGUAGE"), 2u);
 }
 
 TEST_F(PostScriptJob, AJobInAnotherLanguageGoesThroughAsItIs) {
   const std::string data = "\033E\033&l0O%%BeginSetup\n\033E";
-  const std::string output = RunOver(
-      FilterPostScript, settings_, std::string(kUelText) + "@PJL ENTER LANGUAGE=PCL\n" + data);
+  const std::string output = RunOver(FilterPostScript, settings_,
+                                     std::string(kUelText) + "@PJL ENTER LANGUAGE=PCL\n" + data);
   EXPECT_NE(output.find("@PJL ENTER LANGUAGE=PCL\n" + data + kUelText), std::string::npos);
 }
 
 TEST_F(PostScriptJob, AnEmptyJobGivesNothing) {
-  for (const std::string &job : {std::string(), std::string("\004"), kUelText + std::string("@PJL EOJ")}) {
+  for (const std::string &job :
+       {std::string(), std::string("\004"), kUelText + std::string("@PJL EOJ")}) {
     EXPECT_EQ(RunOver(FilterPostScript, settings_, job), "");
   }
 }

@@ -36,12 +36,18 @@ TEST(PpdEncoding, AFileThatDeclaresLatin1ButIsUtf8IsReadAsUtf8) {
 }
 
 TEST(PpdEncoding, ALatin1FileIsReadAsLatin1) {
-  EXPECT_EQ(TranslationOf(SmallPpd("*LanguageEncoding: ISOLatin1\n", "Gr\xF6\xDF" "e")), "Größe");
+  EXPECT_EQ(TranslationOf(SmallPpd("*LanguageEncoding: ISOLatin1\n",
+                                   "Gr\xF6\xDF"
+                                   "e")),
+            "Größe");
 }
 
 TEST(PpdEncoding, AFileWithoutADeclarationIsReadEitherWay) {
   EXPECT_EQ(TranslationOf(SmallPpd("", "Größe")), "Größe");
-  EXPECT_EQ(TranslationOf(SmallPpd("", "Gr\xF6\xDF" "e")), "Größe");
+  EXPECT_EQ(TranslationOf(SmallPpd("",
+                                   "Gr\xF6\xDF"
+                                   "e")),
+            "Größe");
 }
 
 TEST(PpdEncoding, ACommentInAnotherEncodingDoesNotSpoilTheTexts) {
@@ -118,7 +124,8 @@ TEST(PpdReading, CustomSizesKeepTheirOrderNumberAndParameters) {
 }
 
 TEST(PpdReading, TheEndOfAValueWithoutBeginningIsDropped) {
-  const std::string stray = SmallPpd("") + "@PJL SET HOLD = ON\n@PJL SET HOLDTYPE = PRIVATE\"\n*End\n";
+  const std::string stray =
+      SmallPpd("") + "@PJL SET HOLD = ON\n@PJL SET HOLDTYPE = PRIVATE\"\n*End\n";
   EXPECT_EQ(TranslationOf(stray + "*ModelName: \"x\"\n"), "Text");
 }
 
@@ -129,7 +136,10 @@ TEST(PpdReading, OtherLinesWithoutAsteriskAreAnErrorOfTheirLine) {
 }
 
 TEST(PpdReading, AFileThatIsNoPpdIsRefused) {
-  for (const std::string text : {"", "hello\n", "\x7F" "ELF\x01\x02", "*Other: \"1\"\n"}) {
+  for (const std::string text : {"", "hello\n",
+                                 "\x7F"
+                                 "ELF\x01\x02",
+                                 "*Other: \"1\"\n"}) {
     PpdError error;
     EXPECT_FALSE(ReadPpd(text, &error)) << text;
     EXPECT_FALSE(error.reason.empty()) << text;
@@ -146,7 +156,8 @@ TEST(PpdReading, AFileThatCannotBeReadSaysWhy) {
 
 TEST(PpdReading, CarriageReturnsAtLineEndsChangeNothing) {
   std::string crlf;
-  for (const char c : ContentOf(kOffice)) crlf += c == '\n' ? std::string("\r\n") : std::string(1, c);
+  for (const char c : ContentOf(kOffice))
+    crlf += c == '\n' ? std::string("\r\n") : std::string(1, c);
   PpdError error;
   const auto model = ReadPpd(crlf, &error);
   ASSERT_TRUE(model) << error.Text("crlf");

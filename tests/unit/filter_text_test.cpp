@@ -111,8 +111,7 @@ TEST(TextJobSettings, TheDocumentCarriesTheOptionsCode) {
   const PpdModel model = TestPpd("office.ppd");
   JobSettings settings(model);
   settings.Apply({{"*InputSlot", "Lower"}, {"*NrCopies", "2"}, {"*Stamp", "Draft"}});
-  const std::string output =
-      RunOver(FilterText, settings, "a\fb");
+  const std::string output = RunOver(FilterText, settings, "a\fb");
   EXPECT_EQ(CountOf(output, "*InputSlot Lower"), 1u);
   EXPECT_EQ(CountOf(output, "<</NumCopies 2>>setpagedevice"), 1u);
   EXPECT_EQ(CountOf(output, "*Stamp Draft"), 2u);

@@ -6,7 +6,11 @@ kpx_add_test(NAME filter_jobs LIBS kpx_filter LABEL unit
           unit/filter_joblanguage_test.cpp unit/filter_text_test.cpp)
 kpx_add_test(NAME filter_corpus SOURCES e2e/filter_corpus_test.cpp support/filterrun.cpp
              LIBS kpx_core Cups::Cups LABEL e2e TIMEOUT 600)
-foreach(name filter_corpus)
+foreach(kind program rendering streaming)
+  kpx_add_test(NAME filter_${kind} SOURCES e2e/filter_${kind}_test.cpp support/filterrun.cpp
+               LABEL e2e)
+endforeach()
+foreach(name filter_corpus filter_program filter_rendering filter_streaming)
   target_compile_definitions(test_${name} PRIVATE KPX_FILTER="$<TARGET_FILE:kpxfilter>")
   add_dependencies(test_${name} kpxfilter)
 endforeach()

@@ -1,0 +1,148 @@
+// What an interpreter makes of filtered jobs: the pages of the job itself, on the paper and in the
+// number of copies that the settings ask for.
+#include <gtest/gtest.h>
+
+#include "filterrun.h"
+#include "ghostscript.h"
+
+namespace {
+
+const std::string kOffice = std::string(KPX_TEST_DATA) + "/data/ppd/office.ppd";
+
+constexpr char kMark[] = "100 100 moveto 200 300 lineto 20 setlinewidth stroke\n";
+
+FilterCall Call(const std::string &options = "") {
+  FilterCall call;
+  call.options = options;
+  call.ppd_file = kOffice;
+  call.def_file = "/nonexistent/lp1.def";
+  return call;
+}
+
+// A document with `body` on its one page.
+std::string Document(const std::string &body) {
+  return "%!PS-Adobe-3.0\n%%Pages: 1\n%%EndComments\n%%BeginProlog\n%%EndProlog\n%%BeginSetup\n"
+         "%%EndSetup\n%%Page: 1 1\n" +
+         body + "showpage\n%%Trailer\n%%EOF\n";
+}
+
+void ExpectSamePages(const std::string &job) {
+  const Rendering plain = Render(job);
+  ASSERT_EQ(plain.status, 0) << plain.messages;
+  const FilterRun run = Filter(Call(), job);
+  ASSERT_EQ(run.status, 0) << run.errors;
+  const Rendering filtered = Render(run.output);
+  EXPECT_EQ(filtered.status, 0);
+  EXPECT_EQ(filtered.messages, plain.messages);
+  EXPECT_FALSE(plain.pages.empty());
+  EXPECT_TRUE(filtered.pages == plain.pages);
+}
+
+// A document of three pages, written by Ghostscript itself.
+std::string MadeDocument() {
+  const TemporaryDirectory directory;
+  const std::string command =
+      "gs -q -dBATCH -dNOPAUSE -sDEVICE=ps2write -sPAPERSIZE=a4 -o " + directory.Path("out.ps") +
+      " -c '" + kMark + "showpage 300 300 100 0 360 arc fill showpage 9 9 99 99 rectfill showpage'";
+  EXPECT_EQ(std::system(command.c_str()), 0);
+  return ContentOf(directory.Path("out.ps"));
+}
+
+TEST(RenderedJob, AConformingDocumentHasItsPages) { ExpectSamePages(MadeDocument()); }
+
+TEST(RenderedJob, AJobThatDoesNotConformHasItsPages) {
+  ExpectSamePages("%!\n" + std::string(kMark) + "showpage\nshowpage\n");
+}
+
+TEST(RenderedJob, AnIncludedEpsFileIsDrawnOnce) {
+  ExpectSamePages(
+      Document("save /showpage {} def\n%%BeginDocument: a.eps\n"
+               "%!PS-Adobe-3.0 EPSF-3.0\n%%BoundingBox: 0 0 300 400\n%%EndComments\n"
+               "%%BeginSetup\n%%EndSetup\n%%Page: 1 1\n" +
+               std::string(kMark) + "showpage\n%%EndDocument\nrestore\n"));
+}
+
+TEST(RenderedJob, ABinarySectionIsRead) {
+  std::string image;
+  for (int i = 0; i < 256; ++i) image += static_cast<char>(i);
+  const std::string section =
+      "16 16 8 [16 0 0 16 0 0] { currentfile s readstring pop } bind image\n" + image + "\n";
+  ExpectSamePages(
+      Document("/s 256 string def gsave 100 100 translate 300 300 scale\n"
+               "%%BeginBinary: " +
+               std::to_string(section.size()) + "\n" + section + "%%EndBinary\ngrestore\n"));
+}
+
+TEST(RenderedJob, AnErrorInAnOptionsCodeDoesNotHarmTheJob) {
+  const TemporaryDirectory directory;
+  std::string ppd = ContentOf(kOffice);
+  const std::string good = "\"<</Duplex false>>setpagedevice\"";
+  ppd.replace(ppd.find(good), good.size(), "\"1 2 3 nosuchoperator\"");
+  FilterCall call = Call();
+  call.ppd_file = directory.Write("broken.ppd", ppd);
+  const std::string job = Document(kMark);
+  const FilterRun run = Filter(call, job);
+  ASSERT_NE(run.output.find("nosuchoperator"), std::string::npos);
+  EXPECT_TRUE(Render(run.output).pages == Render(job).pages);
+}
+
+TEST(RenderedJob, CopiesAreMade) {
+  EXPECT_EQ(Render(Filter(Call("*NrCopies=2"), MadeDocument()).output).pages.size(), 6u);
+  EXPECT_EQ(Render(Filter(Call("*NrCopies=3"), "%!\nshowpage\n").output).pages.size(), 3u);
+}
+
+TEST(RenderedJob, OptionsReachThePageDevice) {
+  const std::string show =
+      "%!\ncurrentpagedevice dup /PageSize get == /NumCopies get == showpage\n";
+  EXPECT_EQ(Render(Filter(Call("*PageSize=Letter *NrCopies=2"), show).output).messages,
+            "[612 792]\n2\n");
+}
+
+TEST(RenderedJob, ACustomPaperReachesThePageDevice) {
+  const TemporaryDirectory directory;
+  FilterCall call = Call();
+  call.def_file =
+      directory.Write("lp1.def", "*PageSize=Ticket\n*CustomPaperSize=Ticket''200''400\n");
+  EXPECT_EQ(Render(Filter(call, "%!\ncurrentpagedevice /PageSize get ==\n").output).messages,
+            "[200 400]\n");
+}
+
+TEST(RenderedText, ReadsAsWritten) {
+  FilterCall call = Call();
+  call.type = "text";
+  const std::string text = "Grüße (\\) für 5 €\n  indented\n\nlast\n";
+  const Rendering page = Render(Filter(call, text + "\fsecond page").output, "txtwrite");
+  ASSERT_EQ(page.pages.size(), 2u) << page.messages;
+  for (const char *part : {"Grüße (\\) für 5 €", "indented", "last"}) {
+    EXPECT_NE(page.pages[0].find(part), std::string::npos) << page.pages[0];
+  }
+  EXPECT_NE(page.pages[1].find("second page"), std::string::npos) << page.pages[1];
+}
+
+TEST(RenderedText, IsInCourier) {
+  FilterCall call = Call();
+  call.type = "text";
+  const std::string output = Filter(call, "x").output;
+  EXPECT_NE(output.find("/Courier findfont 12 scalefont"), std::string::npos);
+}
+
+TEST(RenderedText, StaysInsideThePrintableArea) {
+  FilterCall call = Call("*PageSize=Letter");
+  call.type = "text";
+  std::string text;
+  for (int i = 0; i < 50; ++i) text += std::string(200, 'W') + "\n";
+  const Rendering page = Render(Filter(call, text).output, "bbox", 720);
+  const size_t at = page.messages.find("%%BoundingBox: ");
+  ASSERT_NE(at, std::string::npos) << page.messages;
+  int left = 0, bottom = 0, right = 0, top = 0;
+  ASSERT_EQ(std::sscanf(page.messages.c_str() + at, "%%%%BoundingBox: %d %d %d %d", &left, &bottom,
+                        &right, &top),
+            4);
+  // A "W" is a hair wider than its column.
+  EXPECT_GE(left, 17);
+  EXPECT_GE(bottom, 36);
+  EXPECT_LE(right, 595);
+  EXPECT_LE(top, 756);
+}
+
+}  // namespace

@@ -1,0 +1,111 @@
+// Memory does not grow with the job: large jobs go through pipes.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+
+#include "filterrun.h"
+
+namespace {
+
+constexpr size_t kMegabyte = 1 << 20;
+
+struct Flow {
+  int status = -1;
+  size_t bytes = 0;  // that came out
+  long memory_kib = 0;
+};
+
+// Sends `head`, then `block` again and again up to `size` bytes, then `tail`.
+void Feed(int fd, const std::string &head, const std::string &block, const std::string &tail,
+          size_t size) {
+  const auto send = [fd](const std::string &text) {
+    return write(fd, text.data(), text.size()) == static_cast<ssize_t>(text.size());
+  };
+  bool good = send(head);
+  for (size_t sent = 0; good && sent < size; sent += block.size()) good = send(block);
+  _exit(good && send(tail) ? 0 : 1);
+}
+
+Flow Send(const std::string &type, const std::string &head, const std::string &block,
+          const std::string &tail, size_t size) {
+  FilterCall call;
+  call.type = type;
+  call.ppd_file = std::string(KPX_TEST_DATA) + "/data/ppd/office.ppd";
+  call.def_file = "/nonexistent/lp1.def";
+  int in[2];
+  int out[2];
+  if (pipe2(in, O_CLOEXEC) != 0 || pipe2(out, O_CLOEXEC) != 0) return {};
+  const int filter = StartFilter(FilterArgumentsOf(call), in[0], out[1]);
+  close(in[0]);
+  close(out[1]);
+  const pid_t feeder = fork();
+  if (feeder == 0) Feed(in[1], head, block, tail, size);
+  close(in[1]);
+  Flow flow;
+  std::string buffer(kMegabyte, '\0');
+  ssize_t count = 0;
+  while ((count = read(out[0], buffer.data(), buffer.size())) > 0) {
+    flow.bytes += static_cast<size_t>(count);
+  }
+  close(out[0]);
+  int status = 0;
+  rusage usage{};
+  wait4(filter, &status, 0, &usage);
+  flow.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+  flow.memory_kib = usage.ru_maxrss;
+  waitpid(feeder, &status, 0);
+  EXPECT_EQ(status, 0);
+  return flow;
+}
+
+struct JobShape {
+  const char *name, *type;
+  std::string head, block, tail;
+  size_t megabytes;
+};
+
+void PrintTo(const JobShape &shape, std::ostream *out) { *out << shape.name; }
+
+class Streaming : public testing::TestWithParam<JobShape> {};
+
+TEST_P(Streaming, MemoryDoesNotGrowWithTheJob) {
+  const JobShape &job = GetParam();
+  const Flow small = Send(job.type, job.head, job.block, job.tail, kMegabyte);
+  const Flow large = Send(job.type, job.head, job.block, job.tail, job.megabytes * kMegabyte);
+  ASSERT_EQ(small.status, 0);
+  ASSERT_EQ(large.status, 0);
+  EXPECT_GE(large.bytes, job.megabytes * kMegabyte);
+  EXPECT_LE(large.memory_kib, small.memory_kib + 1024);
+}
+
+std::string Repeated(const std::string &text, size_t times) {
+  std::string result;
+  for (size_t i = 0; i < times; ++i) result += text;
+  return result;
+}
+
+const std::string kHead = "%!PS-Adobe-3.0\n%%EndComments\n%%BeginSetup\n%%EndSetup\n%%Page: 1 1\n";
+
+INSTANTIATE_TEST_SUITE_P(
+    Jobs, Streaming,
+    testing::Values(
+        JobShape{"conforming", "postscript", kHead,
+                 Repeated("100 100 moveto 200 200 lineto stroke % and so on\n", 20000), "%%EOF\n",
+                 200},
+        JobShape{"one_line", "postscript", kHead, std::string(kMegabyte, 'x'), "\n", 200},
+        JobShape{"unstructured", "postscript", "%!\n", Repeated("1 pop\r", 100000), "", 200},
+        JobShape{"binary", "postscript", kHead + "%%BeginBinary: 209715200\n",
+                 std::string(kMegabyte, '\033'), "\n%%EndBinary\n", 200},
+        JobShape{"header_only", "postscript", "%!PS-Adobe-3.0\n", Repeated("%%Comment: x\n", 50000),
+                 "", 200},
+        JobShape{"pcl", "pcl6", ") HP-PCL XL;2;0\n", std::string(kMegabyte, '\033'), "", 200},
+        JobShape{"text", "text", "", Repeated("A line of text with 40 characters in it.\n", 20000),
+                 "", 50},
+        JobShape{"text_one_line", "text", "", Repeated("é", 100000), "", 20}),
+    [](const auto &instance) { return instance.param.name; });
+
+}  // namespace
