@@ -1,0 +1,247 @@
+// A save and what keeps the queue list safe meanwhile. Runs in the sandbox: the option files have
+// their fixed place and the spooler is a stand-in.
+#include "savequeues.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "coresupport.h"
+#include "cprintqueues.h"
+#include "globals.h"
+#include "paths.h"
+#include "queuelistkeep.h"
+#include "queuelistwriter.h"
+#include "queuesupport.h"
+#include "spoolerstandin.h"
+#include "temporarydirectory.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr char kRestored[] = "#WARN_QUEUE_LIST_RESTORED\nrestored <%s>\n";
+
+TEST(WholeQueueList, EndsWhereAQueueEnds) {
+  const std::string header = QueueListHeader();
+  EXPECT_TRUE(IsWholeQueueList(header));
+  EXPECT_TRUE(IsWholeQueueList(header + "#queue\nx\n#end_queue\n"));
+  EXPECT_TRUE(IsWholeQueueList(header + "#end_queue\n\n## end\n"));
+  EXPECT_FALSE(IsWholeQueueList(""));
+  EXPECT_FALSE(IsWholeQueueList(header + "#queue\nx\n#end_que"));
+  EXPECT_FALSE(IsWholeQueueList(header + "#queue\nx\n"));
+  EXPECT_FALSE(IsWholeQueueList(header + "#end_queue\n#queue\n"));
+  EXPECT_FALSE(IsWholeQueueList(header + "#end_queue"));
+}
+
+class Save : public testing::Test {
+ protected:
+  Save() : messages_(std::string(kQueueMessages) + kRestored), errors_(CreateList()) {
+    setenv("LANG", "C", 1);
+    for (const auto &entry : fs::directory_iterator(kDataDir)) {
+      if (entry.is_regular_file()) fs::remove(entry.path());
+    }
+    Start();
+  }
+  ~Save() override {
+    G_Queues.reset();
+    G_OrgQueues.reset();
+    G_Queues_hash = nullptr;
+    G_OrgQueues_hash = nullptr;
+  }
+
+  // What a start does: reads the list and takes the snapshot.
+  void Start() {
+    G_Queues = CreatePrintQueues(kQueuesFile);
+    LoadQueueList(G_Queues.get(), 1, errors_.get());
+    G_Queues_hash = fGetPrintQueues_Function(G_Queues.get());
+    G_OrgQueues = CloneOf(G_Queues.get());
+    G_OrgQueues_hash = fGetPrintQueues_Function(G_OrgQueues.get());
+  }
+  void Put(const std::string &name) {
+    HashPut(G_Queues_hash, name.c_str(), MakeQueue({.name = name}));
+  }
+  SaveResult SaveAll(const std::vector<std::string> &deleted = {}) {
+    const Owned<CList> names = ListOf(deleted);
+    return SaveQueues(names.get(), errors_.get(),
+                      [this](const SaveStep &step) { steps_.push_back(step); });
+  }
+  std::vector<std::string> Errors() { return Texts(errors_.get()); }
+
+  const std::string kept_ = KeptQueueListPath(kQueuesFile);
+  SpoolerStandIn spooler_;
+  ProgramMessages messages_;
+  Owned<CList> errors_;
+  std::vector<SaveStep> steps_;
+};
+
+TEST_F(Save, WritesSpoolerListAndOptionFilesAndLeavesNoKeptCopy) {
+  Put("lp1");
+  Put("lp2");
+  EXPECT_EQ(SaveAll(), SaveResult::Ended);
+  EXPECT_TRUE(Errors().empty());
+  int left_out = 0;
+  EXPECT_EQ(ContentOf(kQueuesFile), QueueListText(G_Queues_hash, &left_out));
+  EXPECT_TRUE(fs::exists("/opt/orlan/data/lp1.def"));
+  EXPECT_TRUE(SpoolerStandIn::HasQueue("lp2"));
+  EXPECT_FALSE(fs::exists(kept_));
+}
+
+TEST_F(Save, TellsEachQueueBeforeItIsHandled) {
+  Put("lp1");
+  SaveAll();
+  Put("lp2");
+  steps_.clear();
+  HashRemove(G_Queues_hash, "lp1");
+  SaveAll({"lp1"});
+  ASSERT_EQ(steps_.size(), 2U);
+  EXPECT_STREQ(steps_[0].text_key, "SAVE_REMOVING");
+  EXPECT_EQ(steps_[0].queue, "lp1");
+  EXPECT_EQ(steps_[0].number, 1);
+  EXPECT_STREQ(steps_[1].text_key, "SAVE_CREATING");
+  EXPECT_EQ(steps_[1].queue, "lp2");
+  EXPECT_EQ(steps_[1].number, 2);
+  EXPECT_EQ(steps_[1].total, 2);
+}
+
+TEST_F(Save, TheListIsEmptyAndItsOldContentKeptWhileTheSpoolerWorks) {
+  Put("lp1");
+  SaveAll();
+  const std::string old_list = ContentOf(kQueuesFile);
+  chmod(kQueuesFile, 0640);
+  Put("lp2");
+  const Owned<CList> none = CreateList();
+  std::string kept;
+  std::string list = "unset";
+  mode_t mode = 0;
+  SaveQueues(none.get(), errors_.get(), [&](const SaveStep &) {
+    kept = ContentOf(kept_);
+    list = ContentOf(kQueuesFile);
+    struct stat status = {};
+    stat(kept_.c_str(), &status);
+    mode = status.st_mode & 07777;
+  });
+  EXPECT_EQ(kept, old_list);
+  EXPECT_EQ(list, "");
+  EXPECT_EQ(mode, 0640U);
+  EXPECT_FALSE(fs::exists(kept_));
+}
+
+TEST_F(Save, AfterAFailedRemovalNothingIsCreatedButTheFilesAreWritten) {
+  Put("lp1");
+  SaveAll();
+  Start();
+  SpoolerStandIn::Fail("lpadmin");
+  HashRemove(G_Queues_hash, "lp1");
+  Put("lp2");
+  EXPECT_EQ(SaveAll({"lp1"}), SaveResult::Ended);
+  EXPECT_EQ(Errors(), std::vector<std::string>{"command <lpadmin> <lp1>"});
+  EXPECT_FALSE(SpoolerStandIn::HasQueue("lp2"));
+  EXPECT_EQ(Keys(G_Queues_hash), (std::vector<std::string>{"lp1", "lp2"}));
+  EXPECT_NE(ContentOf(kQueuesFile).find("lp1"), std::string::npos);
+}
+
+TEST_F(Save, AnUnwritableListEndsItBeforeTheSpoolerIsTouched) {
+  Put("lp1");
+  fs::remove(kQueuesFile);
+  fs::create_directory(kQueuesFile);
+  EXPECT_EQ(SaveAll(), SaveResult::ListNotWritable);
+  EXPECT_EQ(Errors(), std::vector<std::string>{"write </opt/orlan/data/queues.paf>"});
+  EXPECT_TRUE(SpoolerStandIn::Calls().empty());
+  fs::remove(kQueuesFile);
+}
+
+TEST_F(Save, AListThatCannotBeKeptIsNotEmptied) {
+  Put("lp1");
+  SaveAll();
+  const std::string old_list = ContentOf(kQueuesFile);
+  fs::create_directory(kept_);
+  Put("lp2");
+  SaveAll();
+  EXPECT_EQ(Errors(), std::vector<std::string>{"write <" + kept_ + ">"});
+  EXPECT_EQ(ContentOf(kQueuesFile), old_list);
+  EXPECT_FALSE(SpoolerStandIn::HasQueue("lp2"));
+  fs::remove(kept_);
+}
+
+TEST_F(Save, AStartAfterAnInterruptedSaveReadsTheKeptListAndSaysSo) {
+  Put("lp1");
+  SaveAll();
+  const std::string list = ContentOf(kQueuesFile);
+  for (const std::string &left : {std::string(), list.substr(0, list.size() / 2)}) {
+    std::ofstream(kept_) << list;
+    std::ofstream(kQueuesFile) << left;
+    errors_ = CreateList();
+    Start();
+    EXPECT_EQ(Keys(G_Queues_hash), std::vector<std::string>{"lp1"}) << left;
+    EXPECT_EQ(Errors(), std::vector<std::string>{"restored </opt/orlan/data/queues.paf>"});
+  }
+}
+
+TEST_F(Save, ThePrintToolReadsTheKeptListWithoutChangingAnything) {
+  Put("lp1");
+  SaveAll();
+  fs::rename(kQueuesFile, kept_);
+  std::ofstream{kQueuesFile};
+  const Owned<CPrintQueues> queues = CreatePrintQueues(kQueuesFile);
+  LoadQueueList(queues.get(), 0, nullptr);
+  EXPECT_EQ(Keys(fGetPrintQueues_Function(queues.get())), std::vector<std::string>{"lp1"});
+  EXPECT_EQ(ContentOf(kQueuesFile), "");
+  EXPECT_TRUE(fs::exists(kept_));
+}
+
+TEST_F(Save, AWholeListIsPreferredToTheKeptOne) {
+  Put("lp1");
+  SaveAll();
+  fs::copy_file(kQueuesFile, kept_);
+  Put("lp2");
+  WriteQueueList(kQueuesFile, G_Queues_hash);
+  Start();
+  EXPECT_EQ(Keys(G_Queues_hash), (std::vector<std::string>{"lp1", "lp2"}));
+  EXPECT_TRUE(Errors().empty());
+}
+
+TEST_F(Save, TheNextSaveAfterARestoredListKeepsItUntilEverythingIsWritten) {
+  Put("lp1");
+  SaveAll();
+  fs::rename(kQueuesFile, kept_);
+  std::ofstream{kQueuesFile};
+  Start();
+  std::string kept;
+  const Owned<CList> none = CreateList();
+  SaveQueues(none.get(), errors_.get(), [&](const SaveStep &) { kept = ContentOf(kept_); });
+  EXPECT_NE(kept.find("lp1"), std::string::npos);
+  EXPECT_FALSE(fs::exists(kept_));
+  EXPECT_NE(ContentOf(kQueuesFile).find("lp1"), std::string::npos);
+}
+
+TEST(QueueListLock, IsHeldByOneProcessAtATimeAndGoesWithIt) {
+  RequirePrivateWorld();
+  const auto take = [] { _exit(LockQueueList(kQueuesFile) == 1 ? 0 : 9); };
+  int holding[2];
+  int release[2];
+  ASSERT_EQ(pipe2(holding, O_CLOEXEC), 0);
+  ASSERT_EQ(pipe2(release, O_CLOEXEC), 0);
+  const pid_t holder = fork();
+  if (holder == 0) {
+    const char locked = LockQueueList(kQueuesFile) == 1 ? 'y' : 'n';
+    char c = 0;
+    if (write(holding[1], &locked, 1) != 1 || read(release[0], &c, 1) != 1) _exit(1);
+    raise(SIGKILL);
+  }
+  char locked = 0;
+  ASSERT_EQ(read(holding[0], &locked, 1), 1);
+  EXPECT_EQ(locked, 'y');
+  EXPECT_EQ(RunInChild(take).status, 9);
+  ASSERT_EQ(write(release[1], "x", 1), 1);
+  waitpid(holder, nullptr, 0);
+  EXPECT_EQ(RunInChild(take).status, 0);
+  close(holding[0]);
+  close(holding[1]);
+  close(release[0]);
+  close(release[1]);
+}
+
+}  // namespace
