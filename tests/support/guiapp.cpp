@@ -60,6 +60,14 @@ std::string CopyInto(const std::string &directory, const std::string &file) {
   return copy;
 }
 
+// A user's settings, without animations: what is on the screen is then finished.
+std::string SettingsIn(const std::string &directory) {
+  const std::string settings = directory + "/config";
+  std::filesystem::create_directories(settings + "/gtk-3.0");
+  std::ofstream(settings + "/gtk-3.0/settings.ini") << "[Settings]\ngtk-enable-animations=false\n";
+  return settings;
+}
+
 void SetVariable(std::vector<std::string> &environment, const std::string &setting) {
   const std::string name = setting.substr(0, setting.find('='));
   std::erase_if(environment, [&](const std::string &entry) {
@@ -75,6 +83,7 @@ std::vector<std::string> EnvironmentFor(const GuiAppOptions &options, const User
   const std::string inner = directory + "/inner";
   SetVariable(environment, "GTK_MODULES=" + CopyInto(directory, KPX_INSPECT_MODULE));
   SetVariable(environment, "KPX_INSPECT_SOCKET=" + inner + "/socket");
+  SetVariable(environment, "XDG_CONFIG_HOME=" + SettingsIn(directory));
   if (std::getenv("LSAN_OPTIONS") != nullptr) {
     SetVariable(environment, "LSAN_OPTIONS=print_suppressions=0:suppressions=" +
                                  CopyInto(directory, KPX_LEAK_SUPPRESSIONS));
@@ -165,7 +174,7 @@ void GuiApp::Start(const GuiAppOptions &options) {
   std::filesystem::create_directory(inner);
   if (chown(inner.c_str(), user.id, user.group) != 0) throw std::runtime_error("chown");
   const Descriptor input(options.input ? PipeWith(*options.input)
-                                       : open("/dev/null", O_RDONLY | O_CLOEXEC));
+                                       : open(options.input_path.c_str(), O_RDONLY | O_CLOEXEC));
   const Descriptor errors(
       open((directory_ + "/stderr").c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644));
   const std::vector<char *> argument_pointers = Pointers(arguments);

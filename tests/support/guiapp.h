@@ -17,11 +17,12 @@
 
 struct GuiAppOptions {
   std::string program = "/usr/bin/KPXtool";
-  std::vector<std::string> arguments;
-  std::vector<std::string> environment;  // "NAME=VALUE"; "NAME" alone takes NAME away
-  std::optional<std::string> input;      // waits in a pipe at standard input; none: /dev/null
-  std::string user;                      // empty: the user of the test
-  std::string program_name;              // argv[0]; empty: `program`
+  std::vector<std::string> arguments = {};
+  std::vector<std::string> environment = {};  // "NAME=VALUE"; "NAME" alone takes NAME away
+  std::optional<std::string> input = {};      // waits in a pipe at standard input
+  std::string input_path = "/dev/null";       // opened as standard input when there is no `input`
+  std::string user = "";                      // empty: the user of the test
+  std::string program_name = "";              // argv[0]; empty: `program`
 };
 
 struct ScreenArea {

@@ -1,0 +1,257 @@
+// Start and end of the installed programs: names, switches, languages, exit statuses, log.
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+#include "cprintqueues.h"
+#include "guiapp.h"
+#include "installation.h"
+#include "paths.h"
+#include "porting.h"
+#include "queuesupport.h"
+
+namespace {
+
+constexpr char kAdmin[] = "/opt/orlan/bin/KPXadmin";
+constexpr char kTool[] = "/usr/bin/KPXtool";
+
+struct Ending {
+  int status;
+  std::string errors;
+};
+
+// Runs a program that ends without being asked to.
+Ending RunToEnd(GuiAppOptions options) {
+  GuiApp app(std::move(options));
+  const int status = app.WaitExit();
+  return {status, app.Stderr()};
+}
+
+// The places of `parts` in `text`, each searched behind the one before; the first that is not
+// there is the answer, else an empty text.
+std::string FirstOutOfOrder(const std::string &text, const std::vector<std::string> &parts) {
+  size_t place = 0;
+  for (const std::string &part : parts) {
+    place = text.find(part, place);
+    if (place == std::string::npos) return part;
+    place += part.size();
+  }
+  return "";
+}
+
+const std::vector<std::string> kMilestones = {
+    "Create the CMessages structure\n", "Create the CHelp structure\n", "Set the pixmaps dir\n",
+    "Create the CPrinters structure\n", "Create the CPrintQueues structure\n"};
+
+// For its lifetime the queue list names one queue "lp1", whose interface script holds `script`
+// (none: it is missing).
+class OneQueue {
+ public:
+  explicit OneQueue(const std::optional<std::string> &script)
+      : directory_((std::filesystem::create_directories(kSpoolInterfacesDir), kScript)),
+        list_(kQueuesFile, ListText()),
+        script_(kScript, script) {}
+
+ private:
+  static constexpr char kScript[] = "/usr/spool/lp/admins/lp/interfaces/lp1";
+
+  static std::string ListText() {
+    const TemporaryDirectory directory;
+    const std::string path = directory.Path("queues.paf");
+    const Owned<CPrintQueues> queues = CreatePrintQueues(path.c_str());
+    fFillFromPaf_Function_(queues.get(), 1);
+    HashPut(fGetPrintQueues_Function(queues.get()), "lp1", MakeQueue());
+    fWriteToPaf_Function(queues.get());
+    return ContentOf(path);
+  }
+
+  std::string directory_;
+  ChangedFile list_;
+  ChangedFile script_;
+};
+
+std::string Lines(const std::vector<std::string> &lines) {
+  std::string text;
+  for (const std::string &line : lines) text += line + "\n";
+  return text;
+}
+
+}  // namespace
+
+TEST(Startup, UnderAnotherNameEverythingIsLoadedThenStatusIsOne) {
+  const Ending ending =
+      RunToEnd({.arguments = {"-verbose", "1"}, .program_name = "/usr/bin/kpxtool"});
+  EXPECT_EQ(1, ending.status);
+  EXPECT_EQ("", FirstOutOfOrder(ending.errors, kMilestones)) << ending.errors;
+}
+
+TEST(Startup, OnlyTheBaseNameOfTheProgramCounts) {
+  GuiApp app({.program_name = "/somewhere/else/KPXtool"});
+  app.WaitWindow("ToolWindow");
+  EXPECT_EQ(std::vector<std::string>{"ToolWindow"}, app.Windows());
+}
+
+TEST(Startup, VerboseWithoutANumberPrintsTheUsageAndEndsWithZero) {
+  const Ending ending = RunToEnd({.program = kAdmin, .arguments = {"-verbose"}});
+  EXPECT_EQ(0, ending.status);
+  EXPECT_EQ("Usage: /opt/orlan/bin/KPXadmin -verbose <n>\n\n", ending.errors);
+}
+
+TEST(Startup, AVerboseNumberThatIsNoneReadsAsSilence) {
+  const ChangedFile list(kQueuesFile, "");
+  GuiApp app({.program = kAdmin, .arguments = {"-verbose", "x"}});
+  app.WaitWindow("AdminWindow");
+  EXPECT_EQ(std::string::npos, app.Stderr().find("structure")) << app.Stderr();
+}
+
+TEST(Startup, LevelOneShowsTheMilestonesInTheirOrderAndNothingElse) {
+  const OneQueue queue(std::string(kMarkerLine) + "\n");
+  GuiApp app({.arguments = {"-verbose", "1"}});
+  app.WaitWindow("ToolWindow");
+  std::string expected;
+  for (const std::string &line : kMilestones) expected += line;
+  EXPECT_EQ(expected, app.Stderr());
+}
+
+TEST(Startup, LevelFourShowsEveryRoutineFromMainsBeginToMainsEnd) {
+  const OneQueue queue(std::string(kMarkerLine) + "\n");
+  GuiApp app({.arguments = {"-verbose", "4"}});
+  app.WaitWindow("ToolWindow");
+  app.Click("CancelButton");
+  EXPECT_EQ(0, app.WaitExit());
+  const std::string log = app.Stderr();
+  EXPECT_TRUE(log.starts_with("BEGIN main() function\n")) << log.substr(0, 200);
+  EXPECT_TRUE(log.ends_with("END   DeleteGlobalVars() function\nEND   main() function\n"))
+      << log.substr(log.size() - std::min<size_t>(log.size(), 400));
+  EXPECT_EQ("", FirstOutOfOrder(log, {"BEGIN G_GetNlsDirFromLang() function",
+                                      "Create the CMessages structure",
+                                      "BEGIN GetUserName() function",
+                                      "BEGIN ParseFontmap() function",
+                                      "Create the CHelp structure",
+                                      "Set the pixmaps dir",
+                                      "BEGIN add_pixmap_directory() function",
+                                      "Create the CPrinters structure",
+                                      "BEGIN fBuildPrinters_Function() function",
+                                      "Create the CPrintQueues structure",
+                                      "BEGIN RemoveInexistentSystemVQueues() function",
+                                      "BEGIN create_ToolWindow() function",
+                                      "BEGIN GetStdinData() function",
+                                      "BEGIN ButtonCancelToolPressed() function",
+                                      "BEGIN DeleteGlobalVars() function",
+                                      "Delete G_Printers...",
+                                      "Delete G_Queues...",
+                                      "Delete G_OrgQueues...",
+                                      "Delete G_Messages...",
+                                      "G_Helps is ",
+                                      "Delete G_Help...",
+                                      "G_StdinFileName is "}));
+}
+
+TEST(Startup, AnAdministratorWhoIsNotRootSeesOneMessageAndStatusThree) {
+  ASSERT_TRUE(HasOrdinaryUsers()) << "the sandbox has them only as root";
+  const Ending ending = RunToEnd({.program = kAdmin, .user = "anna"});
+  EXPECT_EQ(3, ending.status);
+  EXPECT_EQ(CatalogueText("MSG2") + "\n", ending.errors);
+}
+
+TEST(Startup, TheLanguageDirectoryFollowsLang) {
+  // The path in the message tells which catalogue was wanted.
+  const std::vector<std::pair<std::string, std::string>> rows = {{"LANG=de_DE.UTF-8", "deu/utf8"},
+                                                                 {"LANG=de_DE", "deu"},
+                                                                 {"LANG=german", "deu"},
+                                                                 {"LANG=en_US.UTF-8", "enu"},
+                                                                 {"LANG=C", "enu"},
+                                                                 {"LANG=xde", "enu"},
+                                                                 {"LANG", "enu"},
+                                                                 {"LANG=Italian", "ita"},
+                                                                 {"LANG=It", "ita"},
+                                                                 {"LANG=fr_FR.utf8", "fra"},
+                                                                 {"LANG=pt_BR.UTF-8", "ptb/utf8"},
+                                                                 {"LANG=es_ES@UTF-8", "esp/utf8"}};
+  for (const auto &[setting, directory] : rows) {
+    const std::string path = "/opt/orlan/data/nls/" + directory + "/pafs/messages.paf";
+    const ChangedFile missing(path, std::nullopt);
+    const Ending ending = RunToEnd({.environment = {"LC_ALL=C", setting}});
+    EXPECT_EQ(3, ending.status) << setting;
+    EXPECT_EQ("Unable to read file " + path + "\n", ending.errors) << setting;
+  }
+}
+
+TEST(Startup, AMissingHelpFileEndsTheProgramWithStatusThree) {
+  const ChangedFile missing(kInstalledHelp, std::nullopt);
+  EXPECT_EQ(3, RunToEnd({.program = kTool}).status);
+}
+
+TEST(Startup, UnbalancedHelpBlocksEndTheProgramWithStatusFive) {
+  for (const char *content : {"#ONE_BEGIN\ntext\n#TWO_BEGIN\n#TWO_END\n", "#ONE_END\n"}) {
+    const ChangedFile help(kInstalledHelp, content);
+    EXPECT_EQ(5, RunToEnd({.program = kTool}).status) << content;
+  }
+}
+
+TEST(Startup, StandardInputThatCannotBeReadEndsTheToolWithStatusOne) {
+  const Ending ending = RunToEnd({.input_path = "/opt"});  // a directory
+  EXPECT_EQ(1, ending.status);
+  EXPECT_TRUE(ending.errors.ends_with(CatalogueText("ERR_UNABLE_TO_READ_FILE", {"stdin"}) + "\n"))
+      << ending.errors;
+}
+
+TEST(Startup, WithoutProblemsOnlyTheMainWindowIsShown) {
+  const OneQueue queue(std::string(kMarkerLine) + "\n");
+  for (const char *program : {kTool, kAdmin}) {
+    GuiApp app({.program = program});
+    const std::string window = program == kTool ? "ToolWindow" : "AdminWindow";
+    app.WaitWindow(window);
+    EXPECT_EQ(std::vector<std::string>{window}, app.Windows());
+    EXPECT_EQ("", app.Stderr());
+  }
+}
+
+TEST(Startup, AQueueWhoseScriptIsGoneIsDroppedSilently) {
+  const OneQueue queue(std::nullopt);
+  GuiApp app;
+  app.WaitWindow("ToolWindow");
+  EXPECT_EQ(std::vector<std::string>{"ToolWindow"}, app.Windows());
+  EXPECT_EQ("", Lines(app.Rows("QueueCombo")));
+}
+
+TEST(Startup, AQueueWhoseScriptLostTheMarkerIsDroppedWithAMessage) {
+  const OneQueue queue("#!/bin/sh\n");
+  for (const char *program : {kTool, kAdmin}) {
+    GuiApp app({.program = program});
+    app.WaitWindow("KPXErrorWarningDialog");
+    EXPECT_EQ(CatalogueText("WARN_QUEUE_SCRIPT_CHANGED", {"lp1"}) + "\n",
+              app.Text("ErrorWarningText"));
+    EXPECT_EQ(CatalogueText("ERR_ERRS_AND_WRNS"), app.Text("ErrorWarningLabel"));
+    app.Click("KPXErrorWarningDialog/OKButton");
+    app.WaitGone("KPXErrorWarningDialog");
+    EXPECT_EQ("", Lines(app.Rows(program == kTool ? "QueueCombo" : "QueuesClist")));
+    app.Click("CancelButton");
+    EXPECT_EQ(0, app.WaitExit());
+  }
+}
+
+TEST(Startup, ASecondAdministratorIsToldAndEndsWithStatusOne) {
+  const ChangedFile list(kQueuesFile, "");
+  GuiApp first({.program = kAdmin});
+  first.WaitWindow("AdminWindow");
+  GuiApp second({.program = kAdmin});
+  second.WaitWindow("ErrorDialog");
+  EXPECT_EQ(CatalogueText("ERR_ADMIN_RUNNING"), second.Text("ErrorLabel1"));
+  second.Key("Return");
+  EXPECT_EQ(1, second.WaitExit());
+}
+
+TEST(Startup, ATerminatingSignalEndsTheProgramAsItsCancelButtonDoes) {
+  for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
+    GuiApp app({.input = "data"});
+    app.WaitWindow("ToolWindow");
+    const std::string captured =
+        "/tmp/KPXtool.stdindata." + std::to_string(static_cast<int16_t>(app.pid()));
+    EXPECT_TRUE(std::filesystem::exists(captured));
+    kill(app.pid(), signal);
+    EXPECT_EQ(0, app.WaitExit());
+    EXPECT_FALSE(std::filesystem::exists(captured));
+  }
+}
