@@ -1,0 +1,26 @@
+// PPD files: any bytes are read or refused, and what is read becomes a description that reads back.
+#include "fuzz_support.h"
+#include "pafreader.h"
+#include "pafwriter.h"
+#include "ppdadaptor.h"
+
+// What libcups forgets of a file that it refuses is not ours.
+extern "C" const char *__lsan_default_suppressions() { return "leak:libcups\n"; }
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+  PpdError error;
+  const std::optional<PpdModel> model = ReadPpd(InputText(data, size), &error);
+  if (!model) {
+    Require(!error.reason.empty());
+    return 0;
+  }
+  const std::string paf = PafText(*model, "vekfuzz.ppd");
+  Require(IsValidUtf8(paf));
+  LineReader lines(paf);
+  const auto read = ReadPaf(lines);
+  Require(std::holds_alternative<PafContent>(read));
+  const PafContent &content = std::get<PafContent>(read);
+  Require(*content.ppd_file->value == "vekfuzz.ppd");
+  Require(content.name->value == PrinterName(*model, "vekfuzz.ppd"));
+  return 0;
+}

@@ -1,0 +1,17 @@
+// Text jobs: any bytes become PostScript in plain ASCII, the same whatever the reads are cut into.
+#include <algorithm>
+
+#include "filterjob.h"
+#include "fuzz_support.h"
+#include "textjob.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+  static const PpdModel plain;
+  const JobSettings settings(plain);
+  const std::string job(InputText(data, size));
+  const std::string output = RunOver(FilterText, settings, job);
+  Require(output == RunOver(FilterText, settings, job, 1));
+  Require(std::all_of(output.begin(), output.end(),
+                      [](char c) { return c == '\n' || (c >= ' ' && c <= '~'); }));
+  return 0;
+}
