@@ -13,6 +13,7 @@
 #include "privateworld.h"
 #include "queuesupport.h"
 #include "temporarydirectory.h"
+#include "utils.h"
 
 namespace {
 
@@ -82,6 +83,15 @@ TEST_F(InstalledCore, DeletingAQueuesUserFilesSparesQueuesWhoseNameOnlyEndsAlike
   EXPECT_EQ(G_DeleteAllUsersDefForQueue(nullptr), 0);
   EXPECT_EQ(G_DeleteAllUsersDefForQueue("no such queue"), 1);
   std::filesystem::remove_all(users + "/sub:lp1.def");
+}
+
+TEST_F(InstalledCore, AUsersOptionFileIsNamedAfterTheUserThatRunsTheProgram) {
+  if (!HasOrdinaryUsers()) GTEST_SKIP() << "without root the sandbox has no ordinary users";
+  const ChildResult result = RunAsUser("anna", [] {
+    std::string name;
+    if (BuildUserDefFileName(nullptr, "lp1", &name) != 1 || name != "anna:lp1") _exit(1);
+  });
+  EXPECT_EQ(result.status, 0);
 }
 
 TEST_F(InstalledCore, TheInstalledFontMapGivesTheStandardFonts) {
