@@ -69,7 +69,7 @@ int fBuildPrinters_Function(CPrinters *catalogue) {
   for (const CString *entry : Elements<CString>(names.get())) {
     const std::string name = fGet_CString_Value_Function(entry);
     if (!name.starts_with(L_MakerPrefix) || CheckIfPpdOrPaf(name, kPafFile) == 0) continue;
-    Owned<CPrinter> printer = CreatePrinter((paf_directory + "/" + name).c_str());
+    Owned<CPrinter> printer = CreatePrinter(PathIn(paf_directory, name).c_str());
     Owned<CString> printer_name = fFillFromPaf_Function(printer.get());
     fAdd_CHash_Function(catalogue->printers.get(), std::move(printer_name), std::move(printer));
   }

@@ -46,8 +46,8 @@ void CheckPafFiles(const std::string &ppd_directory, const std::string &paf_dire
   for (const CString *entry : Elements<CString>(names.get())) {
     const std::string name = fGet_CString_Value_Function(entry);
     if (CheckIfPpdOrPaf(name, kPpdFile) == 0) continue;
-    const std::string ppd_path = ppd_directory + "/" + name;
-    const std::string paf_path = paf_directory + "/" + PafNameOfPpd(name);
+    const std::string ppd_path = PathIn(ppd_directory, name);
+    const std::string paf_path = PathIn(paf_directory, PafNameOfPpd(name));
     if (VerifyPafFile(name, paf_path) == 1) continue;
     BuildPafFromPpd(ppd_path, paf_path);
     const int current = VerifyPafFile(name, paf_path);
@@ -59,6 +59,10 @@ int CheckIfPpdOrPaf(const std::string &name, int kind) {
   const LogScope log("CheckIfPpdOrPaf");
   const std::string piece = SecondPiece(name);
   return (kind == kPpdFile && piece == "ppd") || (kind == kPafFile && piece == "paf") ? 1 : 0;
+}
+
+std::string PathIn(const std::string &directory, const std::string &name) {
+  return directory + "/" + name;
 }
 
 std::string PafNameOfPpd(const std::string &ppd_name) {

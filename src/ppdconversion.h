@@ -13,6 +13,9 @@ enum FileKind { kPpdFile = 1, kPafFile = 2 };
 // (kind 2), else 0. Kept on purpose: what follows the second piece does not matter.
 int CheckIfPpdOrPaf(const std::string &name, int kind);
 
+// The path of the entry `name` of a directory.
+std::string PathIn(const std::string &directory, const std::string &name);
+
 // The PAF file name that belongs to a PPD file name.
 std::string PafNameOfPpd(const std::string &ppd_name);
 

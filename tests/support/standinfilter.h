@@ -25,8 +25,8 @@ class StandInFilter {
     std::filesystem::rename(kFilterProgram, kAside, none);
   }
   ~StandInFilter() {
-    std::filesystem::remove(kFilterProgram);
     std::error_code none;
+    std::filesystem::remove(kFilterProgram, none);
     std::filesystem::rename(kAside, kFilterProgram, none);
   }
   StandInFilter(const StandInFilter &) = delete;

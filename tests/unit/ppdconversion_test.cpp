@@ -3,6 +3,7 @@
 #include "ppdconversion.h"
 
 #include <gtest/gtest.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -229,12 +230,24 @@ TEST_F(Conversion, WithAFilterThatIsNoProgramGoesOn) {
   EXPECT_EQ(result.errors, "");
 }
 
+// The leak check of an instrumented build needs a process of its own when the program ends.
+void MakeRoomForProcesses() {
+  rlimit processes = {};
+  getrlimit(RLIMIT_NPROC, &processes);
+  processes.rlim_cur = processes.rlim_max;
+  setrlimit(RLIMIT_NPROC, &processes);
+  prctl(PR_SET_DUMPABLE, 1);
+}
+
 TEST_F(Conversion, WithoutRoomForAProcessEndsTheProcess) {
   const ChildResult result = RunInChild([] {
     // The limit does not hold for the superuser.
     if (setuid(65534) != 0 && std::getenv("KPX_OUTSIDE_UID") == string("0")) _exit(125);
-    const rlimit none = {0, 0};
-    setrlimit(RLIMIT_NPROC, &none);
+    rlimit processes = {};
+    getrlimit(RLIMIT_NPROC, &processes);
+    processes.rlim_cur = 0;
+    setrlimit(RLIMIT_NPROC, &processes);
+    std::atexit(MakeRoomForProcesses);
     BuildPafFromPpd("a.ppd", "a.paf");
   });
   EXPECT_EQ(result.status, 7);
