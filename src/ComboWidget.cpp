@@ -39,6 +39,8 @@ GtkWidget *NewCombo(GtkWidget *window, const char *combo_name, const char *entry
   GtkWidget *combo = gtk_combo_box_text_new_with_entry();
   GtkWidget *entry = EntryOf(combo);
   gtk_editable_set_editable(GTK_EDITABLE(entry), FALSE);
+  // So that the wheel works over the entry too, not only over the arrow.
+  gtk_widget_add_events(entry, GDK_SCROLL_MASK);
   if (changed != nullptr) {
     const gulong id = g_signal_connect(combo, "changed", G_CALLBACK(RunChanged),
                                        reinterpret_cast<gpointer>(changed));
@@ -67,6 +69,7 @@ void ComboFill(GtkWidget *combo, const std::vector<std::string> &texts) {
 void ComboSetRow(GtkWidget *combo, int row) {
   const HandlerPause pause(combo);
   gtk_combo_box_set_active(GTK_COMBO_BOX(combo), row);
+  if (row < 0) gtk_entry_set_text(GTK_ENTRY(EntryOf(combo)), "");
 }
 
 std::string ComboText(GtkWidget *combo) { return gtk_entry_get_text(GTK_ENTRY(EntryOf(combo))); }

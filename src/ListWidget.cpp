@@ -24,6 +24,7 @@ struct ListState {
   RowSet reported;  // the rows last reported as selected
   std::map<gconstpointer, GtkTreeIter> by_data;
   bool reporting = false;
+  bool removing = false;
 
   ~ListState() { g_object_unref(store); }
 };
@@ -92,6 +93,26 @@ void ReportChanges(GtkTreeSelection *, gpointer data) {
   state->reporting = false;
 }
 
+// Removing the row with the keyboard's cursor moves the cursor; that must not select another row.
+gboolean MaySelectionChange(GtkTreeSelection *, GtkTreeModel *, GtkTreePath *, gboolean,
+                            gpointer state) {
+  return static_cast<ListState *>(state)->removing ? FALSE : TRUE;
+}
+
+bool IsFrozen(GtkWidget *list) { return gtk_tree_view_get_model(GTK_TREE_VIEW(list)) == nullptr; }
+
+// Unselects and reports one row without looking at all the others.
+void UnselectOne(GtkWidget *list, int row, GtkTreeIter iter) {
+  ListState *state = StateOf(list);
+  const bool was_reporting = state->reporting;
+  state->reporting = true;
+  gtk_tree_selection_unselect_iter(SelectionOf(list), &iter);
+  state->reporting = was_reporting;
+  if (state->reported.erase(iter.user_data) != 0 && state->unselected != nullptr) {
+    state->unselected(row);
+  }
+}
+
 GtkListStore *NewStore(size_t text_columns) {
   std::vector<GType> types(text_columns + kFirstTextColumn, G_TYPE_STRING);
   types[kDataColumn] = G_TYPE_POINTER;
@@ -119,6 +140,8 @@ GtkWidget *NewList(const std::vector<ListColumn> &columns, GtkSelectionMode mode
   gtk_tree_view_set_search_column(GTK_TREE_VIEW(list), kFirstTextColumn);
   for (size_t i = 0; i < columns.size(); ++i) AddColumn(list, columns[i], static_cast<int>(i));
   gtk_tree_selection_set_mode(SelectionOf(list), mode);
+  gtk_tree_selection_set_select_function(SelectionOf(list), MaySelectionChange, state.get(),
+                                         nullptr);
   g_signal_connect(SelectionOf(list), "changed", G_CALLBACK(ReportChanges), list);
   g_object_set_data_full(G_OBJECT(list), L_StateKey, state.release(),
                          [](gpointer data) { std::default_delete<ListState>()(static_cast<ListState *>(data)); });
@@ -146,12 +169,14 @@ void ListRemove(GtkWidget *list, int row) {
   GtkTreeIter iter;
   if (!RowIter(list, row, &iter)) return;
   if (ListIsSelected(list, row)) {
-    ListUnselectRow(list, row);
+    UnselectOne(list, row, iter);
     if (!RowIter(list, row, &iter)) return;
   }
   StateOf(list)->reported.erase(iter.user_data);
   StateOf(list)->by_data.erase(ListRowData(list, row));
+  StateOf(list)->removing = true;
   gtk_list_store_remove(StateOf(list)->store, &iter);
+  StateOf(list)->removing = false;
 }
 
 void ListClear(GtkWidget *list) {
@@ -205,7 +230,7 @@ void ListUnselectAll(GtkWidget *list) { gtk_tree_selection_unselect_all(Selectio
 
 bool ListIsSelected(GtkWidget *list, int row) {
   GtkTreeIter iter;
-  return RowIter(list, row, &iter) &&
+  return !IsFrozen(list) && RowIter(list, row, &iter) &&
          gtk_tree_selection_iter_is_selected(SelectionOf(list), &iter) != FALSE;
 }
 
@@ -216,6 +241,8 @@ void ListShowRow(GtkWidget *list, int row) {
 }
 
 void ListFreeze(GtkWidget *list) {
+  // The view forgets its selection together with the rows.
+  ListUnselectAll(list);
   StateOf(list)->reporting = true;
   gtk_tree_view_set_model(GTK_TREE_VIEW(list), nullptr);
 }

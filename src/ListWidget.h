@@ -50,6 +50,7 @@ bool ListIsSelected(GtkWidget *list, int row);
 // Scrolls so far that the row is seen.
 void ListShowRow(GtkWidget *list, int row);
 
-// Between the two the view does not follow the rows; for filling many at once.
+// Between the two the view does not follow the rows; for filling many at once. Freezing unselects
+// all rows, which is reported; nothing can be selected until the list is thawed.
 void ListFreeze(GtkWidget *list);
 void ListThaw(GtkWidget *list);
