@@ -14,15 +14,11 @@ constexpr CHashOps L_Ops{
     .GetKeys = fGetKeys_CHash_Function,
 };
 
-CPairHash *PairAt(const CNodeList *node) {
-  return static_cast<CPairHash *>(node->value);
-}
+CPairHash *PairAt(const CNodeList *node) { return static_cast<CPairHash *>(node->value); }
 
 }  // namespace
 
-const CObjectOps *CHash::Ops() {
-  return &L_Ops.header;
-}
+const CObjectOps *CHash::Ops() { return &L_Ops.header; }
 
 Owned<CHash> CreateHash() {
   Owned<CHash> hash = NewObject<CHash>();
@@ -30,13 +26,9 @@ Owned<CHash> CreateHash() {
   return hash;
 }
 
-int fCHash_Class_ID_Function() {
-  return CHash::kClassId;
-}
+int fCHash_Class_ID_Function() { return CHash::kClassId; }
 
-const char *fCHash_Class_Name_Function() {
-  return CHashClassName;
-}
+const char *fCHash_Class_Name_Function() { return CHashClassName; }
 
 int fDelete_CHash_Function(CHash *hash) {
   // Kept on purpose: unlike the other classes, deleting a null dictionary is a failure.

@@ -14,19 +14,13 @@ constexpr CHelpOps L_Ops{
     .GetHelp = fGetHelp_Function,
 };
 
-bool OpensBlock(const std::string &line) {
-  return line[0] == '#' && line.ends_with("_BEGIN");
-}
+bool OpensBlock(const std::string &line) { return line[0] == '#' && line.ends_with("_BEGIN"); }
 
-bool ClosesBlock(const std::string &line) {
-  return line[0] == '#' && line.ends_with("_END");
-}
+bool ClosesBlock(const std::string &line) { return line[0] == '#' && line.ends_with("_END"); }
 
 }  // namespace
 
-const CObjectOps *CHelp::Ops() {
-  return &L_Ops.header;
-}
+const CObjectOps *CHelp::Ops() { return &L_Ops.header; }
 
 Owned<CHelp> CreateHelp(const char *path) {
   const LogScope log("CreateHelp");
@@ -37,13 +31,9 @@ Owned<CHelp> CreateHelp(const char *path) {
   return help;
 }
 
-int fCHelp_Class_ID_Function() {
-  return CHelp::kClassId;
-}
+int fCHelp_Class_ID_Function() { return CHelp::kClassId; }
 
-const char *fCHelp_Class_Name_Function() {
-  return CHelpClassName;
-}
+const char *fCHelp_Class_Name_Function() { return CHelpClassName; }
 
 int fDelete_CHelp_Function(CHelp *help) {
   if (help == nullptr) return 0;

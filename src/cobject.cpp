@@ -34,9 +34,7 @@ void AllocationFailed(OnNoMemory words) {
   std::_Exit(3);
 }
 
-void LendAllocationFailedText(const char *text) {
-  L_CatalogueText = text;
-}
+void LendAllocationFailedText(const char *text) { L_CatalogueText = text; }
 
 void TakeBackAllocationFailedText(const char *text) {
   if (L_CatalogueText == text) L_CatalogueText = nullptr;
@@ -46,14 +44,8 @@ void InstallAllocationHandler() {
   std::set_new_handler([] { AllocationFailed(L_Words); });
 }
 
-AllocationWords::AllocationWords(OnNoMemory words) : before_(L_Words) {
-  L_Words = words;
-}
+AllocationWords::AllocationWords(OnNoMemory words) : before_(L_Words) { L_Words = words; }
 
-AllocationWords::~AllocationWords() {
-  L_Words = before_;
-}
+AllocationWords::~AllocationWords() { L_Words = before_; }
 
-int ClassIdOf(const CObject *object) {
-  return object == nullptr ? 0 : object->ops->Class_ID();
-}
+int ClassIdOf(const CObject *object) { return object == nullptr ? 0 : object->ops->Class_ID(); }

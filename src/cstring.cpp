@@ -19,13 +19,9 @@ constexpr CStringOps L_Ops{
 
 }  // namespace
 
-const CObjectOps *CString::Ops() {
-  return &L_Ops.text.header;
-}
+const CObjectOps *CString::Ops() { return &L_Ops.text.header; }
 
-Owned<CString> CreateString() {
-  return NewObject<CString>();
-}
+Owned<CString> CreateString() { return NewObject<CString>(); }
 
 Owned<CString> CreateStringWithValue(const char *text) {
   if (text == nullptr) return nullptr;
@@ -35,13 +31,9 @@ Owned<CString> CreateStringWithValue(const char *text) {
   return object;
 }
 
-int fCString_Class_ID_Function() {
-  return CString::kClassId;
-}
+int fCString_Class_ID_Function() { return CString::kClassId; }
 
-const char *fCString_Class_Name_Function() {
-  return CStringClassName;
-}
+const char *fCString_Class_Name_Function() { return CStringClassName; }
 
 int fDelete_CString_Function(CString *object) {
   FreeObject(object);

@@ -112,8 +112,7 @@ std::optional<std::string> LineReader::Next() {
   if (had_line_feed_) ++line_number_;
   const size_t feed = rest_.substr(0, kMaxLine + 1).find('\n');
   had_line_feed_ = feed != std::string_view::npos;
-  std::string_view line =
-      had_line_feed_ ? rest_.substr(0, feed) : Utf8Prefix(rest_, kMaxLine);
+  std::string_view line = had_line_feed_ ? rest_.substr(0, feed) : Utf8Prefix(rest_, kMaxLine);
   rest_.remove_prefix(line.size() + (had_line_feed_ ? 1 : 0));
   if (form_ == Form::Bytes) return std::string(line);
   return DecodeLine(line.substr(0, line.find('\0')));
