@@ -37,7 +37,8 @@ struct CListOps {
 };
 
 // Everywhere: a null list fails with 0 or null; an element is taken over only on success (a refused
-// one stays the caller's) and may be null; a position must belong to the list, which is not checked.
+// one stays the caller's) and may be null; a position must belong to the list, which is not
+// checked.
 
 Owned<CList> CreateList();
 int fCList_Class_ID_Function();

@@ -40,5 +40,6 @@ Owned<CNodeList> fClone_CNodeList_Function(const CNodeList *node);
 // The element, lent; null for a null node.
 CObject *fGet_CNodeList_Function(const CNodeList *node);
 
-// Deletes the old element and takes `value` over: 1; 0 for a null node (`value` stays the caller's).
+// Deletes the old element and takes `value` over: 1; 0 for a null node (`value` stays the
+// caller's).
 int fSet_CNodeList_Function(CNodeList *node, Owned<CObject> &&value);

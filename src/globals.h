@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "clist.h"
 #include "chash.h"
+#include "clist.h"
 
 struct CMessages;
 struct CHelp;
@@ -24,7 +24,7 @@ extern CHash *G_Queues_hash;  // lent by G_Queues
 extern Owned<CPrintQueues> G_OrgQueues;
 extern CHash *G_OrgQueues_hash;  // lent by G_OrgQueues
 extern Owned<CHash> G_Fonts_hash;
-extern Owned<CList> G_FilesList;  // of CSelection
+extern Owned<CList> G_FilesList;     // of CSelection
 extern std::string G_StdinFileName;  // empty: nothing was captured
 
 extern std::string lng_dir;

@@ -16,8 +16,8 @@ struct Language {
 };
 
 constexpr Language L_Languages[] = {
-    {"deu", {"de", "De", "german"}},  {"esp", {"es", "Es", "spanish"}},
-    {"fra", {"fr", "Fr", "french"}},  {"ita", {"it", "It", "italian"}},
+    {"deu", {"de", "De", "german"}},     {"esp", {"es", "Es", "spanish"}},
+    {"fra", {"fr", "Fr", "french"}},     {"ita", {"it", "It", "italian"}},
     {"ptb", {"pt", "Pt", "portuguese"}},
 };
 

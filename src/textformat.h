@@ -8,12 +8,13 @@
 // One argument: a text (null counts as empty) or a whole number.
 class FormatArg {
  public:
-  FormatArg(const char *text) : text_(text == nullptr ? "" : text) {}  // NOLINT: implicit on purpose
-  FormatArg(std::string_view text) : text_(text) {}                    // NOLINT
-  FormatArg(const std::string &text) : text_(text) {}                  // NOLINT
-  FormatArg(long number) : text_(std::to_string(number)) {}            // NOLINT
-  FormatArg(int number) : text_(std::to_string(number)) {}             // NOLINT
-  FormatArg(unsigned number) : text_(std::to_string(number)) {}        // NOLINT
+  FormatArg(const char *text)
+      : text_(text == nullptr ? "" : text) {}                    // NOLINT: implicit on purpose
+  FormatArg(std::string_view text) : text_(text) {}              // NOLINT
+  FormatArg(const std::string &text) : text_(text) {}            // NOLINT
+  FormatArg(long number) : text_(std::to_string(number)) {}      // NOLINT
+  FormatArg(int number) : text_(std::to_string(number)) {}       // NOLINT
+  FormatArg(unsigned number) : text_(std::to_string(number)) {}  // NOLINT
 
   const std::string &Text() const { return text_; }
 
