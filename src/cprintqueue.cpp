@@ -199,6 +199,7 @@ int fSet_PrintingSystem_Function(CPrintQueue *queue, const CString *value) {
 
 int fFillWithDefaultOptions_Function(CPrintQueue *queue, const CHash *printers) {
   const LogScope log("fFillWithDefaultOptions_Function");
+  if (queue == nullptr) return 0;
   queue->Options = CreateHash();
   queue->InstallableFeatures = CreateHash();
   if (queue->CustomPapers != nullptr) {

@@ -98,8 +98,8 @@ int fSet_PrintingSystem_Function(CPrintQueue *queue, const CString *value);
 int fWriteDefFile_Function(const CPrintQueue *queue, int which, CList *errors = nullptr);
 
 // Empties the custom papers and sets options and installable features to the defaults of the
-// queue's printer in `printers` (name to CPrinter); each pair is traced on standard error. 1. An
-// unknown printer ends the process with status 5.
+// queue's printer in `printers` (name to CPrinter); each pair is traced on standard error. 1; 0 for
+// a null record. An unknown printer ends the process with status 5.
 int fFillWithDefaultOptions_Function(CPrintQueue *queue, const CHash *printers);
 
 // Overlays the calling user's option file on the options: 1; 0 when there is none that the user or

@@ -85,7 +85,13 @@ Owned<CPrintQueues> fClone_CPrintQueues_Function(const CPrintQueues *collection)
 
 int fWriteToPaf_Function(const CPrintQueues *collection, CList *errors) {
   const LogScope log("fWriteToPaf_Function");
-  return WriteQueueList(PathOf(collection), fGetPrintQueues_Function(collection), errors) ? 1 : 0;
+  const CHash *queues = fGetPrintQueues_Function(collection);
+  // A collection that was never filled must not empty the list.
+  if (queues == nullptr) {
+    G_Report(errors, "ERR_UNEXPECTED2", {"CPrintQueues"});
+    return 0;
+  }
+  return WriteQueueList(PathOf(collection), queues, errors) ? 1 : 0;
 }
 
 int fWriteAllToDef_Function(const CPrintQueues *collection, CList *errors) {
@@ -101,6 +107,7 @@ int fWriteAllToDef_Function(const CPrintQueues *collection, CList *errors) {
 
 int fFillFromPaf_Function_(CPrintQueues *collection, int create) {
   const LogScope log("fFillFromPaf_Function_");
+  if (collection == nullptr) return 0;
   if (collection->queues != nullptr) L_DroppedQueues.push_back(std::move(collection->queues));
   collection->queues = CreateHash();
   const char *path = PathOf(collection);

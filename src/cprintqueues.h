@@ -36,7 +36,7 @@ int fDelete_CPrintQueues_Function(CPrintQueues *collection);
 Owned<CPrintQueues> fClone_CPrintQueues_Function(const CPrintQueues *collection);
 
 // Rewrites the list file: 1; 0, reported to `errors` (may be null), when it cannot be written
-// whole.
+// whole or there is no dictionary to write.
 int fWriteToPaf_Function(const CPrintQueues *collection, CList *errors = nullptr);
 
 // Removes every option file from the data directory and writes that of each queue: 1; 0, reported

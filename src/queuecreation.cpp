@@ -87,7 +87,7 @@ std::vector<QueueCommand> CreateQueueCommands(const std::string &name, const std
 
 int AddQueueSysV(const char *name, const char *model, CList *errors) {
   const LogScope log("AddQueueSysV");
-  if (!CheckCommandSafeName("lpadmin", name, errors)) return 0;
+  if (model == nullptr || !CheckCommandSafeName("lpadmin", name, errors)) return 0;
   bool exists = false;
   for (const QueueCommand &step : CreateQueueCommands(name, model)) {
     if (RunCommand(step.command) != 0) {

@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <functional>
@@ -56,8 +57,12 @@ bool FillNewFile(OpenFile &file, std::string_view text, const FileAccess &access
 
 // Makes a new file beside `path`, has it filled and closed, and renames it into place.
 bool ReplaceWith(const std::string &path, const std::function<bool(OpenFile &)> &fill) {
-  std::string temporary = path + ".XXXXXX";
-  OpenFile file(mkostemp(temporary.data(), O_CLOEXEC));
+  // The extension stays at the end: what a killed process leaves behind goes with the other files
+  // of its kind.
+  const size_t dot = std::min(path.find('.', path.rfind('/') + 1), path.size());
+  const std::string extension = path.substr(dot);
+  std::string temporary = path.substr(0, dot) + ".XXXXXX" + extension;
+  OpenFile file(mkostemps(temporary.data(), static_cast<int>(extension.size()), O_CLOEXEC));
   if (!file.IsOpen()) return false;
   if (fill(file) && rename(temporary.c_str(), path.c_str()) == 0) return true;
   const int error = errno;

@@ -174,6 +174,16 @@ TEST_F(CPrintQueuesTest, AListThatCannotBeWrittenIsReported) {
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "write </nowhere/queues.paf>\n");
 }
 
+TEST_F(CPrintQueuesTest, ACollectionThatWasNeverFilledDoesNotEmptyTheList) {
+  directory_.Write("queues.paf", "kept");
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(fWriteToPaf_Function(Collection()), 0);
+  EXPECT_EQ(fWriteToPaf_Function(nullptr), 0);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "unexpected2 <CPrintQueues>\nunexpected2 <CPrintQueues>\n");
+  EXPECT_EQ(List(), "kept");
+}
+
 TEST_F(CPrintQueuesTest, AFullDiskIsReportedAndNeverPassesAsSuccess) {
   const SmallDisk disk(directory_.Path(), 8192);
   FillCollection();
