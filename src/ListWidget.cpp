@@ -85,7 +85,7 @@ bool ReportOnce(GtkWidget *list) {
 void ReportChanges(GtkTreeSelection *, gpointer data) {
   GtkWidget *list = GTK_WIDGET(data);
   ListState *state = StateOf(list);
-  if (state->reporting) return;
+  if (state->reporting || state->removing) return;
   state->reporting = true;
   // A handler may change the selection itself; that is reported in the next round.
   while (ReportOnce(list)) {
