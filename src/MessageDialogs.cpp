@@ -49,7 +49,9 @@ GtkWidget *create_AboutWindow() {
   gtk_label_set_xalign(GTK_LABEL(label), 0.5F);
   gtk_label_set_yalign(GTK_LABEL(label), 0.0F);
   gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
-  gtk_label_set_max_width_chars(GTK_LABEL(label), 1);
+  // The fixed layout gives a label the height that it needs at its smallest width.
+  gtk_label_set_width_chars(GTK_LABEL(label), 36);
+  gtk_label_set_max_width_chars(GTK_LABEL(label), 36);
   gtk_widget_set_size_request(label, 370, 200);
   gtk_fixed_put(GTK_FIXED(fixed), label, 10, 140);
 

@@ -1,0 +1,145 @@
+// Widgets by name, buttons, accelerators and texts of the windows.
+
+#include "Support.h"
+
+#include "guisupport.h"
+#include "xinput.h"
+
+namespace {
+
+int g_pressed = 0;
+
+class Support : public GuiTest {
+ protected:
+  void SetUp() override {
+    g_pressed = 0;
+    window_ = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+    StoreWidget(window_, window_, "TestWindow");
+    box_ = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
+    gtk_container_add(GTK_CONTAINER(window_), box_);
+  }
+
+  GtkWidget *window_ = nullptr;
+  GtkWidget *box_ = nullptr;
+};
+
+}  // namespace
+
+TEST_F(Support, AWidgetIsFoundByNameFromAnyOtherOfItsWindow) {
+  GtkWidget *entry = StoreWidget(window_, gtk_entry_new(), "QueueEntry");
+  GtkWidget *label = gtk_label_new("deep");
+  GtkWidget *inner = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 0);
+  gtk_container_add(GTK_CONTAINER(inner), label);
+  gtk_container_add(GTK_CONTAINER(box_), inner);
+  gtk_container_add(GTK_CONTAINER(box_), entry);
+  EXPECT_EQ(entry, lookup_widget(label, "QueueEntry"));
+  EXPECT_EQ(entry, lookup_widget(window_, "QueueEntry"));
+  EXPECT_STREQ("QueueEntry", gtk_widget_get_name(entry));
+}
+
+TEST_F(Support, AMissingNameGivesNullWithoutAMessage) {
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(nullptr, lookup_widget(window_, "Nobody"));
+  EXPECT_EQ("", testing::internal::GetCapturedStderr());
+}
+
+TEST_F(Support, AMenuGoesOnFromTheWidgetThatItIsAttachedTo) {
+  GtkWidget *entry = StoreWidget(window_, gtk_entry_new(), "QueueEntry");
+  gtk_container_add(GTK_CONTAINER(box_), entry);
+  GtkWidget *menu = gtk_menu_new();
+  GtkWidget *item = gtk_menu_item_new_with_label("item");
+  gtk_menu_shell_append(GTK_MENU_SHELL(menu), item);
+  gtk_menu_attach_to_widget(GTK_MENU(menu), entry, nullptr);
+  EXPECT_EQ(entry, lookup_widget(item, "QueueEntry"));
+}
+
+TEST_F(Support, AStoredWidgetLivesAsLongAsItsWindow) {
+  GtkWidget *label = StoreWidget(window_, gtk_label_new("kept"), "KeptLabel");
+  gtk_container_add(GTK_CONTAINER(box_), label);
+  gtk_container_remove(GTK_CONTAINER(box_), label);
+  EXPECT_EQ(label, lookup_widget(window_, "KeptLabel"));
+  EXPECT_STREQ("kept", gtk_label_get_text(GTK_LABEL(label)));
+  GtkWidget *weak = label;
+  g_object_add_weak_pointer(G_OBJECT(label), reinterpret_cast<gpointer *>(&weak));
+  gtk_widget_destroy(window_);
+  EXPECT_EQ(nullptr, weak);
+}
+
+TEST_F(Support, ButtonsShowTheirTextAndRunTheirHandler) {
+  GtkWidget *button = NewButton(window_, box_, "OKButton", "DEF_BTN_OK_TITLE", [] { ++g_pressed; });
+  EXPECT_EQ(CatalogueText("DEF_BTN_OK_TITLE"), gtk_button_get_label(GTK_BUTTON(button)));
+  ShowWindowOf(button);
+  ClickOn(button);
+  EXPECT_EQ(1, g_pressed);
+}
+
+TEST_F(Support, ReturnPressesItsButtonWhereverTheFocusIs) {
+  GtkWidget *button = NewButton(window_, box_, "OKButton", "DEF_BTN_OK_TITLE", [] { ++g_pressed; });
+  GtkWidget *other = NewButton(window_, box_, "Other", "DEF_BTN_HELP_TITLE", nullptr);
+  AddReturnAccelerator(window_, button);
+  ShowWindowOf(button);
+  gtk_widget_grab_focus(other);
+  XInputChord("Return");
+  XInputChord("KP_Enter");
+  ASSERT_TRUE(RunUntil([] { return g_pressed >= 2; }));
+  EXPECT_EQ(2, g_pressed);
+}
+
+TEST_F(Support, AnAcceleratorOfAnInsensitiveButtonDoesNothing) {
+  GtkWidget *button = NewButton(window_, box_, "OKButton", "DEF_BTN_OK_TITLE", [] { ++g_pressed; });
+  AddAccelerator(window_, button, GDK_KEY_Delete);
+  gtk_widget_set_sensitive(button, FALSE);
+  ShowWindowOf(button);
+  XInputChord("Delete");
+  RunPending();
+  EXPECT_EQ(0, g_pressed);
+}
+
+TEST_F(Support, ClosingThroughTheManagerRunsTheHandlerAndLeavesTheRestToIt) {
+  OnDeleteEvent(window_, [] { ++g_pressed; });
+  ShowWindowOf(box_);
+  GdkEvent *event = gdk_event_new(GDK_DELETE);
+  event->any.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(window_)));
+  gtk_main_do_event(event);
+  gdk_event_free(event);
+  EXPECT_EQ(1, g_pressed);
+  EXPECT_TRUE(GTK_IS_WIDGET(window_));
+  EXPECT_TRUE(gtk_widget_get_visible(window_));
+}
+
+TEST_F(Support, ALabelNamesItsWidgetToAssistiveTechnology) {
+  GtkWidget *entry = gtk_entry_new();
+  gtk_container_add(GTK_CONTAINER(box_), entry);
+  gtk_container_add(GTK_CONTAINER(box_), NewLabel(window_, "EntryLabel", "Queue", entry));
+  GList *labels = gtk_widget_list_mnemonic_labels(entry);
+  ASSERT_EQ(1U, g_list_length(labels));
+  EXPECT_STREQ("Queue", gtk_label_get_text(GTK_LABEL(labels->data)));
+  g_list_free(labels);
+}
+
+TEST_F(Support, ATextAreaShowsItsTextAndCannotBeEdited) {
+  gtk_container_add(GTK_CONTAINER(box_),
+                    NewScrolledText(window_, "Scrolled", "Area", "one\ntwo\n"));
+  GtkWidget *area = lookup_widget(window_, "Area");
+  EXPECT_EQ("one\ntwo\n", TextOf(area));
+  ShowWindowOf(area);
+  gtk_widget_grab_focus(area);
+  XInputType("x");
+  RunPending();
+  EXPECT_EQ("one\ntwo\n", TextOf(area));
+}
+
+TEST_F(Support, ATextThatIsNoUtf8IsShownAsLatin1) {
+  gtk_container_add(GTK_CONTAINER(box_), NewScrolledText(window_, "Scrolled", "Area", "caf\xE9"));
+  EXPECT_EQ("caf\xC3\xA9", TextOf(lookup_widget(window_, "Area")));
+}
+
+TEST_F(Support, FreeingStringsLeavesTheCellsToTheCaller) {
+  GList *list = g_list_append(nullptr, g_strdup("one"));
+  list = g_list_append(list, nullptr);
+  list = g_list_append(list, g_strdup("two"));
+  G_FreeStringsFrom_g_list(list);
+  EXPECT_EQ(3U, g_list_length(list));
+  g_list_free(list);
+  G_FreeStringsFrom_g_list(nullptr);
+}
