@@ -1,5 +1,5 @@
-// What the records of a printer description say when memory runs out. A program of its own, because
-// the linker puts __wrap_malloc in the place of the allocation that records use.
+// What the records of printer descriptions and queues say when memory runs out. A program of its
+// own, because the linker puts __wrap_malloc in the place of the allocation that records use.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -11,6 +11,7 @@
 #include "childprocess.h"
 #include "cprinter.h"
 #include "cprinters.h"
+#include "cprintqueues.h"
 
 namespace {
 bool is_memory_gone = false;
@@ -37,6 +38,8 @@ TEST(OutOfMemory, EveryRecordEndsTheProcessWithTheCataloguesWords) {
       {"CCmtParams", [] { CreateCmtParams(nullptr); }},
       {"CPrinter", [] { CreatePrinter("vek.paf"); }},
       {"CPrinters", [] { CreatePrinters("ppds", "pafs"); }},
+      {"CPrintQueue", [] { CreatePrintQueue(); }},
+      {"CPrintQueues", [] { CreatePrintQueues("queues.paf"); }},
   };
   for (const auto &row : rows) {
     const ChildResult result = RunInChild([&row] {
