@@ -91,7 +91,7 @@ void AddConstraints(std::string *paf, const ConstraintPairs &constraints) {
 
 std::string PrinterName(const PpdModel &model, std::string_view ppd_file_name) {
   for (const std::string &name : {model.nick_name, model.model_name}) {
-    const std::string value = PafHeaderValue(name, kNameKeyword);
+    std::string value = PafHeaderValue(name, kNameKeyword);
     if (value.find_first_not_of(' ') != std::string::npos) return value;
   }
   const std::string base(ppd_file_name.substr(0, ppd_file_name.rfind('.')));

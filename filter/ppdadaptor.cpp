@@ -161,6 +161,11 @@ PpdFeature FeatureOf(ppd_file_t *ppd, const ppd_option_t &option, std::string_vi
         !DefinesChoice(bytes, feature.keyword, choice.choice)) {
       continue;
     }
+    // A choice defined twice is the first: the one that libcups finds.
+    const bool twice =
+        std::any_of(feature.choices.begin(), feature.choices.end(),
+                    [&](const auto &other) { return other.keyword == choice.choice; });
+    if (twice) continue;
     PpdChoice result{choice.choice, CleanText(choice.text), TextOf(choice.code)};
     if (result.text.empty()) result.text = result.keyword;
     // libcups decodes the values of *JCL... keywords only, not those of others in that section.

@@ -58,17 +58,25 @@ PreparedPpd PreparePpd(std::string_view ppd) {
                             SameKeyword(declared, "UTF-8") || (eight_bit && IsValidUtf8(ppd));
   if (!as_it_stands) return {std::string(ppd), 0};
 
-  // A declaration of our own goes right behind the first line: names may stand before the file's.
+  // A declaration of our own goes right behind the first line, since names may stand before the
+  // file's, which becomes a comment: libcups loses memory over a second one.
+  constexpr std::string_view kUtf8 = "*LanguageEncoding: UTF-8";
   PreparedPpd prepared;
+  bool declared_now = false;
   prepared.text.reserve(ppd.size() + 32);
   ForEachLine(ppd, [&](size_t, std::string_view line) {
-    const bool declaration = line.starts_with(kEncodingKeyword);
-    prepared.text += declaration ? std::string_view("*LanguageEncoding: UTF-8") : line;
+    if (line.starts_with(kEncodingKeyword)) {
+      line = declared_now ? "*%" : kUtf8;
+      declared_now = true;
+    }
+    prepared.text += line;
     prepared.text += '\n';
-    if (prepared.added_lines == 0 && line.starts_with(kVersionKeyword) &&
+    if (!declared_now && line.starts_with(kVersionKeyword) &&
         std::count(line.begin(), line.end(), '"') == 2) {
-      prepared.text += "*LanguageEncoding: UTF-8\n";
+      prepared.text += kUtf8;
+      prepared.text += '\n';
       prepared.added_lines = 1;
+      declared_now = true;
     }
     return true;
   });

@@ -175,9 +175,8 @@ std::string Header(const Layout &layout, const DocumentCode &code) {
 std::string TakeText(JobSource *source) {
   const std::string_view bytes = source->Peek(JobSource::kLongestPiece + 4);
   const size_t feed = bytes.find('\n');
-  const std::string text(feed == std::string_view::npos
-                             ? Utf8Prefix(bytes, JobSource::kLongestPiece)
-                             : bytes.substr(0, feed + 1));
+  std::string text(feed == std::string_view::npos ? Utf8Prefix(bytes, JobSource::kLongestPiece)
+                                                  : bytes.substr(0, feed + 1));
   source->Skip(text.size());
   return text;
 }
