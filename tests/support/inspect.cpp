@@ -166,10 +166,15 @@ Answer Text(GtkWidget *widget) {
   return {};
 }
 
-std::string CellsOf(GtkTreeModel *model, GtkTreeIter *iter) {
+// The columns that are shown of a combo: its texts alone, not what identifies them.
+int ShownColumns(GtkWidget *widget, GtkTreeModel *model) {
+  return GTK_IS_COMBO_BOX_TEXT(widget) ? 1 : gtk_tree_model_get_n_columns(model);
+}
+
+std::string CellsOf(GtkTreeModel *model, GtkTreeIter *iter, int columns) {
   std::string cells;
   bool first = true;
-  for (int column = 0; column < gtk_tree_model_get_n_columns(model); ++column) {
+  for (int column = 0; column < columns; ++column) {
     if (gtk_tree_model_get_column_type(model, column) != G_TYPE_STRING) continue;
     gchar *text = nullptr;
     gtk_tree_model_get(model, iter, column, &text, -1);
@@ -200,7 +205,7 @@ Answer Rows(GtkWidget *widget) {
   for (gboolean more = gtk_tree_model_get_iter_first(model, &iter); more != FALSE;
        more = gtk_tree_model_iter_next(model, &iter)) {
     rows += IsRowSelected(widget, &iter) ? '*' : '-';
-    rows += CellsOf(model, &iter) + "\n";
+    rows += CellsOf(model, &iter, ShownColumns(widget, model)) + "\n";
   }
   return rows;
 }

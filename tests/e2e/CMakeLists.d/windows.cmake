@@ -4,3 +4,7 @@ target_link_libraries(makequeues PRIVATE kpx_core)
 
 kpx_add_test(NAME startup LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
   SOURCES e2e/startup_test.cpp)
+kpx_add_test(NAME print_tool LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full TIMEOUT 600
+  SOURCES e2e/print_tool_test.cpp support/printerjobs.cpp)
+target_compile_definitions(test_print_tool PRIVATE KPX_MAKEQUEUES="$<TARGET_FILE:makequeues>")
+add_dependencies(test_print_tool makequeues)

@@ -1,0 +1,360 @@
+// The print tool from the key press to the bytes at the printer: real queues in a real spooler, the
+// installed programs, a window that is clicked and typed into.
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <set>
+
+#include "guiapp.h"
+#include "installation.h"
+#include "paths.h"
+#include "printerjobs.h"
+
+namespace {
+
+constexpr char kAnna[] = "anna";
+
+int RunShell(const std::string &command) { return std::system(command.c_str()); }
+
+class PrintTool : public testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    ASSERT_TRUE(HasOrdinaryUsers()) << "the sandbox has them only as root";
+    ASSERT_EQ(0,
+              RunShell(KPX_MAKEQUEUES " lp1=postscript='Vek Norvel 4110ES'"
+                                      " txt1=text='Vek Norvel 4105' raw1=raw='Vek Norvel 4121'"));
+  }
+
+  void SetUp() override {
+    // Readable by every user, as the files of a user's own are.
+    std::filesystem::permissions(files_.Path(), std::filesystem::perms{0755});
+  }
+
+  void TearDown() override {
+    for (const std::string &name : NamesIn(kUsersDir)) {
+      std::filesystem::remove(std::string(kUsersDir) + "/" + name);
+    }
+  }
+
+  // Adds a file through the file selection window, by its path.
+  static void AddFile(GuiApp &app, const std::string &path) {
+    const size_t rows = app.Rows("FilesClist").size();
+    app.Click("AddButton");
+    app.WaitWindow("FilesSelectionWindow");
+    app.Type(path);
+    app.Key("Return");
+    app.WaitGone("FilesSelectionWindow");
+    app.WaitUntil("a row for " + path, [&] { return app.Rows("FilesClist").size() > rows; });
+  }
+
+  // The names that the file selection window lists.
+  static std::set<std::string> FilesShown(GuiApp &app) {
+    std::set<std::string> names;
+    for (const std::string &row : app.Rows("FilesSelectionWindow/GtkTreeView")) {
+      names.insert(row.substr(1, row.find('\t') - 1));
+    }
+    return names;
+  }
+
+  static void ChooseQueue(GuiApp &app, const std::string &name) {
+    app.Click("QueueComboEntry");
+    for (size_t i = 0; i < 10 && !app.Text("QueueComboEntry").starts_with(name + " "); ++i) {
+      app.Key("Up");
+    }
+    for (size_t i = 0; i < 10 && !app.Text("QueueComboEntry").starts_with(name + " "); ++i) {
+      app.Key("Down");
+    }
+    ASSERT_TRUE(app.Text("QueueComboEntry").starts_with(name + " "));
+  }
+
+  // Presses Print and expects the tool to close with status 0.
+  static void Print(GuiApp &app) {
+    app.Click("PrintButton");
+    EXPECT_EQ(0, app.WaitExit()) << app.Stderr();
+  }
+
+  static std::string CapturedFileOf(const GuiApp &app) {
+    return "/tmp/KPXtool.stdindata." + std::to_string(static_cast<int16_t>(app.pid()));
+  }
+
+  static std::string ShownCommand(GuiApp &app) {
+    app.Click("LprCommandButton");
+    app.WaitWindow("LprCmdDialog");
+    std::string text = app.Text("LprCmdText");
+    app.Click("LprCmdDialog/OKButton");
+    app.WaitGone("LprCmdDialog");
+    return text;
+  }
+
+  static void WriteUserOptions(const std::string &user, const std::string &queue,
+                               const std::string &lines) {
+    const std::string path = std::string(kUsersDir) + "/" + user + ":" + queue + ".def";
+    std::ofstream(path) << lines;
+    ASSERT_EQ(0, RunShell("chown " + user + ":lp '" + path + "' && chmod 640 '" + path + "'"));
+  }
+
+  std::string PostScriptFile(int pages) {
+    const std::string path = files_.Path("document.ps");
+    MakePostScriptFile(path, pages);
+    return path;
+  }
+
+  TemporaryDirectory files_;
+  PrinterJobs jobs_;
+};
+
+}  // namespace
+
+TEST_F(PrintTool, TheWindowShowsTheQueuesInTheirOrder) {
+  GuiApp app;
+  app.WaitWindow("ToolWindow");
+  EXPECT_EQ(CatalogueText("DEF_WND_TOOL_TITLE"), app.Text("ToolWindow"));
+  const std::string first = "lp1    [ Vek Norvel 4110ES ]    " + CatalogueText("postscript");
+  EXPECT_EQ((std::vector<std::string>{"*" + first,
+                                      "-raw1    [ Vek Norvel 4121 ]    " + CatalogueText("raw"),
+                                      "-txt1    [ Vek Norvel 4105 ]    " + CatalogueText("text")}),
+            app.Rows("QueueCombo"));
+  EXPECT_EQ(first, app.Text("QueueComboEntry"));
+  EXPECT_FALSE(app.IsSensitive("DeleteButton"));
+  EXPECT_FALSE(app.HasWidget("KPXErrorWarningDialog"));
+  EXPECT_EQ(std::vector<std::string>{}, app.ClippedTexts());
+}
+
+TEST_F(PrintTool, APostScriptFileReachesThePrinterWithTheQueuesOptions) {
+  const std::string path = PostScriptFile(3);
+  GuiApp app;
+  app.WaitWindow("ToolWindow");
+  AddFile(app, path);
+  EXPECT_EQ(std::vector<std::string>{"-" + path}, app.Rows("FilesClist"));
+  Print(app);
+
+  const std::string job = jobs_.Next();
+  EXPECT_TRUE(job.starts_with("\x1B%-12345X@PJL")) << job.substr(0, 200);
+  EXPECT_TRUE(job.ends_with("\x1B%-12345X"));
+  EXPECT_NE(std::string::npos, job.find("@PJL SET USERNAME=\"root\""));
+  const std::vector<std::string> programs = PostScriptOf(job);
+  ASSERT_EQ(1U, programs.size());
+  EXPECT_EQ(3, PagesOf(programs[0]));
+  EXPECT_NE(std::string::npos, programs[0].find("*PageSize"));
+  EXPECT_EQ(std::string::npos, programs[0].find("/NumCopies 2"));
+}
+
+TEST_F(PrintTool, AnOrdinaryUserPrintsTwoCopiesByTheUsersOptions) {
+  const std::string path = PostScriptFile(4);
+  WriteUserOptions(kAnna, "lp1", "*NrCopies=2\n*Duplex=DuplexNoTumble\n");
+  GuiApp app({.arguments = {"-verbose", "2"}, .user = kAnna});
+  app.WaitWindow("ToolWindow");
+  AddFile(app, path);
+  Print(app);
+  EXPECT_NE(std::string::npos,
+            app.Stderr().find("The entire lpr_cmd is:\n/usr/bin/lp -d lp1 -o \"*NrCopies=2\" " +
+                              path + "\n"))
+      << app.Stderr();
+
+  const std::string job = jobs_.Next();
+  EXPECT_NE(std::string::npos, job.find("@PJL SET USERNAME=\"anna\""));
+  const std::vector<std::string> programs = PostScriptOf(job);
+  ASSERT_EQ(1U, programs.size());
+  EXPECT_EQ(2 * 4, PagesOf(programs[0]));  // Ghostscript counts the copies
+  EXPECT_NE(std::string::npos, programs[0].find("/NumCopies 2"));
+  EXPECT_NE(std::string::npos, programs[0].find("*Duplex DuplexNoTumble"));
+}
+
+TEST_F(PrintTool, PrintingWritesTheUsersOptionsForTheUserAndTheSpoolerAlone) {
+  const std::string path = PostScriptFile(1);
+  GuiApp app({.user = kAnna});
+  app.WaitWindow("ToolWindow");
+  AddFile(app, path);
+  Print(app);
+  jobs_.Next();
+  const std::string options = std::string(kUsersDir) + "/anna:lp1.def";
+  EXPECT_NE(std::string::npos, ContentOf(options).find("*NrCopies=1\n"));
+  EXPECT_EQ(mode_t{0640}, ModeOf(options));
+  EXPECT_EQ("lp", GroupOf(options));
+}
+
+TEST_F(PrintTool, SeveralFilesAreOneJobAndStayApart) {
+  const std::string path = PostScriptFile(2);
+  GuiApp app;
+  app.WaitWindow("ToolWindow");
+  AddFile(app, path);
+  AddFile(app, path);
+  EXPECT_EQ((std::vector<std::string>{"-" + path, "-" + path}), app.Rows("FilesClist"));
+  Print(app);
+  const std::vector<std::string> programs = PostScriptOf(jobs_.Next());
+  ASSERT_EQ(2U, programs.size());
+  EXPECT_EQ(2, PagesOf(programs[0]));
+  EXPECT_EQ(2, PagesOf(programs[1]));
+}
+
+TEST_F(PrintTool, ATextFileReachesThePrinterOnATextQueue) {
+  const std::string path = files_.Write("notes.txt", "first line\nsecond line\n");
+  GuiApp app({.user = kAnna});
+  app.WaitWindow("ToolWindow");
+  ChooseQueue(app, "txt1");
+  AddFile(app, path);
+  Print(app);
+  const std::string job = jobs_.Next();
+  EXPECT_NE(std::string::npos, job.find("@PJL SET USERNAME=\"anna\"")) << job;
+  EXPECT_NE(std::string::npos, job.find("first line")) << job;
+  EXPECT_NE(std::string::npos, job.find("second line")) << job;
+}
+
+TEST_F(PrintTool, ARawQueuePassesTheFileUnchanged) {
+  std::string bytes;
+  for (int i = 0; i < 5000; ++i) bytes += static_cast<char>(i % 256);
+  const std::string path = files_.Write("printer.data", bytes);
+  GuiApp app;
+  app.WaitWindow("ToolWindow");
+  ChooseQueue(app, "raw1");
+  AddFile(app, path);
+  Print(app);
+  EXPECT_EQ(bytes, jobs_.Next());
+}
+
+TEST_F(PrintTool, StandardInputIsPrintedAndItsCopyRemoved) {
+  MakePostScriptFile(files_.Path("document.ps"), 2);
+  GuiApp app({.input = ContentOf(files_.Path("document.ps")), .user = kAnna});
+  app.WaitWindow("ToolWindow");
+  EXPECT_EQ(std::vector<std::string>{"-" + CatalogueText("MSG3")}, app.Rows("FilesClist"));
+  const std::string captured = CapturedFileOf(app);
+  EXPECT_EQ(ContentOf(files_.Path("document.ps")), ContentOf(captured));
+  EXPECT_EQ(mode_t{0600}, ModeOf(captured));
+  EXPECT_EQ("/usr/bin/lp -c -d lp1 -o \"*NrCopies=1\" " + captured, ShownCommand(app));
+  Print(app);
+  EXPECT_FALSE(std::filesystem::exists(captured));
+  const std::vector<std::string> programs = PostScriptOf(jobs_.Next());
+  ASSERT_EQ(1U, programs.size());
+  EXPECT_EQ(2, PagesOf(programs[0]));
+}
+
+TEST_F(PrintTool, CancelRemovesTheCapturedStandardInput) {
+  GuiApp app({.input = "hi\n"});
+  app.WaitWindow("ToolWindow");
+  const std::string captured = CapturedFileOf(app);
+  EXPECT_EQ("hi\n", ContentOf(captured));
+  app.Click("CancelButton");
+  EXPECT_EQ(0, app.WaitExit());
+  EXPECT_FALSE(std::filesystem::exists(captured));
+}
+
+TEST_F(PrintTool, ClosingTheWindowIsCancel) {
+  GuiApp app({.input = "hi\n"});
+  app.WaitWindow("ToolWindow");
+  app.CloseWindow("ToolWindow");
+  EXPECT_EQ(0, app.WaitExit());
+  EXPECT_FALSE(std::filesystem::exists(CapturedFileOf(app)));
+}
+
+TEST_F(PrintTool, DeletingTheStandardInputRowRemovesItsFileAtOnce) {
+  GuiApp app({.input = "hi\n"});
+  app.WaitWindow("ToolWindow");
+  app.ClickRow("FilesClist", 0);
+  app.WaitUntil("Delete", [&] { return app.IsSensitive("DeleteButton"); });
+  app.Click("DeleteButton");
+  app.WaitUntil("an empty list", [&] { return app.Rows("FilesClist").empty(); });
+  EXPECT_FALSE(std::filesystem::exists(CapturedFileOf(app)));
+  EXPECT_FALSE(app.IsSensitive("DeleteButton"));
+}
+
+TEST_F(PrintTool, TheShownCommandCarriesEveryOptionAndTheRunOneTheCopiesAlone) {
+  WriteUserOptions(kAnna, "lp1", "*NrCopies=3\n*Duplex=DuplexTumble\n*InputSlot=Tray1\n");
+  const std::string path = PostScriptFile(1);
+  GuiApp app({.arguments = {"-verbose", "2"}, .user = kAnna});
+  app.WaitWindow("ToolWindow");
+  AddFile(app, path);
+  EXPECT_EQ("/usr/bin/lp -d lp1 -o \"*NrCopies=3, *Duplex=DuplexTumble *InputSlot=Tray1\" " + path,
+            ShownCommand(app));
+  Print(app);
+  EXPECT_NE(std::string::npos,
+            app.Stderr().find("\n/usr/bin/lp -d lp1 -o \"*NrCopies=3\" " + path + "\n"))
+      << app.Stderr();
+  jobs_.Next();
+}
+
+TEST_F(PrintTool, WithoutFilesPrintSaysSoAndRunsNothing) {
+  GuiApp app;
+  app.WaitWindow("ToolWindow");
+  app.Click("PrintButton");
+  app.WaitWindow("ErrorDialog");
+  EXPECT_EQ(CatalogueText("MSG1"), app.Text("ErrorLabel1"));
+  app.Key("Return");
+  app.WaitGone("ErrorDialog");
+  EXPECT_EQ(std::vector<std::string>{"ToolWindow"}, app.Windows());
+  EXPECT_FALSE(std::filesystem::exists(std::string(kUsersDir) + "/root:lp1.def"));
+  app.Key("Escape");
+  EXPECT_EQ(0, app.WaitExit());
+  EXPECT_FALSE(jobs_.HasMore());
+}
+
+TEST_F(PrintTool, APrintThatFailsIsShownAndOkEndsTheToolWithStatusOne) {
+  ASSERT_EQ(0, RunShell("/usr/sbin/cupsreject lp1"));
+  GuiApp app({.input = "%!\nshowpage\n", .user = kAnna});
+  app.WaitWindow("ToolWindow");
+  const std::string captured = CapturedFileOf(app);
+  app.Click("PrintButton");
+  app.WaitWindow("KPXErrorWarningDialog");
+  const std::string message = CatalogueText("ERR_CMD_FOR_QUEUE", {"lp", "lp1"}) + "\n";
+  EXPECT_EQ(message, app.Text("ErrorWarningText"));
+  EXPECT_NE(std::string::npos, app.Stderr().find(message)) << app.Stderr();
+  EXPECT_FALSE(std::filesystem::exists(captured));
+  app.Click("KPXErrorWarningDialog/OKButton");
+  EXPECT_EQ(1, app.WaitExit());
+  ASSERT_EQ(0, RunShell("/usr/sbin/cupsaccept lp1"));
+}
+
+TEST_F(PrintTool, AWholeFolderIsAddedWithoutTheFoldersBelow) {
+  std::filesystem::create_directories(files_.Path("docs/below"));
+  files_.Write("docs/one", "1");
+  files_.Write("docs/two", "2");
+  files_.Write("docs/below/three", "3");
+  GuiApp app;
+  app.WaitWindow("ToolWindow");
+  app.Click("AddButton");
+  app.WaitWindow("FilesSelectionWindow");
+  // A folder's path opens the folder.
+  app.Type(files_.Path("docs/"));
+  app.Key("Return");
+  app.WaitUntil("the folder", [&] { return FilesShown(app).count("below") != 0; });
+  app.Click("FolderButton");
+  app.WaitGone("FilesSelectionWindow");
+  app.WaitUntil("two rows", [&] { return app.Rows("FilesClist").size() == 2; });
+  std::vector<std::string> rows = app.Rows("FilesClist");
+  std::sort(rows.begin(), rows.end());
+  EXPECT_EQ(
+      (std::vector<std::string>{"-" + files_.Path("docs/one"), "-" + files_.Path("docs/two")}),
+      rows);
+}
+
+TEST_F(PrintTool, CancellingTheFileSelectionAddsNothing) {
+  GuiApp app;
+  app.WaitWindow("ToolWindow");
+  app.Click("AddButton");
+  app.WaitWindow("FilesSelectionWindow");
+  app.Click("FilesSelectionWindow/CancelButton");
+  app.WaitGone("FilesSelectionWindow");
+  EXPECT_EQ(std::vector<std::string>{}, app.Rows("FilesClist"));
+}
+
+TEST_F(PrintTool, TheHelpButtonShowsTheToolsHelp) {
+  GuiApp app;
+  app.WaitWindow("ToolWindow");
+  app.Key("F1");
+  app.WaitWindow("KPXHelpDialog");
+  const std::string help = ContentOf(kInstalledHelp);
+  EXPECT_NE(std::string::npos, help.find("#KPX_TOOL_BEGIN\n" + app.Text("HelpText")));
+  app.Key("Escape");
+  app.WaitGone("KPXHelpDialog");
+}
+
+TEST_F(PrintTool, APageIsPrintedWithTheKeyboardAlone) {
+  GuiApp app({.input = "%!\n/Helvetica 20 selectfont 72 72 moveto (x) show showpage\n"});
+  app.WaitWindow("ToolWindow");
+  for (int i = 0; i < 12 && app.Focus() != "ToolWindow/PrintButton"; ++i) app.Key("Tab");
+  ASSERT_EQ("ToolWindow/PrintButton", app.Focus());
+  app.Key("space");
+  EXPECT_EQ(0, app.WaitExit());
+  EXPECT_EQ(1, PagesOf(PostScriptOf(jobs_.Next()).at(0)));
+}
