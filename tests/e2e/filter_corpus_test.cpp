@@ -20,6 +20,7 @@
 #include "cfeature.h"
 #include "cprinter.h"
 #include "filterrun.h"
+#include "ghostscript.h"
 #include "temporarydirectory.h"
 
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
@@ -283,6 +284,25 @@ TEST_F(Corpus, EveryDescriptionConvertsLoadsAndAgreesWithLibcups) {
     if (HasFailure()) return;
   }
   EXPECT_LE(repaired, 1u) << "files that libcups does not read as they are";
+}
+
+TEST_F(Corpus, TheOptionsOfOtherMakersLeaveTheJobsPagesAlone) {
+  const std::string job =
+      "%!PS-Adobe-3.0\n%%Pages: 2\n%%EndComments\n%%BeginProlog\n%%EndProlog\n%%BeginSetup\n"
+      "%%EndSetup\n%%Page: 1 1\n9 9 99 99 rectfill showpage\n%%Page: 2 2\nshowpage\n%%EOF\n";
+  for (size_t i = 0; i < files_.size(); i += 16) {
+    SCOPED_TRACE(files_[i]);
+    FilterCall call;
+    call.options = "*NrCopies=2";
+    call.ppd_file = files_[i];
+    const FilterRun run = Filter(call, job);
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.errors, "");
+    const Rendering rendering = Render(run.output);
+    EXPECT_EQ(rendering.status, 0);
+    EXPECT_EQ(rendering.messages, "");
+    EXPECT_EQ(rendering.pages.size(), 4u);
+  }
 }
 
 }  // namespace
