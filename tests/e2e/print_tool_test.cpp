@@ -11,6 +11,7 @@
 #include "installation.h"
 #include "paths.h"
 #include "printerjobs.h"
+#include "tooldriver.h"
 
 namespace {
 
@@ -38,17 +39,6 @@ class PrintTool : public testing::Test {
     }
   }
 
-  // Adds a file through the file selection window, by its path.
-  static void AddFile(GuiApp &app, const std::string &path) {
-    const size_t rows = app.Rows("FilesClist").size();
-    app.Click("AddButton");
-    app.WaitWindow("FilesSelectionWindow");
-    app.Type(path);
-    app.Key("Return");
-    app.WaitGone("FilesSelectionWindow");
-    app.WaitUntil("a row for " + path, [&] { return app.Rows("FilesClist").size() > rows; });
-  }
-
   // The names that the file selection window lists.
   static std::set<std::string> FilesShown(GuiApp &app) {
     std::set<std::string> names;
@@ -58,34 +48,10 @@ class PrintTool : public testing::Test {
     return names;
   }
 
-  static void ChooseQueue(GuiApp &app, const std::string &name) {
-    app.Click("QueueComboEntry");
-    for (size_t i = 0; i < 10 && !app.Text("QueueComboEntry").starts_with(name + " "); ++i) {
-      app.Key("Up");
-    }
-    for (size_t i = 0; i < 10 && !app.Text("QueueComboEntry").starts_with(name + " "); ++i) {
-      app.Key("Down");
-    }
-    ASSERT_TRUE(app.Text("QueueComboEntry").starts_with(name + " "));
-  }
-
   // Presses Print and expects the tool to close with status 0.
   static void Print(GuiApp &app) {
     app.Click("PrintButton");
     EXPECT_EQ(0, app.WaitExit()) << app.Stderr();
-  }
-
-  static std::string CapturedFileOf(const GuiApp &app) {
-    return "/tmp/KPXtool.stdindata." + std::to_string(static_cast<int16_t>(app.pid()));
-  }
-
-  static std::string ShownCommand(GuiApp &app) {
-    app.Click("LprCommandButton");
-    app.WaitWindow("LprCmdDialog");
-    std::string text = app.Text("LprCmdText");
-    app.Click("LprCmdDialog/OKButton");
-    app.WaitGone("LprCmdDialog");
-    return text;
   }
 
   static void WriteUserOptions(const std::string &user, const std::string &queue,
@@ -198,8 +164,9 @@ TEST_F(PrintTool, ATextFileReachesThePrinterOnATextQueue) {
   Print(app);
   const std::string job = jobs_.Next();
   EXPECT_NE(std::string::npos, job.find("@PJL SET USERNAME=\"anna\"")) << job;
-  EXPECT_NE(std::string::npos, job.find("first line")) << job;
-  EXPECT_NE(std::string::npos, job.find("second line")) << job;
+  EXPECT_NE(std::string::npos, job.find("(first line)")) << job;
+  EXPECT_NE(std::string::npos, job.find("(second line)")) << job;
+  EXPECT_EQ(1, PagesOf(PostScriptOf(job).at(0)));
 }
 
 TEST_F(PrintTool, ARawQueuePassesTheFileUnchanged) {

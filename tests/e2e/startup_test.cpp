@@ -10,6 +10,7 @@
 #include "paths.h"
 #include "porting.h"
 #include "queuesupport.h"
+#include "tooldriver.h"
 
 namespace {
 
@@ -247,8 +248,7 @@ TEST(Startup, ATerminatingSignalEndsTheProgramAsItsCancelButtonDoes) {
   for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
     GuiApp app({.input = "data"});
     app.WaitWindow("ToolWindow");
-    const std::string captured =
-        "/tmp/KPXtool.stdindata." + std::to_string(static_cast<int16_t>(app.pid()));
+    const std::string captured = CapturedFileOf(app);
     EXPECT_TRUE(std::filesystem::exists(captured));
     kill(app.pid(), signal);
     EXPECT_EQ(0, app.WaitExit());

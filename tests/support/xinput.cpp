@@ -159,3 +159,9 @@ void XInputClose(unsigned long window) {
   XSendEvent(Server(), window, False, NoEventMask, &event);
   XSync(Server(), False);
 }
+
+void XInputBackground(unsigned long colour) {
+  XSetWindowBackground(Server(), DefaultRootWindow(Server()), colour);
+  XClearWindow(Server(), DefaultRootWindow(Server()));
+  XSync(Server(), False);
+}

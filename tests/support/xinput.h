@@ -20,3 +20,5 @@ void XInputType(const std::string &text);
 void XInputFocus(unsigned long window);
 // Asks the window to close, as a window manager does.
 void XInputClose(unsigned long window);
+// Fills the screen behind all windows with a colour, 0xRRGGBB.
+void XInputBackground(unsigned long colour);

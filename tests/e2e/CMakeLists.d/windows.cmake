@@ -8,3 +8,10 @@ kpx_add_test(NAME print_tool LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full 
   SOURCES e2e/print_tool_test.cpp support/printerjobs.cpp)
 target_compile_definitions(test_print_tool PRIVATE KPX_MAKEQUEUES="$<TARGET_FILE:makequeues>")
 add_dependencies(test_print_tool makequeues)
+
+# What ./demo runs, and all that it needs.
+add_executable(demo_driver support/demo_driver.cpp support/printerjobs.cpp)
+target_compile_definitions(demo_driver PRIVATE KPX_MAKEQUEUES="$<TARGET_FILE:makequeues>")
+target_link_libraries(demo_driver PRIVATE kpx_core kpx_guidriver)
+add_custom_target(demo_parts DEPENDS KPXadmin kpxfilter kpxnbtrans kpx_data printerd makequeues
+                  demo_driver)

@@ -1,0 +1,37 @@
+#include "tooldriver.h"
+
+#include <cstdint>
+#include <stdexcept>
+
+void AddFile(GuiApp &app, const std::string &path) {
+  const size_t rows = app.Rows("FilesClist").size();
+  app.Click("AddButton");
+  app.WaitWindow("FilesSelectionWindow");
+  app.Type(path);
+  app.Key("Return");
+  app.WaitGone("FilesSelectionWindow");
+  app.WaitUntil("a row for " + path, [&] { return app.Rows("FilesClist").size() > rows; });
+}
+
+void ChooseQueue(GuiApp &app, const std::string &name) {
+  const std::vector<std::string> rows = app.Rows("QueueCombo");
+  const auto chosen = [&] { return app.Text("QueueComboEntry").starts_with(name + " "); };
+  app.Click("QueueComboEntry");
+  for (const char *key : {"Up", "Down"}) {
+    for (size_t i = 0; i < rows.size() && !chosen(); ++i) app.Key(key);
+  }
+  if (!chosen()) throw std::runtime_error("there is no queue " + name);
+}
+
+std::string ShownCommand(GuiApp &app) {
+  app.Click("LprCommandButton");
+  app.WaitWindow("LprCmdDialog");
+  std::string text = app.Text("LprCmdText");
+  app.Click("LprCmdDialog/OKButton");
+  app.WaitGone("LprCmdDialog");
+  return text;
+}
+
+std::string CapturedFileOf(const GuiApp &app) {
+  return "/tmp/KPXtool.stdindata." + std::to_string(static_cast<int16_t>(app.pid()));
+}
