@@ -4,7 +4,8 @@
 //
 //   --port N      listens on 127.0.0.1 and [::1], port N; 0 takes a free one
 //   --dir DIR     job number n appears as DIR/job-000n.prn when its connection has ended in order
-//   --ready FILE  the port number is written to FILE (through a rename) when jobs can be sent
+//   --ready FILE  the port number is written to FILE when jobs can be sent: through a rename, or
+//                 straight into it when it is a FIFO that somebody waits at
 //   --fail MODE   busy:N     the first N connections are reset at once
 //                 reset:N    every connection is reset after N bytes
 //
@@ -18,6 +19,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <string>
 
@@ -119,6 +121,10 @@ void TakeJob(int connection, const Options &options, int number) {
 
 void WriteReady(const Options &options, int port) {
   if (options.ready.empty()) return;
+  if (std::filesystem::is_fifo(options.ready)) {
+    std::ofstream(options.ready) << port << '\n';
+    return;
+  }
   const std::string partial = options.ready + ".partial";
   std::ofstream(partial) << port << '\n';
   std::rename(partial.c_str(), options.ready.c_str());
