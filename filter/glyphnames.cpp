@@ -8,7 +8,8 @@
 namespace {
 
 // Names of the Adobe Glyph List, in the order of the characters.
-// clang-format off: running text rather than two columns
+// In lines rather than columns.
+// clang-format off
 constexpr std::string_view kAscii[] = {
     "space", "exclam", "quotedbl", "numbersign", "dollar", "percent", "ampersand", "quotesingle",
     "parenleft", "parenright", "asterisk", "plus", "comma", "hyphen", "period", "slash", "zero",
