@@ -112,11 +112,20 @@ void XInputDrain() {
   while (XPending(Server()) > 0) XNextEvent(Server(), &event);
 }
 
-void XInputClick(int x, int y, int button) {
+void XInputMove(int x, int y) {
   XTestFakeMotionEvent(Server(), -1, x, y, CurrentTime);
-  XTestFakeButtonEvent(Server(), static_cast<unsigned>(button), True, CurrentTime);
-  XTestFakeButtonEvent(Server(), static_cast<unsigned>(button), False, CurrentTime);
   XSync(Server(), False);
+}
+
+void XInputButton(int button, bool down) {
+  XTestFakeButtonEvent(Server(), static_cast<unsigned>(button), down, CurrentTime);
+  XSync(Server(), False);
+}
+
+void XInputClick(int x, int y, int button) {
+  XInputMove(x, y);
+  XInputButton(button, true);
+  XInputButton(button, false);
 }
 
 void XInputKey(const std::string &name, bool down) {

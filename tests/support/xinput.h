@@ -9,6 +9,8 @@ int XInputDescriptor();
 // Forgets what made it readable.
 void XInputDrain();
 
+void XInputMove(int x, int y);
+void XInputButton(int button, bool down);
 void XInputClick(int x, int y, int button = 1);
 // Presses or releases the key with this X name, for example "Shift_L".
 void XInputKey(const std::string &name, bool down);
