@@ -7,6 +7,7 @@
 #include "ToolWindow.h"
 #include "ToolWindowFct.h"
 #include "guisupport.h"
+#include "xinput.h"
 
 namespace {
 
@@ -18,7 +19,8 @@ class FilesSelection : public GuiTest {
     tool_ = create_ToolWindow();
     ShowWindowOf(tool_);
     std::filesystem::create_directories(files_.Path("docs/below"));
-    for (const char *name : {"a.ps", "b.ps", "docs/one", "docs/two", "docs/below/three"}) {
+    for (const char *name :
+         {"a.ps", "docs/one", "docs/two", "docs/below/three", "docs/below/four"}) {
       files_.Write(name, name);
     }
   }
@@ -53,12 +55,36 @@ class FilesSelection : public GuiTest {
     return count;
   }
 
-  // Selects files, each when the window has the one before.
-  static void Select(GtkWidget *window, const Lines &paths) {
-    for (size_t i = 0; i < paths.size(); ++i) {
-      gtk_file_chooser_select_filename(GTK_FILE_CHOOSER(window), paths[i].c_str());
-      ASSERT_TRUE(RunUntil([&] { return CountSelected(window) == i + 1; })) << paths[i];
+  static GtkWidget *FindList(GtkWidget *widget) {
+    if (GTK_IS_TREE_VIEW(widget)) return widget;
+    if (!GTK_IS_CONTAINER(widget)) return nullptr;
+    GtkWidget *found = nullptr;
+    GList *children = gtk_container_get_children(GTK_CONTAINER(widget));
+    for (GList *link = children; link != nullptr && found == nullptr; link = link->next) {
+      found = FindList(GTK_WIDGET(link->data));
     }
+    g_list_free(children);
+    return found;
+  }
+
+  // Selects everything that the window lists, `count` entries, with the keyboard.
+  static void SelectAll(GtkWidget *window, int count) {
+    GtkWidget *list = FindList(window);
+    ASSERT_NE(nullptr, list);
+    const auto listed = [&] {
+      GtkTreeModel *model = gtk_tree_view_get_model(GTK_TREE_VIEW(list));
+      return model == nullptr ? -1 : gtk_tree_model_iter_n_children(model, nullptr);
+    };
+    ASSERT_TRUE(RunUntil([&] { return listed() == count; })) << listed();
+    gtk_widget_grab_focus(list);
+    XInputChord("ctrl+a");
+    ASSERT_TRUE(RunUntil([&] { return CountSelected(window) == static_cast<size_t>(count); }));
+  }
+
+  // Selects one file by its path.
+  static void Select(GtkWidget *window, const std::string &path) {
+    gtk_file_chooser_select_filename(GTK_FILE_CHOOSER(window), path.c_str());
+    ASSERT_TRUE(RunUntil([&] { return CountSelected(window) == 1; })) << path;
   }
 
   static Lines Records() {
@@ -80,11 +106,11 @@ class FilesSelection : public GuiTest {
 }  // namespace
 
 TEST_F(FilesSelection, SeveralFilesAreTakenAtOnce) {
-  GtkWidget *window = Open(files_.Path());
-  Select(window, {files_.Path("a.ps"), files_.Path("b.ps")});
+  GtkWidget *window = Open(files_.Path("docs/below"));
+  SelectAll(window, 2);
   ClickOn(lookup_widget(window, "OKButton"));
   ASSERT_TRUE(RunUntil(IsClosed));
-  EXPECT_EQ((Lines{files_.Path("a.ps"), files_.Path("b.ps")}), Records());
+  EXPECT_EQ((Lines{files_.Path("docs/below/four"), files_.Path("docs/below/three")}), Records());
   EXPECT_EQ(2, ListRowCount(G_QueuesWindow_helper->files_list));
   EXPECT_EQ(nullptr, WindowNamed("FilesSelectionWindow"));
 }
@@ -92,7 +118,7 @@ TEST_F(FilesSelection, SeveralFilesAreTakenAtOnce) {
 TEST_F(FilesSelection, TheSameFileCanBeTakenTwice) {
   for (int i = 0; i < 2; ++i) {
     GtkWidget *window = Open(files_.Path());
-    Select(window, {files_.Path("a.ps")});
+    Select(window, files_.Path("a.ps"));
     ButtonOkFilesPressed();
   }
   EXPECT_EQ((Lines{files_.Path("a.ps"), files_.Path("a.ps")}), Records());
@@ -107,7 +133,7 @@ TEST_F(FilesSelection, TheWholeFolderIsItsPlainFilesAndNoneOfTheFoldersBelow) {
 
 TEST_F(FilesSelection, AFolderAmongTheSelectedStandsForItsPlainFiles) {
   GtkWidget *window = Open(files_.Path());
-  Select(window, {files_.Path("a.ps"), files_.Path("docs")});
+  SelectAll(window, 2);
   ButtonOkFilesPressed();
   EXPECT_EQ((Lines{files_.Path("a.ps"), files_.Path("docs/one"), files_.Path("docs/two")}),
             Records());
@@ -115,7 +141,7 @@ TEST_F(FilesSelection, AFolderAmongTheSelectedStandsForItsPlainFiles) {
 
 TEST_F(FilesSelection, CancelTakesNothing) {
   GtkWidget *window = Open(files_.Path());
-  Select(window, {files_.Path("a.ps")});
+  Select(window, files_.Path("a.ps"));
   ClickOn(lookup_widget(window, "CancelButton"));
   ASSERT_TRUE(RunUntil(IsClosed));
   EXPECT_EQ(Lines{}, Records());
