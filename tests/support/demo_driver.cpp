@@ -17,12 +17,13 @@
 #include "privateworld.h"
 #include "temporarydirectory.h"
 #include "tooldriver.h"
+#include "windowmanager.h"
 #include "xinput.h"
 
 namespace {
 
 constexpr unsigned long kDesktop = 0x5A6B7B;
-constexpr int kMargin = 16;
+constexpr int kMargin = 28;  // room for the frames
 
 struct Print {
   std::string name;  // begins the names of the pictures
@@ -110,7 +111,7 @@ class Demo {
   }
 
   void Picture(GuiApp &app, const std::string &name) const {
-    app.Focus();  // answered when everything has been drawn
+    app.WaitDrawn();
     Screenshot(directory_ + "/" + name + ".png", Around(app));
     Say("  window: out/" + name + ".png");
   }
@@ -135,6 +136,7 @@ class Demo {
         ": out/" + print.name + "-page-*.png");
   }
 
+  WindowManager manager_;
   std::string directory_;
   std::string user_;
   PrinterJobs jobs_;

@@ -380,6 +380,8 @@ ScreenArea GuiApp::Geometry(const std::string &name) {
   return AreaFrom(Demand("geometry " + name));
 }
 
+void GuiApp::WaitDrawn() { Demand("drawn"); }
+
 std::string GuiApp::Stderr() const {
   std::ifstream file(directory_ + "/stderr", std::ios::binary);
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};

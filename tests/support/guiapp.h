@@ -77,6 +77,9 @@ class GuiApp {
   std::vector<std::string> ClippedTexts();
   ScreenArea Geometry(const std::string &name);
 
+  // Until the screen shows all windows as they are now; before a screenshot.
+  void WaitDrawn();
+
   // What the program has written to standard error so far.
   std::string Stderr() const;
 

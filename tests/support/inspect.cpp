@@ -19,6 +19,7 @@
 //                 "-" before another
 //   clipped       lines "<window>/<widget> TAB <text>" for every text that is not shown whole
 //   idle          "1", when everything that was under way has been done
+//   drawn         "1", when all windows have been drawn as they are now
 
 #include <gdk/gdkx.h>
 #include <glib-unix.h>
@@ -332,6 +333,38 @@ void WriteAll(int descriptor, const std::string &text) {
   }
 }
 
+void SendAnswer(const Connection *connection, const Answer &answer) {
+  WriteAll(connection->descriptor, (answer ? "ok " : "none ") +
+                                       std::to_string(answer ? answer->size() : 0) + "\n" +
+                                       answer.value_or(""));
+}
+
+// The windows that have not been drawn since it was asked for.
+struct Drawing {
+  Connection *connection = nullptr;
+  size_t windows = 0;
+};
+
+void NoteDrawn(GdkFrameClock *clock, gpointer data) {
+  g_signal_handlers_disconnect_by_func(clock, reinterpret_cast<gpointer>(NoteDrawn), data);
+  auto *drawing = static_cast<Drawing *>(data);
+  if (--drawing->windows != 0) return;
+  gdk_display_sync(gdk_display_get_default());
+  SendAnswer(drawing->connection, "1");
+}
+
+void AnswerWhenDrawn(Connection *connection) {
+  static Drawing drawing;
+  const std::vector<GtkWidget *> windows = VisibleWindows();
+  drawing = {connection, windows.size()};
+  if (windows.empty()) SendAnswer(connection, "1");
+  for (GtkWidget *window : windows) {
+    g_signal_connect(gtk_widget_get_frame_clock(window), "after-paint", G_CALLBACK(NoteDrawn),
+                     &drawing);
+    gtk_widget_queue_draw(window);
+  }
+}
+
 // Runs when nothing else is left to do.
 gboolean AnswerWhenIdle(gpointer data) {
   auto *connection = static_cast<Connection *>(data);
@@ -340,10 +373,11 @@ gboolean AnswerWhenIdle(gpointer data) {
   const size_t end = connection->pending.find('\n');
   const std::string request = connection->pending.substr(0, end);
   connection->pending.erase(0, end + 1);
-  const Answer answer = AnswerTo(request);
-  WriteAll(connection->descriptor, (answer ? "ok " : "none ") +
-                                       std::to_string(answer ? answer->size() : 0) + "\n" +
-                                       answer.value_or(""));
+  if (request == "drawn") {
+    AnswerWhenDrawn(connection);
+  } else {
+    SendAnswer(connection, AnswerTo(request));
+  }
   return G_SOURCE_REMOVE;
 }
 

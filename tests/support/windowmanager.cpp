@@ -1,0 +1,60 @@
+#include "windowmanager.h"
+
+#include <X11/Xatom.h>
+#include <X11/Xlib.h>
+#include <poll.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <stdexcept>
+
+namespace {
+
+constexpr int kDeadlineMilliseconds = 30000;
+
+bool IsManaged(Display *display) {
+  Atom type = None;
+  int format = 0;
+  unsigned long count = 0;
+  unsigned long left = 0;
+  unsigned char *data = nullptr;
+  XGetWindowProperty(display, DefaultRootWindow(display),
+                     XInternAtom(display, "_NET_SUPPORTING_WM_CHECK", False), 0, 1, False,
+                     XA_WINDOW, &type, &format, &count, &left, &data);
+  if (data != nullptr) XFree(data);
+  return count == 1;
+}
+
+// Until the manager has announced itself on the root window.
+bool WaitUntilManaged() {
+  Display *display = XOpenDisplay(nullptr);
+  if (display == nullptr) return false;
+  XSelectInput(display, DefaultRootWindow(display), PropertyChangeMask);
+  bool managed = IsManaged(display);
+  while (!managed) {
+    pollfd waiting = {ConnectionNumber(display), POLLIN, 0};
+    if (XPending(display) == 0 && poll(&waiting, 1, kDeadlineMilliseconds) != 1) break;
+    XEvent event;
+    while (XPending(display) > 0) XNextEvent(display, &event);
+    managed = IsManaged(display);
+  }
+  XCloseDisplay(display);
+  return managed;
+}
+
+}  // namespace
+
+WindowManager::WindowManager() : pid_(fork()) {
+  if (pid_ == 0) {
+    execlp("openbox", "openbox", "--sm-disable", static_cast<char *>(nullptr));
+    _exit(127);
+  }
+  if (pid_ < 0 || !WaitUntilManaged())
+    throw std::runtime_error("no window manager: install openbox");
+}
+
+WindowManager::~WindowManager() {
+  kill(pid_, SIGTERM);
+  waitpid(pid_, nullptr, 0);
+}
