@@ -38,6 +38,10 @@ GtkWidget *create_FilesSelectionWindow() {
   MakeModal(window);
   gtk_file_chooser_set_select_multiple(GTK_FILE_CHOOSER(window), TRUE);
   gtk_file_chooser_set_local_only(GTK_FILE_CHOOSER(window), TRUE);
+  // Where the program was started, not the toolkit's list of recent files.
+  gchar *folder = g_get_current_dir();
+  gtk_file_chooser_set_current_folder(GTK_FILE_CHOOSER(window), folder);
+  g_free(folder);
   AddResponse(window, "FolderButton", "DEF_BTN_FOLDER_TITLE", kResponseFolder);
   AddResponse(window, "CancelButton", "DEF_BTN_CANCEL_TITLE", GTK_RESPONSE_CANCEL);
   AddResponse(window, "OKButton", "DEF_BTN_OK_TITLE", GTK_RESPONSE_OK);

@@ -157,6 +157,21 @@ TEST_F(FilesSelection, ClosingTheWindowIsCancel) {
   EXPECT_EQ(Lines{}, Records());
 }
 
+TEST_F(FilesSelection, ItStartsInTheProgramsFolder) {
+  const std::filesystem::path before = std::filesystem::current_path();
+  std::filesystem::current_path(files_.Path("docs"));
+  GtkWidget *window = create_FilesSelectionWindow();
+  std::filesystem::current_path(before);
+  ShowWindowOf(window);
+  gchar *folder = nullptr;
+  ASSERT_TRUE(RunUntil([&] {
+    folder = gtk_file_chooser_get_current_folder(GTK_FILE_CHOOSER(window));
+    return folder != nullptr;
+  }));
+  EXPECT_EQ(files_.Path("docs"), folder);
+  g_free(folder);
+}
+
 TEST_F(FilesSelection, ItsButtonsAndTitleAreThoseOfTheCatalogue) {
   GtkWidget *window = Open(files_.Path());
   EXPECT_EQ(CatalogueText("DEF_WND_FILE_TITLE"), gtk_window_get_title(GTK_WINDOW(window)));

@@ -2,6 +2,7 @@
 
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -47,6 +48,8 @@ bool WaitUntilManaged() {
 
 WindowManager::WindowManager() : pid_(fork()) {
   if (pid_ == 0) {
+    // It complains about a menu that nobody will open.
+    dup2(open("/dev/null", O_WRONLY), STDERR_FILENO);
     execlp("openbox", "openbox", "--sm-disable", static_cast<char *>(nullptr));
     _exit(127);
   }
