@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -67,9 +68,12 @@ class SchedulerLog {
 
   // Waits until the log says `words`; throws, with its end, when it does not in a minute.
   void WaitFor(const std::string &words) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
     while (Text().find(words) == std::string::npos) {
+      const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
+          end - std::chrono::steady_clock::now());
       pollfd ready = {watch_, POLLIN, 0};
-      if (poll(&ready, 1, kDeadlineMilliseconds) != 1) {
+      if (left.count() <= 0 || poll(&ready, 1, static_cast<int>(left.count())) != 1) {
         const std::string text = Text();
         throw std::runtime_error("the scheduler never said \"" + words + "\" but:\n" +
                                  text.substr(text.size() - std::min<size_t>(text.size(), 6000)));
@@ -82,7 +86,6 @@ class SchedulerLog {
 
  private:
   static constexpr char kPath[] = "/var/log/cups/error_log";
-  static constexpr int kDeadlineMilliseconds = 60000;
 
   static std::string Whole() { return ContentOf(kPath); }
 

@@ -1,0 +1,160 @@
+// Jobs that cannot be printed: the spooler bridge loses none.
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+#include "installation.h"
+#include "interfacescript.h"
+#include "printedjobs.h"
+#include "spooler.h"
+
+namespace {
+
+using Strings = std::vector<std::string>;
+
+// The lines that the administration program adds to the interface script.
+std::string Block(const std::string &type, const std::string &address) {
+  return InterfaceBlockText({.queue_type = type,
+                             .ppd_path = "/nowhere.ppd",
+                             .def_path = "/opt/orlan/data/lp1.def",
+                             .address = address,
+                             .transport_parameter = "120"});
+}
+
+std::string TwoFiles(const TemporaryDirectory &directory) {
+  std::filesystem::permissions(directory.Path(), std::filesystem::perms(0755));
+  directory.Write("a", "one\n");
+  directory.Write("b", "two\n");
+  return directory.Path("");
+}
+
+constexpr char kStatusOfTheTest[] = "/run/kpx/status";
+
+// The script's next exit status.
+std::string SetStatus(int status) {
+  std::ofstream(kStatusOfTheTest) << status << '\n';
+  return std::string("exit $(cat ") + kStatusOfTheTest + ")";
+}
+
+}  // namespace
+
+TEST(BridgeFailures, AFailingScriptHoldsTheJobWhichPrintsWholeWhenReleased) {
+  const TemporaryDirectory directory;
+  const std::string files = TwoFiles(directory);
+  const TestQueue queue("lp1");
+  queue.Record(SetStatus(1));
+  SchedulerLog log;
+  const std::string job = queue.Print({files + "a", files + "b"});
+  log.WaitFor("Backend returned status 3 (hold job)");
+  EXPECT_TRUE(queue.Keeps(job));
+  EXPECT_NE(std::string::npos, queue.State().find("is idle")) << queue.State();
+  EXPECT_NE(std::string::npos, log.Text().find("ended with status 1; the job is held"));
+
+  SetStatus(0);
+  EXPECT_EQ(0, RunProgram({"/usr/bin/lp", "-i", "lp1-" + job, "-H", "resume"}).status);
+  log.WaitFor("[Job " + job + "] Job completed.");
+  ASSERT_EQ(2u, queue.Calls().size());
+  EXPECT_EQ((Strings{"one\n", "two\n"}), queue.Calls()[1].contents);
+}
+
+TEST(BridgeFailures, AHeldJobDoesNotStopTheNextOne) {
+  const TestQueue queue("lp1");
+  queue.Record(SetStatus(2));
+  SchedulerLog log;
+  const std::string held = queue.Print({}, "first");
+  log.WaitFor("Backend returned status 3 (hold job)");
+  SetStatus(0);
+  queue.PrintAndWait({}, "second");
+  EXPECT_TRUE(queue.Keeps(held));
+}
+
+TEST(BridgeFailures, APrinterFaultStopsTheQueueUntilItIsEnabled) {
+  const TestQueue queue("lp1");
+  queue.Record(SetStatus(129));
+  SchedulerLog log;
+  const std::string job = queue.Print({}, "data");
+  log.WaitFor("Backend returned status 4 (stop printer)");
+  EXPECT_TRUE(queue.Keeps(job));
+  EXPECT_NE(std::string::npos, queue.State().find("disabled")) << queue.State();
+
+  SetStatus(0);
+  EXPECT_EQ(0, RunProgram({"/usr/bin/enable", "lp1"}).status);
+  log.WaitFor("[Job " + job + "] Job completed.");
+}
+
+TEST(BridgeFailures, AQueueThatLostItsScriptStopsAndKeepsTheJob) {
+  const TestQueue queue("lp1");
+  std::filesystem::remove(queue.ScriptPath());
+  SchedulerLog log;
+  const std::string job = queue.Print({}, "data");
+  log.WaitFor("Backend returned status 4 (stop printer)");
+  EXPECT_NE(std::string::npos, log.Text().find("has no interface script"));
+  EXPECT_TRUE(queue.Keeps(job));
+}
+
+TEST(BridgeFailures, AnUnreachablePrinterGetsTheJobOnceItCanBeReached) {
+  const TemporaryDirectory directory;
+  const std::string files = TwoFiles(directory);
+  // Nobody can be asked for names, so that the name is known to be unknown.
+  const ChangedFile name_service("/etc/nsswitch.conf", "hosts: files\n");
+  const TestQueue queue("lp1");
+  queue.Append(Block("raw", "printer.invalid"));
+  PrintedJobs printed;
+  SchedulerLog log;
+  const std::string job = queue.Print({files + "a", files + "b"});
+  log.WaitFor("The job is kept and tried again");
+  EXPECT_TRUE(queue.Keeps(job));
+
+  const std::string script = ContentOf(queue.ScriptPath());
+  std::ofstream(queue.ScriptPath()) << WithNetworkAddress(script, "127.0.0.1").value();
+  EXPECT_EQ("one\ntwo\n", printed.Next());
+  log.WaitFor("[Job " + job + "] Job completed.");
+}
+
+TEST(BridgeFailures, AFilterThatFailsHoldsTheJob) {
+  const TestQueue queue("lp1");
+  queue.Append(Block("postscript", "127.0.0.1"));
+  SchedulerLog log;
+  const std::string job = queue.Print({}, "%!PS\nshowpage\n");
+  log.WaitFor("Backend returned status 3 (hold job)");
+  EXPECT_TRUE(queue.Keeps(job));
+  EXPECT_NE(std::string::npos, log.Text().find("/nowhere.ppd")) << "the filter's words";
+}
+
+TEST(BridgeFailures, CancellingAJobEndsItsScript) {
+  const TestQueue queue("lp1");
+  const std::string started = "/run/kpx/started";
+  std::filesystem::remove_all(started);
+  std::filesystem::create_directory(started);
+  std::filesystem::permissions(started, std::filesystem::perms(0777));
+  queue.Append("echo started >&2\nsleep 1000 &\necho $$ $! >" + started + "/pids\nwait\n");
+  SchedulerLog log;
+  const std::string job = queue.Print({}, "data");
+  log.WaitFor("Set job-printer-state-message to \"started\"");
+  EXPECT_EQ(0, RunProgram({"cancel", "lp1-" + job}).status);
+  log.WaitFor("was terminated normally with signal 15");
+  std::ifstream pids(started + "/pids");
+  for (pid_t pid = 0; pids >> pid;) {
+    // Gone, or about to be taken note of by process 1.
+    const std::string state = ContentOf("/proc/" + std::to_string(pid) + "/stat");
+    EXPECT_TRUE(state.empty() || state.find(") Z ") != std::string::npos) << state;
+  }
+}
+
+TEST(BridgeFailures, AFileThatTheScriptCannotReadFailsTheJob) {
+  const TestQueue queue("lp1");
+  queue.Record();
+  const CommandResult run =
+      RunProgram({queue.ScriptPath(), "lp1-1", "root", "title", "1", "", "/nowhere"});
+  EXPECT_EQ(1, run.status);
+  EXPECT_EQ("cannot read /nowhere\n", run.output);
+  EXPECT_EQ(1, RunProgram({queue.ScriptPath(), "lp1-1", "root", "title", "1", ""}).status);
+  EXPECT_TRUE(queue.Calls().empty());
+}
+
+TEST(BridgeFailures, TheBackendRefusesToBeStartedByHand) {
+  const std::string backend = "/usr/lib/cups/backend/kpxlp";
+  EXPECT_EQ(0, RunProgram({backend}).status) << "asked for devices";
+  EXPECT_EQ(1, RunProgram({backend, "1", "root"}).status);
+  EXPECT_EQ(1, RunProgram({backend, "1", "root", "title", "1", ""}).status);
+}
