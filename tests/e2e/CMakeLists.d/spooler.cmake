@@ -5,3 +5,8 @@ kpx_add_test(NAME spooler_failures LIBS kpx_core LABEL e2e SANDBOX full TIMEOUT 
   SOURCES e2e/spooler_failures_test.cpp)
 kpx_add_test(NAME spooler_commands LABEL e2e SANDBOX full TIMEOUT 180
   SOURCES e2e/spooler_commands_test.cpp)
+# Starts its sandboxes itself.
+kpx_add_test(NAME sandbox LABEL e2e TIMEOUT 120 SOURCES e2e/sandbox_test.cpp)
+target_compile_definitions(test_sandbox PRIVATE KPX_SANDBOX_PROGRAM="${KPX_SANDBOX}"
+                           KPX_STAGE_DIR="${KPX_STAGE}")
+set_tests_properties(sandbox PROPERTIES FIXTURES_REQUIRED stage)
