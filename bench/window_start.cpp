@@ -8,6 +8,7 @@
 // window appears is read from the server's MapNotify event on the root window.
 
 #include <X11/Xlib.h>
+#include <poll.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -25,6 +26,7 @@ using Clock = std::chrono::steady_clock;
 constexpr int kWarmUps = 2;
 constexpr int kRuns = 15;
 constexpr double kBar = 1.5;
+constexpr int kDeadline = 20000;  // milliseconds for one window
 
 pid_t Start(char *const *arguments) {
   const pid_t pid = fork();
@@ -35,13 +37,23 @@ pid_t Start(char *const *arguments) {
   return pid;
 }
 
+// Waits for the next event; ends the benchmark when none comes.
+void NextEvent(Display *display, XEvent *event) {
+  pollfd connection = {ConnectionNumber(display), POLLIN, 0};
+  if (XPending(display) == 0 && poll(&connection, 1, kDeadline) <= 0) {
+    std::fprintf(stderr, "window-start: no window appeared\n");
+    std::exit(2);
+  }
+  XNextEvent(display, event);
+}
+
 // Milliseconds until the program's first visible window is mapped; the program is ended then.
 double Measure(Display *display, char *const *arguments) {
   const auto start = Clock::now();
   const pid_t pid = Start(arguments);
   XEvent event;
   do {
-    XNextEvent(display, &event);
+    NextEvent(display, &event);
   } while (event.type != MapNotify);
   const std::chrono::duration<double, std::milli> elapsed = Clock::now() - start;
   kill(pid, SIGTERM);
