@@ -32,19 +32,20 @@ class FilesSelection : public GuiTest {
     G_FilesList.reset();
   }
 
-  // Opens the window in `folder` and waits until it has read it.
-  GtkWidget *Open(const std::string &folder) {
+  static std::string FolderOf(GtkWidget *window) {
+    gchar *folder = gtk_file_chooser_get_current_folder(GTK_FILE_CHOOSER(window));
+    const std::string result = folder == nullptr ? "" : folder;
+    g_free(folder);
+    return result;
+  }
+
+  // Opens the window in `folder` and waits until it is there.
+  static GtkWidget *Open(const std::string &folder) {
     ButtonAddFilesPressed();
     GtkWidget *window = G_FilesSelectionWindow_helper->window;
     gtk_file_chooser_set_current_folder(GTK_FILE_CHOOSER(window), folder.c_str());
     ShowWindowOf(window);
-    const auto in_folder = [&] {
-      gchar *current = gtk_file_chooser_get_current_folder(GTK_FILE_CHOOSER(window));
-      const bool there = current != nullptr && folder == current;
-      g_free(current);
-      return there;
-    };
-    EXPECT_TRUE(RunUntil(in_folder));
+    EXPECT_TRUE(RunUntil([&] { return FolderOf(window) == folder; }));
     return window;
   }
 
@@ -163,13 +164,8 @@ TEST_F(FilesSelection, ItStartsInTheProgramsFolder) {
   GtkWidget *window = create_FilesSelectionWindow();
   std::filesystem::current_path(before);
   ShowWindowOf(window);
-  gchar *folder = nullptr;
-  ASSERT_TRUE(RunUntil([&] {
-    folder = gtk_file_chooser_get_current_folder(GTK_FILE_CHOOSER(window));
-    return folder != nullptr;
-  }));
-  EXPECT_EQ(files_.Path("docs"), folder);
-  g_free(folder);
+  EXPECT_TRUE(RunUntil([&] { return FolderOf(window) == files_.Path("docs"); }))
+      << FolderOf(window);
 }
 
 TEST_F(FilesSelection, ItsButtonsAndTitleAreThoseOfTheCatalogue) {

@@ -200,7 +200,8 @@ Answer Rows(GtkWidget *widget) {
   GtkTreeModel *model = nullptr;
   if (GTK_IS_TREE_VIEW(widget)) model = gtk_tree_view_get_model(GTK_TREE_VIEW(widget));
   if (GTK_IS_COMBO_BOX(widget)) model = gtk_combo_box_get_model(GTK_COMBO_BOX(widget));
-  if (model == nullptr) return {};
+  // A list that is being read or refilled shows no rows.
+  if (model == nullptr) return GTK_IS_TREE_VIEW(widget) ? Answer("") : Answer();
   std::string rows;
   GtkTreeIter iter;
   for (gboolean more = gtk_tree_model_get_iter_first(model, &iter); more != FALSE;
@@ -365,11 +366,19 @@ void AnswerWhenDrawn(Connection *connection) {
   }
 }
 
+// Whether input has come that the program has not seen yet. GTK itself denies it while it holds
+// events back between two frames, so the X connection is asked too.
+bool IsInputPending() {
+  GdkDisplay *display = gdk_display_get_default();
+  gdk_display_sync(display);
+  return gtk_events_pending() != FALSE ||
+         XEventsQueued(GDK_DISPLAY_XDISPLAY(display), QueuedAlready) > 0;
+}
+
 // Runs when nothing else is left to do.
 gboolean AnswerWhenIdle(gpointer data) {
   auto *connection = static_cast<Connection *>(data);
-  gdk_display_sync(gdk_display_get_default());
-  if (gtk_events_pending() != FALSE) return G_SOURCE_CONTINUE;
+  if (IsInputPending()) return G_SOURCE_CONTINUE;
   const size_t end = connection->pending.find('\n');
   const std::string request = connection->pending.substr(0, end);
   connection->pending.erase(0, end + 1);
