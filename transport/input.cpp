@@ -7,19 +7,20 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 
 namespace {
 
-// Also the pipe size asked for; the kernel's usual upper bound for unprivileged processes.
 constexpr std::size_t kPiece = std::size_t{1} << 20;
+// Measured: a smaller pipe means more waiting, a larger one no longer stays in the cache. It is
+// below the kernel's usual bound for unprivileged processes.
+constexpr int kPipeSize = 1 << 19;
 
-bool WouldBlock(int error) {
-  return error == EAGAIN || error == EWOULDBLOCK || error == EINTR;
-}
+bool WouldBlock(int error) { return error == EAGAIN || error == EWOULDBLOCK || error == EINTR; }
 
-// splice and sendfile report both ends' errors in one number.
-bool ComesFromInput(int error) {
+// sendfile reports both ends' errors in one number.
+bool ComesFromFile(int error) {
   return error == EIO || error == EISDIR || error == ESTALE || error == EBADF || error == EOVERFLOW;
 }
 
@@ -29,9 +30,14 @@ JobInput::JobInput(int descriptor) : descriptor_(descriptor), buffer_(kPiece) {
   struct stat status = {};
   if (fstat(descriptor_, &status) != 0) return;
   if (S_ISFIFO(status.st_mode)) {
+    std::array<int, 2> ends{};
+    if (pipe2(ends.data(), O_CLOEXEC | O_NONBLOCK) != 0) return;
+    between_reading_ = Descriptor(ends[0]);
+    between_writing_ = Descriptor(ends[1]);
     way_ = Way::kSplice;
-    // A small pipe works as well, only slower.
-    fcntl(descriptor_, F_SETPIPE_SZ, static_cast<int>(kPiece));
+    // Small pipes work as well, only slower.
+    fcntl(descriptor_, F_SETPIPE_SZ, kPipeSize);
+    fcntl(between_writing_.get(), F_SETPIPE_SZ, kPipeSize);
   } else if (S_ISREG(status.st_mode)) {
     start_ = lseek(descriptor_, 0, SEEK_CUR);
     is_file_ = start_ >= 0;
@@ -45,9 +51,7 @@ bool JobInput::Ready() const {
   return poll(&waited, 1, 0) > 0;
 }
 
-MoveResult JobInput::Begin() {
-  return Fill();
-}
+MoveResult JobInput::Begin() { return Fill(); }
 
 // Reads behind what buffer_ already holds.
 MoveResult JobInput::Fill() {
@@ -72,29 +76,53 @@ MoveResult JobInput::SendBuffer(int socket) {
   return {MoveEnd::kMoved, static_cast<std::size_t>(count)};
 }
 
-MoveResult JobInput::SendDirectly(int socket) {
-  const ssize_t count = way_ == Way::kSplice ? splice(descriptor_, nullptr, socket, nullptr, kPiece,
-                                                      SPLICE_F_MOVE | SPLICE_F_NONBLOCK)
-                                             : sendfile(socket, descriptor_, nullptr, kPiece);
+MoveResult JobInput::CopyFromNowOn(int socket) {
+  way_ = Way::kCopy;
+  return MoveTo(socket);
+}
+
+// By way of a pipe of our own: a pipe stays locked while it is spliced, and the job's writer should
+// be able to go on while the socket takes data.
+MoveResult JobInput::SpliceTo(int socket) {
+  if (between_ == 0) {
+    const ssize_t count = splice(descriptor_, nullptr, between_writing_.get(), nullptr, kPiece,
+                                 SPLICE_F_MOVE | SPLICE_F_NONBLOCK);
+    if (count == 0) return {MoveEnd::kEnd};
+    if (count < 0) {
+      if (WouldBlock(errno)) return {MoveEnd::kAwaitInput};
+      if (errno == EINVAL || errno == ENOSYS) return CopyFromNowOn(socket);
+      return {MoveEnd::kInputFailed, 0, errno};
+    }
+    buffer_holds_start_ = false;
+    between_ = static_cast<std::size_t>(count);
+  }
+  const ssize_t count = splice(between_reading_.get(), nullptr, socket, nullptr, between_,
+                               SPLICE_F_MOVE | SPLICE_F_NONBLOCK);
+  if (count < 0) {
+    if (WouldBlock(errno)) return {MoveEnd::kAwaitSocket};
+    return {MoveEnd::kBroken, 0, errno};
+  }
+  between_ -= static_cast<std::size_t>(count);
+  return {MoveEnd::kMoved, static_cast<std::size_t>(count)};
+}
+
+MoveResult JobInput::SendFileTo(int socket) {
+  const ssize_t count = sendfile(socket, descriptor_, nullptr, kPiece);
   if (count > 0) {
     buffer_holds_start_ = false;
     return {MoveEnd::kMoved, static_cast<std::size_t>(count)};
   }
   if (count == 0) return {MoveEnd::kEnd};
-  // EAGAIN does not say which end is meant.
-  if (WouldBlock(errno)) return {Ready() ? MoveEnd::kAwaitSocket : MoveEnd::kAwaitInput};
-  if (errno == EINVAL || errno == ENOSYS) {
-    // This file system or socket cannot do it: copy.
-    way_ = Way::kCopy;
-    return MoveTo(socket);
-  }
-  return {ComesFromInput(errno) ? MoveEnd::kInputFailed : MoveEnd::kBroken, 0, errno};
+  if (WouldBlock(errno)) return {MoveEnd::kAwaitSocket};
+  if (errno == EINVAL || errno == ENOSYS) return CopyFromNowOn(socket);
+  return {ComesFromFile(errno) ? MoveEnd::kInputFailed : MoveEnd::kBroken, 0, errno};
 }
 
 MoveResult JobInput::MoveTo(int socket) {
   if (sent_ < filled_) return SendBuffer(socket);
   if (filled_ == buffer_.size()) {
-    if (way_ != Way::kCopy) return SendDirectly(socket);
+    if (way_ == Way::kSplice) return SpliceTo(socket);
+    if (way_ == Way::kSendfile) return SendFileTo(socket);
     buffer_holds_start_ = false;
     sent_ = filled_ = 0;
   }

@@ -10,6 +10,8 @@
 #include <cstddef>
 #include <vector>
 
+#include "descriptor.h"
+
 enum class MoveEnd {
   kMoved,        // `count` bytes went to the socket
   kAwaitInput,   // the input has nothing at the moment
@@ -49,13 +51,18 @@ class JobInput {
   bool Ready() const;
   MoveResult Fill();
   MoveResult SendBuffer(int socket);
-  MoveResult SendDirectly(int socket);
+  MoveResult SpliceTo(int socket);
+  MoveResult SendFileTo(int socket);
+  MoveResult CopyFromNowOn(int socket);
 
   int descriptor_;
   Way way_ = Way::kCopy;
   bool is_file_ = false;
   off_t start_ = 0;
   std::vector<char> buffer_;
+  Descriptor between_reading_;  // the pipe between the input's pipe and the socket
+  Descriptor between_writing_;
+  std::size_t between_ = 0;         // bytes in it
   std::size_t sent_ = 0;            // bytes of buffer_ that went to the socket
   std::size_t filled_ = 0;          // bytes of buffer_ that were read
   bool buffer_holds_start_ = true;  // nothing beyond buffer_ has been taken from the input

@@ -35,7 +35,7 @@ class Carrier {
   std::optional<Outcome> AwaitJob();
   std::optional<Outcome> Attempt();
   std::optional<Outcome> Send(const ConnectResult &link);
-  std::optional<Outcome> AfterBreak(const SendResult &sent);
+  std::optional<Outcome> AfterBreak(const SendResult &sent, bool at_once);
   std::optional<Outcome> PauseAndRetry(const std::string &failure);
   Outcome GiveUp(const std::string &failure) const;
   Outcome Stopped() const;
@@ -115,8 +115,8 @@ std::optional<Outcome> Carrier::PauseAndRetry(const std::string &failure) {
   return std::nullopt;
 }
 
-std::optional<Outcome> Carrier::AfterBreak(const SendResult &sent) {
-  if (sent.whole_job) {
+std::optional<Outcome> Carrier::AfterBreak(const SendResult &sent, bool at_once) {
+  if (sent.whole_job && !at_once) {
     return GiveUp("the printer took all " + Bytes(sent.acknowledged) +
                   " but the connection did not end in order (" + sent.reason +
                   "); it may have printed the job");
@@ -126,7 +126,8 @@ std::optional<Outcome> Carrier::AfterBreak(const SendResult &sent) {
   if (!input_.Rewind()) {
     return GiveUp(failure + "; the data cannot be read a second time from here");
   }
-  if (sent.acknowledged > 0 && ++restarts_ > limits_.restarts) {
+  const bool may_have_printed = sent.whole_job || (sent.acknowledged > 0 && !at_once);
+  if (may_have_printed && ++restarts_ > limits_.restarts) {
     return GiveUp(failure + ", attempt " + std::to_string(restarts_));
   }
   return PauseAndRetry(failure + "; the printer may be busy");
@@ -135,6 +136,7 @@ std::optional<Outcome> Carrier::AfterBreak(const SendResult &sent) {
 std::optional<Outcome> Carrier::Send(const ConnectResult &link) {
   report_.Say("connected to " + name_ +
               (link.peer == destination_.address ? "" : " at " + link.peer));
+  const auto connected = Clock::now();
   const SendResult sent = SendJob(link.socket.get(), input_, limits_, report_, stop_);
   if (sent.sent_back > 0) {
     report_.Say("the printer sent back " + Bytes(sent.sent_back) + ", which were not kept");
@@ -153,7 +155,7 @@ std::optional<Outcome> Carrier::Send(const ConnectResult &link) {
     case SendEnd::kBroken:
       break;
   }
-  return AfterBreak(sent);
+  return AfterBreak(sent, Clock::now() - connected < limits_.at_once);
 }
 
 std::optional<Outcome> Carrier::Attempt() {

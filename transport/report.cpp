@@ -22,6 +22,4 @@ std::string DurationText(std::chrono::milliseconds duration) {
   return std::to_string(std::chrono::duration_cast<std::chrono::seconds>(duration).count()) + " s";
 }
 
-std::string ErrorText(int error) {
-  return std::generic_category().message(error);
-}
+std::string ErrorText(int error) { return std::generic_category().message(error); }

@@ -21,6 +21,9 @@ using std::chrono::milliseconds;
 // There is no event for "acknowledged": while only that is missing, it is looked for this often.
 constexpr milliseconds kAcknowledgementTick{10};
 constexpr char kClosedEarly[] = "closed by the printer before the job's end";
+// A stop signal, the printer's words and the clock are looked at after this many bytes at the
+// latest.
+constexpr std::size_t kPumpPiece = std::size_t{1} << 22;
 constexpr std::size_t kDrainPiece = std::size_t{1} << 16;
 
 milliseconds Since(Clock::time_point then) {
@@ -44,6 +47,7 @@ class Sender {
   enum class Waiting { kNothing, kInput, kSocket };
 
   void Pump();
+  void StopPumping(const MoveResult &move);
   void StartClosing();
   void Await();
   milliseconds Timeout() const;
@@ -81,13 +85,20 @@ void Sender::End(SendEnd end, const std::string &reason) {
   result_.reason = reason;
 }
 
-// Moves data, or begins the close when there is no more.
+// Moves data until there is a reason to look up, or begins the close when there is no more.
 void Sender::Pump() {
-  const MoveResult moved = input_.MoveTo(socket_);
   waiting_ = Waiting::kNothing;
-  switch (moved.end) {
+  for (std::size_t moved = 0; moved < kPumpPiece;) {
+    const MoveResult move = input_.MoveTo(socket_);
+    if (move.end != MoveEnd::kMoved) return StopPumping(move);
+    sent_ += move.count;
+    moved += move.count;
+  }
+}
+
+void Sender::StopPumping(const MoveResult &move) {
+  switch (move.end) {
     case MoveEnd::kMoved:
-      sent_ += moved.count;
       break;
     case MoveEnd::kAwaitInput:
       waiting_ = Waiting::kInput;
@@ -99,10 +110,10 @@ void Sender::Pump() {
       StartClosing();
       break;
     case MoveEnd::kInputFailed:
-      End(SendEnd::kInputFailed, ErrorText(moved.error));
+      End(SendEnd::kInputFailed, ErrorText(move.error));
       break;
     case MoveEnd::kBroken:
-      End(SendEnd::kBroken, moved.error == EPIPE ? kClosedEarly : ErrorText(moved.error));
+      End(SendEnd::kBroken, move.error == EPIPE ? kClosedEarly : ErrorText(move.error));
       break;
   }
 }

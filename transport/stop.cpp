@@ -46,18 +46,10 @@ StopSignals::StopSignals() {
   Catch(SIGHUP, true);
 }
 
-int StopSignals::descriptor() const {
-  return L_pipe[0];
-}
+int StopSignals::descriptor() const { return L_pipe[0]; }
 
-int StopSignals::signal() const {
-  return L_signal;
-}
+int StopSignals::signal() const { return L_signal; }
 
-StopAtOnce::StopAtOnce() {
-  L_at_once = 1;
-}
+StopAtOnce::StopAtOnce() { L_at_once = 1; }
 
-StopAtOnce::~StopAtOnce() {
-  L_at_once = 0;
-}
+StopAtOnce::~StopAtOnce() { L_at_once = 0; }

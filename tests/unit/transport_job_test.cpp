@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
+#include <poll.h>
 #include <sys/socket.h>
 
 #include <chrono>
@@ -21,6 +22,7 @@ Limits ShortLimits() {
   limits.longest_pause = milliseconds{40};
   limits.give_up = milliseconds{300};
   limits.connect = milliseconds{100};
+  limits.at_once = milliseconds{0};
   limits.tick = milliseconds{10};
   return limits;
 }
@@ -152,6 +154,53 @@ TEST(TransportJob, APrinterThatNeverClosesIsNoSuccess) {
   const Descriptor connection = printer.Accept();
   EXPECT_EQ(transfer.Wait(), Outcome::kTryLater);
   ExpectWords(transfer, "took all 1000 bytes but the connection did not end in order (not closed");
+}
+
+TEST(TransportJob, AResetInsteadOfTheCloseAfterTheWholeJobIsNoSuccess) {
+  Listener printer;
+  printer.Listen();
+  Transfer transfer({"127.0.0.1", printer.port()}, TestFile(1000), ShortLimits());
+  Descriptor connection = printer.Accept();
+  EXPECT_EQ(Receive(connection.get()).count, 1000U);
+  Reset(std::move(connection));
+  EXPECT_EQ(transfer.Wait(), Outcome::kTryLater);
+  ExpectWords(transfer, "took all 1000 bytes but the connection did not end in order");
+  // It may have printed the job: the spooler decides about another copy.
+  EXPECT_FALSE(printer.HasCaller());
+}
+
+TEST(TransportJob, APrinterThatResetsEveryConnectionAtOnceIsAskedUntilTheTimeIsOver) {
+  Listener printer;
+  printer.Listen();
+  Limits limits = ShortLimits();
+  limits.at_once = std::chrono::seconds{10};
+  Transfer transfer({"127.0.0.1", printer.port()}, TestFile(20'000'000), limits);
+  auto busy = std::async(std::launch::async, [&] {
+    int callers = 0;
+    for (pollfd waited{printer.socket(), POLLIN, 0}; poll(&waited, 1, 1000) > 0; ++callers) {
+      Reset(printer.Accept());
+    }
+    return callers;
+  });
+  EXPECT_EQ(transfer.Wait(), Outcome::kTryLater);
+  ExpectWords(transfer, "no success for 300 ms");
+  EXPECT_GT(busy.get(), 1 + limits.restarts);
+}
+
+TEST(TransportJob, AWholeJobResetAtOnceIsSentAgainOnlySoOften) {
+  Listener printer;
+  printer.Listen();
+  Limits limits = ShortLimits();
+  limits.at_once = std::chrono::seconds{10};
+  limits.give_up = std::chrono::minutes{1};
+  Transfer transfer({"127.0.0.1", printer.port()}, TestFile(10), limits);
+  for (int i = 0; i < 1 + limits.restarts; ++i) {
+    Descriptor connection = printer.Accept();
+    EXPECT_EQ(Receive(connection.get()).count, 10U);
+    Reset(std::move(connection));
+  }
+  EXPECT_EQ(transfer.Wait(), Outcome::kTryLater);
+  EXPECT_FALSE(printer.HasCaller());
 }
 
 TEST(TransportJob, AJobIsBegunAnewOnlySoOften) {
