@@ -139,6 +139,13 @@ ScreenArea AreaFrom(const std::string &text) {
   return area;
 }
 
+// Added to the place of a click: so far apart, two clicks on one widget are no double click.
+int ApartFromLast() {
+  static int turn = 0;
+  turn = (turn + 1) % 5;
+  return 6 * turn - 12;
+}
+
 void RunImport(std::vector<std::string> arguments) {
   std::vector<char *> pointers = Pointers(arguments);
   const pid_t child = fork();
@@ -311,23 +318,27 @@ void GuiApp::Click(const std::string &name) {
   WaitUntil("the widget " + name, [&] { return Ask("geometry " + name).has_value(); });
   FocusForemost();
   const ScreenArea area = Geometry(name);
-  XInputClick(area.x + area.width / 2, area.y + area.height / 2);
+  XInputClick(area.x + area.width / 2 + ApartFromLast(), area.y + area.height / 2);
 }
 
 void GuiApp::ClickRow(const std::string &list, int row, const std::string &keys) {
+  ClickRowAt(list, row, 20 + ApartFromLast(), keys);
+}
+
+void GuiApp::ClickRowAt(const std::string &list, int row, int place, const std::string &keys) {
   const std::string request = "row " + list + " " + std::to_string(row);
   WaitUntil("row " + std::to_string(row) + " of " + list, [&] { return Ask(request).has_value(); });
   FocusForemost();
   const ScreenArea area = AreaFrom(Demand(request));
   if (!keys.empty()) XInputKey(keys, true);
   // Near the row's start: a cell is as wide as its column, which may reach out of the window.
-  XInputClick(area.x + std::min(area.width / 2, 20), area.y + area.height / 2);
+  XInputClick(area.x + std::min(area.width / 2, place), area.y + area.height / 2);
   if (!keys.empty()) XInputKey(keys, false);
 }
 
 void GuiApp::DoubleClickRow(const std::string &list, int row) {
-  ClickRow(list, row);
-  ClickRow(list, row);
+  ClickRowAt(list, row, 20, "");
+  ClickRowAt(list, row, 20, "");
 }
 
 void GuiApp::Wheel(const std::string &name, int steps) {

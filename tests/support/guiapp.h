@@ -51,7 +51,7 @@ class GuiApp {
   int WaitExit();
 
   // The left button at the middle of a widget or a list row; `keys` are held down ("ctrl",
-  // "shift").
+  // "shift"). Two of these are never a double click, however fast they follow each other.
   void Click(const std::string &name);
   void ClickRow(const std::string &list, int row, const std::string &keys = "");
   void DoubleClickRow(const std::string &list, int row);
@@ -88,6 +88,7 @@ class GuiApp {
   std::string Demand(const std::string &request);
   void Start(const GuiAppOptions &options);
   bool Connect();
+  void ClickRowAt(const std::string &list, int row, int place, const std::string &keys);
   bool HasEnded();
   // True when the program has ended within the pause.
   bool Pause();
