@@ -1,9 +1,6 @@
 // The System V spooler's commands on CUPS: lpadmin, accept, enable.
 #include <gtest/gtest.h>
 #include <pwd.h>
-#include <sys/syscall.h>
-
-#include <csignal>
 
 #include "spooler.h"
 
@@ -40,26 +37,6 @@ void ExpectNoQueue() {
 std::string Accepting(const std::string &queue) {
   return RunProgram({"lpstat", "-a", queue}).output;
 }
-
-// For its lifetime the scheduler is down.
-class NoScheduler {
- public:
-  NoScheduler() {
-    int pid = 0;
-    std::ifstream("/run/cups/cupsd.pid") >> pid;
-    if (pid <= 1) throw std::runtime_error("no cupsd");
-    const int handle = static_cast<int>(syscall(SYS_pidfd_open, pid, 0));
-    kill(pid, SIGTERM);
-    pollfd ended = {handle, POLLIN, 0};
-    poll(&ended, 1, 30000);
-    close(handle);
-  }
-  ~NoScheduler() {
-    [[maybe_unused]] const int status = std::system("\"$KPX_CUPSD\" >/dev/null 2>&1 </dev/null");
-  }
-  NoScheduler(const NoScheduler &) = delete;
-  NoScheduler &operator=(const NoScheduler &) = delete;
-};
 
 // For its lifetime a file is missing.
 class Missing {
@@ -117,6 +94,12 @@ TEST_F(BridgeCommands, ANewQueueTakesAndPrintsNothingUntilItIsAcceptedAndEnabled
   EXPECT_EQ(0u, Accepting("lp1").find("lp1 accepting"));
   EXPECT_EQ(0, RunProgram({"/usr/bin/enable", "lp1"}).status);
   EXPECT_NE(std::string::npos, RunProgram({"lpstat", "-p", "lp1"}).output.find("enabled"));
+}
+
+TEST_F(BridgeCommands, AQueueCanBeSharedWithOtherHosts) {
+  MakeQueue("lp1");
+  EXPECT_EQ(0,
+            RunProgram({"/usr/sbin/lpadmin", "-p", "lp1", "-o", "printer-is-shared=true"}).status);
 }
 
 TEST_F(BridgeCommands, SeveralQueuesAreAcceptedAtOnce) {

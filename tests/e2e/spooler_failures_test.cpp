@@ -28,6 +28,12 @@ std::string TwoFiles(const TemporaryDirectory &directory) {
   return directory.Path("");
 }
 
+// The process number of the backend that the scheduler started last.
+pid_t BackendOf(const std::string &log) {
+  const std::string words = "Started backend /usr/lib/cups/backend/kpxlp (PID ";
+  return std::stoi(log.substr(log.rfind(words) + words.size()));
+}
+
 constexpr char kStatusOfTheTest[] = "/run/kpx/status";
 
 // The script's next exit status.
@@ -132,13 +138,52 @@ TEST(BridgeFailures, CancellingAJobEndsItsScript) {
   const std::string job = queue.Print({}, "data");
   log.WaitFor("Set job-printer-state-message to \"started\"");
   EXPECT_EQ(0, RunProgram({"cancel", "lp1-" + job}).status);
-  log.WaitFor("was terminated normally with signal 15");
+  log.WaitFor("kpxlp) stopped with status 7");
+  EXPECT_FALSE(queue.Keeps(job));
   std::ifstream pids(started + "/pids");
   for (pid_t pid = 0; pids >> pid;) {
     // Gone, or about to be taken note of by process 1.
     const std::string state = ContentOf("/proc/" + std::to_string(pid) + "/stat");
     EXPECT_TRUE(state.empty() || state.find(") Z ") != std::string::npos) << state;
   }
+}
+
+TEST(BridgeFailures, ABackendThatIsTerminatedFromOutsideKeepsTheJob) {
+  const TestQueue queue("lp1");
+  std::filesystem::remove("/run/kpx/free");
+  queue.Record("[ -e /run/kpx/free ] || { echo waiting >&2; sleep 1000; }");
+  SchedulerLog log;
+  const std::string job = queue.Print({}, "data");
+  log.WaitFor("Set job-printer-state-message to \"waiting\"");
+  std::ofstream("/run/kpx/free") << std::flush;
+  // The end of the system: every process of the backend's group gets the signal.
+  EXPECT_EQ(0, kill(-BackendOf(log.Text()), SIGTERM));
+  log.WaitFor("[Job " + job + "] Job completed.");
+  ASSERT_EQ(2u, queue.Calls().size());
+  EXPECT_EQ(Strings{"data"}, queue.Calls()[1].contents);
+}
+
+TEST(BridgeFailures, ABackendThatCrashesKeepsTheJob) {
+  const TestQueue queue("lp1");
+  queue.Append("kill -SEGV 0\n");  // the whole process group
+  SchedulerLog log;
+  const std::string job = queue.Print({}, "data");
+  log.WaitFor("crashed on signal 11");
+  EXPECT_TRUE(queue.Keeps(job));
+  EXPECT_NE(std::string::npos, queue.State().find("disabled")) << queue.State();
+}
+
+TEST(BridgeFailures, AJobThatPrintedWhenTheSchedulerWentDownIsPrintedWhenItIsBack) {
+  const TestQueue queue("lp1");
+  std::filesystem::remove("/run/kpx/free");
+  queue.Record("[ -e /run/kpx/free ] || { echo waiting >&2; sleep 1000; }");
+  SchedulerLog log;
+  const std::string job = queue.Print({}, "data");
+  log.WaitFor("Set job-printer-state-message to \"waiting\"");
+  std::ofstream("/run/kpx/free") << std::flush;
+  { const NoScheduler down; }
+  log.WaitFor("[Job " + job + "] Job completed.");
+  EXPECT_EQ(Strings{"data"}, queue.Calls().back().contents);
 }
 
 TEST(BridgeFailures, AFileThatTheScriptCannotReadFailsTheJob) {

@@ -4,10 +4,12 @@
 
 #include <poll.h>
 #include <sys/inotify.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -91,6 +93,26 @@ class SchedulerLog {
 
   int watch_;
   size_t start_;
+};
+
+// For its lifetime the scheduler is down.
+class NoScheduler {
+ public:
+  NoScheduler() {
+    int pid = 0;
+    std::ifstream("/run/cups/cupsd.pid") >> pid;
+    if (pid <= 1) throw std::runtime_error("no cupsd");
+    const int handle = static_cast<int>(syscall(SYS_pidfd_open, pid, 0));
+    kill(pid, SIGTERM);
+    pollfd ended = {handle, POLLIN, 0};
+    poll(&ended, 1, 30000);
+    close(handle);
+  }
+  ~NoScheduler() {
+    [[maybe_unused]] const int status = std::system("\"$KPX_CUPSD\" >/dev/null 2>&1 </dev/null");
+  }
+  NoScheduler(const NoScheduler &) = delete;
+  NoScheduler &operator=(const NoScheduler &) = delete;
 };
 
 // How an interface script was called.
