@@ -135,8 +135,8 @@ void WriteReady(const Options &options, int port) {
 int main(int argc, char **argv) {
   Options options;
   if (!ReadOptions(argc, argv, options)) {
-    std::fprintf(stderr,
-                 "usage: %s --port N --dir DIR [--ready FILE] [--fail busy:N|reset:N]\n", argv[0]);
+    std::fprintf(stderr, "usage: %s --port N --dir DIR [--ready FILE] [--fail busy:N|reset:N]\n",
+                 argv[0]);
     return 2;
   }
   pollfd listeners[2] = {{ListenOnIpv4(options.port), POLLIN, 0}, {-1, POLLIN, 0}};

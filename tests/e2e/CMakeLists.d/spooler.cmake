@@ -10,3 +10,5 @@ kpx_add_test(NAME sandbox LABEL e2e TIMEOUT 120 SOURCES e2e/sandbox_test.cpp)
 target_compile_definitions(test_sandbox PRIVATE KPX_SANDBOX_PROGRAM="${KPX_SANDBOX}"
                            KPX_STAGE_DIR="${KPX_STAGE}")
 set_tests_properties(sandbox PROPERTIES FIXTURES_REQUIRED stage)
+kpx_add_test(NAME printer_standin LABEL e2e SANDBOX bare SOURCES e2e/printerd_test.cpp)
+target_compile_definitions(test_printer_standin PRIVATE KPX_PRINTERD="$<TARGET_FILE:printerd>")
