@@ -49,7 +49,9 @@ bool WaitUntilManaged() {
 WindowManager::WindowManager() : pid_(fork()) {
   if (pid_ == 0) {
     // It complains about a menu that nobody will open.
-    dup2(open("/dev/null", O_WRONLY), STDERR_FILENO);
+    const int nowhere = open("/dev/null", O_WRONLY);
+    dup2(nowhere, STDOUT_FILENO);
+    dup2(nowhere, STDERR_FILENO);
     execlp("openbox", "openbox", "--sm-disable", static_cast<char *>(nullptr));
     _exit(127);
   }
