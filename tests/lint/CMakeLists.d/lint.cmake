@@ -1,6 +1,9 @@
 # The tree against its own rules.
 add_test(NAME lint_structure
          COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/lint/structure.py ${PROJECT_SOURCE_DIR})
+add_test(NAME lint_structure_checker
+         COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/lint/structure_test.py)
 add_test(NAME lint_shell COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/lint/shell ${PROJECT_SOURCE_DIR})
 add_test(NAME lint_format COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/lint/format ${PROJECT_SOURCE_DIR})
-set_tests_properties(lint_structure lint_shell lint_format PROPERTIES LABELS lint)
+set_tests_properties(lint_structure lint_structure_checker lint_shell lint_format
+                     PROPERTIES LABELS lint)

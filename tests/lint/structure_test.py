@@ -1,0 +1,61 @@
+#!/usr/bin/env python3
+"""The structure checker finds each kind of fault in a small tree that has them all."""
+
+import pathlib
+import subprocess
+import sys
+import tempfile
+
+LISTS = """
+# 1 Shell
+set(KPX_SHELL log.cpp gone.cpp)
+# 2 Texts
+set(KPX_TEXTS words.cpp)
+add_library(kpx_core STATIC ${KPX_SHELL} ${KPX_TEXTS})
+# 12 Windows
+set(KPX_WINDOWS Window.cpp)
+add_library(kpx_gui STATIC ${KPX_WINDOWS})
+# 1 Shell: the program
+add_executable(program main.cpp)
+"""
+
+SOURCES = {
+    "log.cpp": '#include "log.h"\n#include <gtk/gtk.h>\n',
+    "log.h": '#include "Window.h"\n',
+    "words.cpp": "#include <string>\n",
+    "Window.cpp": '#include <gtk/gtk.h>\n#include "log.h"\n',
+    "main.cpp": '#include "Window.h"\n',
+    "stray.cpp": "",
+}
+
+EXPECTED = """docs/ARCHITECTURE.md: subsystem 1 does not show gone
+docs/ARCHITECTURE.md: subsystem 1 does not show log
+src/CMakeLists.txt: subsystem 2 does not list letters
+src/CMakeLists.txt: there is no src/gone.cpp
+src/CMakeLists.txt: stray.cpp is in no list
+src/log.cpp: the core includes the toolkit's gtk/gtk.h
+src/log.h: the core includes Window.h, a module with windows
+"""
+
+
+def main():
+    checker = pathlib.Path(__file__).parent / "structure.py"
+    modules = {1: "main", 2: "words`, `letters", 12: "Window"}
+    with tempfile.TemporaryDirectory() as name:
+        root = pathlib.Path(name)
+        (root / "src").mkdir()
+        (root / "docs").mkdir()
+        (root / "src/CMakeLists.txt").write_text(LISTS)
+        (root / "docs/ARCHITECTURE.md").write_text("\n".join(
+            f"### {n} Part\n\n| `{modules[n]}` | text |\n" if n in modules else f"### {n} Part\n"
+            for n in range(1, 13)))
+        for file, text in SOURCES.items():
+            (root / "src" / file).write_text(text)
+        run = subprocess.run([checker, root], capture_output=True, text=True, check=False)
+    if (run.returncode, run.stdout) != (1, EXPECTED):
+        sys.exit(f"status {run.returncode}, expected 1; found:\n{run.stdout}{run.stderr}\n"
+                 f"expected:\n{EXPECTED}")
+
+
+if __name__ == "__main__":
+    main()
