@@ -1,5 +1,5 @@
-// What ./demo shows: inside the sandbox it makes two queues, prints with KPXtool through its window
-// as a user does, and leaves pictures of the windows and of every page that the printer received.
+// What ./demo shows: inside the sandbox it makes two queues with KPXadmin and prints with KPXtool,
+// through their windows as users do, and leaves pictures of the windows and of every page that the printer received.
 //
 // Usage: demo_driver DIRECTORY
 
@@ -32,6 +32,20 @@ struct Print {
   std::string input;
   std::string what;  // in words
 };
+
+struct NewQueue {
+  std::string name;
+  std::string printer;
+  int type_row;  // in the list of types
+};
+
+// The row of a list that shows `text`.
+int RowOf(const std::vector<std::string> &rows, const std::string &text) {
+  for (size_t row = 0; row < rows.size(); ++row) {
+    if (rows[row].substr(1) == text) return static_cast<int>(row);
+  }
+  throw std::runtime_error("no row " + text);
+}
 
 void RunOrThrow(const std::string &command) {
   if (std::system(command.c_str()) != 0) throw std::runtime_error(command + " failed");
@@ -67,11 +81,18 @@ class Demo {
     XInputBackground(kDesktop);
   }
 
+  // As the administrator does: with KPXadmin, through its windows.
   void MakeQueues() const {
-    RunOrThrow(KPX_MAKEQUEUES
-               " office=postscript='Vek Norvel 4110ES' notes=text='Vek Norvel 4105'");
-    Say("Two queues are in the spooler: office (Vek Norvel 4110ES, PostScript) and notes (Vek "
-        "Norvel 4105, plain text).");
+    Say("The administrator makes two queues:");
+    GuiApp admin({.program = "/usr/bin/KPXadmin"});
+    admin.WaitWindow("AdminWindow");
+    AddQueue(admin, {"office", "Vek Norvel 4110ES", 0});
+    AddQueue(admin, {"notes", "Vek Norvel 4105", 1});
+    Picture(admin, "0-administration-window");
+    admin.Click("SaveButton");
+    const int status = admin.WaitExit();
+    if (status != 0) throw std::runtime_error("the save failed: " + admin.Stderr());
+    Say("  pressed Save; KPXadmin closed with status 0, and the spooler has the queues");
     for (const char *queue : {"office", "notes"}) AskForTwoCopies(queue);
     Say(UserWord() + "'s own settings for both ask for two copies.");
   }
@@ -100,6 +121,35 @@ class Demo {
   }
 
  private:
+  static void TabTo(GuiApp &app, const std::string &widget) {
+    const auto there = [&] { return app.Focus().ends_with("/" + widget); };
+    for (int i = 0; i < 20 && !there(); ++i) {
+      const std::string from = app.Focus();
+      app.Key("Tab");
+      app.WaitUntil("the focus to move", [&] { return app.Focus() != from; });
+    }
+    if (!there()) throw std::runtime_error("Tab does not lead to " + widget);
+  }
+
+  void AddQueue(GuiApp &admin, const NewQueue &queue) const {
+    admin.Click("AddButton");
+    admin.WaitWindow("AddQueueWindow");
+    // From field to field with the keyboard.
+    TabTo(admin, "QueueEntry");
+    admin.Type(queue.name);
+    TabTo(admin, "PrinterClist");
+    admin.Key("Home");
+    for (int i = RowOf(admin.Rows("PrinterClist"), queue.printer); i > 0; --i) admin.Key("Down");
+    TabTo(admin, "QueueTypeComboEntry");
+    for (int i = 0; i < queue.type_row; ++i) admin.Key("Down");
+    TabTo(admin, "AddressEntry");
+    admin.Type("127.0.0.1");
+    Picture(admin, "0-add-queue-" + queue.name);
+    Say("  " + queue.name + ": " + queue.printer + ", " + admin.Text("QueueTypeComboEntry"));
+    admin.Click("AddQueueWindow/OKButton");
+    admin.WaitGone("AddQueueWindow");
+  }
+
   std::string UserWord() const { return user_.empty() ? "The user" : user_; }
 
   void AskForTwoCopies(const std::string &queue) const {

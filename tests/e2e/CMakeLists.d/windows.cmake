@@ -12,7 +12,6 @@ add_dependencies(test_print_tool makequeues)
 # What ./demo runs, and all that it needs.
 add_executable(demo_driver support/demo_driver.cpp support/printerjobs.cpp
                support/windowmanager.cpp)
-target_compile_definitions(demo_driver PRIVATE KPX_MAKEQUEUES="$<TARGET_FILE:makequeues>")
 target_link_libraries(demo_driver PRIVATE kpx_core kpx_guidriver PkgConfig::XTST)
-add_custom_target(demo_parts DEPENDS KPXadmin kpxfilter kpxnbtrans kpx_data printerd makequeues
+add_custom_target(demo_parts DEPENDS KPXadmin kpxfilter kpxnbtrans kpx_data printerd
                   demo_driver)
