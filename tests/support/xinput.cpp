@@ -169,6 +169,27 @@ void XInputClose(unsigned long window) {
   XSync(Server(), False);
 }
 
+std::vector<std::string> XInputWindowTitles() {
+  Window root = 0;
+  Window parent = 0;
+  Window *windows = nullptr;
+  unsigned count = 0;
+  XQueryTree(Server(), DefaultRootWindow(Server()), &root, &parent, &windows, &count);
+  std::vector<std::string> titles;
+  for (unsigned i = 0; i < count; ++i) {
+    XWindowAttributes attributes = {};
+    char *title = nullptr;
+    if (XGetWindowAttributes(Server(), windows[i], &attributes) == 0 ||
+        attributes.map_state != IsViewable || XFetchName(Server(), windows[i], &title) == 0) {
+      continue;
+    }
+    titles.emplace_back(title);
+    XFree(title);
+  }
+  XFree(windows);
+  return titles;
+}
+
 void XInputBackground(unsigned long colour) {
   XSetWindowBackground(Server(), DefaultRootWindow(Server()), colour);
   XClearWindow(Server(), DefaultRootWindow(Server()));

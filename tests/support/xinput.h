@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 // The X connection's descriptor; readable when a window was mapped, unmapped or moved.
 int XInputDescriptor();
@@ -22,5 +23,7 @@ void XInputType(const std::string &text);
 void XInputFocus(unsigned long window);
 // Asks the window to close, as a window manager does.
 void XInputClose(unsigned long window);
+// The titles of the windows shown, which the X server tells even while a program does not answer.
+std::vector<std::string> XInputWindowTitles();
 // Fills the screen behind all windows with a colour, 0xRRGGBB.
 void XInputBackground(unsigned long colour);
