@@ -43,6 +43,12 @@ std::string FirstSelectedQueue() {
   return name;
 }
 
+SaveResult SaveWithProgress(CList *errors) {
+  SaveProgressWindow progress;
+  return SaveQueues(L_DeletedQueues_list.get(), errors,
+                    [&progress](const SaveStep &step) { progress.Show(step); });
+}
+
 void RememberDeleted(const char *name) {
   if (L_DeletedQueues_list == nullptr) L_DeletedQueues_list = CreateList();
   fAddHead_CList_Function(L_DeletedQueues_list.get(), CreateStringWithValue(name));
@@ -94,9 +100,7 @@ void ButtonKPXDeletePressed(int flag) {
 void ButtonSavePressed() {
   const LogScope log("ButtonSavePressed");
   const Owned<CList> errors = CreateList();
-  SaveProgressWindow progress;
-  const SaveResult result = SaveQueues(L_DeletedQueues_list.get(), errors.get(),
-                                       [&progress](const SaveStep &step) { progress.Show(step); });
+  const SaveResult result = SaveWithProgress(errors.get());
   if (result == SaveResult::ListNotWritable) {
     Log(1, "Cannot open for writting the queues.paf file");
     ButtonCancelPressed();

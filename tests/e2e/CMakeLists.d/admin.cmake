@@ -1,5 +1,9 @@
 # The administration program driven through its windows.
-foreach(part window addqueue)
+foreach(part window addqueue failures)
   kpx_add_test(NAME admin_${part} LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
     SOURCES e2e/admin_${part}_test.cpp)
 endforeach()
+kpx_add_test(NAME admin_save LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
+  SOURCES e2e/admin_save_test.cpp support/printerjobs.cpp)
+kpx_add_test(NAME admin_scale LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
+  SOURCES e2e/admin_scale_test.cpp)
