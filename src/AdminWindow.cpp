@@ -24,10 +24,8 @@ void AddQueueList(KPXadminWindowHelper &helper, GtkWidget *parent) {
                                GTK_SELECTION_MULTIPLE);
   StoreWidget(helper.window, helper.queues_list, "QueuesClist");
   ListOnSelection(helper.queues_list, QueuesCListRowSelection, QueuesCListRowUnSelection);
-  g_signal_connect(helper.queues_list, "button-press-event", G_CALLBACK(LogMultipleClick),
-                   nullptr);
-  GtkWidget *scrolled =
-      NewScrolledList(helper.window, "QueuesScrolledwindow", helper.queues_list);
+  g_signal_connect(helper.queues_list, "button-press-event", G_CALLBACK(LogMultipleClick), nullptr);
+  GtkWidget *scrolled = NewScrolledList(helper.window, "QueuesScrolledwindow", helper.queues_list);
   gtk_box_pack_start(GTK_BOX(parent), scrolled, TRUE, TRUE, 0);
 }
 
@@ -42,8 +40,7 @@ void AddQueueButtons(KPXadminWindowHelper &helper, GtkWidget *parent) {
                                        ButtonPropertiesPressed);
   helper.delete_button = NewButton(window, box, "DeleteButton", "DEF_BTN_DELETE_TITLE",
                                    [] { ButtonKPXDeletePressed(1); });
-  for (GtkWidget *button :
-       {helper.clone_button, helper.properties_button, helper.delete_button}) {
+  for (GtkWidget *button : {helper.clone_button, helper.properties_button, helper.delete_button}) {
     gtk_widget_set_sensitive(button, FALSE);
   }
 }
@@ -77,7 +74,6 @@ GtkWidget *create_AdminWindow() {
   helper.window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
   StoreWidget(helper.window, helper.window, "AdminWindow");
   gtk_window_set_title(GTK_WINDOW(helper.window), G_Translate("DEF_WND_ADMIN_TITLE"));
-  gtk_window_set_default_size(GTK_WINDOW(helper.window), 432, 315);
   OnDeleteEvent(helper.window, ButtonCancelPressed);
 
   GtkWidget *box = gtk_box_new(GTK_ORIENTATION_VERTICAL, L_Spacing);
@@ -87,7 +83,9 @@ GtkWidget *create_AdminWindow() {
   AddQueueButtons(helper, box);
   gtk_box_pack_start(GTK_BOX(box), gtk_separator_new(GTK_ORIENTATION_HORIZONTAL), FALSE, FALSE, 0);
   AddAdminButtons(helper.window, box);
-  AddAllQueues(helper.queues_list);
   gtk_widget_show_all(box);
+  // Before the queues are there: long names must not make it wide.
+  SetOpeningSize(helper.window, 432, 315);
+  AddAllQueues(helper.queues_list);
   return helper.window;
 }

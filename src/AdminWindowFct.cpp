@@ -86,8 +86,8 @@ void ButtonKPXDeletePressed(int flag) {
   CNodeList *position = fGetHeadPosition_CList_Function(G_QueuesSelections.get());
   while (position != nullptr) {
     CNodeList *current = position;
-    const auto *record = ObjectCast<CSelection>(
-        fGetNext_CList_Function(G_QueuesSelections.get(), &position));
+    const auto *record =
+        ObjectCast<CSelection>(fGetNext_CList_Function(G_QueuesSelections.get(), &position));
     if (record == nullptr || fIsSelected_CSelection_Function(record) == 0) continue;
     const std::string name = fGet_CSelection_Value_Function(record);
     ListRemove(list, ListFindData(list, current));

@@ -6,8 +6,8 @@
 #include "savequeues.h"
 
 // Lives as long as one save. While it does, no input reaches the other windows, and what has come
-// is forgotten at its end; the dialog appears when the save has lasted longer than half a second and
-// is drawn between the save's commands.
+// is forgotten at its end; the dialog appears when the save has lasted longer than half a second
+// and is drawn between the save's commands.
 class SaveProgressWindow {
  public:
   SaveProgressWindow();

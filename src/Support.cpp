@@ -1,5 +1,7 @@
 #include "Support.h"
 
+#include <algorithm>
+
 #include "cmessages.h"
 #include "debug.h"
 #include "textencoding.h"
@@ -143,6 +145,13 @@ void AddReturnAccelerator(GtkWidget *window, GtkWidget *button) {
 void OnDeleteEvent(GtkWidget *window, void (*handler)()) {
   g_signal_connect(window, "delete-event", G_CALLBACK(RunDeleteHandler),
                    reinterpret_cast<gpointer>(handler));
+}
+
+void SetOpeningSize(GtkWidget *window, int width, int height) {
+  GtkRequisition natural;
+  gtk_widget_get_preferred_size(gtk_bin_get_child(GTK_BIN(window)), nullptr, &natural);
+  gtk_window_set_default_size(GTK_WINDOW(window), std::max(width, natural.width),
+                              std::max(height, natural.height));
 }
 
 void MakeModal(GtkWidget *dialog) {

@@ -9,8 +9,8 @@
 // dies, and gives the widget that name. Returns `widget`.
 GtkWidget *StoreWidget(GtkWidget *window, GtkWidget *widget, const char *name);
 
-// The widget stored under `name` on the top-level window of `widget` (a menu goes on from the widget
-// that it is attached to), lent; null, without a message, when there is none.
+// The widget stored under `name` on the top-level window of `widget` (a menu goes on from the
+// widget that it is attached to), lent; null, without a message, when there is none.
 GtkWidget *lookup_widget(GtkWidget *widget, const char *name);
 
 // A button stored as `name` with the text of `title_key`, at the end of `box`; `pressed` is its
@@ -43,6 +43,10 @@ void AddReturnAccelerator(GtkWidget *window, GtkWidget *button);
 
 // Closing `window` through its manager runs `handler` and leaves the rest to it.
 void OnDeleteEvent(GtkWidget *window, void (*handler)());
+
+// The size, in pixels, in which a window opens: larger when its content, which is shown, wants
+// more.
+void SetOpeningSize(GtkWidget *window, int width, int height);
 
 // Puts a dialog above the window that the user works in and keeps input to it.
 void MakeModal(GtkWidget *dialog);

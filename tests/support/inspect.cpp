@@ -259,6 +259,21 @@ bool IsOutside(GtkWidget *widget) {
   return x < 0 || y < 0 || x + given.width > room.width || y + given.height > room.height;
 }
 
+// A column's title that its list shows only when it is scrolled sideways.
+bool IsOutsideItsList(GtkWidget *widget) {
+  GtkWidget *list = gtk_widget_get_ancestor(widget, GTK_TYPE_TREE_VIEW);
+  int x = 0;
+  int y = 0;
+  if (list == nullptr || gtk_widget_translate_coordinates(widget, list, 0, 0, &x, &y) == FALSE) {
+    return false;
+  }
+  GtkAllocation given;
+  GtkAllocation room;
+  gtk_widget_get_allocation(widget, &given);
+  gtk_widget_get_allocation(list, &room);
+  return x + given.width > room.width;
+}
+
 bool IsInScrolledWindow(GtkWidget *widget) {
   return gtk_widget_get_ancestor(widget, GTK_TYPE_SCROLLED_WINDOW) != nullptr;
 }
@@ -271,7 +286,8 @@ bool IsClipped(GtkWidget *widget) {
       pango_layout_is_ellipsized(gtk_label_get_layout(GTK_LABEL(widget))) != FALSE) {
     return true;
   }
-  return IsTooSmall(widget) || (!IsInScrolledWindow(widget) && IsOutside(widget));
+  return IsTooSmall(widget) || IsOutsideItsList(widget) ||
+         (!IsInScrolledWindow(widget) && IsOutside(widget));
 }
 
 std::string Clipped() {
