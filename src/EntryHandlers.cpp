@@ -79,6 +79,8 @@ void FilterAsAddress(GtkWidget *entry) {
 void G_Toggle_Ok_Apply_Sensitivity() {
   const LogScope log("G_Toggle_Ok_Apply_Sensitivity");
   Log(4, "ADDQUEUEQUEUE=>>>" + PointerText(G_AddQueueWindow_helper.get()) + "<<<");
+  // The general tab of the properties window would be the other dialog with these fields.
+  Log(4, "GENPROPPROP=>>>" + PointerText(nullptr) + "<<<");
   if (G_AddQueueWindow_helper == nullptr) return;
   GtkWidget *window = G_AddQueueWindow_helper->window;
   const bool complete =

@@ -77,6 +77,7 @@ std::optional<HelpError> ReadHelp(CHelp *help, LineReader &lines) {
 
 void fFillFromHelp_Function(CHelp *help) {
   const LogScope log("fFillFromHelp_Function");
+  if (help == nullptr) return;
   const char *path = fGet_CString_Value_Function(help->file_name.get());
   const std::optional<std::string> content = ReadWholeFile(path);
   if (!content) G_Fatal(3, "ERR_UNABLE_TO_READ_FROM_FILE", {path});

@@ -89,6 +89,7 @@ void ReadMessages(CMessages *catalogue, LineReader &lines) {
 
 void fFillFromPaf_Function(CMessages *catalogue) {
   const LogScope log("fFillFromPaf_Function");
+  if (catalogue == nullptr) return;
   const char *path = fGet_CString_Value_Function(catalogue->file_name.get());
   const std::optional<std::string> content = ReadWholeFile(path);
   if (!content) {

@@ -37,7 +37,8 @@ int fDelete_CMessages_Function(CMessages *catalogue);
 // A catalogue of the same file with clones of table and language; null when one is missing.
 Owned<CMessages> fClone_CMessages_Function(const CMessages *catalogue);
 
-// Reads the file into a new table. A file that cannot be opened ends the process with status 3.
+// Reads the file into a new table; nothing for null. A file that cannot be opened ends the process
+// with status 3.
 void fFillFromPaf_Function(CMessages *catalogue);
 
 // Reads keys, texts and language into `catalogue`; every content is accepted.

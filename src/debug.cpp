@@ -5,7 +5,10 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "textencoding.h"
+
 int G_DebugLevel = 0;
+char debug_mess[1024];
 
 namespace {
 
@@ -26,8 +29,7 @@ void debugout(const char *file, int line, int level, const char *message) {
   }
   if (G_DebugLevel < std::clamp(level, 1, 4)) return;
   if (is_debug == 0) {
-    std::fprintf(stderr, "%s\n", message);
-    std::fflush(stderr);
+    PrintErrorLine(message);
     return;
   }
   if (StartsWith(message, "END")) indentation = std::max(0, indentation - 2);
@@ -35,14 +37,13 @@ void debugout(const char *file, int line, int level, const char *message) {
     std::fputc(' ', stderr);
     std::fflush(stderr);
   }
-  std::fprintf(stderr, "%s[%d]: %s\n", file, line, message);
-  std::fflush(stderr);
+  PrintErrorLine(std::string(file) + "[" + std::to_string(line) + "]: " + message);
   if (StartsWith(message, "BEGIN")) indentation += 2;
 }
 
-void LogScope::Write(std::string_view word) const {
-  const std::string message = std::string(word) + name_ + "() function";
-  debugout(place_.file_name(), static_cast<int>(place_.line()), 4, message.c_str());
+void LogScope::Write(const char *word) const {
+  std::snprintf(debug_mess, sizeof debug_mess, "%s%s() function", word, name_);
+  debugout(place_.file_name(), static_cast<int>(place_.line()), 4, debug_mess);
 }
 
 std::string PointerText(const void *pointer) {

@@ -3,7 +3,6 @@
 
 #include <source_location>
 #include <string>
-#include <string_view>
 
 #ifndef __cpp_lib_source_location
 // Clang before version 16 lacks what libstdc++ builds the standard class on.
@@ -16,7 +15,11 @@ using SourceLocation = std::source_location;
 // 0 = no output at all; 1 start-up milestones ... 4 everything. A negative level prints nothing.
 extern int G_DebugLevel;
 
-// Writes `message` (UTF-8) when G_DebugLevel is at least `level` (clamped to 1..4): the message
+// Scratch for a message; whoever logs may overwrite it. No text object, because records log until
+// the very end of the process.
+extern char debug_mess[1024];
+
+// Writes `message` (UTF-8, to standard error in the locale's character set) when G_DebugLevel is at least `level` (clamped to 1..4): the message
 // alone, or, when KPXDEBUG is "TRUE", "<file>[<line>]: " before it, indented by the nesting of
 // BEGIN and END messages. The form is decided on the first call that is not silent.
 void debugout(const char *file, int line, int level, const char *message);
@@ -44,7 +47,7 @@ class LogScope {
   LogScope &operator=(const LogScope &) = delete;
 
  private:
-  void Write(std::string_view word) const;
+  void Write(const char *word) const;
 
   const char *name_;
   SourceLocation place_;

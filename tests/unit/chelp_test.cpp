@@ -174,6 +174,7 @@ TEST(Help, NullArguments) {
   EXPECT_EQ(CreateHelp(nullptr), nullptr);
   EXPECT_EQ(fGetHelp_Function(nullptr, "A"), nullptr);
   EXPECT_EQ(fDelete_CHelp_Function(nullptr), 0);
+  fFillFromHelp_Function(nullptr);  // does nothing
   EXPECT_EQ(fClone_CHelp_Function(nullptr), nullptr);
   EXPECT_EQ(fCHelp_Class_ID_Function(), 210);
   EXPECT_STREQ(fCHelp_Class_Name_Function(), "CHelp");

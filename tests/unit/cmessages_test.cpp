@@ -169,6 +169,7 @@ TEST(Messages, NullArguments) {
   EXPECT_EQ(CreateMessages(nullptr), nullptr);
   EXPECT_EQ(fTranslateMessage_Function(nullptr, "A"), nullptr);
   EXPECT_EQ(fDelete_CMessages_Function(nullptr), 0);
+  fFillFromPaf_Function(static_cast<CMessages *>(nullptr));  // does nothing
   EXPECT_EQ(fCMessages_Class_ID_Function(), 200);
   EXPECT_STREQ(fCMessages_Class_Name_Function(), "CMessages");
 }

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <clocale>
+
 #include "childprocess.h"
 
 namespace {
@@ -165,4 +167,13 @@ TEST(Log, WhatWasLoggedIsThereWhenTheProcessCrashes) {
   });
   EXPECT_EQ(result.status, 9);
   EXPECT_EQ(result.errors, "last words\n");
+}
+
+TEST(Log, WritesTheLocalesCharacterSet) {
+  const auto body = [] {
+    setlocale(LC_ALL, "C");
+    LogText("Gr\u00F6\u00DFe");
+  };
+  EXPECT_EQ(Logged(1, nullptr, body), "Gr??e\n");
+  EXPECT_EQ(Logged(1, "TRUE", body), "../src/x.cpp[7]: Gr??e\n");
 }
