@@ -84,8 +84,9 @@ TEST(Failures, ABusyPrinterThatResetsConnectionsAtOnceGetsTheJobLater) {
   // A small job: the printer's system may have taken all of it before the reset.
   const Ended ended = RunTransport({"127.0.0.1", printer.port(), "120"}, TestFile(10));
   ExpectWords(ended, 0, "took all 10 bytes and closed the connection");
-  EXPECT_EQ(Occurrences(ended.words, "the printer may be busy; trying again in "), 2)
-      << ended.words;
+  // The reset may come before the connection counts as made or after it.
+  EXPECT_EQ(Occurrences(ended.words, "the printer may be busy"), 2) << ended.words;
+  EXPECT_EQ(Occurrences(ended.words, "; trying again in "), 2) << ended.words;
   EXPECT_EQ(received.get().count, 10U);
 }
 

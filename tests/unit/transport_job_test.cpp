@@ -126,9 +126,10 @@ TEST(TransportJob, WordsAboutOnePauseComeLessAndLessOften) {
   const Descriptor connection = printer.Accept(4096);
   EXPECT_EQ(transfer.Wait(), Outcome::kTryLater);
   const int words = Occurrences(transfer.words().seen(), "the printer has taken no data for ");
-  // 20, 40, 80, 160, 320, 640 ms.
+  // After 20, 40, 80, 160, 320 and 640 ms, and perhaps some while the first data still moves; one
+  // every 20 ms would be fifty.
   EXPECT_GE(words, 2) << transfer.words().seen();
-  EXPECT_LE(words, 6) << transfer.words().seen();
+  EXPECT_LE(words, 12) << transfer.words().seen();
   ExpectWords(transfer, "(no data taken for 1");
 }
 
