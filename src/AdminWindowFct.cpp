@@ -1,6 +1,7 @@
 #include "AdminWindowFct.h"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "AddQueueWindow.h"
@@ -45,8 +46,12 @@ std::string FirstSelectedQueue() {
 
 SaveResult SaveWithProgress(CList *errors) {
   SaveProgressWindow progress;
-  return SaveQueues(L_DeletedQueues_list.get(), errors,
-                    [&progress](const SaveStep &step) { progress.Show(step); });
+  // A signal that is handled while the progress is drawn gives the window's lists up.
+  Owned<CList> deleted = std::move(L_DeletedQueues_list);
+  const SaveResult result = SaveQueues(
+      deleted.get(), errors, [&progress](const SaveStep &step) { progress.Show(step); });
+  L_DeletedQueues_list = std::move(deleted);
+  return result;
 }
 
 void RememberDeleted(const char *name) {
