@@ -67,13 +67,18 @@ SaveProgressWindow::~SaveProgressWindow() {
 }
 
 void SaveProgressWindow::Show(const SaveStep &step) {
-  if (g_get_monotonic_time() - start_ < L_QuietTime) return;
+  const gint64 now = g_get_monotonic_time();
+  if (now - start_ < L_QuietTime) return;
+  // The same again only now and then, because drawing waits for the screen.
+  if (step.number == number_shown_ && now - drawn_ < L_DrawTime) return;
   if (window_ == nullptr) Create();
   const std::string text = G_Message(step.text_key, {step.number, step.total, step.queue});
   gtk_label_set_text(GTK_LABEL(label_), text.c_str());
   gtk_progress_bar_set_fraction(GTK_PROGRESS_BAR(bar_),
                                 step.total == 0 ? 0.0 : double(step.number) / step.total);
   DrawNow(bar_);
+  number_shown_ = step.number;
+  drawn_ = g_get_monotonic_time();
 }
 
 void SaveProgressWindow::Create() {

@@ -21,7 +21,9 @@ class SaveProgressWindow {
  private:
   void Create();
 
-  gint64 start_;
+  gint64 start_;          // microseconds, as g_get_monotonic_time gives them
+  gint64 drawn_ = 0;      // the same, of the last drawing
+  int number_shown_ = 0;  // of the step drawn last
   GtkWidget *window_ = nullptr;
   GtkWidget *label_ = nullptr;
   GtkWidget *bar_ = nullptr;

@@ -43,7 +43,8 @@ std::string DeleteQueueCommand(const std::string &name);
 // name cannot stand in a command.
 int DeleteQueueSysV(const char *name, CList *errors);
 
-// Told the name of each queue before the spooler is asked to do something about it; may be empty.
+// Told the name of each queue before the spooler is asked to do something about it, and again
+// between the commands for one queue; may be empty.
 using QueueObserver = std::function<void(const char *name)>;
 
 // Removes those of `names` (CString) that are ours from the spooler and their users' option files

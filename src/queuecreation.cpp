@@ -39,11 +39,12 @@ void UpdateAddress(const char *name, CPrintQueue *queue, CList *errors) {
 }
 
 // Makes the queue and appends its block: 1, or 0 after any failure.
-int CreateQueue(const char *name, const CPrintQueue *queue, ScriptValues &values, CList *errors) {
+int CreateQueue(const char *name, const CPrintQueue *queue, ScriptValues &values, CList *errors,
+                const QueueObserver &observer) {
   const PrinterModel &model = FindPrinterModel(TextOf(fGet_PrinterName_Function(queue)));
   if (model.ppd_file != nullptr) values.ppd_path = PpdPath(model.ppd_file);
   if (model.transport_parameter != nullptr) values.transport_parameter = model.transport_parameter;
-  if (AddQueueSysV(name, model.spooler_model, errors) == 0) {
+  if (AddQueueSysV(name, model.spooler_model, errors, observer) == 0) {
     HashRemove(G_Queues_hash, name);
     return 0;
   }
@@ -54,7 +55,8 @@ int CreateQueue(const char *name, const CPrintQueue *queue, ScriptValues &values
 }
 
 // One queue of the working set: 1, or 0 after a failure that the save must tell.
-int BringInLine(const char *name, ScriptValues &values, CList *errors) {
+int BringInLine(const char *name, ScriptValues &values, CList *errors,
+                const QueueObserver &observer) {
   CPrintQueue *queue = HashValue<CPrintQueue>(G_Queues_hash, name);
   if (queue == nullptr) {
     G_Report(errors, "ERR_UNEXPECTED2", {"CPrintQueues"});
@@ -65,7 +67,9 @@ int BringInLine(const char *name, ScriptValues &values, CList *errors) {
     G_Report(errors, "ERR_UNEXPECTED2", {"CPrintQueue"});
     return 0;
   }
-  if (OurQueueExistsSysV(name, errors) == 0) return CreateQueue(name, queue, values, errors);
+  if (OurQueueExistsSysV(name, errors) == 0) {
+    return CreateQueue(name, queue, values, errors, observer);
+  }
   UpdateAddress(name, queue, errors);
   return 1;
 }
@@ -85,11 +89,13 @@ std::vector<QueueCommand> CreateQueueCommands(const std::string &name, const std
   };
 }
 
-int AddQueueSysV(const char *name, const char *model, CList *errors) {
+int AddQueueSysV(const char *name, const char *model, CList *errors,
+                 const QueueObserver &observer) {
   const LogScope log("AddQueueSysV");
   if (model == nullptr || !CheckCommandSafeName("lpadmin", name, errors)) return 0;
   bool exists = false;
   for (const QueueCommand &step : CreateQueueCommands(name, model)) {
+    if (exists && observer) observer(name);
     if (RunCommand(step.command) != 0) {
       G_Report(errors, "ERR_CMD_FOR_QUEUE", {step.reported_name, name});
       if (!exists) return 0;
@@ -110,7 +116,7 @@ int AddQueuesSysV(CList *errors, const QueueObserver &observer) {
   ScriptValues values;
   for (const CString *name : Elements<CString>(names.get())) {
     if (observer) observer(TextOf(name));
-    if (BringInLine(TextOf(name), values, errors) == 0) result = 0;
+    if (BringInLine(TextOf(name), values, errors, observer) == 0) result = 0;
   }
   return result;
 }

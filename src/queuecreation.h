@@ -17,8 +17,9 @@ std::vector<QueueCommand> CreateQueueCommands(const std::string &name, const std
 
 // Makes the queue in the spooler from the interface of `model`: 1 once it exists; 0 when the first
 // command fails or the name cannot stand in a command. Every failed command is reported to
-// `errors`.
-int AddQueueSysV(const char *name, const char *model, CList *errors);
+// `errors`. The `observer` is told the queue between the commands too.
+int AddQueueSysV(const char *name, const char *model, CList *errors,
+                 const QueueObserver &observer = {});
 
 // Makes every queue of G_Queues_hash that the spooler does not have as ours, and puts a changed
 // address into the script of those that it has. A queue that cannot be made is taken out of

@@ -55,10 +55,11 @@ int KeepQueueList(const std::string &list_path, CList *errors) {
   const LogScope log("KeepQueueList");
   if (IsKeptCopyNeeded(list_path)) return 1;
   struct stat status = {};
-  if (stat(list_path.c_str(), &status) != 0) return errno == ENOENT ? 1 : 0;
+  const bool has_status = stat(list_path.c_str(), &status) == 0;
+  if (!has_status && errno == ENOENT) return 1;
   const std::optional<std::string> content = ReadWholeFile(list_path);
   const std::string kept = KeptQueueListPath(list_path);
-  if (content && ReplaceFileDurably(kept, *content, status)) return 1;
+  if (has_status && content && ReplaceFileDurably(kept, *content, status)) return 1;
   G_Report(errors, "ERR_UNABLE_TO_WRITE_FILE", {kept});
   return 0;
 }
@@ -83,6 +84,10 @@ int LoadQueueList(CPrintQueues *collection, int create, CList *messages) {
   fSet_CString_Value_Function(path, KeptQueueListPath(list_path).c_str());
   const int result = fFillFromPaf_Function_(collection, 0);
   fSet_CString_Value_Function(path, list_path.c_str());
+  // A save that ended meanwhile has taken the copy away and left a whole list.
+  if (result == 0 && !IsKeptCopyNeeded(list_path)) {
+    return fFillFromPaf_Function_(collection, create);
+  }
   G_Report(messages, "WARN_QUEUE_LIST_RESTORED", {list_path});
   return result;
 }

@@ -24,8 +24,8 @@ int KeepQueueList(const std::string &list_path, CList *errors);
 // Removes the kept copy.
 void DropKeptQueueList(const std::string &list_path);
 
-// True when the text of a list is complete: it has its header and ends where a queue ends, or
-// holds no queue at all and nothing cut off.
+// True when the text of a list is complete: its last line is whole, and what stands last beside
+// comments and empty lines, if anything does, is the end of a queue.
 bool IsWholeQueueList(std::string_view text);
 
 // Fills the collection as fFillFromPaf_Function_ does, from the kept copy when the last save did

@@ -28,8 +28,9 @@ class Steps {
   Steps(const SaveObserver &observer, int total) : observer_(observer), total_(total) {}
 
   QueueObserver Counting(const char *text_key) {
-    return [this, text_key](const char *queue) {
-      ++number_;
+    return [this, text_key, last = std::string()](const char *queue) mutable {
+      if (last != queue) ++number_;
+      last = queue;
       if (observer_) observer_({text_key, number_, total_, queue});
     };
   }
@@ -75,7 +76,7 @@ SaveResult SaveQueues(const CList *deleted, CList *errors, const SaveObserver &o
     AddQueuesSysV(errors, steps.Counting("SAVE_CREATING"));
   }
   const int list_written = fWriteToPaf_Function(G_Queues.get(), errors);
-  fWriteAllToDef_Function(G_Queues.get(), errors);
-  if (list_written == 1) DropKeptQueueList(list);
+  const int options_written = fWriteAllToDef_Function(G_Queues.get(), errors);
+  if (list_written == 1 && options_written == 1) DropKeptQueueList(list);
   return SaveResult::Ended;
 }

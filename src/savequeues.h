@@ -7,7 +7,7 @@
 
 #include "clist.h"
 
-// One step of a save, told before it begins.
+// One step of a save, told before it begins and again between its commands.
 struct SaveStep {
   const char *text_key;  // takes number, total and queue
   int number;            // from 1

@@ -96,7 +96,7 @@ TEST_F(Save, TellsEachQueueBeforeItIsHandled) {
   steps_.clear();
   HashRemove(G_Queues_hash, "lp1");
   SaveAll({"lp1"});
-  ASSERT_EQ(steps_.size(), 2U);
+  ASSERT_GE(steps_.size(), 2U);
   EXPECT_STREQ(steps_[0].text_key, "SAVE_REMOVING");
   EXPECT_EQ(steps_[0].queue, "lp1");
   EXPECT_EQ(steps_[0].number, 1);
@@ -104,6 +104,29 @@ TEST_F(Save, TellsEachQueueBeforeItIsHandled) {
   EXPECT_EQ(steps_[1].queue, "lp2");
   EXPECT_EQ(steps_[1].number, 2);
   EXPECT_EQ(steps_[1].total, 2);
+}
+
+TEST_F(Save, TellsAQueueAgainBetweenTheCommandsThatMakeIt) {
+  Put("lp1");
+  Put("lp2");
+  SaveAll();
+  std::vector<int> numbers;
+  for (const SaveStep &step : steps_) numbers.push_back(step.number);
+  EXPECT_EQ(numbers, (std::vector<int>{1, 1, 1, 1, 1, 1, 2, 2, 2, 2, 2, 2}));
+}
+
+TEST_F(Save, TheKeptCopyStaysWhenAnOptionFileCouldNotBeWritten) {
+  Put("lp1");
+  SaveAll();
+  const std::string list = ContentOf(kQueuesFile);
+  fs::remove("/opt/orlan/data/lp1.def");
+  fs::create_directory("/opt/orlan/data/lp1.def");
+  SaveAll();
+  EXPECT_EQ(Errors(), std::vector<std::string>{"write </opt/orlan/data/lp1.def>"});
+  EXPECT_EQ(ContentOf(kept_), list);
+  fs::remove("/opt/orlan/data/lp1.def");
+  SaveAll();
+  EXPECT_FALSE(fs::exists(kept_));
 }
 
 TEST_F(Save, TheListIsEmptyAndItsOldContentKeptWhileTheSpoolerWorks) {
