@@ -1,11 +1,8 @@
 #include "porting.h"
 
-#include <dirent.h>
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <cstring>
-#include <memory>
 
 #include "cmessages.h"
 #include "command.h"
@@ -15,6 +12,7 @@
 #include "globals.h"
 #include "paths.h"
 #include "textencoding.h"
+#include "utils.h"
 
 namespace {
 
@@ -42,14 +40,6 @@ Script LookAtScript(const char *name, CList *errors) {
     return Script::Unreadable;
   }
   return HasMarkerLine(*script) ? Script::Ours : Script::NotOurs;
-}
-
-struct DirectoryCloser {
-  void operator()(DIR *directory) const { closedir(directory); }
-};
-
-bool IsDotEntry(const char *name) {
-  return std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0;
 }
 
 // The queue comes back as it was when the program started.
@@ -81,15 +71,14 @@ Owned<CList> GetQueueNamesSysV(CList *our_names, CList *errors) {
   const LogScope log("GetQueueNamesSysV");
   struct stat status = {};
   if (stat(kSpoolPrintersDir, &status) != 0) return nullptr;
-  const std::unique_ptr<DIR, DirectoryCloser> directory(opendir(kSpoolPrintersDir));
-  if (directory == nullptr) {
+  const Owned<CList> entries = GetFilesFromDir(kSpoolPrintersDir);
+  if (entries == nullptr) {
     G_Report(errors, "ERR_UNABLE_TO_READ_DIR", {kSpoolPrintersDir});
     return nullptr;
   }
   Owned<CList> names = CreateList();
-  while (const dirent *entry = readdir(directory.get())) {
-    const char *name = entry->d_name;
-    if (IsDotEntry(name)) continue;
+  for (const CString *entry : Elements<CString>(entries.get())) {
+    const char *name = fGet_CString_Value_Function(entry);
     fAddHead_CList_Function(names.get(), CreateStringWithValue(name));
     if (our_names != nullptr && OurQueueExistsSysV(name, errors) == 1) {
       fAddHead_CList_Function(our_names, CreateStringWithValue(name));
