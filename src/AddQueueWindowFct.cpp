@@ -44,8 +44,8 @@ void ButtonCancelAddQueuePressed() {
 void ButtonHelpAddQueuePressed() {
   const LogScope log("ButtonHelpAddQueuePressed");
   std::string text;
-  for (const char *block : {"KPX_ADMIN_ADDQUEUE_BEGIN", "KPX_ABOUT_BTN_BEGIN",
-                            "KPX_ADMIN_ADDQUEUE_BTNS_BEGIN"}) {
+  for (const char *block :
+       {"KPX_ADMIN_ADDQUEUE_BEGIN", "KPX_ABOUT_BTN_BEGIN", "KPX_ADMIN_ADDQUEUE_BTNS_BEGIN"}) {
     text += fGetHelp_Function(G_Help.get(), block);
   }
   gtk_widget_show(create_HelpWindow(text));

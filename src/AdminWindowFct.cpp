@@ -48,8 +48,8 @@ SaveResult SaveWithProgress(CList *errors) {
   SaveProgressWindow progress;
   // A signal that is handled while the progress is drawn gives the window's lists up.
   Owned<CList> deleted = std::move(L_DeletedQueues_list);
-  const SaveResult result = SaveQueues(
-      deleted.get(), errors, [&progress](const SaveStep &step) { progress.Show(step); });
+  const SaveResult result =
+      SaveQueues(deleted.get(), errors, [&progress](const SaveStep &step) { progress.Show(step); });
   L_DeletedQueues_list = std::move(deleted);
   return result;
 }

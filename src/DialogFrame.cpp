@@ -26,8 +26,7 @@ Dialog NewDialog(const char *name, const char *title_key) {
 }
 
 GtkWidget *AddOkButton(const Dialog &dialog, const char *name, void (*pressed)()) {
-  GtkWidget *buttons =
-      NewButtonBox(dialog.window, GTK_ORIENTATION_HORIZONTAL, "DialogHbuttonbox");
+  GtkWidget *buttons = NewButtonBox(dialog.window, GTK_ORIENTATION_HORIZONTAL, "DialogHbuttonbox");
   GtkWidget *button = NewButton(dialog.window, buttons, name, "DEF_BTN_OK_TITLE", pressed);
   if (pressed == nullptr) {
     g_signal_connect(button, "clicked", G_CALLBACK(DestroyWindowOf), nullptr);

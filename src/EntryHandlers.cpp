@@ -48,8 +48,7 @@ void G_QueueNameEntryText(GtkEditable *entry, const gchar *text, gint length, gi
 
 void G_QueueNameDeleteText(GtkEditable *entry, gint start, gint end, gpointer data) {
   const LogScope log("G_QueueNameDeleteText");
-  const bool allowed =
-      QueueNameDeletionAllowed(gtk_entry_get_text(GTK_ENTRY(entry)), start, end);
+  const bool allowed = QueueNameDeletionAllowed(gtk_entry_get_text(GTK_ENTRY(entry)), start, end);
   DeleteInstead(entry, G_CALLBACK(G_QueueNameDeleteText), allowed, start, end, data);
 }
 

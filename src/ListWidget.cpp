@@ -143,8 +143,9 @@ GtkWidget *NewList(const std::vector<ListColumn> &columns, GtkSelectionMode mode
   gtk_tree_selection_set_select_function(SelectionOf(list), MaySelectionChange, state.get(),
                                          nullptr);
   g_signal_connect(SelectionOf(list), "changed", G_CALLBACK(ReportChanges), list);
-  g_object_set_data_full(G_OBJECT(list), L_StateKey, state.release(),
-                         [](gpointer data) { std::default_delete<ListState>()(static_cast<ListState *>(data)); });
+  g_object_set_data_full(G_OBJECT(list), L_StateKey, state.release(), [](gpointer data) {
+    std::default_delete<ListState>()(static_cast<ListState *>(data));
+  });
   return list;
 }
 
@@ -189,9 +190,7 @@ void ListClear(GtkWidget *list) {
   state->reporting = was_reporting;
 }
 
-int ListRowCount(GtkWidget *list) {
-  return gtk_tree_model_iter_n_children(ModelOf(list), nullptr);
-}
+int ListRowCount(GtkWidget *list) { return gtk_tree_model_iter_n_children(ModelOf(list), nullptr); }
 
 gpointer ListRowData(GtkWidget *list, int row) {
   GtkTreeIter iter;

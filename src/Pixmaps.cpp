@@ -64,6 +64,7 @@ void add_pixmap_directory(const char *dir) {
 }
 
 std::string check_file_exists(const std::string &dir, const std::string &file) {
+  const LogScope log("check_file_exists");
   std::string path = dir + "/" + file;
   return g_file_test(path.c_str(), G_FILE_TEST_IS_REGULAR) != FALSE ? path : std::string();
 }

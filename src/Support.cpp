@@ -183,6 +183,7 @@ void FreeString(char *string) {
 }
 
 void G_FreeStringsFrom_g_list(GList *list) {
+  const LogScope log("G_FreeStringsFrom_g_list");
   for (GList *link = list; link != nullptr; link = link->next) {
     FreeString(static_cast<char *>(link->data));
   }

@@ -22,10 +22,10 @@ void AddQueueRow(ToolWindowHelper &helper, GtkWidget *parent) {
   gtk_box_pack_start(GTK_BOX(parent), StoreWidget(helper.window, row, "QueueHbuttonbox"), FALSE,
                      FALSE, 0);
   helper.queue_combo = NewCombo(helper.window, "QueueCombo", "QueueComboEntry", nullptr);
-  gtk_box_pack_start(GTK_BOX(row),
-                     NewLabel(helper.window, "QueueLabel", G_Translate("DEF_LBL_QUEUE_TITLE"),
-                              helper.queue_combo),
-                     FALSE, FALSE, 0);
+  gtk_box_pack_start(
+      GTK_BOX(row),
+      NewLabel(helper.window, "QueueLabel", G_Translate("DEF_LBL_QUEUE_TITLE"), helper.queue_combo),
+      FALSE, FALSE, 0);
   gtk_box_pack_start(GTK_BOX(row), helper.queue_combo, TRUE, TRUE, 0);
 }
 
@@ -48,8 +48,8 @@ void AddFilesFrame(ToolWindowHelper &helper, GtkWidget *parent) {
   GtkWidget *buttons = NewButtonBox(helper.window, GTK_ORIENTATION_VERTICAL, "FilesVbuttonbox");
   gtk_box_pack_start(GTK_BOX(row), buttons, FALSE, FALSE, 0);
   NewButton(helper.window, buttons, "AddButton", "DEF_BTN_ADD_TITLE", ButtonAddFilesPressed);
-  helper.delete_button = NewButton(helper.window, buttons, "DeleteButton",
-                                   "DEF_BTN_DELETE_TITLE", ButtonDeleteFilesPressed);
+  helper.delete_button = NewButton(helper.window, buttons, "DeleteButton", "DEF_BTN_DELETE_TITLE",
+                                   ButtonDeleteFilesPressed);
   gtk_widget_set_sensitive(helper.delete_button, FALSE);
 }
 
@@ -66,7 +66,8 @@ void AddToolButtons(ToolWindowHelper &helper, GtkWidget *parent) {
   gtk_widget_set_sensitive(properties, FALSE);
   GtkWidget *cancel =
       NewButton(window, box, "CancelButton", "DEF_BTN_CANCEL_TITLE", ButtonCancelToolPressed);
-  GtkWidget *help = NewButton(window, box, "HelpButton", "DEF_BTN_HELP_TITLE", ButtonHelpToolPressed);
+  GtkWidget *help =
+      NewButton(window, box, "HelpButton", "DEF_BTN_HELP_TITLE", ButtonHelpToolPressed);
   AddAccelerator(window, cancel, GDK_KEY_Escape);
   AddAccelerator(window, help, GDK_KEY_F1);
   AddAccelerator(window, helper.delete_button, GDK_KEY_Delete);

@@ -40,7 +40,9 @@ void RemoveStdinFile() {
   if (!G_StdinFileName.empty()) unlink(G_StdinFileName.c_str());
 }
 
-std::string ChosenQueue() { return QueueNameFromEntry(ComboText(G_QueuesWindow_helper->queue_combo)); }
+std::string ChosenQueue() {
+  return QueueNameFromEntry(ComboText(G_QueuesWindow_helper->queue_combo));
+}
 
 void TakeDroppedFiles(GtkWidget *, GdkDragContext *context, gint, gint, GtkSelectionData *data,
                       guint, guint time, gpointer) {

@@ -36,8 +36,8 @@ int fDelete_CHelp_Function(CHelp *help);
 // A catalogue of the same file with clones of table and language; null when one is missing.
 Owned<CHelp> fClone_CHelp_Function(const CHelp *help);
 
-// Reads the file into a new table; nothing for null. The process ends with status 3 when the file cannot be opened
-// and with status 5 when its block markers are unbalanced.
+// Reads the file into a new table; nothing for null. The process ends with status 3 when the file
+// cannot be opened and with status 5 when its block markers are unbalanced.
 void fFillFromHelp_Function(CHelp *help);
 
 // The text of block `name`, lent by the catalogue. A block that is missing is reported on standard

@@ -19,9 +19,10 @@ extern int G_DebugLevel;
 // the very end of the process.
 extern char debug_mess[1024];
 
-// Writes `message` (UTF-8, to standard error in the locale's character set) when G_DebugLevel is at least `level` (clamped to 1..4): the message
-// alone, or, when KPXDEBUG is "TRUE", "<file>[<line>]: " before it, indented by the nesting of
-// BEGIN and END messages. The form is decided on the first call that is not silent.
+// Writes `message` (UTF-8, to standard error in the locale's character set) when G_DebugLevel is at
+// least `level` (clamped to 1..4): the message alone, or, when KPXDEBUG is "TRUE", file and line
+// before it, "<file>[<line>]: <message>", indented by the nesting of BEGIN and END messages. The
+// form is decided on the first call that is not silent.
 void debugout(const char *file, int line, int level, const char *message);
 
 // The same with the caller's own place.

@@ -86,6 +86,7 @@ int G_CopyFile(const char *source, const char *destination, CList *errors) {
 }
 
 int G_IsExecutable(const char *path) {
+  const LogScope log("G_IsExecutable");
   return path != nullptr && access(path, R_OK | X_OK) == 0 ? 1 : 0;
 }
 
@@ -109,6 +110,7 @@ int G_GetValidProgramPath(const char *name, std::string *result) {
 }
 
 int G_EliminateSpacesAndTabs(const char *source, std::string *result, int mode) {
+  const LogScope log("G_EliminateSpacesAndTabs");
   if (source == nullptr || result == nullptr) return 0;
   const std::string text = source;
   if (mode == 0) {

@@ -11,6 +11,7 @@
 Owned<CString> G_CurrentQueue_name;
 
 int G_IsStringInCList(const CList *list, const char *text) {
+  const LogScope log("G_IsStringInCList");
   if (list == nullptr || text == nullptr) return 0;
   for (const CString *element : Elements<CString>(list)) {
     const char *value = fGet_CString_Value_Function(element);

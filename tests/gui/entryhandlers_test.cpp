@@ -1,10 +1,10 @@
-// The routine that keeps OK and Apply of the queue dialogs in step with their fields, while no
-// dialog is open.
+// What the handlers' and helpers' log lines say, where no window is needed.
 #include "EntryHandlers.h"
 
 #include <gtest/gtest.h>
 
 #include "AddQueueWindow.h"
+#include "Support.h"
 #include "debug.h"
 
 TEST(OkAndApply, LogBothDialogsAddressesEvenWhenNeitherIsOpen) {
@@ -18,4 +18,15 @@ TEST(OkAndApply, LogBothDialogsAddressesEvenWhenNeitherIsOpen) {
             "GENPROPPROP=>>>(nil)<<<\n"
             "END   G_Toggle_Ok_Apply_Sensitivity() function\n",
             testing::internal::GetCapturedStderr());
+}
+
+TEST(FreeString, LogsAddressAndTextOfWhatItFrees) {
+  gchar *string = g_strdup("lp1");
+  const std::string address = PointerText(string);
+  testing::internal::CaptureStderr();
+  G_DebugLevel = 4;
+  FreeString(string);
+  FreeString(nullptr);
+  G_DebugLevel = 0;
+  EXPECT_EQ("Deleting string " + address + " >>lp1<<\n", testing::internal::GetCapturedStderr());
 }
