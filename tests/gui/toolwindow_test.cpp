@@ -85,23 +85,6 @@ GtkWidget *NewDragSource(const std::string &uris) {
   return source;
 }
 
-// Drags with the pointer from the middle of one widget to that of another.
-void Drag(GtkWidget *from, GtkWidget *to) {
-  const GdkRectangle start = OnScreen(from);
-  const GdkRectangle end = OnScreen(to);
-  const int x = start.x + start.width / 2;
-  const int y = start.y + start.height / 2;
-  XInputMove(x, y);
-  XInputButton(1, true);
-  constexpr int kSteps = 20;
-  for (int step = 1; step <= kSteps; ++step) {
-    XInputMove(x + (end.x + end.width / 2 - x) * step / kSteps,
-               y + (end.y + end.height / 2 - y) * step / kSteps);
-    RunPending();
-  }
-  XInputButton(1, false);
-}
-
 }  // namespace
 
 TEST_F(ToolWindow, HasAllItsWidgetsUnderTheirNames) {

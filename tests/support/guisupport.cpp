@@ -16,8 +16,19 @@ bool RunUntil(const std::function<bool()> &holds) {
 }
 
 void RunPending() {
-  gdk_display_sync(gdk_display_get_default());
-  while (gtk_events_pending() != FALSE) gtk_main_iteration();
+  GdkDisplay *display = gdk_display_get_default();
+  bool more = true;
+  while (more) {
+    more = false;
+    // What is handled may send something that the X server hands back, as dragging does.
+    gdk_display_sync(display);
+    // GTK denies input that it holds back between two frames, so the X connection is asked too.
+    while (gtk_events_pending() != FALSE ||
+           XEventsQueued(GDK_DISPLAY_XDISPLAY(display), QueuedAlready) > 0) {
+      gtk_main_iteration();
+      more = true;
+    }
+  }
 }
 
 GdkRectangle OnScreen(GtkWidget *widget, GdkRectangle area) {
@@ -55,4 +66,29 @@ std::string TextOf(GtkWidget *text_view) {
 
 void FocusWindowOf(GtkWidget *widget) {
   XInputFocus(gdk_x11_window_get_xid(gtk_widget_get_window(gtk_widget_get_toplevel(widget))));
+}
+
+void Drag(GtkWidget *from, GtkWidget *to) {
+  GdkDragContext *drag = nullptr;
+  const auto remember = +[](GtkWidget *, GdkDragContext *context, gpointer data) {
+    *static_cast<GdkDragContext **>(data) = context;
+  };
+  const gulong handler = g_signal_connect(from, "drag-begin", G_CALLBACK(remember), &drag);
+  const GdkRectangle start = OnScreen(from);
+  const GdkRectangle end = OnScreen(to);
+  const int x = start.x + start.width / 2;
+  const int y = start.y + start.height / 2;
+  XInputMove(x, y);
+  XInputButton(1, true);
+  constexpr int kSteps = 20;
+  for (int step = 1; step <= kSteps; ++step) {
+    XInputMove(x + (end.x + end.width / 2 - x) * step / kSteps,
+               y + (end.y + end.height / 2 - y) * step / kSteps);
+    RunPending();
+  }
+  EXPECT_TRUE(RunUntil([&] {
+    return drag != nullptr && gdk_drag_context_get_selected_action(drag) != 0;
+  })) << "what is dragged is not taken";
+  XInputButton(1, false);
+  g_signal_handler_disconnect(from, handler);
 }

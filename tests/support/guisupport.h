@@ -26,6 +26,9 @@ GdkRectangle OnScreen(GtkWidget *widget, GdkRectangle area);
 // Real clicks of the left button.
 void ClickOn(GtkWidget *widget);
 
+// Drags with the pointer from the middle of one widget to that of another, which takes it.
+void Drag(GtkWidget *from, GtkWidget *to);
+
 // Gives the top-level window of `widget` the input focus.
 void FocusWindowOf(GtkWidget *widget);
 
