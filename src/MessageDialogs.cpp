@@ -1,5 +1,6 @@
 #include "MessageDialogs.h"
 
+#include <algorithm>
 #include <cstdlib>
 
 #include "DialogFrame.h"
@@ -18,6 +19,7 @@ namespace {
 
 constexpr int L_Spacing = 8;
 constexpr size_t L_MessageBuffer = 1023;
+constexpr int L_ErrorWidth = 60;  // characters
 
 int L_ExitOrReturn = kReturn;
 
@@ -43,8 +45,8 @@ GtkWidget *create_AboutWindow() {
   GtkWidget *picture = create_pixmap(dialog.window, "np_vek.xpm");
   gtk_widget_set_size_request(StoreWidget(dialog.window, picture, "AboutPixmap"), 328, 117);
   gtk_fixed_put(GTK_FIXED(fixed), picture, 40, 15);
-  GtkWidget *label =
-      NewLabel(dialog.window, "label1", fGetHelp_Function(G_Help.get(), "KPX_ABOUT_BEGIN"), nullptr);
+  GtkWidget *label = NewLabel(dialog.window, "label1",
+                              fGetHelp_Function(G_Help.get(), "KPX_ABOUT_BEGIN"), nullptr);
   gtk_label_set_justify(GTK_LABEL(label), GTK_JUSTIFY_CENTER);
   gtk_label_set_xalign(GTK_LABEL(label), 0.5F);
   gtk_label_set_yalign(GTK_LABEL(label), 0.0F);
@@ -84,9 +86,13 @@ GtkWidget *create_ErrorWindow(const char *detail, const std::string &text) {
   const std::string texts[] = {text, detail == nullptr ? "" : detail};
   const char *names[] = {"ErrorLabel1", "ErrorLabel2"};
   for (int i = 0; i < 2; ++i) {
-    GtkWidget *label = NewLabel(dialog.window, names[i], DecodeLine(texts[i]), nullptr);
+    const std::string shown = DecodeLine(texts[i]);
+    GtkWidget *label = NewLabel(dialog.window, names[i], shown, nullptr);
     gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
-    gtk_label_set_max_width_chars(GTK_LABEL(label), 60);
+    gtk_label_set_max_width_chars(GTK_LABEL(label), L_ErrorWidth);
+    // The box is never lower than the label wants to be at its smallest width.
+    const auto characters = static_cast<int>(g_utf8_strlen(shown.c_str(), -1));
+    gtk_label_set_width_chars(GTK_LABEL(label), std::min(characters, L_ErrorWidth));
     gtk_label_set_selectable(GTK_LABEL(label), TRUE);
     gtk_widget_set_can_focus(label, FALSE);
     gtk_box_pack_start(GTK_BOX(data), label, TRUE, TRUE, 0);
@@ -95,9 +101,7 @@ GtkWidget *create_ErrorWindow(const char *detail, const std::string &text) {
   return dialog.window;
 }
 
-void ShowError(const char *key) {
-  gtk_widget_show(create_ErrorWindow(nullptr, G_Translate(key)));
-}
+void ShowError(const char *key) { gtk_widget_show(create_ErrorWindow(nullptr, G_Translate(key))); }
 
 GtkWidget *create_HelpWindow(const std::string &text) {
   const LogScope log("create_HelpWindow");

@@ -169,6 +169,9 @@ TEST_F(AddQueueDialog, ApplyAddsTheQueueAndASecondApplyIsRefused) {
   EXPECT_EQ(rows, app.Rows("QueuesClist"));
   EXPECT_EQ((Strings{"AddQueueWindow", "AdminWindow"}), app.Windows());
   app.Click("ApplyButton");
+  app.WaitWindow("ErrorDialog");
+  EXPECT_EQ(Strings{}, app.ClippedTexts());
+  EXPECT_LT(app.Geometry("ErrorDialog").height, 130) << "as high as a line of text needs";
   app.ExpectErrorBox("KPXadminWarn004");
   EXPECT_EQ(rows, app.Rows("QueuesClist"));
   EXPECT_EQ("lp1", app.Text("QueueEntry")) << "the dialog stays as it was";
