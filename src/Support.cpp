@@ -107,7 +107,7 @@ GtkWidget *NewScrolledText(GtkWidget *window, const char *scrolled_name, const c
   gtk_text_view_set_left_margin(GTK_TEXT_VIEW(area), L_ButtonSpacing);
   gtk_text_view_set_right_margin(GTK_TEXT_VIEW(area), L_ButtonSpacing);
   // The buffer takes UTF-8 only; a file name in a message may be anything.
-  const std::string shown = DecodeLine(text);
+  const std::string shown = DisplayText(text);
   gtk_text_buffer_set_text(gtk_text_view_get_buffer(GTK_TEXT_VIEW(area)), shown.c_str(),
                            static_cast<gint>(shown.size()));
 

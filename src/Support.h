@@ -28,7 +28,7 @@ GtkWidget *NewLabel(GtkWidget *window, const char *name, const std::string &text
                     GtkWidget *target);
 
 // A scrolled window stored as `scrolled_name` with a read-only, word-wrapped text area stored as
-// `text_name` that shows `text` (UTF-8).
+// `text_name` that shows `text` (UTF-8; what is none, as in a file name, is read as ISO-8859-1).
 GtkWidget *NewScrolledText(GtkWidget *window, const char *scrolled_name, const char *text_name,
                            const std::string &text);
 

@@ -17,7 +17,6 @@
 #include "filelist.h"
 #include "globals.h"
 #include "printcommand.h"
-#include "textencoding.h"
 #include "utils.h"
 
 namespace {
@@ -79,7 +78,7 @@ void ButtonPrintPressed() {
 
 void ButtonLPRPressed() {
   const LogScope log("ButtonLPRPressed");
-  gtk_widget_show(create_LprCmdWindow(DecodeLine(DisplayedPrintCommand(ChosenQueue()))));
+  gtk_widget_show(create_LprCmdWindow(DisplayedPrintCommand(ChosenQueue())));
 }
 
 void ButtonAddFilesPressed() {

@@ -89,6 +89,20 @@ std::string DecodeLine(std::string_view bytes) {
   return IsValidUtf8(bytes) ? std::string(bytes) : Utf8FromLatin1(bytes);
 }
 
+std::string DisplayText(std::string_view bytes) {
+  std::string text;
+  while (!bytes.empty()) {
+    const size_t length = SequenceLength(bytes);
+    if (length == 0) {
+      text += Utf8FromLatin1(bytes.substr(0, 1));
+    } else {
+      text += bytes.substr(0, length);
+    }
+    bytes.remove_prefix(length == 0 ? 1 : length);
+  }
+  return text;
+}
+
 std::string_view Utf8Prefix(std::string_view text, size_t max_bytes) {
   if (text.size() <= max_bytes) return text;
   size_t end = max_bytes;

@@ -58,6 +58,15 @@ TEST(Utf8, ALineIsDecodedAsLatin1OnlyWhenItIsNotUtf8) {
   EXPECT_EQ(DecodeLine("\xE9t\xE9"), "\xC3\xA9t\xC3\xA9");
 }
 
+TEST(Utf8, ShownTextKeepsItsUtf8BesideAFileNameInLatin1) {
+  EXPECT_EQ(DisplayText("Gr\xC3\xB6\xC3\x9F"
+                        "e: caf\xE9"),
+            "Gr\xC3\xB6\xC3\x9F"
+            "e: caf\xC3\xA9");
+  EXPECT_EQ(DisplayText("\xC3"), "\xC3\x83");
+  EXPECT_EQ(DisplayText(""), "");
+}
+
 TEST(Utf8Prefix, NeverSplitsASequence) {
   const std::string text = "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x96\xA8z";
   for (size_t max = 0; max <= text.size() + 1; ++max) {
