@@ -2,8 +2,8 @@
 // killed before each system call with which it changes a file, one run each; then a start must
 // show the old queues or the new ones. (Between two such calls nothing on the disk differs, so
 // these are all the states that a kill at any other point can leave.)
-#include <gtest/gtest.h>
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <sys/prctl.h>
 #include <sys/ptrace.h>
 #include <sys/syscall.h>
