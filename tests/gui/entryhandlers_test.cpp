@@ -13,11 +13,12 @@ TEST(OkAndApply, LogBothDialogsAddressesEvenWhenNeitherIsOpen) {
   G_DebugLevel = 4;
   G_Toggle_Ok_Apply_Sensitivity();
   G_DebugLevel = 0;
-  EXPECT_EQ("BEGIN G_Toggle_Ok_Apply_Sensitivity() function\n"
-            "ADDQUEUEQUEUE=>>>(nil)<<<\n"
-            "GENPROPPROP=>>>(nil)<<<\n"
-            "END   G_Toggle_Ok_Apply_Sensitivity() function\n",
-            testing::internal::GetCapturedStderr());
+  EXPECT_EQ(
+      "BEGIN G_Toggle_Ok_Apply_Sensitivity() function\n"
+      "ADDQUEUEQUEUE=>>>(nil)<<<\n"
+      "GENPROPPROP=>>>(nil)<<<\n"
+      "END   G_Toggle_Ok_Apply_Sensitivity() function\n",
+      testing::internal::GetCapturedStderr());
 }
 
 TEST(FreeString, LogsAddressAndTextOfWhatItFrees) {

@@ -1,5 +1,6 @@
 // What ./demo shows: inside the sandbox it makes two queues with KPXadmin and prints with KPXtool,
-// through their windows as users do, and leaves pictures of the windows and of every page that the printer received.
+// through their windows as users do, and leaves pictures of the windows and of every page that the
+// printer received.
 //
 // Usage: demo_driver DIRECTORY
 

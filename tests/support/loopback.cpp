@@ -80,9 +80,7 @@ void Listener::CutCable(int socket) {
   }
 }
 
-std::string Listener::port() const {
-  return std::to_string(port_);
-}
+std::string Listener::port() const { return std::to_string(port_); }
 
 unsigned char TestByte(std::uint64_t offset) {
   const std::uint64_t mixed = (offset + 1) * 0x9E3779B97F4A7C15U;

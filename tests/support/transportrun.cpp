@@ -58,9 +58,7 @@ TransportRun::~TransportRun() {
   waitpid(process_, nullptr, 0);
 }
 
-void TransportRun::Send(int signal) const {
-  kill(process_, signal);
-}
+void TransportRun::Send(int signal) const { kill(process_, signal); }
 
 Ended TransportRun::Wait() {
   Ended ended;

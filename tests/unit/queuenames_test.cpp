@@ -19,8 +19,11 @@ constexpr char kMessages[] =
 
 class QueueNames : public testing::Test {
  protected:
-  QueueNames() : messages_(kMessages), queues_(CreateHash()), original_(CreateHash()),
-                 printers_(CreateHash()) {
+  QueueNames()
+      : messages_(kMessages),
+        queues_(CreateHash()),
+        original_(CreateHash()),
+        printers_(CreateHash()) {
     G_Queues_hash = queues_.get();
     G_OrgQueues_hash = original_.get();
     G_Printers_hash = printers_.get();
