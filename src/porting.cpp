@@ -34,7 +34,9 @@ Script LookAtScript(const char *name, CList *errors) {
   const std::string path = InterfacePath(name);
   struct stat status = {};
   if (stat(path.c_str(), &status) != 0) return Script::Gone;
-  const std::optional<std::string> script = ReadWholeFile(path);
+  // Only a file is opened: a named pipe would hold the program up.
+  const std::optional<std::string> script =
+      S_ISREG(status.st_mode) ? ReadWholeFile(path) : std::nullopt;
   if (!script) {
     G_Report(errors, "ERR_UNABLE_TO_READ_FILE", {path});
     return Script::Unreadable;

@@ -1,6 +1,7 @@
 // Saves that fail for real: the list of messages in the dialog, its OK ending the program with
 // status 1, and the state that is left.
 #include <sys/mount.h>
+#include <sys/stat.h>
 
 #include "savedqueues.h"
 
@@ -113,12 +114,18 @@ TEST_F(AdminFailures, FailedAcceptAndEnableAreToldAndTheQueueStays) {
 }
 
 TEST_F(AdminFailures, AnUnreadableScriptAtTheStartIsToldAndItsQueueNotShown) {
-  AddAndSave({kLp1, kLp2});
-  std::filesystem::remove(InterfacePath("lp1"));
-  std::filesystem::create_directory(InterfacePath("lp1"));
+  PutQueues(Strings{"directory", "link", "lp2", "pipe"});
+  for (const char *name : {"directory", "link", "pipe"}) {
+    std::filesystem::remove(InterfacePath(name));
+  }
+  std::filesystem::create_directory(InterfacePath("directory"));
+  std::filesystem::create_symlink("/nowhere", InterfacePath("link"));  // as good as gone
+  ASSERT_EQ(0, mkfifo(InterfacePath("pipe").c_str(), 0600));
   AdminApp app;
   app.WaitWindow("KPXErrorWarningDialog");
-  EXPECT_EQ(CannotRead(InterfacePath("lp1")) + "\n", app.Text("ErrorWarningText"));
+  EXPECT_EQ(
+      CannotRead(InterfacePath("directory")) + "\n" + CannotRead(InterfacePath("pipe")) + "\n",
+      app.Text("ErrorWarningText"));
   app.Key("Return");
   app.WaitGone("KPXErrorWarningDialog");
   EXPECT_EQ(Strings{"-lp2"}, app.QueueNames());

@@ -127,7 +127,6 @@ TEST_F(LongSave, ShowsItsProgressAndTakesNoInputMeanwhile) {
   const Strings titles = XInputWindowTitles();
   EXPECT_NE(titles.end(),
             std::find(titles.begin(), titles.end(), CatalogueText("DEF_WND_SAVE_TITLE")));
-  if (const char *path = std::getenv("KPX_SHOT")) Screenshot(path);
 
   XInputClick(cancel.x + cancel.width / 2, cancel.y + cancel.height / 2);
   for (const char *key : {"Escape", "Return", "space", "F1"}) XInputChord(key);
