@@ -273,6 +273,21 @@ TEST_F(BridgeCommands, WithoutASchedulerEveryCommandFailsWithAMessageAndChangesN
   EXPECT_EQ("lp1\n", CupsQueues()) << "a queue survives a restart of the scheduler";
 }
 
+TEST_F(BridgeCommands, TheSchedulersConfigurationMayBeTheOneThatCupsBrings) {
+  const std::string standard = ContentOf("/usr/share/cups/cupsd.conf.default");
+  ASSERT_NE("", standard);
+  const SchedulerConfiguration configuration(standard +
+                                             "Listen /run/cups/cups.sock\nLogLevel debug\n");
+  EXPECT_EQ(0, MakeQueue("lp1").status);
+  EXPECT_EQ(0, RunProgram({"/usr/bin/accept", "lp1"}).status);
+  EXPECT_EQ(0, RunProgram({"/usr/bin/enable", "lp1"}).status);
+  SchedulerLog log;
+  EXPECT_EQ(0, RunProgram({"/usr/bin/lp", "-d", "lp1"}, "data").status);
+  log.WaitFor("Job completed.");
+  EXPECT_EQ(0, Lpadmin({"-x", "lp1"}).status);
+  ExpectNoQueue();
+}
+
 TEST_F(BridgeCommands, WithoutTheClientProgramsOfCupsTheMessageNamesWhatIsMissing) {
   for (const auto &[command, program] : std::vector<std::pair<Strings, std::string>>{
            {{"/usr/lib/lpadmin", "-p", "lp1", "-m", "vek4120"}, "/usr/sbin/lpadmin"},

@@ -34,6 +34,22 @@ pid_t BackendOf(const std::string &log) {
   return std::stoi(log.substr(log.rfind(words) + words.size()));
 }
 
+// Waits until the process has ended.
+void WaitForEnd(pid_t process) {
+  const int handle = static_cast<int>(syscall(SYS_pidfd_open, process, 0));
+  if (handle < 0) return;  // gone already
+  pollfd ended = {handle, POLLIN, 0};
+  EXPECT_EQ(1, poll(&ended, 1, 30000)) << process << " still runs";
+  close(handle);
+}
+
+// A scheduler's configuration with another limit of the time that a job may take.
+std::string WithMaxJobTime(std::string configuration, const std::string &seconds) {
+  const std::string limit = "MaxJobTime 0\n";
+  return configuration.replace(configuration.find(limit), limit.size(),
+                               "MaxJobTime " + seconds + "\n");
+}
+
 constexpr char kStatusOfTheTest[] = "/run/kpx/status";
 
 // The script's next exit status.
@@ -146,6 +162,44 @@ TEST(BridgeFailures, CancellingAJobEndsItsScript) {
     const std::string state = ContentOf("/proc/" + std::to_string(pid) + "/stat");
     EXPECT_TRUE(state.empty() || state.find(") Z ") != std::string::npos) << state;
   }
+}
+
+TEST(BridgeFailures, RemovingAQueueEndsItsScriptAndDropsTheWaitingJobs) {
+  const TestQueue queue("lp1");
+  queue.Record("echo waiting >&2; echo $$ >/var/spool/cups/tmp/script; sleep 1000");
+  SchedulerLog log;
+  queue.Print({}, "prints");
+  queue.Print({}, "waits");
+  log.WaitFor("Set job-printer-state-message to \"waiting\"");
+  pid_t script = 0;
+  std::ifstream("/var/spool/cups/tmp/script") >> script;
+  EXPECT_EQ(0, RunProgram({"/usr/lib/lpadmin", "-x", "lp1"}).status);
+  EXPECT_EQ("", RunProgram({"lpstat", "-o"}).output);
+  WaitForEnd(script);
+
+  const TestQueue again("lp1");
+  again.Record();
+  again.PrintAndWait({}, "new");
+  ASSERT_EQ(1u, again.Calls().size()) << "no job of the old queue is printed on the new one";
+  EXPECT_EQ(Strings{"new"}, again.Calls()[0].contents);
+}
+
+TEST(BridgeFailures, AJobIsNeverTooSlowForTheScheduler) {
+  const TestQueue slow("lp1");
+  const SchedulerConfiguration configuration(
+      WithMaxJobTime(SchedulerConfiguration::Current(), "1"));
+  const TestQueue limited("lp2");
+  ASSERT_EQ(
+      0, RunProgram({"/usr/sbin/lpadmin", "-p", "lp2", "-o", "job-cancel-after-default=1"}).status);
+  slow.Append("sleep 1000\n");
+  limited.Append("sleep 1000\n");
+  SchedulerLog log;
+  const std::string kept = slow.Print({}, "data");
+  const std::string cancelled = limited.Print({}, "data");
+  // The scheduler looks at its jobs in their order.
+  log.WaitFor("[Job " + cancelled + "] Canceling stuck job");
+  EXPECT_TRUE(slow.Keeps(kept));
+  EXPECT_EQ(std::string::npos, log.Text().find("[Job " + kept + "] Canceling"));
 }
 
 TEST(BridgeFailures, ABackendThatIsTerminatedFromOutsideKeepsTheJob) {

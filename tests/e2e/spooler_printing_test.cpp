@@ -194,6 +194,43 @@ TEST(BridgePrinting, AnyKindOfFileIsTakenAndNothingIsConverted) {
   EXPECT_EQ(Strings{bytes}, queue.Calls().back().contents);
 }
 
+TEST(BridgePrinting, AFileThatIsSentCompressedReachesTheScriptUnpacked) {
+  const Files files;
+  const std::string content(100000, 'z');
+  const std::string path = files.Write("a", content);
+  // Packed twice: the client unpacks gzip files once by itself.
+  ASSERT_EQ(0, RunProgram({"gzip", path}).status);
+  std::filesystem::rename(path + ".gz", path);
+  ASSERT_EQ(0, RunProgram({"gzip", path}).status);
+  const std::string request = files.Write(
+      "print.test",
+      "{ OPERATION Print-Job GROUP operation-attributes-tag\n"
+      "ATTR charset attributes-charset utf-8 ATTR language attributes-natural-language en\n"
+      "ATTR uri printer-uri $uri ATTR keyword compression gzip\n"
+      "ATTR mimeMediaType document-format text/plain FILE \"" +
+          path + ".gz\" STATUS successful-ok }\n");
+  const TestQueue queue("lp1");
+  queue.Record();
+  SchedulerLog log;
+  const CommandResult sent =
+      RunProgram({"ipptool", "-t", "ipp://%2Frun%2Fcups%2Fcups.sock/printers/lp1", request});
+  ASSERT_EQ(0, sent.status) << sent.output;
+  log.WaitFor("Job completed.");
+  EXPECT_EQ(Strings{content}, OnlyCall(queue).contents);
+  EXPECT_EQ(Strings{}, NamesIn("/var/spool/cups/tmp"));
+}
+
+TEST(BridgePrinting, PackedDataOnStandardInputStaysAsItIs) {
+  const Files files;
+  const std::string path = files.Write("a", "packed\n");
+  ASSERT_EQ(0, RunProgram({"gzip", "-k", path}).status);
+  const std::string packed = ContentOf(path + ".gz");
+  const TestQueue queue("lp1");
+  queue.Record();
+  queue.PrintAndWait({}, packed);
+  EXPECT_EQ(Strings{packed}, OnlyCall(queue).contents);
+}
+
 TEST(BridgePrinting, BannerPagesAreNoFilesOfTheJob) {
   const Files files;
   const TestQueue queue("lp1");

@@ -115,6 +115,29 @@ class NoScheduler {
   NoScheduler &operator=(const NoScheduler &) = delete;
 };
 
+// For its lifetime the scheduler runs with another configuration; queues and jobs stay.
+class SchedulerConfiguration {
+ public:
+  explicit SchedulerConfiguration(const std::string &content) : before_(Current()) {
+    RestartWith(content);
+  }
+  ~SchedulerConfiguration() { RestartWith(before_); }
+  SchedulerConfiguration(const SchedulerConfiguration &) = delete;
+  SchedulerConfiguration &operator=(const SchedulerConfiguration &) = delete;
+
+  static std::string Current() { return ContentOf(kPath); }
+
+ private:
+  static constexpr char kPath[] = "/etc/cups/cupsd.conf";
+
+  static void RestartWith(const std::string &content) {
+    const NoScheduler down;
+    std::ofstream(kPath) << content;
+  }
+
+  std::string before_;
+};
+
 // How an interface script was called.
 struct ScriptCall {
   std::string request, user, title, copies, options;
