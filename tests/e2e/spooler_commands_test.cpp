@@ -66,6 +66,17 @@ TEST_F(BridgeCommands, EveryModelHasAScriptOfItsName) {
             NamesIn(kBridgeModels));
 }
 
+TEST_F(BridgeCommands, AModelScriptRefusesAShellThatHidesTheFailureOfAFilter) {
+  for (const std::string &model : NamesIn(kBridgeModels)) {
+    const Strings call = {
+        std::string(kBridgeModels) + "/" + model, "lp1-1", "root", "title", "1", "", "/etc/hosts"};
+    EXPECT_EQ(0, RunProgram(call).status);
+    const bool shell_can = RunProgram({"/bin/sh", "-c", "set -o pipefail"}).status == 0;
+    const Missing bash("/usr/bin/bash");
+    EXPECT_EQ(shell_can ? 0 : 1, RunProgram(call).status);
+  }
+}
+
 TEST_F(BridgeCommands, ANewQueueHasAnEntryAndTheModelsScript) {
   const CommandResult made = MakeQueue("lp1", "vek4105");
   EXPECT_EQ(0, made.status);
