@@ -165,11 +165,11 @@ GtkWidget *StartUp(CList *messages) {
 int Run(int argc, char **argv) {
   const LogScope log("main");
   std::setlocale(LC_ALL, "");
-  // Pango reads the system's font configuration in a thread of its own: started here, it is done by
-  // the time the X connection stands, instead of holding up the first window.
-  pango_cairo_font_map_get_default();
   gtk_init(&argc, &argv);
   InstallStyle();
+  // Pango reads the system's font configuration in a thread of its own: started here, it runs while
+  // the texts and printers are read. Started earlier, it slows down the reading of the theme.
+  pango_cairo_font_map_get_default();
   LoadMessages();
   RefuseOtherAdministrators();
   RefuseSecondAdministrator();
