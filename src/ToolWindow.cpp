@@ -21,6 +21,7 @@ void AddQueueRow(ToolWindowHelper &helper, GtkWidget *parent) {
   GtkWidget *row = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, L_Spacing);
   gtk_box_pack_start(GTK_BOX(parent), StoreWidget(helper.window, row, "QueueHbuttonbox"), FALSE,
                      FALSE, 0);
+  gtk_box_reorder_child(GTK_BOX(parent), row, 0);
   helper.queue_combo = NewCombo(helper.window, "QueueCombo", "QueueComboEntry", nullptr);
   gtk_box_pack_start(
       GTK_BOX(row),
@@ -93,10 +94,11 @@ GtkWidget *create_ToolWindow() {
   gtk_container_add(GTK_CONTAINER(helper.window), StoreWidget(helper.window, box, "ToolVbox"));
   GtkWidget *data = gtk_box_new(GTK_ORIENTATION_VERTICAL, L_Spacing);
   gtk_box_pack_start(GTK_BOX(box), StoreWidget(helper.window, data, "DataToolVbox"), TRUE, TRUE, 0);
-  AddQueueRow(helper, data);
   AddFilesFrame(helper, data);
   gtk_box_pack_start(GTK_BOX(box), gtk_separator_new(GTK_ORIENTATION_HORIZONTAL), FALSE, FALSE, 0);
   AddToolButtons(helper, box);
+  // Made last though it stands first: its entry waits for the fonts, which are still being read.
+  AddQueueRow(helper, data);
   ShowQueues();
   gtk_widget_show_all(box);
   return helper.window;
