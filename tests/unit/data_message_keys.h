@@ -30,6 +30,7 @@ inline constexpr MessageKey kMessageKeys[] = {
     {"CONSTR_Dlg_Message_PaperType_Staple", "ss"},
     {"CONSTR_Dlg_Message_PunchOption_Punch", "ss"},
     {"CONSTR_Dlg_Message_PunchOption_PunchNone", "s"},
+    {"CONSTR_Reason", "ss"},
     {"DCMT_Dlg_Media_Error1", ""},
     {"DCMT_Dlg_Media_Error2", ""},
     {"DCMT_Dlg_Media_Error3", ""},

@@ -1,0 +1,116 @@
+#include "installables.h"
+
+#include <cstring>
+
+#include "cfeature.h"
+#include "constraintmessages.h"
+#include "debug.h"
+#include "optionlists.h"
+#include "optionstate.h"
+
+namespace {
+
+constexpr char L_Memory[] = "*InstalledMemory";
+
+const CFeature *Installable(const std::string &feature) {
+  return HashValue<CFeature>(G_PrinterInstallableOptions_hash, feature.c_str());
+}
+
+bool IsBoolean(const CFeature *record) {
+  const char *type = fGet_CString_Value_Function(fGet_Type_Function(record));
+  return type != nullptr && std::strcmp(type, "Boolean") == 0;
+}
+
+const char *TextOf(const CString *text) {
+  const char *value = fGet_CString_Value_Function(text);
+  return value == nullptr ? "" : value;
+}
+
+// The queue's value, or the default.
+std::string ValueOf(const char *feature, const CFeature *record) {
+  const char *value = HashText(G_QueueInstallableOptions_hash, feature);
+  if (value != nullptr) return value;
+  Log(2, std::string("The feature >>") + feature +
+             "<< was not founded in G_QueueInstallableOptions_hash");
+  return TextOf(fGet_Default_Function(record));
+}
+
+// Adds the rows of one installable option.
+class RowWriter {
+ public:
+  RowWriter(const char *feature, const std::string &value, const SettingsSnapshot &snapshot,
+            std::vector<InstallableRow> &rows)
+      : feature_(feature), value_(value), rows_(rows) {
+    const Setting *conflict = snapshot.ConflictOf(feature, value.c_str());
+    is_marked_ = conflict != nullptr;
+    if (is_marked_) {
+      reason_ = ConflictReason({feature, value, conflict->feature, conflict->option});
+    }
+  }
+
+  void Add(const char *display, bool is_installed) {
+    InstallableRow row;
+    G_SetStringWithConstrain(display, row.text, is_marked_ ? 1 : 0);
+    row.feature = feature_;
+    row.is_installed = is_installed;
+    row.reason = reason_;
+    rows_.push_back(std::move(row));
+  }
+
+  void AddBoolean(const CFeature *record) {
+    if (value_ != "True" && value_ != "False") return;
+    Add(TextOf(fGet_Translation_Function(record)), value_ == "True");
+  }
+
+  void AddOptions(const CFeature *record) {
+    for (const auto [option, display] : Pairs<CString>(fGet_Options_Function(record))) {
+      if (std::strcmp(option, "None") != 0) Add(TextOf(display), value_ == option);
+    }
+  }
+
+ private:
+  const char *feature_;
+  const std::string &value_;
+  std::vector<InstallableRow> &rows_;
+  bool is_marked_ = false;
+  std::string reason_;
+};
+
+}  // namespace
+
+std::vector<InstallableRow> InstallableRows() {
+  const LogScope log("InstallableRows");
+  std::vector<InstallableRow> rows;
+  const SettingsSnapshot snapshot;
+  for (const auto [feature, record] : Pairs<CFeature>(G_PrinterInstallableOptions_hash)) {
+    if (std::strcmp(feature, L_Memory) == 0) continue;
+    const std::string value = ValueOf(feature, record);
+    RowWriter writer(feature, value, snapshot, rows);
+    if (IsBoolean(record)) {
+      writer.AddBoolean(record);
+    } else {
+      writer.AddOptions(record);
+    }
+  }
+  return rows;
+}
+
+std::string ValueThatInstalls(const std::string &feature, const std::string &display) {
+  const CFeature *record = Installable(feature);
+  if (IsBoolean(record)) return "True";
+  for (const auto [option, text] : Pairs<CString>(fGet_Options_Function(record))) {
+    if (display == TextOf(text)) return option;
+  }
+  return "";
+}
+
+std::string ValueThatRemoves(const std::string &feature, const std::string &display) {
+  const CFeature *record = Installable(feature);
+  if (IsBoolean(record)) return "False";
+  const CHash *options = fGet_Options_Function(record);
+  if (HashFind(options, "None") != nullptr) return "None";
+  for (const auto [option, text] : Pairs<CString>(options)) {
+    if (display != TextOf(text)) return option;
+  }
+  return "";
+}

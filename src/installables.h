@@ -1,0 +1,27 @@
+// The rows of the lists of installable options.
+
+#pragma once
+
+#include <string>
+#include <vector>
+
+struct InstallableRow {
+  std::string text;     // mark and display text
+  std::string feature;  // identifier of the installable option ("*OptionFinisher")
+  bool is_installed = false;
+  std::string reason;  // why it is marked, in words; empty otherwise
+};
+
+// One row for each Boolean installable option of the current printer that is "True" or "False", one
+// for each option but "None" of the others, in the dictionary's order. Every row of an option has
+// the same mark (kept on purpose): that of the queue's value, not of what the row would install.
+// "*InstalledMemory" is left out.
+std::vector<InstallableRow> InstallableRows();
+
+// The value that installs what a row stands for: "True", or the option whose display text is
+// `display`. Empty when there is none.
+std::string ValueThatInstalls(const std::string &feature, const std::string &display);
+
+// The value that removes it: "False"; "None" where the option has that; else the first other one.
+// Empty when there is none.
+std::string ValueThatRemoves(const std::string &feature, const std::string &display);

@@ -1,0 +1,27 @@
+// What a user's choice in an option list does to the queue's settings.
+
+#pragma once
+
+#include <optional>
+#include <string>
+
+// What a choice does to the boxes with the 2-up page orders.
+enum class NupOrderBoxes { kLeave, kShowLeftAndRight, kHideAll };
+
+struct OptionChange {
+  std::string option;  // identifier chosen, or the name of one of the queue's own sizes or media
+  bool is_custom = false;
+  NupOrderBoxes order_boxes = NupOrderBoxes::kLeave;
+};
+
+// Stores the choice that `display_string` (mark and display text, as the list shows it) stands for
+// as the queue's value of `feature`, and with it the page order that a change of the orientation
+// asks for. A page size or media type that no longer exists becomes the printer's default. Nothing
+// when nothing changes: a text of no more than a mark, one that no option has, the current choice.
+std::optional<OptionChange> ChangeOption(const char *feature, const std::string &display_string);
+
+// The picture beside a list: the one of custom sizes or media, or that of the option.
+std::string PictureOfChoice(const char *feature, const std::string &option, bool is_custom);
+
+// Whether a choice of the feature changes which installable options are in conflict.
+bool ChangesInstallableMarks(const char *feature);

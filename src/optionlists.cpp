@@ -1,0 +1,177 @@
+#include "optionlists.h"
+
+#include <cstdlib>
+#include <cstring>
+
+#include "ccpsparams.h"
+#include "cfeature.h"
+#include "cmessages.h"
+#include "constraintmessages.h"
+#include "debug.h"
+#include "optionstate.h"
+
+bool G_CustomPaperIsCurrent = false;
+bool G_CustomMediaIsCurrent = false;
+
+namespace {
+
+constexpr char L_PageSize[] = "*PageSize";
+constexpr char L_MediaType[] = "*MediaType";
+
+// The two features whose lists also offer what the queue defines itself.
+struct CustomKind {
+  const CHash *entries;          // names of the queue's own
+  bool *is_current;              // one of them is the current choice
+  const char *compared_feature;  // what they count as in constraints, with the option "True"
+};
+
+std::optional<CustomKind> CustomKindOf(const char *feature) {
+  if (std::strcmp(feature, L_PageSize) == 0) {
+    return CustomKind{G_QueueCustomPapers_hash, &G_CustomPaperIsCurrent, "*CustomPageSize"};
+  }
+  if (std::strcmp(feature, L_MediaType) == 0) {
+    return CustomKind{G_QueueCustomMedias_hash, &G_CustomMediaIsCurrent, "*CustomMediaType"};
+  }
+  return std::nullopt;
+}
+
+// Fills one list.
+class ListBuilder {
+ public:
+  ListBuilder(const CFeature *record, const char *feature, const SettingsSnapshot &snapshot,
+              OptionList &list)
+      : options_(fGet_Options_Function(record)),
+        feature_(feature),
+        exempt_(IsExemptFeature(feature)),
+        custom_(CustomKindOf(feature)),
+        snapshot_(snapshot),
+        list_(list) {}
+
+  void AddPrinterOptions() {
+    for (const auto [option, text] : Pairs<CString>(options_)) {
+      const char *display = fGet_CString_Value_Function(text);
+      const Setting *conflict = exempt_ ? nullptr : snapshot_.ConflictOf(feature_, option);
+      const bool is_current = Add(option, display == nullptr ? option : display, conflict);
+      if (is_current && custom_) *custom_->is_current = false;
+    }
+  }
+
+  void AddCustomEntries() {
+    if (!custom_) return;
+    // One question for all of them: they count as the same choice. Only the names matter here.
+    const Setting *conflict = snapshot_.ConflictOf(custom_->compared_feature, "True");
+    for (const auto [name, entry] : Pairs<CCpsParams>(custom_->entries)) {
+      if (Add(name, name, conflict)) *custom_->is_current = true;
+    }
+  }
+
+ private:
+  // True when the option is the current one.
+  bool Add(const char *option, const char *display, const Setting *conflict) {
+    OptionListRow row;
+    G_SetStringWithConstrain(display, row.text, conflict == nullptr ? 0 : 1);
+    if (conflict != nullptr) {
+      row.reason = ConflictReason({feature_, option, conflict->feature, conflict->option});
+    }
+    const bool is_current = list_.current_option == option;
+    if (is_current) list_.current_text = row.text;
+    list_.rows.push_back(std::move(row));
+    return is_current;
+  }
+
+  const CHash *options_;
+  const char *feature_;
+  bool exempt_;
+  std::optional<CustomKind> custom_;
+  const SettingsSnapshot &snapshot_;
+  OptionList &list_;
+};
+
+// The queue's choice for the feature, or the printer's default. A page size or media type that
+// nobody knows is put right in the queue's settings, and then `snapshot` is dropped.
+std::string CurrentOption(const CHash *features, const char *feature,
+                          std::optional<SettingsSnapshot> &snapshot) {
+  const char *chosen = HashText(G_QueueFeatures_hash, feature);
+  const char *usual =
+      fGet_CString_Value_Function(G_GetPPDDefaultOptionForFeature(features, feature));
+  const char *current = chosen != nullptr ? chosen : usual;
+  if (current == nullptr) return "";
+  const std::optional<CustomKind> custom = CustomKindOf(feature);
+  const bool is_known = !custom || IsOptionOf(features, feature, current) ||
+                        HashFind(custom->entries, current) != nullptr;
+  if (is_known || usual == nullptr) return current;
+  const std::string repaired = usual;
+  SetQueueValue(G_QueueFeatures_hash, feature, repaired);
+  *custom->is_current = false;
+  snapshot.reset();
+  return repaired;
+}
+
+}  // namespace
+
+const std::vector<ListedFeature> &ListedFeatures() {
+  static const std::vector<ListedFeature> features = {
+      {"*PageSize", "PaperSize"},
+      {"*MediaType", "PaperType"},
+      {"*InputSlot", "PaperSource"},
+      {"*Collate", "Collate"},
+      {"*Duplex", "Duplex"},
+      {"*OutputBin", "OutputBin"},
+      {"*Jog", "Jog"},
+      {"*StapleLocation", "Staple"},
+      {"*Punch", "Punch"},
+      {"*Orientation", "Orientation"},
+      {"*EdgeToEdge", "EdgeToEdge"},
+      {"*Resolution", "Resolution"},
+      {"*OutputMode", "PrintQuality"},
+      {"*HalfTone", "Halftone"},
+      {"*Delivery", "Delivery"},
+      {"*EmailNotification", "EmailNotifType"},
+  };
+  return features;
+}
+
+bool IsListFilled(const char *feature) {
+  return std::strcmp(feature, "*Resolution") != 0 || (G_PrinterModel != 1 && G_PrinterModel != 2);
+}
+
+std::optional<OptionList> G_GetOptionsForFeature(const CHash *features, const char *feature) {
+  std::optional<SettingsSnapshot> snapshot;
+  return GetOptionsForFeature(features, feature, snapshot);
+}
+
+std::optional<OptionList> GetOptionsForFeature(const CHash *features, const char *feature,
+                                               std::optional<SettingsSnapshot> &snapshot) {
+  const LogScope log("G_GetOptionsForFeature");
+  if (features == nullptr || feature == nullptr) {
+    Log(1, "The features or the feature are missing");
+    std::exit(5);
+  }
+  const CFeature *record = HashValue<CFeature>(features, feature);
+  if (record == nullptr) {
+    G_Report(nullptr, "ERR_UNEXPECTED2", {"CPrinter"});
+    return std::nullopt;
+  }
+  OptionList list;
+  list.current_option = CurrentOption(features, feature, snapshot);
+  if (!snapshot) snapshot.emplace();
+  ListBuilder builder(record, feature, *snapshot, list);
+  builder.AddPrinterOptions();
+  builder.AddCustomEntries();
+  return list;
+}
+
+const CString *G_GetPPDDefaultOptionForFeature(const CHash *features, const char *feature) {
+  return fGet_Default_Function(HashValue<CFeature>(features, feature));
+}
+
+int G_SetStringWithConstrain(const std::string &text, std::string &out, int mark) {
+  if (mark == 0) out = kFreeMark;
+  if (mark == 1) out = kConflictMark;
+  out += text;
+  return 1;
+}
+
+std::string TextWithoutMark(const std::string &display_string) {
+  return display_string.size() <= kMarkLength ? "" : display_string.substr(kMarkLength);
+}

@@ -1,0 +1,88 @@
+#include "optionstate.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <string_view>
+
+#include "cfeature.h"
+#include "constraintindex.h"
+#include "cprinter.h"
+#include "cprintqueue.h"
+
+Owned<CString> G_CurrentQueue_name;
+Owned<CPrintQueue> G_CurrentQueue;
+CHash *G_QueueFeatures_hash = nullptr;
+CHash *G_QueueInstallableOptions_hash = nullptr;
+CHash *G_QueueCustomPapers_hash = nullptr;
+CHash *G_QueueCustomMedias_hash = nullptr;
+CPrinter *G_CurrentPrinter = nullptr;
+CHash *G_PrinterFeatures_hash = nullptr;
+CHash *G_PrinterInstallableOptions_hash = nullptr;
+CHash *G_PrinterCpsParam_hash = nullptr;
+CList *G_PrinterConstraints_list = nullptr;
+int G_PrinterModel = 0;
+
+namespace {
+
+constexpr std::array<std::string_view, 6> L_ExemptFeatures = {
+    "*Orientation", "*EdgeToEdge", "*OutputMode", "*HalfTone", "*Delivery", "*EmailNotification"};
+
+}  // namespace
+
+void SetCurrentPrinter(CPrinter *printer) {
+  G_CurrentPrinter = printer;
+  G_PrinterFeatures_hash = fGetFeatures_Function(printer);
+  G_PrinterInstallableOptions_hash = fGetInstallableOptions_Function(printer);
+  G_PrinterCpsParam_hash = fGetCustomPaper_Function(printer);
+  G_PrinterConstraints_list = fGetConstraints_Function(printer);
+  IndexConstraints(G_PrinterConstraints_list);
+}
+
+void SetCurrentQueue(Owned<CString> &&name, Owned<CPrintQueue> &&queue) {
+  G_CurrentQueue_name = std::move(name);
+  G_CurrentQueue = std::move(queue);
+  G_QueueFeatures_hash = fGet_Options_Function(G_CurrentQueue.get());
+  G_QueueInstallableOptions_hash = fGet_InstallableFeatures_Function(G_CurrentQueue.get());
+  G_QueueCustomPapers_hash = fGet_CustomPapers_Function(G_CurrentQueue.get());
+  G_QueueCustomMedias_hash = fGet_CustomMedias_Function(G_CurrentQueue.get());
+}
+
+bool IsExemptFeature(const char *feature) {
+  return feature != nullptr && std::find(L_ExemptFeatures.begin(), L_ExemptFeatures.end(),
+                                         feature) != L_ExemptFeatures.end();
+}
+
+const CFeature *PrinterFeature(const char *name) {
+  const CFeature *feature = HashValue<CFeature>(G_PrinterFeatures_hash, name);
+  return feature != nullptr ? feature : HashValue<CFeature>(G_PrinterInstallableOptions_hash, name);
+}
+
+bool IsOptionOf(const CHash *features, const char *feature, const char *option) {
+  const CHash *options = fGet_Options_Function(HashValue<CFeature>(features, feature));
+  return HashFind(options, option) != nullptr;
+}
+
+bool IsCustomChoice(const char *feature, const char *option) {
+  if (feature == nullptr || option == nullptr) return false;
+  if (std::strcmp(feature, "*PageSize") != 0 && std::strcmp(feature, "*MediaType") != 0) {
+    return false;
+  }
+  return !IsOptionOf(G_PrinterFeatures_hash, feature, option);
+}
+
+std::string OptionDisplayText(const char *feature, const char *option) {
+  const char *text = HashText(fGet_Options_Function(PrinterFeature(feature)), option);
+  if (text != nullptr) return text;
+  return option == nullptr ? "" : option;
+}
+
+void SetQueueValue(CHash *settings, const char *key, const std::string &value) {
+  HashRemove(settings, key);
+  HashPutText(settings, key, value.c_str());
+}
+
+std::string QueueFeatureValue(const char *feature) {
+  const char *value = HashText(G_QueueFeatures_hash, feature);
+  return value == nullptr ? "" : value;
+}

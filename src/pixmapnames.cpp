@@ -1,0 +1,82 @@
+#include "pixmapnames.h"
+
+#include <array>
+#include <filesystem>
+#include <string_view>
+
+#include "cprintqueue.h"
+#include "debug.h"
+#include "optionstate.h"
+#include "paths.h"
+
+namespace {
+
+constexpr size_t L_MakerPrefix = 3;  // "vek"
+
+template <size_t N>
+bool IsOneOf(std::string_view feature, const std::array<std::string_view, N> &features) {
+  for (const std::string_view one : features) {
+    if (one == feature) return true;
+  }
+  return false;
+}
+
+// Models 1 and 2 have pictures of each kind of punch unit.
+std::string PunchHoles(std::string_view feature, std::string_view option) {
+  if (G_PrinterModel != 1 && G_PrinterModel != 2) return "";
+  if (feature != "*Punch" || option == "None") return "";
+  const char *unit = HashText(G_QueueInstallableOptions_hash, "*OptionPunch");
+  const std::string_view installed = unit == nullptr ? "" : unit;
+  if (installed == "None" || installed == "Punch2Hole") return "2";
+  if (installed == "Punch3Hole") return "3";
+  if (installed == "Punch4Hole") return "4";
+  return "";
+}
+
+std::string PagesASheet(std::string_view feature) {
+  if (feature != "*NupOrder") return "";
+  const std::string pages = QueueFeatureValue("*Nup");
+  return pages == "2" || pages == "4" ? pages : "";
+}
+
+std::string OrientationLetter(std::string_view feature) {
+  static constexpr std::array<std::string_view, 6> kTurned = {
+      "*StapleLocation", "*Punch", "*Nup", "*NupOrder", "*Booklet", "*Duplex"};
+  if (!IsOneOf(feature, kTurned)) return "";
+  const std::string orientation = QueueFeatureValue("*Orientation");
+  if (orientation == "Portrait") return "P";
+  return orientation == "Landscape" || orientation == "RotLandscape" ? "L" : "";
+}
+
+bool IsPicture(const std::string &name) {
+  std::error_code error;
+  return std::filesystem::is_regular_file(std::string(kPixmapDir) + "/" + name, error);
+}
+
+}  // namespace
+
+std::string G_GetPixmapNameFor(const char *feature, const std::string &option) {
+  const LogScope log("G_GetPixmapNameFor");
+  if (feature == nullptr || *feature == '\0') return "";
+  const std::string plain = feature + 1;  // without the asterisk
+  const std::string base = plain + "_" + option + PunchHoles(feature, option) +
+                           PagesASheet(feature) + OrientationLetter(feature);
+  const char *ppd = fGet_CString_Value_Function(fGet_PpdFile_Function(G_CurrentQueue.get()));
+  const std::string of_model = base + "_" + GetPPDNo(ppd == nullptr ? "" : ppd) + ".xpm";
+  if (IsPicture(of_model)) return of_model;
+  if (IsPicture(base + ".xpm")) return base + ".xpm";
+  return plain + ".xpm";
+}
+
+std::string GetPPDNo(const std::string &name) {
+  const size_t slash = name.rfind('/');
+  const std::string file = slash == std::string::npos ? name : name.substr(slash + 1);
+  // The first piece, as a text is split at dots: dots in front of it are skipped.
+  const size_t start = file.find_first_not_of('.');
+  if (start == std::string::npos) {
+    Log(1, "PPD name not in a correct format");
+    return "";
+  }
+  const std::string piece = file.substr(start, file.find('.', start) - start);
+  return piece.size() <= L_MakerPrefix ? "" : piece.substr(L_MakerPrefix);
+}
