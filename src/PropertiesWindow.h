@@ -1,0 +1,25 @@
+// The properties window: a notebook over one queue's work copy, shared by both programs.
+
+#pragma once
+
+#include <gtk/gtk.h>
+
+#include <memory>
+
+struct PropertiesWindowHelper {
+  GtkWidget *window = nullptr;
+  GtkWidget *notebook = nullptr;
+  GtkWidget *apply_button = nullptr;
+  GtkWidget *ok_button = nullptr;
+};
+// Null while no properties window is open.
+extern std::unique_ptr<PropertiesWindowHelper> G_PropertiesWindow_helper;
+
+// The window on the queue that is selected in the administration window, or chosen in the print
+// tool's: not yet shown. Null, after an error box where the user can do something about it, when it
+// cannot be opened.
+GtkWidget *create_PropertiesWindow();
+
+// Appends `page`, made scrollable, as the notebook's next tab; the tab's text is that of
+// `label_key`, stored on the window as `label_name`. For the tabs' builders.
+void AppendPropertiesTab(GtkWidget *page, const char *label_name, const char *label_key);
