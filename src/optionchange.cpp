@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "cfeature.h"
+#include "conflictresolution.h"
 #include "debug.h"
 #include "optionlists.h"
 #include "optionstate.h"
@@ -64,6 +65,7 @@ std::optional<OptionChange> ChangeOption(const char *feature, const std::string 
   OptionChange change{choice->option, choice->is_custom, NupOrderBoxes::kLeave};
   change.order_boxes = FollowOrientation(before, choice->option);
   SetQueueValue(G_QueueFeatures_hash, feature, choice->option);
+  NoteUserChoice(feature);
   return change;
 }
 

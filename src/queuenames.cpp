@@ -6,9 +6,8 @@
 #include "cprintqueue.h"
 #include "debug.h"
 #include "globals.h"
+#include "optionstate.h"
 #include "porting.h"
-
-Owned<CString> G_CurrentQueue_name;
 
 int G_IsStringInCList(const CList *list, const char *text) {
   const LogScope log("G_IsStringInCList");

@@ -6,9 +6,6 @@
 #include "chash.h"
 #include "clist.h"
 
-// The queue whose properties are open; null while none are.
-extern Owned<CString> G_CurrentQueue_name;
-
 // 1 when some CString of the list equals `text` exactly, else 0; 0 for null arguments.
 int G_IsStringInCList(const CList *list, const char *text);
 

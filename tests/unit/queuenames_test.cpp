@@ -8,6 +8,7 @@
 #include "coresupport.h"
 #include "cprinter.h"
 #include "globals.h"
+#include "optionstate.h"
 #include "queuesupport.h"
 #include "spoolerstandin.h"
 

@@ -1,0 +1,26 @@
+// Setting one of two conflicting options back, so that the user's latest choice stands.
+
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "constraints.h"
+
+// Remembers that the user has just chosen a value of the feature; choices made earlier rank below.
+void NoteUserChoice(const char *feature);
+
+// Forgets all of them; for a newly opened window.
+void ForgetUserChoices();
+
+struct ResolvedConflict {
+  std::string feature;
+  std::string option;  // the feature's new value
+};
+
+// Sets one of the two settings to a value that conflicts with nothing the queue has set: the
+// printer's default when that fits, else "None", else the first of the feature's options that fits.
+// Installed hardware is never changed, so beside an installable option it is the other setting that
+// gives way; of two features it is the one that was not chosen last. When no value of it fits, the
+// other one gives way. Nothing, with the settings as they were, when none fits.
+std::optional<ResolvedConflict> ResolveConflict(const SettingsConflict &conflict);

@@ -1,0 +1,242 @@
+#include "properties.h"
+
+#include <array>
+#include <string_view>
+#include <utility>
+
+#include "cfeature.h"
+#include "chelp.h"
+#include "cmessages.h"
+#include "cprinter.h"
+#include "cprintqueue.h"
+#include "cselection.h"
+#include "debug.h"
+#include "globals.h"
+#include "optionstate.h"
+#include "queuenames.h"
+#include "textencoding.h"
+
+namespace {
+
+constexpr char L_Transport[] = "tcpip";
+constexpr size_t L_HelpBuffer = 10239;
+
+struct ModelRow {
+  std::string_view prefix;
+  int model;
+};
+
+constexpr std::array<ModelRow, 6> L_Models = {{{"Vek Norvel 4105", 1},
+                                               {"Vek Norvel 4120ES", 6},
+                                               {"Vek Norvel 4121", 2},
+                                               {"Vek Norvel 4100ES", 3},
+                                               {"Vek Norvel 4102ES", 4},
+                                               {"Vek Norvel 4110ES", 5}}};
+
+bool IsAdministration() { return G_ProgName == kModeAdministration; }
+
+std::string TextOf(const CString *text) {
+  const char *value = fGet_CString_Value_Function(text);
+  return value == nullptr ? "" : value;
+}
+
+// "vek41201.ppd" gives "vek41201.paf".
+std::string PafNameOf(const CPrintQueue *queue) {
+  std::string name = TextOf(fGet_PpdFile_Function(queue));
+  name.resize(name.size() - std::min<size_t>(name.size(), 3));
+  return name + "paf";
+}
+
+bool HasFonts() { return G_Fonts_hash != nullptr && !HashIsEmpty(G_Fonts_hash.get()); }
+
+void AddMissingDefaults(const CHash *features, CHash *settings, std::string_view except) {
+  for (const auto [feature, record] : Pairs<CFeature>(features)) {
+    if (feature == except || HashFind(settings, feature) != nullptr) continue;
+    const char *usual = fGet_CString_Value_Function(fGet_Default_Function(record));
+    if (usual != nullptr) HashPutText(settings, feature, usual);
+  }
+}
+
+// Removes the settings that equal the printer's defaults and that `kept` (may be null) lacks.
+void RemoveDefaults(const CHash *features, CHash *settings, const CHash *kept) {
+  std::vector<std::string> doomed;
+  for (const auto [feature, value] : Pairs<CString>(settings)) {
+    const CFeature *record = HashValue<CFeature>(features, feature);
+    if (record == nullptr || HashFind(kept, feature) != nullptr) continue;
+    if (fIsEqual_CString_Value_Function(value, fGet_Default_Function(record)) != 0) {
+      doomed.emplace_back(feature);
+    }
+  }
+  for (const std::string &feature : doomed) HashRemove(settings, feature.c_str());
+}
+
+// The page words of titles, in notebook order.
+std::vector<std::string> PageWords() {
+  std::vector<std::string> words = {"GENERAL_", "SETUP_", "OUTPUT_", "OPTIONS_", "DESTINATION_"};
+  if (IsAdministration()) words.insert(words.end(), {"FEATURES_", "CUSTOMS_"});
+  words.emplace_back("FONTS_");
+  return words;
+}
+
+std::vector<const char *> OptionsHelp() {
+  std::vector<const char *> blocks = {"KPX_OPTIONS_TAB_BEGIN"};
+  if (CurrentLanguage() == "text") blocks.push_back("KPX_MULTIPLE_UP_BEGIN");
+  return blocks;
+}
+
+// The help blocks of a page, without those that all pages share.
+std::vector<const char *> PageHelp(int page) {
+  const bool administration = IsAdministration();
+  switch (page) {
+    case 0:
+      if (administration) return {"KPX_ADMIN_GEN_TAB_BEGIN", "KPX_ABOUT_BTN_BEGIN"};
+      return {"KPX_TOOL_GEN_TAB_BEGIN", "KPX_TOOL_GEN_TAB_FTRS_BEGIN", "KPX_ABOUT_BTN_BEGIN"};
+    case 1:
+      return {administration ? "KPX_ADMIN_SETUP_TAB_BEGIN" : "KPX_TOOL_SETUP_TAB_BEGIN"};
+    case 2:
+      return {"KPX_OUTPUT_TAB_BEGIN"};
+    case 3:
+      return OptionsHelp();
+    case 4:
+      return {"KPX_DESTINATION_TAB_BEGIN"};
+    case 5:
+      return {administration ? "KPX_ADMIN_FEATURES_TAB_BEGIN" : "KPX_FONTS_TAB_BEGIN"};
+    case 6:
+      return {"KPX_ADMIN_CUSTOMS_TAB_BEGIN"};
+    default:
+      return {"KPX_FONTS_TAB_BEGIN"};
+  }
+}
+
+}  // namespace
+
+void getPrinterModel(const char *printer_name) {
+  const LogScope log("getPrinterModel");
+  if (printer_name == nullptr) return;
+  for (const ModelRow &row : L_Models) {
+    if (!std::string_view(printer_name).starts_with(row.prefix)) continue;
+    G_PrinterModel = row.model;
+    return;
+  }
+}
+
+std::string SelectedQueueName(const CList *selections) {
+  for (const CSelection *record : Elements<CSelection>(selections)) {
+    if (fIsSelected_CSelection_Function(record) == 0) continue;
+    const char *name = fGet_CSelection_Value_Function(record);
+    return name == nullptr ? "" : name;
+  }
+  return "";
+}
+
+bool OpenProperties(const std::string &queue_name, std::string *error) {
+  const LogScope log("OpenProperties");
+  error->clear();
+  const CPrintQueue *queue = HashValue<CPrintQueue>(G_Queues_hash, queue_name.c_str());
+  if (queue == nullptr) return false;
+  if (TextOf(fGet_Language_Function(queue)) == "text" && !HasFonts()) {
+    *error = G_Translate("ERR_NO_FONT");
+    return false;
+  }
+  const std::string printer_name = TextOf(fGet_PrinterName_Function(queue));
+  getPrinterModel(printer_name.c_str());
+  Owned<CPrintQueue> copy = CloneOf(queue);
+  if (copy == nullptr) G_Fatal(5, "ERR_UNEXPECTED1", {CPrintQueueClassName});
+  CPrinter *printer = HashValue<CPrinter>(G_Printers_hash, printer_name.c_str());
+  if (printer == nullptr) {
+    *error = G_Message("PAFNotFoundError", {PafNameOf(queue)});
+    return false;
+  }
+  SetCurrentPrinter(printer);
+  SetCurrentQueue(CreateStringWithValue(queue_name.c_str()), std::move(copy));
+  AddDefaultSettings();
+  return true;
+}
+
+void CloseProperties() {
+  const LogScope log("CloseProperties");
+  SetCurrentQueue(nullptr, nullptr);
+  SetCurrentPrinter(nullptr);
+}
+
+void AddDefaultSettings() {
+  const LogScope log("AddDefaultSettings");
+  AddMissingDefaults(G_PrinterFeatures_hash, G_QueueFeatures_hash, "*PageRegion");
+  AddMissingDefaults(G_PrinterInstallableOptions_hash, G_QueueInstallableOptions_hash,
+                     "*InstalledMemory");
+}
+
+void RemoveDefaultSettings() {
+  const LogScope log("RemoveDefaultSettings");
+  const CHash *kept = nullptr;
+  if (G_ProgName == kModePrintTool) {
+    const char *name = fGet_CString_Value_Function(G_CurrentQueue_name.get());
+    kept = fGet_Options_Function(HashValue<CPrintQueue>(G_OrgQueues_hash, name));
+  }
+  RemoveDefaults(G_PrinterFeatures_hash, G_QueueFeatures_hash, kept);
+  RemoveDefaults(G_PrinterInstallableOptions_hash, G_QueueInstallableOptions_hash, nullptr);
+}
+
+std::string CurrentLanguage() { return TextOf(fGet_Language_Function(G_CurrentQueue.get())); }
+
+void RemoveMultipleUpSettings() {
+  for (const char *key : {"*Nup", "*NupOrder", "*Booklet"}) HashRemove(G_QueueFeatures_hash, key);
+}
+
+void PutBackForPrinting(int copies) {
+  SetQueueValue(G_QueueFeatures_hash, "*NrCopies", std::to_string(copies));
+  const std::string name = TextOf(G_CurrentQueue_name.get());
+  HashRemove(G_Queues_hash, name.c_str());
+  HashPut(G_Queues_hash, name.c_str(), CloneOf(G_CurrentQueue.get()));
+}
+
+IdentityFault CheckIdentity(const QueueIdentity &identity) {
+  const LogScope log("CheckIdentity");
+  if (identity.name.empty()) return IdentityFault::kNoName;
+  const Owned<CList> further_names = CreateList();
+  if (G_CheckUniqueQueueName(identity.name.c_str(), further_names.get()) == 0) {
+    return IdentityFault::kNameTaken;
+  }
+  if (identity.transport != G_Translate(L_Transport)) return IdentityFault::kTransport;
+  return identity.address.empty() ? IdentityFault::kNoAddress : IdentityFault::kNone;
+}
+
+const char *WarningKey(IdentityFault fault) {
+  switch (fault) {
+    case IdentityFault::kNoName:
+      return "KPXadminWarn003";
+    case IdentityFault::kNameTaken:
+      return "KPXadminWarn004";
+    case IdentityFault::kNoAddress:
+      return "KPXadminWarn002";
+    case IdentityFault::kNone:
+    case IdentityFault::kTransport:
+      break;
+  }
+  return nullptr;
+}
+
+void PutBackIdentity(const QueueIdentity &identity) {
+  CPrintQueue *queue = G_CurrentQueue.get();
+  fSet_AddressType_Function(queue, CreateStringWithValue(L_Transport).get());
+  fSet_Address_Function(queue, CreateStringWithValue(identity.address.c_str()).get());
+  fSet_DefFile_Function(queue, CreateStringWithValue((identity.name + ".def").c_str()).get());
+  G_CurrentQueue_name = CreateStringWithValue(identity.name.c_str());
+  HashPut(G_Queues_hash, identity.name.c_str(), CloneOf(queue));
+}
+
+std::string PropertiesTitleKey(int page) {
+  const std::vector<std::string> words = PageWords();
+  if (page < 0 || static_cast<size_t>(page) >= words.size()) return "";
+  const std::string program = IsAdministration() ? "ADMIN_" : "TOOL_";
+  return "DEF_WND_" + program + "PROP_" + words[static_cast<size_t>(page)] + "TITLE";
+}
+
+std::string PropertiesHelp(int page) {
+  std::vector<const char *> blocks = PageHelp(page);
+  if (page != 0 && page != 6) blocks.push_back("KPX_PROPERTIES_DEFAULTS_BUTTON_BEGIN");
+  blocks.push_back("KPX_PROPERTIES_BUTTONS_BEGIN");
+  std::string help;
+  for (const char *block : blocks) help += fGetHelp_Function(G_Help.get(), block);
+  return std::string(Utf8Prefix(help, L_HelpBuffer));
+}
