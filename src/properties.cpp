@@ -12,6 +12,7 @@
 #include "cselection.h"
 #include "debug.h"
 #include "globals.h"
+#include "optionlists.h"
 #include "optionstate.h"
 #include "queuenames.h"
 #include "textencoding.h"
@@ -175,6 +176,16 @@ void RemoveDefaultSettings() {
   }
   RemoveDefaults(G_PrinterFeatures_hash, G_QueueFeatures_hash, kept);
   RemoveDefaults(G_PrinterInstallableOptions_hash, G_QueueInstallableOptions_hash, nullptr);
+}
+
+DefaultResult SetToDefault(const char *feature) {
+  const char *usual =
+      fGet_CString_Value_Function(G_GetPPDDefaultOptionForFeature(G_PrinterFeatures_hash, feature));
+  if (usual == nullptr) return DefaultResult::kNoDefault;
+  const char *value = HashText(G_QueueFeatures_hash, feature);
+  if (value != nullptr && std::string_view(value) == usual) return DefaultResult::kSame;
+  SetQueueValue(G_QueueFeatures_hash, feature, usual);
+  return DefaultResult::kChanged;
 }
 
 std::string CurrentLanguage() { return TextOf(fGet_Language_Function(G_CurrentQueue.get())); }

@@ -31,6 +31,10 @@ void AddDefaultSettings();
 // the administrator has set stays.
 void RemoveDefaultSettings();
 
+// Sets the work copy's value of the feature to the printer's default.
+enum class DefaultResult { kSame, kChanged, kNoDefault };
+DefaultResult SetToDefault(const char *feature);
+
 // The queue's language: "postscript", "text", "pcl6" or "raw"; empty while no queue is current.
 std::string CurrentLanguage();
 

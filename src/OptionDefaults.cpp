@@ -1,0 +1,56 @@
+#include "OptionDefaults.h"
+
+#include <cstring>
+#include <string>
+
+#include "OptionCombos.h"
+#include "PropertiesWindow.h"
+#include "Support.h"
+#include "debug.h"
+#include "properties.h"
+
+OptionTab NewOptionTab(const char *name) {
+  GtkWidget *page = gtk_box_new(GTK_ORIENTATION_VERTICAL, kTabSpacing);
+  gtk_container_set_border_width(GTK_CONTAINER(page), kTabBorder);
+  StoreWidget(G_PropertiesWindow_helper->window, page, name);
+  GtkWidget *grid = gtk_grid_new();
+  gtk_grid_set_row_spacing(GTK_GRID(grid), kTabSpacing);
+  gtk_grid_set_column_spacing(GTK_GRID(grid), kTabSpacing);
+  gtk_box_pack_start(GTK_BOX(page), grid, FALSE, FALSE, 0);
+  return {page, grid};
+}
+
+void AddDefaultsButton(const OptionTab &tab, const char *name, void (*pressed)()) {
+  GtkWidget *window = G_PropertiesWindow_helper->window;
+  GtkWidget *box = gtk_button_box_new(GTK_ORIENTATION_HORIZONTAL);
+  gtk_button_box_set_layout(GTK_BUTTON_BOX(box), GTK_BUTTONBOX_END);
+  gtk_box_pack_end(GTK_BOX(tab.page), box, FALSE, FALSE, 0);
+  NewButton(window, box, name, "DEF_BTN_DEFAULTS_TITLE", pressed);
+  gtk_widget_show_all(tab.page);
+}
+
+DefaultsResult SetToDefaults(const std::vector<DefaultRow> &rows) {
+  DefaultsResult result = DefaultsResult::kSame;
+  for (const DefaultRow &row : rows) {
+    const DefaultResult one = SetToDefault(row.feature);
+    if (one == DefaultResult::kNoDefault) {
+      Log(1, std::string("Unable to load the default option for ") + row.log_name);
+      return DefaultsResult::kStopped;
+    }
+    if (one == DefaultResult::kSame) continue;
+    result = DefaultsResult::kChanged;
+    RedrawOptionPicture(row.feature);
+    if (std::strcmp(row.feature, "*Orientation") != 0) continue;
+    // These show how the sheet lies.
+    RedrawOptionPicture("*StapleLocation");
+    RedrawOptionPicture("*Punch");
+  }
+  return result;
+}
+
+void RefillAfterDefaults() {
+  G_FillAllComboWithOptions();
+  if (G_OptionChangeHooks.refill_installables != nullptr) {
+    G_OptionChangeHooks.refill_installables();
+  }
+}

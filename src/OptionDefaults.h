@@ -1,0 +1,36 @@
+// What the tabs of option rows share: their frame, and their Defaults button.
+
+#pragma once
+
+#include <gtk/gtk.h>
+
+#include <vector>
+
+inline constexpr int kTabBorder = 10;  // pixels
+inline constexpr int kTabSpacing = 8;
+
+struct OptionTab {
+  GtkWidget *page;  // vertical box; stored on the properties window
+  GtkWidget *grid;  // at its top; for AddOptionRow
+};
+
+// An empty page whose box is stored as `name`.
+OptionTab NewOptionTab(const char *name);
+
+// A Defaults button stored as `name` at the foot of the page. Shows all of the page, so it comes
+// last.
+void AddDefaultsButton(const OptionTab &tab, const char *name, void (*pressed)());
+
+struct DefaultRow {
+  const char *feature;
+  const char *log_name;  // what the log calls it
+};
+
+enum class DefaultsResult { kSame, kChanged, kStopped };
+
+// Sets the features to the printer's defaults, in order, each with its picture; a feature without a
+// default ends it there with a line in the log.
+DefaultsResult SetToDefaults(const std::vector<DefaultRow> &rows);
+
+// Refills every option list and the lists of installable options.
+void RefillAfterDefaults();

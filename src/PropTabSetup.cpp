@@ -1,0 +1,76 @@
+#include "PropTabSetup.h"
+
+#include <cstdlib>
+#include <string>
+
+#include "OptionCombos.h"
+#include "OptionDefaults.h"
+#include "PropertiesWindow.h"
+#include "Support.h"
+#include "cmessages.h"
+#include "debug.h"
+#include "globals.h"
+#include "optionstate.h"
+
+std::unique_ptr<PropTabSetupHelper> G_PropTabSetup_helper;
+
+namespace {
+
+constexpr int L_MostCopies = 32767;
+
+void AddCopiesRow(GtkWidget *window, GtkGrid *grid, int row) {
+  GtkWidget *spin = gtk_spin_button_new_with_range(1, L_MostCopies, 1);
+  StoreWidget(window, spin, "NrCopiesSpinbutton");
+  gtk_spin_button_set_increments(GTK_SPIN_BUTTON(spin), 1, 10);
+  gtk_spin_button_set_numeric(GTK_SPIN_BUTTON(spin), TRUE);
+  const int copies = std::atoi(QueueFeatureValue("*NrCopies").c_str());
+  gtk_spin_button_set_value(GTK_SPIN_BUTTON(spin), copies);
+  G_PropTabSetup_helper->copies = spin;
+
+  GtkWidget *box = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, kTabSpacing);
+  gtk_box_pack_start(GTK_BOX(box), spin, FALSE, FALSE, 0);
+  gtk_box_pack_start(GTK_BOX(box), NewLabel(window, "NrCopiesRangeLabel", "( 1 - 32767 )", nullptr),
+                     FALSE, FALSE, 0);
+  gtk_grid_attach(grid, NewLabel(window, "NrCopiesLabel", G_Translate("DEF_LBL_COPIES"), spin), 0,
+                  row, 1, 1);
+  gtk_grid_attach(grid, box, 1, row, 1, 1);
+}
+
+}  // namespace
+
+void create_PropTabSetup() {
+  const LogScope log("create_PropTabSetup");
+  G_PropTabSetup_helper = std::make_unique<PropTabSetupHelper>();
+  GtkWidget *window = G_PropertiesWindow_helper->window;
+  const OptionTab tab = NewOptionTab("SetupVbox");
+  GtkGrid *grid = GTK_GRID(tab.grid);
+  AddOptionRow(window, grid, 0, "*PageSize", "DEF_LBL_PAPERSIZE", true);
+  AddOptionRow(window, grid, 1, "*MediaType", "DEF_LBL_PAPERTYPE", true);
+  AddOptionRow(window, grid, 2, "*InputSlot", "DEF_LBL_PAPERSOURCE", true);
+  AddOptionRow(window, grid, 3, "*Collate", "DEF_LBL_COLLATE", true);
+  AddOptionRow(window, grid, 4, "*Duplex", "DEF_LBL_DUPLEX", true);
+  AddCopiesRow(window, grid, 5);
+  AddDefaultsButton(tab, "DefaultSetupButton", ButtonSetupDefaultsPressed);
+  AppendPropertiesTab(tab.page, "SetupLabel", "DEF_TAB_SETUP");
+}
+
+void ButtonSetupDefaultsPressed() {
+  const LogScope log("ButtonSetupDefaultsPressed");
+  const DefaultsResult result = SetToDefaults({{"*PageSize", "Paper size"},
+                                               {"*MediaType", "Paper type"},
+                                               {"*InputSlot", "Paper source"},
+                                               {"*Collate", "Collation"},
+                                               {"*Duplex", "Duplex"}});
+  if (result == DefaultsResult::kStopped) return;
+  if (result == DefaultsResult::kChanged) RefillAfterDefaults();
+  if (G_ProgName == kModePrintTool) {
+    gtk_spin_button_set_value(GTK_SPIN_BUTTON(G_PropTabSetup_helper->copies), 1);
+  }
+}
+
+int CopiesOfSetupTab() {
+  auto *spin = GTK_SPIN_BUTTON(G_PropTabSetup_helper->copies);
+  // What is still being typed counts too.
+  gtk_spin_button_update(spin);
+  return gtk_spin_button_get_value_as_int(spin);
+}

@@ -1,0 +1,153 @@
+#include "PropertiesWindow.h"
+
+#include <algorithm>
+#include <string>
+
+#include "AdminWindow.h"
+#include "ComboWidget.h"
+#include "MessageDialogs.h"
+#include "PropTabCustoms.h"
+#include "PropTabDestination.h"
+#include "PropTabFeatures.h"
+#include "PropTabGeneral.h"
+#include "PropTabOptions.h"
+#include "PropTabOutput.h"
+#include "PropTabSetup.h"
+#include "PropTabTextOptions.h"
+#include "PropertiesWindowFct.h"
+#include "Support.h"
+#include "ToolWindow.h"
+#include "cmessages.h"
+#include "conflictresolution.h"
+#include "debug.h"
+#include "globals.h"
+#include "printcommand.h"
+#include "properties.h"
+
+std::unique_ptr<PropertiesWindowHelper> G_PropertiesWindow_helper;
+
+namespace {
+
+constexpr int L_Border = 8;
+constexpr int L_Spacing = 8;
+// The largest size in which the window opens, in pixels; a smaller screen than that is not met.
+constexpr int L_LargestWidth = 1000;
+constexpr int L_LargestHeight = 700;
+
+// The queue that the program's main window is on; empty without one.
+std::string ChosenQueueName() {
+  if (G_ProgName == kModeAdministration) return SelectedQueueName(G_QueuesSelections.get());
+  if (G_ProgName == kModePrintTool) {
+    return QueueNameFromEntry(ComboText(G_QueuesWindow_helper->queue_combo));
+  }
+  return "";
+}
+
+void AddTabs() {
+  const bool administration = G_ProgName == kModeAdministration;
+  if (administration) {
+    create_PropTabGenAdmin();
+  } else {
+    create_PropTabGenTool();
+  }
+  create_PropTabSetup();
+  create_PropTabOutput();
+  create_PropTabOptions();
+  create_PropTabDestination();
+  if (administration) {
+    create_PropTabFeatures();
+    create_PropTabCustoms();
+  }
+  create_PropTabTextOptions();
+}
+
+void AddPropertiesButtons(PropertiesWindowHelper &helper, GtkWidget *parent) {
+  GtkWidget *window = helper.window;
+  GtkWidget *box = NewButtonBox(window, GTK_ORIENTATION_HORIZONTAL, "PropertiesHbuttonbox");
+  gtk_box_pack_end(GTK_BOX(parent), box, FALSE, FALSE, 0);
+  helper.ok_button =
+      NewButton(window, box, "OKButton", "DEF_BTN_OK_TITLE", ButtonOKPropertiesPressed);
+  GtkWidget *cancel =
+      NewButton(window, box, "CancelButton", "DEF_BTN_CANCEL_TITLE", ButtonCancelPropertiesPressed);
+  helper.apply_button =
+      NewButton(window, box, "ApplyButton", "DEF_BTN_APPLY_TITLE", ButtonApplyPropertiesPressed);
+  GtkWidget *help =
+      NewButton(window, box, "HelpButton", "DEF_BTN_HELP_TITLE", ButtonHelpPropertiesPressed);
+  for (GtkWidget *button : {helper.ok_button, cancel, helper.apply_button, help}) {
+    gtk_widget_set_can_default(button, TRUE);
+  }
+  AddReturnAccelerator(window, helper.ok_button);
+  AddAccelerator(window, cancel, GDK_KEY_Escape);
+  AddAccelerator(window, help, GDK_KEY_F1);
+}
+
+// As large as the largest page wants to be, within what every screen has.
+void SetSize(GtkWidget *window) {
+  GtkRequisition natural;
+  gtk_widget_get_preferred_size(gtk_bin_get_child(GTK_BIN(window)), nullptr, &natural);
+  gtk_window_set_default_size(GTK_WINDOW(window), std::min(natural.width, L_LargestWidth),
+                              std::min(natural.height, L_LargestHeight));
+}
+
+}  // namespace
+
+GtkWidget *create_PropertiesWindow() {
+  const LogScope log("create_PropertiesWindow");
+  std::string error;
+  if (!OpenProperties(ChosenQueueName(), &error)) {
+    if (!error.empty()) gtk_widget_show(create_ErrorWindow(nullptr, error));
+    return nullptr;
+  }
+  ForgetUserChoices();
+  G_PropertiesWindow_helper = std::make_unique<PropertiesWindowHelper>();
+  PropertiesWindowHelper &helper = *G_PropertiesWindow_helper;
+  helper.window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+  StoreWidget(helper.window, helper.window, "PropertiesWindow");
+  MakeModal(helper.window);
+  OnDeleteEvent(helper.window, ButtonCancelPropertiesPressed);
+
+  GtkWidget *box = gtk_box_new(GTK_ORIENTATION_VERTICAL, L_Spacing);
+  gtk_container_set_border_width(GTK_CONTAINER(box), L_Border);
+  gtk_container_add(GTK_CONTAINER(helper.window),
+                    StoreWidget(helper.window, box, "PropertiesVbox"));
+  helper.notebook = StoreWidget(helper.window, gtk_notebook_new(), "PropertiesNotebook");
+  gtk_notebook_set_scrollable(GTK_NOTEBOOK(helper.notebook), TRUE);
+  gtk_container_set_border_width(GTK_CONTAINER(helper.notebook), L_Border);
+  gtk_box_pack_start(GTK_BOX(box), helper.notebook, TRUE, TRUE, 0);
+  AddPropertiesButtons(helper, box);
+  AddTabs();
+  g_signal_connect(helper.notebook, "switch-page", G_CALLBACK(SwitchPageProperties), nullptr);
+  SwitchPageProperties(GTK_NOTEBOOK(helper.notebook), nullptr, 0, nullptr);
+  gtk_widget_show(helper.notebook);
+  gtk_widget_show_all(gtk_widget_get_parent(helper.ok_button));
+  gtk_widget_show(box);
+  SetSize(helper.window);
+  return helper.window;
+}
+
+void AppendPropertiesTab(GtkWidget *page, const char *label_name, const char *label_key) {
+  const PropertiesWindowHelper &helper = *G_PropertiesWindow_helper;
+  GtkWidget *scrolled = gtk_scrolled_window_new(nullptr, nullptr);
+  gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_AUTOMATIC,
+                                 GTK_POLICY_AUTOMATIC);
+  gtk_scrolled_window_set_propagate_natural_width(GTK_SCROLLED_WINDOW(scrolled), TRUE);
+  gtk_scrolled_window_set_propagate_natural_height(GTK_SCROLLED_WINDOW(scrolled), TRUE);
+  gtk_container_add(GTK_CONTAINER(scrolled), page);
+  gtk_widget_show(gtk_bin_get_child(GTK_BIN(scrolled)));
+  gtk_widget_show(page);
+  gtk_widget_show(scrolled);
+  GtkWidget *label = NewLabel(helper.window, label_name, G_Translate(label_key), nullptr);
+  gtk_notebook_append_page(GTK_NOTEBOOK(helper.notebook), scrolled, label);
+}
+
+void FocusInProperties(GtkWidget *widget) {
+  if (widget == nullptr || G_PropertiesWindow_helper == nullptr) return;
+  auto *notebook = GTK_NOTEBOOK(G_PropertiesWindow_helper->notebook);
+  for (int page = 0; page < gtk_notebook_get_n_pages(notebook); ++page) {
+    if (gtk_widget_is_ancestor(widget, gtk_notebook_get_nth_page(notebook, page)) == FALSE) {
+      continue;
+    }
+    gtk_notebook_set_current_page(notebook, page);
+  }
+  gtk_widget_grab_focus(widget);
+}
