@@ -5,6 +5,8 @@
 namespace {
 
 constexpr std::string_view L_Digits = "0123456789";
+constexpr std::string_view L_NotInJobTexts = "'=,";
+constexpr std::string_view L_NotInEmailAddresses = "/\\,;:'`=";
 
 // All the sets are ASCII, so no byte of a longer UTF-8 sequence is ever taken for a member.
 std::string Without(std::string_view text, std::string_view left_out) {
@@ -41,3 +43,17 @@ bool QueueNameDeletionAllowed(std::string_view text, int start, int end) {
 }
 
 std::string FilterAddress(std::string_view inserted) { return Without(inserted, " "); }
+
+std::string FilterDigits(std::string_view inserted) {
+  std::string kept;
+  for (const char c : inserted) {
+    if (L_Digits.find(c) != std::string_view::npos) kept += c;
+  }
+  return kept;
+}
+
+std::string FilterJobText(std::string_view inserted) { return Without(inserted, L_NotInJobTexts); }
+
+std::string FilterEmailAddress(std::string_view inserted) {
+  return Without(inserted, L_NotInEmailAddresses);
+}

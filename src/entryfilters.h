@@ -1,4 +1,4 @@
-// What the entries for queue name and network address let in. Positions and lengths are in
+// What the filtered entries of the windows let in. Positions and lengths are in
 // characters, texts are UTF-8.
 #pragma once
 
@@ -15,3 +15,12 @@ bool QueueNameDeletionAllowed(std::string_view text, int start, int end);
 
 // `inserted` without blanks.
 std::string FilterAddress(std::string_view inserted);
+
+// The digits of `inserted`, for PIN and font size.
+std::string FilterDigits(std::string_view inserted);
+
+// `inserted` without apostrophes, equals signs and commas, for job name, user name and message.
+std::string FilterJobText(std::string_view inserted);
+
+// `inserted` without the characters that no e-mail address here may hold.
+std::string FilterEmailAddress(std::string_view inserted);

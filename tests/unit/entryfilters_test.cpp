@@ -1,4 +1,4 @@
-// What the entries for queue name and network address let in.
+// What the filtered entries let in.
 #include "entryfilters.h"
 
 #include <gtest/gtest.h>
@@ -43,6 +43,23 @@ TEST(QueueNameDeletion, CountsCharactersNotBytes) {
 TEST(FilterAddress, LeavesOutBlanksAlone) {
   EXPECT_EQ(FilterAddress(" 10.0.0.7 "), "10.0.0.7");
   EXPECT_EQ(FilterAddress("printer-1.example;`$"), "printer-1.example;`$");
+}
+
+TEST(FilterDigits, KeepsDigitsAlone) {
+  EXPECT_EQ(FilterDigits("0123456789"), "0123456789");
+  EXPECT_EQ(FilterDigits("9a9 -+.,"), "99");
+  EXPECT_EQ(FilterDigits("\u0663\u00b2"), "") << "digits of other scripts are none";
+}
+
+TEST(FilterJobText, LeavesOutApostrophesEqualsSignsAndCommas) {
+  EXPECT_EQ(FilterJobText("it's a=b, c"), "its ab c");
+  EXPECT_EQ(FilterJobText("',='"), "");
+  EXPECT_EQ(FilterJobText("B\u00fcro/\\;:`\"#*@ 5"), "B\u00fcro/\\;:`\"#*@ 5");
+}
+
+TEST(FilterEmailAddress, LeavesOutWhatNoAddressHolds) {
+  EXPECT_EQ(FilterEmailAddress("a/b\\c,d;e:f'g`h=i"), "abcdefghi");
+  EXPECT_EQ(FilterEmailAddress("\u00e4.b+c_d@e-f.gh i@j.kl"), "\u00e4.b+c_d@e-f.gh i@j.kl");
 }
 
 }  // namespace

@@ -1,0 +1,57 @@
+#include "textoptions.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "debug.h"
+#include "fontmap.h"
+#include "globals.h"
+#include "optionstate.h"
+
+namespace {
+
+constexpr char L_FontName[] = "*FontName";
+constexpr char L_FontSize[] = "*FontSize";
+constexpr long L_SmallestSize = 4;
+constexpr long L_LargestSize = 72;
+
+std::string ValueOr(const char *feature, const char *otherwise) {
+  const char *value = HashText(G_QueueFeatures_hash, feature);
+  return value == nullptr ? otherwise : value;
+}
+
+}  // namespace
+
+std::vector<std::string> FontNames() {
+  const Owned<CList> fonts = GetAllFontGuiName();
+  std::vector<std::string> names;
+  for (const CString *font : Elements<CString>(fonts.get())) {
+    names.emplace_back(fGet_CString_Value_Function(font));
+  }
+  return names;
+}
+
+std::vector<std::string> FontStyles(const std::string &font) {
+  std::vector<std::string> names;
+  const CHash *styles = HashValue<CHash>(G_Fonts_hash.get(), font.c_str());
+  for (const auto [style, afm_name] : Pairs<CString>(styles)) names.emplace_back(style);
+  return names;
+}
+
+std::string WantedFontName() { return ValueOr(L_FontName, kDefaultFontName); }
+
+std::string WantedFontSize() { return ValueOr(L_FontSize, kDefaultFontSize); }
+
+std::string ClampedFontSize(const std::string &text) {
+  const long size = std::strtol(text.c_str(), nullptr, 10);
+  return std::to_string(std::clamp(size, L_SmallestSize, L_LargestSize));
+}
+
+bool StoreTextOptions(const std::string &font, const std::string &style, const std::string &size) {
+  const LogScope log("StoreTextOptions");
+  const char *afm_name = GetAfmFontName(font.c_str(), style.c_str());
+  if (afm_name == nullptr) return false;
+  SetQueueValue(G_QueueFeatures_hash, L_FontName, afm_name);
+  SetQueueValue(G_QueueFeatures_hash, L_FontSize, size);
+  return true;
+}
