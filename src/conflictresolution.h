@@ -16,6 +16,7 @@ void ForgetUserChoices();
 struct ResolvedConflict {
   std::string feature;
   std::string option;  // the feature's new value
+  bool operator==(const ResolvedConflict &other) const = default;
 };
 
 // Sets one of the two settings to a value that conflicts with nothing the queue has set: the

@@ -47,6 +47,7 @@ struct SettingsConflict {
   std::string option1;
   std::string feature2;
   std::string option2;
+  bool operator==(const SettingsConflict &other) const = default;
 };
 
 // The first setting of `settings` (the queue's features or installable options), in the
