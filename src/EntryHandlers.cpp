@@ -8,10 +8,6 @@
 
 namespace {
 
-std::string_view Inserted(const gchar *text, gint length) {
-  return length < 0 ? std::string_view(text) : std::string_view(text, static_cast<size_t>(length));
-}
-
 // Carries a deletion out in place of the emission that `handler` was called for.
 void DeleteInstead(GtkEditable *entry, GCallback handler, bool allowed, gint start, gint end,
                    gpointer data) {
@@ -29,6 +25,10 @@ std::string EntryText(GtkWidget *window, const char *name) {
 
 }  // namespace
 
+std::string_view InsertedText(const gchar *text, gint length) {
+  return length < 0 ? std::string_view(text) : std::string_view(text, static_cast<size_t>(length));
+}
+
 void InsertFiltered(GtkEditable *entry, GCallback handler, const std::string &filtered,
                     gint *position, gpointer data) {
   const auto function = reinterpret_cast<gpointer>(handler);
@@ -42,7 +42,7 @@ void G_QueueNameEntryText(GtkEditable *entry, const gchar *text, gint length, gi
                           gpointer data) {
   const LogScope log("G_QueueNameEntryText");
   InsertFiltered(entry, G_CALLBACK(G_QueueNameEntryText),
-                 FilterQueueName(Inserted(text, length), *position), position, data);
+                 FilterQueueName(InsertedText(text, length), *position), position, data);
   G_Toggle_Ok_Apply_Sensitivity();
 }
 
@@ -55,7 +55,7 @@ void G_QueueNameDeleteText(GtkEditable *entry, gint start, gint end, gpointer da
 void G_IPAddressEntryText(GtkEditable *entry, const gchar *text, gint length, gint *position,
                           gpointer data) {
   const LogScope log("G_IPAddressEntryText");
-  InsertFiltered(entry, G_CALLBACK(G_IPAddressEntryText), FilterAddress(Inserted(text, length)),
+  InsertFiltered(entry, G_CALLBACK(G_IPAddressEntryText), FilterAddress(InsertedText(text, length)),
                  position, data);
   G_Toggle_Ok_Apply_Sensitivity();
 }

@@ -4,6 +4,10 @@
 #include <gtk/gtk.h>
 
 #include <string>
+#include <string_view>
+
+// What an "insert-text" handler was called with; a negative length means up to the NUL.
+std::string_view InsertedText(const gchar *text, gint length);
 
 // Replaces the insertion that `handler`, running for "insert-text", was called for by that of
 // `filtered`.

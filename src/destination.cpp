@@ -8,6 +8,7 @@
 #include "emailaddress.h"
 #include "optionlists.h"
 #include "optionstate.h"
+#include "properties.h"
 #include "utils.h"
 
 namespace {
@@ -77,16 +78,12 @@ bool StoreNotification(DestinationEntries &entries) {
 
 // False without a default.
 bool SetDefault(const char *feature, const char *called, bool *changed) {
-  const char *usual =
-      fGet_CString_Value_Function(G_GetPPDDefaultOptionForFeature(G_PrinterFeatures_hash, feature));
-  if (usual == nullptr) {
+  const DefaultResult result = SetToDefault(feature);
+  if (result == DefaultResult::kNoDefault) {
     Log(1, std::string("Unable to load the default option for ") + called);
     return false;
   }
-  const char *value = HashText(G_QueueFeatures_hash, feature);
-  if (value != nullptr && std::string_view(value) == usual) return true;
-  Store(feature, usual);
-  *changed = true;
+  if (result == DefaultResult::kChanged) *changed = true;
   return true;
 }
 

@@ -1,0 +1,215 @@
+#include "PropTabDestination.h"
+
+#include <string>
+
+#include "EntryHandlers.h"
+#include "OptionCombos.h"
+#include "OptionDefaults.h"
+#include "PropertiesWindow.h"
+#include "Support.h"
+#include "cmessages.h"
+#include "debug.h"
+#include "entryfilters.h"
+
+std::unique_ptr<PropTabDestinationHelper> G_PropTabDestination_helper;
+
+namespace {
+
+using Helper = PropTabDestinationHelper;
+
+constexpr int L_PinLength = 4;
+
+// A free text: its entry, what it is limited to, and the feature that holds it.
+struct TextField {
+  GtkWidget *Helper::*entry;
+  const char *name;
+  const char *label_name;
+  const char *label_key;
+  const char *feature;
+  int max_length;  // characters
+  void (*filter)(GtkEditable *, const gchar *, gint, gint *, gpointer);
+};
+
+constexpr TextField L_JobName = {&Helper::job_name,         "JobNameEntry", "JobNameLabel",
+                                 "DEF_LBL_JOBNAME",         "*JobName",     80,
+                                 Job_User_Message_EntryText};
+constexpr TextField L_UserName = {&Helper::user_name,        "UserNameEntry", "UserNameLabel",
+                                  "DEF_LBL_USERNAME",        "*UserName",     16,
+                                  Job_User_Message_EntryText};
+constexpr TextField L_Pin = {&Helper::pin,   "PinEntry",  "PinLabel",  "DEF_LBL_PIN",
+                             "*DeliveryPIN", L_PinLength, PinEntryText};
+constexpr TextField L_Address = {&Helper::email_address,   "EmailNotifAddressEntry",
+                                 "EmailNotifAddressLabel", "DEF_LBL_ADDRESS",
+                                 "*EmailAddress",          255,
+                                 EmailAddressEntryText};
+constexpr TextField L_Message = {&Helper::email_message,    "EmailNotifMessageEntry",
+                                 "EmailNotifMessageLabel",  "DEF_LBL_MESSAGE",
+                                 "*EmailMessage",           255,
+                                 Job_User_Message_EntryText};
+
+std::string TextIn(GtkWidget *entry) {
+  return entry == nullptr ? "" : gtk_entry_get_text(GTK_ENTRY(entry));
+}
+
+// The one text of an entry that is not typed: a translation may hold what the filter drops.
+void ShowApplicationsJobName(GtkWidget *entry) {
+  const auto filter = reinterpret_cast<gpointer>(Job_User_Message_EntryText);
+  g_signal_handlers_block_by_func(entry, filter, nullptr);
+  gtk_entry_set_text(GTK_ENTRY(entry), DestinationText("*JobName").c_str());
+  g_signal_handlers_unblock_by_func(entry, filter, nullptr);
+}
+
+GtkWidget *NewTextEntry(const TextField &field) {
+  GtkWidget *entry = gtk_entry_new();
+  StoreWidget(G_PropertiesWindow_helper->window, entry, field.name);
+  gtk_entry_set_max_length(GTK_ENTRY(entry), field.max_length);
+  // Of several pasted lines the first: none of these texts can hold a line's end.
+  g_object_set(entry, "truncate-multiline", TRUE, nullptr);
+  g_signal_connect(entry, "insert-text", G_CALLBACK(field.filter), nullptr);
+  FillDestinationTextEntry(entry, field.feature);
+  *G_PropTabDestination_helper.*field.entry = entry;
+  return entry;
+}
+
+// Attaches a row of the field's label and `content`, its entry or what that stands in.
+void AttachRow(GtkGrid *grid, int row, const TextField &field, GtkWidget *content) {
+  GtkWidget *label =
+      NewLabel(G_PropertiesWindow_helper->window, field.label_name, G_Translate(field.label_key),
+               *G_PropTabDestination_helper.*field.entry);
+  gtk_widget_set_hexpand(content, TRUE);
+  gtk_grid_attach(grid, label, 0, row, 1, 1);
+  gtk_grid_attach(grid, content, 1, row, 1, 1);
+}
+
+void AddTextRow(GtkGrid *grid, int row, const TextField &field) {
+  AttachRow(grid, row, field, NewTextEntry(field));
+}
+
+void AddPinRow(GtkGrid *grid, int row) {
+  GtkWidget *entry = NewTextEntry(L_Pin);
+  gtk_entry_set_width_chars(GTK_ENTRY(entry), L_PinLength + 2);
+  gtk_entry_set_input_purpose(GTK_ENTRY(entry), GTK_INPUT_PURPOSE_DIGITS);
+  GtkWidget *range =
+      NewLabel(G_PropertiesWindow_helper->window, "PinRangeLabel", "( 0000 - 9999 )", nullptr);
+  atk_object_add_relationship(gtk_widget_get_accessible(entry), ATK_RELATION_DESCRIBED_BY,
+                              gtk_widget_get_accessible(range));
+  GtkWidget *box = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, kTabSpacing);
+  gtk_box_pack_start(GTK_BOX(box), entry, FALSE, FALSE, 0);
+  gtk_box_pack_start(GTK_BOX(box), range, FALSE, FALSE, 0);
+  AttachRow(grid, row, L_Pin, box);
+}
+
+void SetSensitive(const char *option, bool (*counts)(const std::string &),
+                  std::initializer_list<GtkWidget *> entries) {
+  const bool sensitive = option != nullptr && counts(option);
+  for (GtkWidget *entry : entries) gtk_widget_set_sensitive(entry, sensitive ? TRUE : FALSE);
+}
+
+void DeliveryShown(const char *option) {
+  if (G_PropTabDestination_helper == nullptr) return;
+  SetSensitive(option, TakesPin, {G_PropTabDestination_helper->pin});
+}
+
+void NotificationShown(const char *option) {
+  if (G_PropTabDestination_helper == nullptr) return;
+  const Helper &helper = *G_PropTabDestination_helper;
+  SetSensitive(option, Notifies, {helper.email_address, helper.email_message});
+}
+
+// The rows of job and delivery. What depends on a list is made before the list, which makes it
+// sensitive when the printer has the feature.
+void AddJobRows(GtkGrid *grid) {
+  AddTextRow(grid, 0, L_JobName);
+  AddTextRow(grid, 1, L_UserName);
+  AddPinRow(grid, 3);
+  DeliveryShown(nullptr);
+  AddOptionRow(G_PropertiesWindow_helper->window, grid, 2, "*Delivery", "DEF_LBL_DELIVERY", false);
+}
+
+GtkWidget *NewNotificationFrame() {
+  GtkWidget *window = G_PropertiesWindow_helper->window;
+  GtkWidget *frame = gtk_frame_new(G_Translate("DEF_LBL_EMAILNOTIF_TITLE"));
+  StoreWidget(window, frame, "EmailNotifFrame");
+  GtkWidget *grid = gtk_grid_new();
+  gtk_container_set_border_width(GTK_CONTAINER(grid), kTabSpacing);
+  gtk_grid_set_row_spacing(GTK_GRID(grid), kTabSpacing);
+  gtk_grid_set_column_spacing(GTK_GRID(grid), kTabSpacing);
+  gtk_container_add(GTK_CONTAINER(frame), grid);
+  AddTextRow(GTK_GRID(grid), 1, L_Address);
+  AddTextRow(GTK_GRID(grid), 2, L_Message);
+  NotificationShown(nullptr);
+  AddOptionRow(window, GTK_GRID(grid), 0, "*EmailNotification", "DEF_LBL_EMAILTYPE", false);
+  return frame;
+}
+
+}  // namespace
+
+void create_PropTabDestination() {
+  const LogScope log("create_PropTabDestination");
+  G_PropTabDestination_helper = std::make_unique<Helper>();
+  G_OptionChangeHooks.delivery_shown = DeliveryShown;
+  G_OptionChangeHooks.notification_shown = NotificationShown;
+  const OptionTab tab = NewOptionTab("DestinationVbox");
+  AddJobRows(GTK_GRID(tab.grid));
+  gtk_box_pack_start(GTK_BOX(tab.page), NewNotificationFrame(), FALSE, FALSE, 0);
+  AddDefaultsButton(tab, "DefaultDestinationButton", ButtonDestinationDefaultsPressed);
+  AppendPropertiesTab(tab.page, "DestinationLabel", "DEF_TAB_DESTINATION");
+}
+
+void FillDestinationTextEntry(GtkWidget *entry, const char *feature) {
+  const LogScope log("FillDestinationTextEntry");
+  if (g_strcmp0(feature, L_JobName.feature) == 0 && UsesApplicationsJobName()) {
+    ShowApplicationsJobName(entry);
+  } else {
+    gtk_entry_set_text(GTK_ENTRY(entry), DestinationText(feature).c_str());
+  }
+}
+
+void PinEntryText(GtkEditable *entry, const gchar *text, gint length, gint *position,
+                  gpointer data) {
+  const LogScope log("PinEntryText");
+  InsertFiltered(entry, G_CALLBACK(PinEntryText), FilterDigits(InsertedText(text, length)),
+                 position, data);
+}
+
+void Job_User_Message_EntryText(GtkEditable *entry, const gchar *text, gint length, gint *position,
+                                gpointer data) {
+  const LogScope log("Job_User_Message_EntryText");
+  InsertFiltered(entry, G_CALLBACK(Job_User_Message_EntryText),
+                 FilterJobText(InsertedText(text, length)), position, data);
+}
+
+void EmailAddressEntryText(GtkEditable *entry, const gchar *text, gint length, gint *position,
+                           gpointer data) {
+  const LogScope log("EmailAddressEntryText");
+  InsertFiltered(entry, G_CALLBACK(EmailAddressEntryText),
+                 FilterEmailAddress(InsertedText(text, length)), position, data);
+}
+
+void ButtonDestinationDefaultsPressed() {
+  const LogScope log("ButtonDestinationDefaultsPressed");
+  bool changed = false;
+  const bool complete = SetDestinationDefaults(&changed);
+  // Also when it stopped half-way: the lists show what is set.
+  if (changed) G_FillAllComboWithOptions();
+  if (!complete) return;
+  // Kept on purpose: the PIN's entry keeps its text.
+  for (const TextField &field : {L_JobName, L_UserName, L_Address, L_Message}) {
+    FillDestinationTextEntry(*G_PropTabDestination_helper.*field.entry, field.feature);
+  }
+}
+
+DestinationEntries ReadDestinationEntries() {
+  const Helper &helper = *G_PropTabDestination_helper;
+  return {TextIn(helper.job_name),
+          TextIn(helper.user_name),
+          TextIn(OptionComboEntry("*Delivery")),
+          TextIn(helper.pin),
+          TextIn(OptionComboEntry("*EmailNotification")),
+          TextIn(helper.email_address),
+          TextIn(helper.email_message)};
+}
+
+void FocusPinEntry() { FocusInProperties(G_PropTabDestination_helper->pin); }
+
+void FocusEmailEntry() { FocusInProperties(G_PropTabDestination_helper->email_address); }

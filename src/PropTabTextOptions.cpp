@@ -1,0 +1,163 @@
+#include "PropTabTextOptions.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "ComboWidget.h"
+#include "EntryHandlers.h"
+#include "OptionDefaults.h"
+#include "PropertiesWindow.h"
+#include "Support.h"
+#include "cmessages.h"
+#include "debug.h"
+#include "entryfilters.h"
+#include "fontmap.h"
+#include "properties.h"
+#include "textoptions.h"
+
+std::unique_ptr<PropTabTextOptionsHelper> G_PropTabTextOptions_helper;
+
+namespace {
+
+constexpr int L_SizeWidth = 4;  // characters
+
+GtkWidget *EntryOf(GtkWidget *combo) { return gtk_bin_get_child(GTK_BIN(combo)); }
+
+// The row that is `text`, or -1.
+int RowOf(const std::vector<std::string> &texts, const std::string &text) {
+  const auto found = std::find(texts.begin(), texts.end(), text);
+  return found == texts.end() ? -1 : static_cast<int>(found - texts.begin());
+}
+
+std::vector<std::string> Sizes() { return {kFontSizes.begin(), kFontSizes.end()}; }
+
+void ShowSize(const std::string &size) {
+  GtkWidget *combo = G_PropTabTextOptions_helper->size;
+  const int row = RowOf(Sizes(), size);
+  ComboSetRow(combo, row);
+  if (row < 0) gtk_entry_set_text(GTK_ENTRY(EntryOf(combo)), size.c_str());
+}
+
+// Shows `font`, which must be one of the list, and `style`.
+void ShowFontAndStyle(const std::string &font, const std::string &style) {
+  const PropTabTextOptionsHelper &helper = *G_PropTabTextOptions_helper;
+  if (!font.empty()) ComboSetRow(helper.font, RowOf(FontNames(), font));
+  if (FillFontStyleComboBox(font) == 0 || style.empty()) return;
+  ComboSetRow(helper.style, RowOf(FontStyles(font), style));
+}
+
+GtkWidget *AddCombo(GtkGrid *grid, int row, const std::string &name, const char *label_key,
+                    void (*changed)()) {
+  GtkWidget *window = G_PropertiesWindow_helper->window;
+  GtkWidget *combo =
+      NewCombo(window, (name + "Combo").c_str(), (name + "ComboEntry").c_str(), changed);
+  GtkWidget *label = NewLabel(window, (name + "Label").c_str(), G_Translate(label_key), combo);
+  gtk_widget_set_hexpand(combo, TRUE);
+  gtk_grid_attach(grid, label, 0, row, 1, 1);
+  gtk_grid_attach(grid, combo, 1, row, 1, 1);
+  return combo;
+}
+
+void MakeSizeEditable(GtkWidget *combo) {
+  GtkWidget *entry = EntryOf(combo);
+  gtk_editable_set_editable(GTK_EDITABLE(entry), TRUE);
+  gtk_entry_set_width_chars(GTK_ENTRY(entry), L_SizeWidth);
+  gtk_widget_set_halign(combo, GTK_ALIGN_START);
+  g_signal_connect(entry, "insert-text", G_CALLBACK(FontSize_EntryText), nullptr);
+  g_signal_connect(entry, "focus-out-event", G_CALLBACK(FontSizeEntryFocusOut), nullptr);
+}
+
+}  // namespace
+
+void create_PropTabTextOptions() {
+  const LogScope log("create_PropTabTextOptions");
+  G_PropTabTextOptions_helper = std::make_unique<PropTabTextOptionsHelper>();
+  PropTabTextOptionsHelper &helper = *G_PropTabTextOptions_helper;
+  const OptionTab tab = NewOptionTab("TextVbox");
+  StoreWidget(G_PropertiesWindow_helper->window, tab.grid, "DataTextVbox");
+  GtkGrid *grid = GTK_GRID(tab.grid);
+  helper.font = AddCombo(grid, 0, "FontName", "DEF_LBL_FONT", FontComboBoxOptionChanged);
+  helper.style = AddCombo(grid, 1, "FontStyle", "DEF_LBL_STYLE", nullptr);
+  helper.size = AddCombo(grid, 2, "FontSize", "DEF_LBL_SIZE", nullptr);
+  MakeSizeEditable(helper.size);
+  FillFontComboBox();
+  FillFontSizeComboBox();
+  AddDefaultsButton(tab, "DefaultTextButton", ButtonTextDefaultsPressed);
+  AppendPropertiesTab(tab.page, "FontsLabel", "DEF_TAB_FONTS");
+  // The page stays, since the pages are known by their numbers.
+  if (CurrentLanguage() != "text") {
+    gtk_widget_set_no_show_all(tab.page, TRUE);
+    gtk_widget_hide(tab.page);
+  }
+}
+
+void FillFontComboBox() {
+  const LogScope log("FillFontComboBox");
+  GtkWidget *combo = G_PropTabTextOptions_helper->font;
+  ComboFill(combo, FontNames());
+  ComboSetRow(combo, FontNames().empty() ? -1 : 0);
+  std::string font;
+  std::string style;
+  if (GetGuiFont(WantedFontName().c_str(), &font, &style) == 0) font = ComboText(combo);
+  ShowFontAndStyle(font, style);
+}
+
+int FillFontStyleComboBox(const std::string &font) {
+  const LogScope log("FillFontStyleComboBox");
+  const std::vector<std::string> styles = FontStyles(font);
+  if (styles.empty()) return 0;
+  GtkWidget *combo = G_PropTabTextOptions_helper->style;
+  const int same = RowOf(styles, ComboText(combo));
+  ComboFill(combo, styles);
+  ComboSetRow(combo, std::max(same, 0));
+  return 1;
+}
+
+void FillFontSizeComboBox() {
+  const LogScope log("FillFontSizeComboBox");
+  ComboFill(G_PropTabTextOptions_helper->size, Sizes());
+  ShowSize(WantedFontSize());
+}
+
+void FontComboBoxOptionChanged() {
+  const LogScope log("FontComboBoxOptionChanged");
+  FillFontStyleComboBox(ComboText(G_PropTabTextOptions_helper->font));
+}
+
+void FontSize_EntryText(GtkEditable *entry, const gchar *text, gint length, gint *position,
+                        gpointer data) {
+  const LogScope log("FontSize_EntryText");
+  InsertFiltered(entry, G_CALLBACK(FontSize_EntryText), FilterDigits(InsertedText(text, length)),
+                 position, data);
+}
+
+gboolean FontSizeEntryFocusOut(GtkWidget *entry, GdkEventFocus *, gpointer) {
+  const LogScope log("FontSizeEntryFocusOut");
+  const std::string size = gtk_entry_get_text(GTK_ENTRY(entry));
+  const std::string clamped = ClampedFontSize(size);
+  if (size != clamped) gtk_entry_set_text(GTK_ENTRY(entry), clamped.c_str());
+  return FALSE;
+}
+
+void ButtonTextDefaultsPressed() {
+  const LogScope log("ButtonTextDefaultsPressed");
+  std::string font;
+  std::string style;
+  GetGuiFont(kDefaultFontName, &font, &style);
+  ShowFontAndStyle(font, style);
+  ShowSize(kDefaultFontSize);
+}
+
+int G_GetAndSaveUserDataPropTabText() {
+  const LogScope log("G_GetAndSaveUserDataPropTabText");
+  const PropTabTextOptionsHelper &helper = *G_PropTabTextOptions_helper;
+  const bool stored =
+      StoreTextOptions(ComboText(helper.font), ComboText(helper.style), ComboText(helper.size));
+  return stored ? 1 : 0;
+}
+
+void FocusFontEntry() {
+  const PropTabTextOptionsHelper &helper = *G_PropTabTextOptions_helper;
+  const bool font_is_known = !FontStyles(ComboText(helper.font)).empty();
+  FocusInProperties(EntryOf(font_is_known ? helper.style : helper.font));
+}
