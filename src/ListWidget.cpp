@@ -10,8 +10,8 @@ namespace {
 
 constexpr char L_StateKey[] = "kpx-list-state";
 
-// Model columns: the datum, then the texts.
-enum { kDataColumn = 0, kFirstTextColumn = 1 };
+// Model columns: the datum, the tooltip's markup, then the texts.
+enum { kDataColumn = 0, kTipColumn = 1, kFirstTextColumn = 2 };
 
 // Rows by their identity; the iterators of a list store stay good as long as the row is there.
 using RowSet = std::map<gpointer, GtkTreeIter>;
@@ -164,6 +164,15 @@ int ListAppend(GtkWidget *list, const std::vector<std::string> &cells, gpointer 
     gtk_list_store_set(store, &iter, kFirstTextColumn + static_cast<int>(i), cells[i].c_str(), -1);
   }
   return row;
+}
+
+void ListSetTip(GtkWidget *list, int row, const std::string &tip) {
+  GtkTreeIter iter;
+  if (!RowIter(list, row, &iter)) return;
+  gchar *markup = tip.empty() ? nullptr : g_markup_escape_text(tip.c_str(), -1);
+  gtk_list_store_set(StateOf(list)->store, &iter, kTipColumn, markup, -1);
+  g_free(markup);
+  if (!tip.empty()) gtk_tree_view_set_tooltip_column(GTK_TREE_VIEW(list), kTipColumn);
 }
 
 void ListRemove(GtkWidget *list, int row) {

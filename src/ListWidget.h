@@ -26,6 +26,9 @@ void ListOnSelection(GtkWidget *list, ListRowHandler selected, ListRowHandler un
 // never touched.
 int ListAppend(GtkWidget *list, const std::vector<std::string> &cells, gpointer data);
 
+// The row's tooltip; none for an empty text and at first. Out of range: nothing.
+void ListSetTip(GtkWidget *list, int row, const std::string &tip);
+
 // Removes the row; when it was selected, the unselection is reported first. Out of range: nothing.
 void ListRemove(GtkWidget *list, int row);
 
