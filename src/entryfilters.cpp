@@ -7,6 +7,9 @@ namespace {
 constexpr std::string_view L_Digits = "0123456789";
 constexpr std::string_view L_NotInJobTexts = "'=,";
 constexpr std::string_view L_NotInEmailAddresses = "/\\,;:'`=";
+constexpr std::string_view L_NotInPaperNames = "'=,!@#$%^&*()-_+[]{}:;\"\\|,.<>/? ";
+// Kept on purpose: an underscore is allowed here alone, a back quote and a tilde are not.
+constexpr std::string_view L_NotInMediaNames = "'=,!@#$%^&*()+-[]{}\":;.<>?/\\|`~ ";
 
 // All the sets are ASCII, so no byte of a longer UTF-8 sequence is ever taken for a member.
 std::string Without(std::string_view text, std::string_view left_out) {
@@ -56,4 +59,12 @@ std::string FilterJobText(std::string_view inserted) { return Without(inserted, 
 
 std::string FilterEmailAddress(std::string_view inserted) {
   return Without(inserted, L_NotInEmailAddresses);
+}
+
+std::string FilterCustomPaperName(std::string_view inserted) {
+  return Without(inserted, L_NotInPaperNames);
+}
+
+std::string FilterCustomMediaName(std::string_view inserted) {
+  return Without(inserted, L_NotInMediaNames);
 }

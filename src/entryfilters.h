@@ -24,3 +24,8 @@ std::string FilterJobText(std::string_view inserted);
 
 // `inserted` without the characters that no e-mail address here may hold.
 std::string FilterEmailAddress(std::string_view inserted);
+
+// `inserted` without the characters that a custom paper's, or a custom media type's, name may not
+// hold. The two sets differ on purpose.
+std::string FilterCustomPaperName(std::string_view inserted);
+std::string FilterCustomMediaName(std::string_view inserted);
