@@ -55,6 +55,7 @@ SettingsSnapshot::SettingsSnapshot() {
     const char *value = fGet_CString_Value_Function(option);
     if (value != nullptr && !IsExemptFeature(feature)) settings_.push_back({feature, value});
   }
+  const size_t feature_count = settings_.size();
   for (const auto [feature, option] : Pairs<CString>(G_QueueInstallableOptions_hash)) {
     const char *value = fGet_CString_Value_Function(option);
     if (value != nullptr) settings_.push_back({feature, value});
@@ -62,7 +63,10 @@ SettingsSnapshot::SettingsSnapshot() {
   first_conflict_.assign(ChoiceCount(), settings_.size());
   // Backwards, so that of several settings the first one stays.
   for (size_t i = settings_.size(); i-- > 0;) {
-    const ComparedChoice compared = AsCompared(settings_[i].feature, settings_[i].option);
+    const Setting &setting = settings_[i];
+    const ComparedChoice compared = i < feature_count
+                                        ? AsCompared(setting.feature, setting.option)
+                                        : ComparedChoice{setting.feature, setting.option};
     const std::optional<ChoiceId> choice = FindChoice(compared.feature, compared.option);
     if (!choice) continue;
     for (const ChoiceId partner : PartnersOf(*choice)) first_conflict_[partner] = i;

@@ -1,0 +1,164 @@
+// The rows of the lists of installable options.
+#include "installables.h"
+
+#include <gtest/gtest.h>
+
+#include "coresupport.h"
+#include "debug.h"
+#include "optionsupport.h"
+
+namespace {
+
+using Strings = std::vector<std::string>;
+
+class Installables : public testing::Test {
+ protected:
+  Installables() : messages_("#CONSTR_Reason\nreason <%s> <%s>\n") {}
+
+  void Punch() {
+    options_.Installable(
+        {"*OptionPunch",
+         "None",
+         {{"None", "No unit"}, {"Punch2Hole", "Two holes"}, {"Punch3Hole", "Three holes"}}});
+  }
+  void Feeder(const char *usual = "False") {
+    options_.Installable({"*OptionHCF",
+                          usual,
+                          {{"True", "Fitted"}, {"False", "Missing"}},
+                          "Boolean",
+                          "High-capacity feeder"});
+  }
+
+  // "+" for an installed row, "-" for another, then its text; on models like the window shows them.
+  static Strings Rows() {
+    Strings rows;
+    for (const InstallableRow &row : InstallableRows()) {
+      rows.push_back((row.is_installed ? "+" : "-") + row.text);
+    }
+    return rows;
+  }
+
+  ProgramMessages messages_;
+  CurrentOptions options_;
+};
+
+TEST_F(Installables, MemoryAloneGivesEmptyLists) {
+  options_.Installable({"*InstalledMemory", "64Meg", {{"64Meg", "64 MB"}, {"128Meg", "128 MB"}}});
+  options_.SetInstalled("*InstalledMemory", "128Meg");
+  EXPECT_EQ(Rows(), Strings{});
+}
+
+TEST_F(Installables, WithoutPrinterTheListsAreEmpty) {
+  SetCurrentPrinter(nullptr);
+  EXPECT_EQ(Rows(), Strings{});
+}
+
+TEST_F(Installables, TheInstalledPunchUnitIsInOneListTheOtherInTheOther) {
+  Punch();
+  options_.SetInstalled("*OptionPunch", "Punch2Hole");
+  EXPECT_EQ(Rows(), (Strings{"+    Two holes", "-    Three holes"}));
+}
+
+TEST_F(Installables, WithoutPunchUnitBothAreAvailable) {
+  Punch();
+  options_.SetInstalled("*OptionPunch", "None");
+  EXPECT_EQ(Rows(), (Strings{"-    Two holes", "-    Three holes"}));
+}
+
+TEST_F(Installables, AnUnknownValueOfAChoiceInstallsNone) {
+  Punch();
+  options_.SetInstalled("*OptionPunch", "Punch9Hole");
+  EXPECT_EQ(Rows(), (Strings{"-    Two holes", "-    Three holes"}));
+}
+
+TEST_F(Installables, ABooleanIsOneRowWithTheTextOfTheFeature) {
+  Feeder();
+  options_.SetInstalled("*OptionHCF", "True");
+  EXPECT_EQ(Rows(), (Strings{"+    High-capacity feeder"}));
+  options_.SetInstalled("*OptionHCF", "False");
+  EXPECT_EQ(Rows(), (Strings{"-    High-capacity feeder"}));
+}
+
+TEST_F(Installables, ABooleanWithAnyOtherValueIsInNeitherList) {
+  Feeder();
+  for (const char *value : {"", "None", "true", "TRUE", "Maybe"}) {
+    options_.SetInstalled("*OptionHCF", value);
+    EXPECT_EQ(Rows(), Strings{}) << value;
+  }
+}
+
+TEST_F(Installables, AnOptionThatTheQueueLacksHasItsDefaultAndIsLogged) {
+  Feeder("True");
+  G_DebugLevel = 4;
+  testing::internal::CaptureStderr();
+  const Strings rows = Rows();
+  const std::string log = testing::internal::GetCapturedStderr();
+  G_DebugLevel = 0;
+  EXPECT_EQ(rows, (Strings{"+    High-capacity feeder"}));
+  EXPECT_NE(
+      log.find("The feature >>*OptionHCF<< was not founded in G_QueueInstallableOptions_hash"),
+      std::string::npos)
+      << log;
+  EXPECT_EQ(HashFind(G_QueueInstallableOptions_hash, "*OptionHCF"), nullptr);
+}
+
+TEST_F(Installables, RowsComeInTheOrderOfTheOptionsAndKnowWhoseTheyAre) {
+  Punch();
+  Feeder();
+  Strings features;
+  for (const InstallableRow &row : InstallableRows()) features.push_back(row.feature);
+  EXPECT_EQ(features, (Strings{"*OptionHCF", "*OptionPunch", "*OptionPunch"}));
+}
+
+TEST_F(Installables, EveryRowOfAnOptionHasTheMarkOfTheQueuesValue) {
+  Punch();
+  options_.Feature({"*PageSize", "A4", {{"A4", "A4 sheet"}}});
+  options_.Forbid("*OptionPunch", "Punch2Hole", "*PageSize", "A4");
+  options_.Set("*PageSize", "A4");
+  options_.SetInstalled("*OptionPunch", "Punch2Hole");
+  EXPECT_EQ(Rows(), (Strings{"+!   Two holes", "-!   Three holes"}));
+  for (const InstallableRow &row : InstallableRows()) {
+    EXPECT_EQ(row.reason, "reason <Two holes> <A4 sheet>");
+  }
+}
+
+TEST_F(Installables, ARowIsFreeThoughInstallingItWouldConflict) {
+  Punch();
+  options_.Forbid("*OptionPunch", "Punch2Hole", "*PageSize", "A4");
+  options_.Set("*PageSize", "A4");
+  options_.SetInstalled("*OptionPunch", "None");
+  EXPECT_EQ(Rows(), (Strings{"-    Two holes", "-    Three holes"}));
+  EXPECT_EQ(InstallableRows()[0].reason, "");
+}
+
+TEST_F(Installables, TheDefaultIsMarkedLikeAValueOfTheQueue) {
+  Feeder();
+  options_.Forbid("*OptionHCF", "False", "*InputSlot", "HCF");
+  options_.Set("*InputSlot", "HCF");
+  EXPECT_EQ(Rows(), (Strings{"-!   High-capacity feeder"}));
+}
+
+TEST_F(Installables, AnInstallableOptionConflictsWithAnother) {
+  Feeder();
+  options_.Forbid("*OptionHCF", "True", "*OptionBypassTray", "True");
+  options_.SetInstalled("*OptionHCF", "True");
+  options_.SetInstalled("*OptionBypassTray", "True");
+  EXPECT_EQ(Rows(), (Strings{"+!   High-capacity feeder"}));
+}
+
+TEST_F(Installables, ValuesThatInstallAndRemove) {
+  Feeder();
+  Punch();
+  options_.Installable({"*OptionTrays", "Two", {{"Two", "Two trays"}, {"Four", "Four trays"}}});
+  EXPECT_EQ(ValueThatInstalls("*OptionHCF", "High-capacity feeder"), "True");
+  EXPECT_EQ(ValueThatRemoves("*OptionHCF", "High-capacity feeder"), "False");
+  EXPECT_EQ(ValueThatInstalls("*OptionPunch", "Three holes"), "Punch3Hole");
+  EXPECT_EQ(ValueThatRemoves("*OptionPunch", "Three holes"), "None");
+  EXPECT_EQ(ValueThatInstalls("*OptionTrays", "Four trays"), "Four");
+  EXPECT_EQ(ValueThatRemoves("*OptionTrays", "Four trays"), "Two");
+  EXPECT_EQ(ValueThatInstalls("*OptionPunch", "Nine holes"), "");
+  EXPECT_EQ(ValueThatInstalls("*Unknown", "Nine holes"), "");
+  EXPECT_EQ(ValueThatRemoves("*Unknown", "Nine holes"), "");
+}
+
+}  // namespace
