@@ -4,3 +4,5 @@ kpx_add_test(NAME options LIBS kpx_core LABEL unit
           unit/optionchange_test.cpp unit/installables_test.cpp)
 kpx_add_test(NAME pixmap_names LIBS kpx_core LABEL unit SANDBOX bare
   SOURCES unit/pixmapnames_test.cpp)
+kpx_add_test(NAME constraints_property LIBS kpx_core LABEL unit
+  SOURCES unit/constraints_property_test.cpp)
