@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "RowTips.h"
 #include "Support.h"
 #include "optionlists.h"
 
@@ -84,7 +85,9 @@ int RowForKey(GtkWidget *combo, const GdkEventKey *key, int row) {
   return -1;
 }
 
-gboolean ChooseByLetter(GtkWidget *, GdkEventKey *key, gpointer combo) {
+gboolean ChooseByLetter(GtkWidget *entry, GdkEventKey *key, gpointer combo) {
+  // What is typed into an editable entry is its text.
+  if (gtk_editable_get_editable(GTK_EDITABLE(entry)) != FALSE) return FALSE;
   const int row = RowForKey(GTK_WIDGET(combo), key, ChosenRow(GTK_WIDGET(combo)));
   if (row < 0) return FALSE;
   gtk_combo_box_set_active(GTK_COMBO_BOX(combo), row);
@@ -115,22 +118,21 @@ void PreparePopUp(GtkComboBox *combo, GParamSpec *, gpointer data) {
                         : nullptr;
   if (!GTK_IS_TREE_VIEW(list) || list == state->pop_up) return;
   state->pop_up = list;
-  gtk_tree_view_set_tooltip_column(GTK_TREE_VIEW(list), kTipColumn);
+  ShowRowTips(GTK_TREE_VIEW(list), kTipColumn);
   g_signal_connect(list, "key-press-event", G_CALLBACK(HighlightByLetter), combo);
 }
 
+const char *TipOrNull(const ComboRow &row) { return row.tip.empty() ? nullptr : row.tip.c_str(); }
+
 void WriteRow(ComboState *state, GtkTreeIter *iter, const ComboRow &row) {
-  gchar *markup = row.tip.empty() ? nullptr : g_markup_escape_text(row.tip.c_str(), -1);
-  gtk_list_store_set(state->store, iter, kTextColumn, row.text.c_str(), kTipColumn, markup, -1);
-  g_free(markup);
+  gtk_list_store_set(state->store, iter, kTextColumn, row.text.c_str(), kTipColumn, TipOrNull(row),
+                     -1);
 }
 
 void AppendRow(ComboState *state, const ComboRow &row) {
-  gchar *markup = row.tip.empty() ? nullptr : g_markup_escape_text(row.tip.c_str(), -1);
   GtkTreeIter iter;
   gtk_list_store_insert_with_values(state->store, &iter, -1, kTextColumn, row.text.c_str(),
-                                    kTipColumn, markup, -1);
-  g_free(markup);
+                                    kTipColumn, TipOrNull(row), -1);
   state->iters.push_back(iter);
 }
 
@@ -158,6 +160,11 @@ GtkWidget *NewCombo(GtkWidget *window, const char *combo_name, const char *entry
   state->changed = std::move(changed);
   state->store = gtk_list_store_new(kColumns, G_TYPE_STRING, G_TYPE_STRING, G_TYPE_STRING);
   gtk_combo_box_set_model(GTK_COMBO_BOX(combo), GTK_TREE_MODEL(state->store));
+  GtkCellRenderer *renderer = NewTipRenderer();
+  gtk_cell_layout_clear(GTK_CELL_LAYOUT(combo));
+  gtk_cell_layout_pack_start(GTK_CELL_LAYOUT(combo), renderer, TRUE);
+  gtk_cell_layout_set_attributes(GTK_CELL_LAYOUT(combo), renderer, "text", kTextColumn, "tip",
+                                 kTipColumn, nullptr);
   GtkWidget *entry = EntryOf(combo);
   gtk_editable_set_editable(GTK_EDITABLE(entry), FALSE);
   // So that the wheel works over the entry too, not only over the arrow.

@@ -4,13 +4,14 @@
 #include <map>
 #include <memory>
 
+#include "RowTips.h"
 #include "cmessages.h"
 
 namespace {
 
 constexpr char L_StateKey[] = "kpx-list-state";
 
-// Model columns: the datum, the tooltip's markup, then the texts.
+// Model columns: the datum, the tooltip, then the texts.
 enum { kDataColumn = 0, kTipColumn = 1, kFirstTextColumn = 2 };
 
 // Rows by their identity; the iterators of a list store stay good as long as the row is there.
@@ -41,6 +42,14 @@ GtkTreeSelection *SelectionOf(GtkWidget *list) {
 
 bool RowIter(GtkWidget *list, int row, GtkTreeIter *iter) {
   return row >= 0 && gtk_tree_model_iter_nth_child(ModelOf(list), iter, nullptr, row) != FALSE;
+}
+
+std::string TextAt(GtkWidget *list, GtkTreeIter *iter, int model_column) {
+  gchar *text = nullptr;
+  gtk_tree_model_get(ModelOf(list), iter, model_column, &text, -1);
+  const std::string result = text == nullptr ? "" : text;
+  g_free(text);
+  return result;
 }
 
 void AddToRowSet(GtkTreeModel *, GtkTreePath *, GtkTreeIter *iter, gpointer data) {
@@ -120,10 +129,10 @@ GtkListStore *NewStore(size_t text_columns) {
 }
 
 void AddColumn(GtkWidget *list, const ListColumn &column, int number) {
-  GtkCellRenderer *renderer = gtk_cell_renderer_text_new();
+  GtkCellRenderer *renderer = NewTipRenderer();
   const char *title = column.title_key == nullptr ? "" : G_Translate(column.title_key);
   GtkTreeViewColumn *view = gtk_tree_view_column_new_with_attributes(
-      title, renderer, "text", kFirstTextColumn + number, nullptr);
+      title, renderer, "text", kFirstTextColumn + number, "tip", kTipColumn, nullptr);
   gtk_tree_view_column_set_resizable(view, TRUE);
   if (column.width > 0) gtk_tree_view_column_set_min_width(view, column.width);
   gtk_tree_view_append_column(GTK_TREE_VIEW(list), view);
@@ -139,6 +148,7 @@ GtkWidget *NewList(const std::vector<ListColumn> &columns, GtkSelectionMode mode
   gtk_tree_view_set_headers_visible(GTK_TREE_VIEW(list), columns.front().title_key != nullptr);
   gtk_tree_view_set_search_column(GTK_TREE_VIEW(list), kFirstTextColumn);
   for (size_t i = 0; i < columns.size(); ++i) AddColumn(list, columns[i], static_cast<int>(i));
+  ShowRowTips(GTK_TREE_VIEW(list), kTipColumn);
   gtk_tree_selection_set_mode(SelectionOf(list), mode);
   gtk_tree_selection_set_select_function(SelectionOf(list), MaySelectionChange, state.get(),
                                          nullptr);
@@ -169,10 +179,13 @@ int ListAppend(GtkWidget *list, const std::vector<std::string> &cells, gpointer 
 void ListSetTip(GtkWidget *list, int row, const std::string &tip) {
   GtkTreeIter iter;
   if (!RowIter(list, row, &iter)) return;
-  gchar *markup = tip.empty() ? nullptr : g_markup_escape_text(tip.c_str(), -1);
-  gtk_list_store_set(StateOf(list)->store, &iter, kTipColumn, markup, -1);
-  g_free(markup);
-  if (!tip.empty()) gtk_tree_view_set_tooltip_column(GTK_TREE_VIEW(list), kTipColumn);
+  const char *text = tip.empty() ? nullptr : tip.c_str();
+  gtk_list_store_set(StateOf(list)->store, &iter, kTipColumn, text, -1);
+}
+
+std::string ListTip(GtkWidget *list, int row) {
+  GtkTreeIter iter;
+  return RowIter(list, row, &iter) ? TextAt(list, &iter, kTipColumn) : "";
 }
 
 void ListRemove(GtkWidget *list, int row) {
@@ -217,11 +230,7 @@ int ListFindData(GtkWidget *list, gconstpointer data) {
 std::string ListCell(GtkWidget *list, int row, int column) {
   GtkTreeIter iter;
   if (column < 0 || column >= StateOf(list)->text_columns || !RowIter(list, row, &iter)) return "";
-  gchar *text = nullptr;
-  gtk_tree_model_get(ModelOf(list), &iter, kFirstTextColumn + column, &text, -1);
-  const std::string result = text == nullptr ? "" : text;
-  g_free(text);
-  return result;
+  return TextAt(list, &iter, kFirstTextColumn + column);
 }
 
 void ListSelectRow(GtkWidget *list, int row) {

@@ -26,8 +26,10 @@ void ListOnSelection(GtkWidget *list, ListRowHandler selected, ListRowHandler un
 // never touched.
 int ListAppend(GtkWidget *list, const std::vector<std::string> &cells, gpointer data);
 
-// The row's tooltip; none for an empty text and at first. Out of range: nothing.
+// The row's tooltip and accessible description; none for an empty text and at first. Out of range:
+// nothing.
 void ListSetTip(GtkWidget *list, int row, const std::string &tip);
+std::string ListTip(GtkWidget *list, int row);
 
 // Removes the row; when it was selected, the unselection is reported first. Out of range: nothing.
 void ListRemove(GtkWidget *list, int row);

@@ -134,14 +134,14 @@ void AddOptionRow(GtkWidget *window, GtkGrid *grid, int row, const char *feature
   OptionWidgets widgets{listed.feature};
   widgets.combo = NewCombo(window, (name + "Combo").c_str(), (name + "ComboEntry").c_str(),
                            [&listed] { G_ComboBoxOptionChanged(listed.feature); });
-  widgets.entry = lookup_widget(widgets.combo, (name + "ComboEntry").c_str());
+  widgets.entry = lookup_widget(window, (name + "ComboEntry").c_str());
   GtkWidget *label =
       NewLabel(window, (name + "Label").c_str(), G_Translate(label_key), widgets.combo);
   gtk_widget_set_hexpand(widgets.combo, TRUE);
   gtk_widget_set_valign(widgets.combo, GTK_ALIGN_CENTER);
   gtk_grid_attach(grid, label, 0, row, 1, 1);
   gtk_grid_attach(grid, widgets.combo, 1, row, 1, 1);
-  const bool offered = PrinterFeature(feature) != nullptr;
+  const bool offered = HashFind(G_PrinterFeatures_hash, feature) != nullptr;
   if (with_picture) {
     widgets.picture =
         offered ? create_pixmap(window, PictureFor(feature).c_str()) : create_dummy_pixmap(window);
@@ -205,6 +205,6 @@ void G_ComboBoxOptionChanged(const char *feature) {
 
 void RedrawOptionPicture(const char *feature) {
   GtkWidget *picture = OptionPicture(feature);
-  if (picture == nullptr || PrinterFeature(feature) == nullptr) return;
+  if (picture == nullptr || HashFind(G_PrinterFeatures_hash, feature) == nullptr) return;
   change_pixmap(picture, PictureFor(feature).c_str());
 }
