@@ -38,3 +38,18 @@ GtkWidget *AddOkButton(const Dialog &dialog, const char *name, void (*pressed)()
   gtk_widget_show_all(dialog.box);
   return button;
 }
+
+void AddOkCancelHelp(const Dialog &dialog, const char *box_name, const DialogHandlers &handlers) {
+  GtkWidget *window = dialog.window;
+  GtkWidget *box = NewButtonBox(window, GTK_ORIENTATION_HORIZONTAL, box_name);
+  gtk_box_pack_end(GTK_BOX(dialog.box), box, FALSE, FALSE, 0);
+  GtkWidget *ok = NewButton(window, box, "OKButton", "DEF_BTN_OK_TITLE", handlers.ok);
+  GtkWidget *cancel =
+      NewButton(window, box, "CancelButton", "DEF_BTN_CANCEL_TITLE", handlers.cancel);
+  GtkWidget *help = NewButton(window, box, "HelpButton", "DEF_BTN_HELP_TITLE", handlers.help);
+  AddReturnAccelerator(window, ok);
+  AddAccelerator(window, cancel, GDK_KEY_Escape);
+  AddAccelerator(window, help, GDK_KEY_F1);
+  OnDeleteEvent(window, handlers.cancel);
+  gtk_widget_show_all(dialog.box);
+}

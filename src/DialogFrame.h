@@ -14,3 +14,13 @@ Dialog NewDialog(const char *name, const char *title_key);
 // Puts the one button, stored as `name`, below the content and shows the content; Return and Escape
 // press it. A null handler destroys the dialog.
 GtkWidget *AddOkButton(const Dialog &dialog, const char *name, void (*pressed)());
+
+// Puts the buttons "OKButton", "CancelButton" and "HelpButton" below the content, in a box stored
+// as `box_name`, and shows all but the window. Return presses OK, F1 Help; Escape and closing the
+// window press Cancel.
+struct DialogHandlers {
+  void (*ok)();
+  void (*cancel)();
+  void (*help)();
+};
+void AddOkCancelHelp(const Dialog &dialog, const char *box_name, const DialogHandlers &handlers);

@@ -56,3 +56,12 @@ int fSet_Selected_Function(CSelection *record, int flag) {
 }
 
 int fIsSelected_CSelection_Function(const CSelection *record) { return record->selected; }
+
+std::string SelectedText(const CList *selections) {
+  for (const CSelection *record : Elements<CSelection>(selections)) {
+    if (fIsSelected_CSelection_Function(record) == 0) continue;
+    const char *text = fGet_CSelection_Value_Function(record);
+    return text == nullptr ? "" : text;
+  }
+  return "";
+}

@@ -1,6 +1,9 @@
 // CSelection: a text with a selected flag, the record behind a list row.
 #pragma once
 
+#include <string>
+
+#include "clist.h"
 #include "cstring.h"
 
 inline constexpr char CSelectionClassName[] = "CSelection";
@@ -42,3 +45,6 @@ int fSet_Selected_Function(CSelection *record, int flag);
 
 // The flag; `record` must not be null.
 int fIsSelected_CSelection_Function(const CSelection *record);
+
+// The text of the first selected record of `selections`; empty without one.
+std::string SelectedText(const CList *selections);

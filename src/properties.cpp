@@ -121,14 +121,7 @@ void getPrinterModel(const char *printer_name) {
   }
 }
 
-std::string SelectedQueueName(const CList *selections) {
-  for (const CSelection *record : Elements<CSelection>(selections)) {
-    if (fIsSelected_CSelection_Function(record) == 0) continue;
-    const char *name = fGet_CSelection_Value_Function(record);
-    return name == nullptr ? "" : name;
-  }
-  return "";
-}
+std::string SelectedQueueName(const CList *selections) { return SelectedText(selections); }
 
 bool OpenProperties(const std::string &queue_name, std::string *error) {
   const LogScope log("OpenProperties");
