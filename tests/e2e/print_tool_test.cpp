@@ -291,7 +291,7 @@ TEST_F(PrintTool, AWholeFolderIsAddedWithoutTheFoldersBelow) {
   app.Click("AddButton");
   app.WaitWindow("FilesSelectionWindow");
   // A folder's path opens the folder.
-  app.Type(files_.Path("docs/"));
+  TypeLocation(app, files_.Path("docs/"));
   app.Key("Return");
   app.WaitUntil("the folder", [&] { return FilesShown(app).count("below") != 0; });
   app.Click("FolderButton");

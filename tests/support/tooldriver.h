@@ -5,6 +5,10 @@
 
 #include "guiapp.h"
 
+// Types a path into the open file selection and waits until its location entry, which takes a
+// moment to open, holds it.
+void TypeLocation(GuiApp &app, const std::string &path);
+
 // Adds a file through the file selection window, by its path.
 void AddFile(GuiApp &app, const std::string &path);
 
