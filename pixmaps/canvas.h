@@ -1,0 +1,39 @@
+// A drawing surface for one picture.
+
+#pragma once
+
+#include <cairo.h>
+
+#include <memory>
+#include <vector>
+
+// The pixels of a finished picture: 0xRRGGBB, or kTransparent.
+inline constexpr unsigned kTransparent = 0xFF000000;
+
+struct Image {
+  int width = 0;
+  int height = 0;
+  std::vector<unsigned> pixels;  // rows from the top
+};
+
+class Canvas {
+ public:
+  Canvas(int width, int height);
+
+  cairo_t *context() const { return context_.get(); }
+
+  // What was drawn. Pixels are opaque or transparent; around all that is opaque there is a thin
+  // light rim, which sets dark outlines off from a dark background and is not seen on a light one.
+  Image Finish() const;
+
+  // As it is, without rim: 0xAARRGGBB with premultiplied colours. For the contact sheet.
+  cairo_surface_t *surface() const { return surface_.get(); }
+
+ private:
+  struct Destroy {
+    void operator()(cairo_surface_t *surface) const { cairo_surface_destroy(surface); }
+    void operator()(cairo_t *context) const { cairo_destroy(context); }
+  };
+  std::unique_ptr<cairo_surface_t, Destroy> surface_;
+  std::unique_ptr<cairo_t, Destroy> context_;
+};

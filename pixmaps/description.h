@@ -1,0 +1,48 @@
+// The description of the pictures: a text file of pictures, each a list of steps.
+//
+//   # comment                 to the end of the line, where a line begins with it
+//   colour NAME #RGB          a name for a colour
+//   size W H                  size in pixels of the pictures that follow
+//   define NAME ... end       steps to be used again; $1, $2 ... stand for the words of a use
+//   picture NAME ... end      the steps that draw NAME.xpm
+//   use NAME WORD...          in a picture or definition: the steps of an earlier definition
+//
+// Any other line inside "picture" or "define" is a step of the drawing (elements.h).
+
+#pragma once
+
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+struct Step {
+  int line = 0;                    // in the file, from 1
+  std::vector<std::string> words;  // at least one
+};
+
+struct Picture {
+  std::string name;  // without ".xpm"
+  int width = 0;     // pixels
+  int height = 0;
+  std::vector<Step> steps;  // "use" is already replaced
+};
+
+struct Description {
+  std::map<std::string, unsigned> colours;  // 0xRRGGBB
+  std::vector<Picture> pictures;            // in the order of the file
+};
+
+// What is wrong with a description, and in which line.
+class DescriptionError : public std::runtime_error {
+ public:
+  DescriptionError(int line, const std::string &reason)
+      : std::runtime_error("line " + std::to_string(line) + ": " + reason) {}
+};
+
+// Reads a description; throws DescriptionError for one that breaks the rules above, and for a
+// picture or definition of a name that is already there.
+Description ReadDescription(const std::string &text);
+
+// The whole text as a number; throws DescriptionError otherwise.
+double NumberOf(const Step &step, const std::string &word);

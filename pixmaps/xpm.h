@@ -1,0 +1,11 @@
+// The XPM form of a picture.
+
+#pragma once
+
+#include <string>
+
+#include "canvas.h"
+
+// The text of an XPM file, whose C name is made of `name`: characters that cannot stand in one
+// become "_". The same image gives the same text.
+std::string XpmText(const Image &image, const std::string &name);
