@@ -95,7 +95,8 @@ gboolean ChooseByLetter(GtkWidget *entry, GdkEventKey *key, gpointer combo) {
 }
 
 // In the pop-up a letter moves the highlight; Return chooses.
-gboolean HighlightByLetter(GtkWidget *list, GdkEventKey *key, gpointer combo) {
+gboolean HighlightByLetter(GtkWidget *, GdkEventKey *key, gpointer combo) {
+  GtkWidget *list = StateOf(GTK_WIDGET(combo))->pop_up;
   GtkTreePath *path = nullptr;
   gtk_tree_view_get_cursor(GTK_TREE_VIEW(list), &path, nullptr);
   const int from = path == nullptr ? -1 : gtk_tree_path_get_indices(path)[0];
@@ -119,7 +120,8 @@ void PreparePopUp(GtkComboBox *combo, GParamSpec *, gpointer data) {
   if (!GTK_IS_TREE_VIEW(list) || list == state->pop_up) return;
   state->pop_up = list;
   ShowRowTips(GTK_TREE_VIEW(list), kTipColumn);
-  g_signal_connect(list, "key-press-event", G_CALLBACK(HighlightByLetter), combo);
+  g_signal_connect(gtk_widget_get_toplevel(list), "key-press-event", G_CALLBACK(HighlightByLetter),
+                   combo);
 }
 
 const char *TipOrNull(const ComboRow &row) { return row.tip.empty() ? nullptr : row.tip.c_str(); }

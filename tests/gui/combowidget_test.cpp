@@ -118,3 +118,83 @@ TEST_F(ComboWidget, TheEntryCannotBeEdited) {
   RunPending();
   EXPECT_EQ("first", ComboText(combo_));
 }
+
+TEST_F(ComboWidget, OnlyRowsThatDifferAreWritten) {
+  GtkTreeModel *model = gtk_combo_box_get_model(GTK_COMBO_BOX(combo_));
+  static int changed;
+  static int inserted;
+  static int deleted;
+  changed = inserted = deleted = 0;
+  using RowHandler = void (*)(GtkTreeModel *, GtkTreePath *, GtkTreeIter *, gpointer);
+  const RowHandler count_change = [](auto, auto, auto, auto) { ++changed; };
+  const RowHandler count_insertion = [](auto, auto, auto, auto) { ++inserted; };
+  g_signal_connect(model, "row-changed", G_CALLBACK(count_change), nullptr);
+  g_signal_connect(model, "row-inserted", G_CALLBACK(count_insertion), nullptr);
+  g_signal_connect(model, "row-deleted",
+                   G_CALLBACK(+[](GtkTreeModel *, GtkTreePath *, gpointer) { ++deleted; }),
+                   nullptr);
+  ComboFill(combo_, {"first", "second", "third"});
+  EXPECT_EQ(0, changed + inserted + deleted);
+  ComboFillRows(combo_, {{"first", "why"}, {"second"}, {"other"}, {"fourth"}});
+  EXPECT_EQ(2, changed);
+  EXPECT_EQ(1, inserted);
+  EXPECT_EQ(0, deleted);
+  ComboFill(combo_, {"first"});
+  EXPECT_EQ(3, deleted);
+}
+
+TEST_F(ComboWidget, TheChoiceStaysTheRowOfItsNumber) {
+  ComboSetRow(combo_, 1);
+  ComboFill(combo_, {"a", "b", "c"});
+  EXPECT_EQ("second", ComboText(combo_));
+  ComboSetRow(combo_, 1);
+  EXPECT_EQ("b", ComboText(combo_));
+  EXPECT_EQ(0, g_choices);
+}
+
+TEST_F(ComboWidget, AChoiceWhoseRowIsRemovedIsNoChoiceAnyMore) {
+  ComboSetRow(combo_, 2);
+  ComboFill(combo_, {"a", "b"});
+  EXPECT_EQ("third", ComboText(combo_));
+  EXPECT_EQ(-1, gtk_combo_box_get_active(GTK_COMBO_BOX(combo_)));
+  EXPECT_EQ(0, g_choices);
+}
+
+TEST_F(ComboWidget, TheEntryHasTheTooltipOfTheChoice) {
+  GtkWidget *entry = lookup_widget(combo_, "ComboEntry");
+  const auto tip = [&] {
+    gchar *text = gtk_widget_get_tooltip_text(entry);
+    const std::string result = text == nullptr ? "(none)" : text;
+    g_free(text);
+    return result;
+  };
+  EXPECT_EQ("(none)", tip());
+  ComboFillRows(combo_, {{"first", "one & <one>"}, {"second"}, {"third", "three"}});
+  EXPECT_EQ("one & <one>", tip());
+  ComboSetRow(combo_, 1);
+  EXPECT_EQ("(none)", tip());
+  gtk_widget_grab_focus(entry);
+  XInputChord("Down");
+  ASSERT_TRUE(RunUntil([&] { return tip() == "three"; }));
+  ComboForgetRow(combo_);
+  EXPECT_EQ("(none)", tip());
+  EXPECT_EQ("third", ComboText(combo_));
+}
+
+TEST_F(ComboWidget, ALetterChoosesTheNextRowThatBeginsWithIt) {
+  ComboFill(combo_, {"    Tray 1", "!   tray 2", "    Été", "!x", "    "});
+  ComboSetRow(combo_, 1);
+  gtk_widget_grab_focus(lookup_widget(combo_, "ComboEntry"));
+  XInputType("t");
+  ASSERT_TRUE(RunUntil([&] { return ComboText(combo_) == "    Tray 1"; }));
+  XInputType("é");
+  ASSERT_TRUE(RunUntil([&] { return ComboText(combo_) == "    Été"; }));
+  XInputType("!");
+  ASSERT_TRUE(RunUntil([&] { return ComboText(combo_) == "!x"; }));
+  EXPECT_EQ(3, g_choices);
+  XInputChord("ctrl+t");
+  XInputType("q ");
+  RunPending();
+  EXPECT_EQ("!x", ComboText(combo_));
+  EXPECT_EQ(3, g_choices);
+}

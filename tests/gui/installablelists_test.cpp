@@ -119,6 +119,7 @@ TEST_F(InstallableLists, EveryRowOfAConflictingOptionIsMarkedAndSaysWhy) {
   const std::string why =
       ConflictReason({"*OptionFinisher", "False", "*OptionPunch", "Punch2Hole"});
   EXPECT_EQ(why, ListTip(available_, 0));
+  EXPECT_EQ(why, CellDescription(gtk_widget_get_accessible(available_), "!   Finisher"));
   printer_->Install("*OptionFinisher", "True");
   G_FillInstallableCLists();
   EXPECT_EQ("", ListTip(available_, 0));

@@ -244,3 +244,14 @@ TEST_F(ListWidget, TenThousandRowsAreFilledSelectedAndRemovedInReasonableTime) {
   const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
   EXPECT_LT(seconds.count(), 5.0);
 }
+
+TEST_F(ListWidget, ARowHasTheTooltipItWasGivenAndNoOther) {
+  NewShownList(2);
+  ListSetTip(list_, 1, "why <this> & that");
+  ListSetTip(list_, 2, "no such row");
+  EXPECT_EQ("", ListTip(list_, 0));
+  EXPECT_EQ("why <this> & that", ListTip(list_, 1));
+  EXPECT_EQ("", ListTip(list_, 2));
+  ListSetTip(list_, 1, "");
+  EXPECT_EQ("", ListTip(list_, 1));
+}

@@ -254,6 +254,18 @@ TEST_F(OptionChoices, ALetterMovesTheHighlightOfThePopUp) {
   EXPECT_EQ("ARCHB", QueueFeatureValue("*PageSize"));
 }
 
+TEST_F(OptionChoices, AssistiveTechnologyReadsWhyARowOfThePopUpIsMarked) {
+  printer_->Set("*MediaType", "Transparency");
+  ShowRows({"*PageSize"});
+  PopUp("*PageSize");
+  AtkObject *list = gtk_combo_box_get_popup_accessible(GTK_COMBO_BOX(OptionCombo("*PageSize")));
+  const std::string why = ConflictReason({"*PageSize", "A3", "*MediaType", "Transparency"});
+  EXPECT_EQ(why, CellDescription(list, "!   A3"));
+  EXPECT_EQ("", CellDescription(list, "    A4"));
+  XInputChord("Escape");
+  ASSERT_TRUE(RunUntil([&] { return !IsPoppedUp("*PageSize"); }));
+}
+
 TEST_F(OptionChoices, ThePopUpShowsWhyARowIsMarked) {
   printer_->Set("*MediaType", "Transparency");
   ShowRows({"*PageSize"});

@@ -53,6 +53,22 @@ void ClickOn(GtkWidget *widget) {
   RunPending();
 }
 
+std::string CellDescription(AtkObject *list, const std::string &text) {
+  std::string result = "(no cell)";
+  const int children = atk_object_get_n_accessible_children(list);
+  for (int i = 0; i < children; ++i) {
+    AtkObject *cell = atk_object_ref_accessible_child(list, i);
+    if (cell == nullptr) continue;
+    const char *name = atk_object_get_name(cell);
+    if (name != nullptr && name == text) {
+      const char *description = atk_object_get_description(cell);
+      result = description == nullptr ? "" : description;
+    }
+    g_object_unref(cell);
+  }
+  return result;
+}
+
 std::string TextOf(GtkWidget *text_view) {
   GtkTextBuffer *buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(text_view));
   GtkTextIter start;

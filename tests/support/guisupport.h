@@ -32,6 +32,10 @@ void Drag(GtkWidget *from, GtkWidget *to);
 // Gives the top-level window of `widget` the input focus.
 void FocusWindowOf(GtkWidget *widget);
 
+// The description that assistive technology reads of the cell with that text; "(no cell)" without
+// it.
+std::string CellDescription(AtkObject *list, const std::string &text);
+
 // What a text area shows.
 std::string TextOf(GtkWidget *text_view);
 
