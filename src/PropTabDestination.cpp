@@ -1,5 +1,6 @@
 #include "PropTabDestination.h"
 
+#include <algorithm>
 #include <string>
 
 #include "EntryHandlers.h"
@@ -18,6 +19,7 @@ namespace {
 using Helper = PropTabDestinationHelper;
 
 constexpr int L_PinLength = 4;
+constexpr int L_TextWidth = 32;  // characters that are seen at once, at least
 
 // A free text: its entry, what it is limited to, and the feature that holds it.
 struct TextField {
@@ -82,7 +84,9 @@ void AttachRow(GtkGrid *grid, int row, const TextField &field, GtkWidget *conten
 }
 
 void AddTextRow(GtkGrid *grid, int row, const TextField &field) {
-  AttachRow(grid, row, field, NewTextEntry(field));
+  GtkWidget *entry = NewTextEntry(field);
+  gtk_entry_set_width_chars(GTK_ENTRY(entry), std::min(field.max_length, L_TextWidth));
+  AttachRow(grid, row, field, entry);
 }
 
 void AddPinRow(GtkGrid *grid, int row) {
@@ -99,21 +103,30 @@ void AddPinRow(GtkGrid *grid, int row) {
   AttachRow(grid, row, L_Pin, box);
 }
 
-void SetSensitive(const char *option, bool (*counts)(const std::string &),
-                  std::initializer_list<GtkWidget *> entries) {
-  const bool sensitive = option != nullptr && counts(option);
-  for (GtkWidget *entry : entries) gtk_widget_set_sensitive(entry, sensitive ? TRUE : FALSE);
+// The entry with its label.
+void SetSensitive(GtkWidget *entry, bool sensitive) {
+  gtk_widget_set_sensitive(entry, sensitive ? TRUE : FALSE);
+  GList *labels = gtk_widget_list_mnemonic_labels(entry);
+  for (GList *link = labels; link != nullptr; link = link->next) {
+    gtk_widget_set_sensitive(GTK_WIDGET(link->data), sensitive ? TRUE : FALSE);
+  }
+  g_list_free(labels);
 }
 
 void DeliveryShown(const char *option) {
   if (G_PropTabDestination_helper == nullptr) return;
-  SetSensitive(option, TakesPin, {G_PropTabDestination_helper->pin});
+  const bool takes_pin = option != nullptr && TakesPin(option);
+  SetSensitive(G_PropTabDestination_helper->pin, takes_pin);
+  gtk_widget_set_sensitive(lookup_widget(G_PropertiesWindow_helper->window, "PinRangeLabel"),
+                           takes_pin ? TRUE : FALSE);
 }
 
 void NotificationShown(const char *option) {
   if (G_PropTabDestination_helper == nullptr) return;
   const Helper &helper = *G_PropTabDestination_helper;
-  SetSensitive(option, Notifies, {helper.email_address, helper.email_message});
+  const bool notifies = option != nullptr && Notifies(option);
+  SetSensitive(helper.email_address, notifies);
+  SetSensitive(helper.email_message, notifies);
 }
 
 // The rows of job and delivery. What depends on a list is made before the list, which makes it
