@@ -176,6 +176,30 @@ TEST_F(DestinationTab, APinTakesFourDigitsAndNothingElse) {
   EXPECT_EQ(Text("PinEntry"), "1234");
 }
 
+TEST_F(DestinationTab, ADroppedTextIsFilteredAndCutToo) {
+  OpenTab({{"*JobName", "job 9 or 8 and 7, 6 as well as 5, with a long tail behind it"},
+           {"*Delivery", "HoldJobUntilYouEnterPIN"}});
+  Focus("JobNameEntry");
+  XInputChord("ctrl+a");
+  RunPending();
+  Drag(Named("JobNameEntry"), Named("PinEntry"));
+  EXPECT_TRUE(RunUntil([this] { return !Text("PinEntry").empty(); }));
+  EXPECT_EQ(Text("PinEntry"), "9876");
+}
+
+TEST_F(DestinationTab, AnInputMethodsCharactersAreFilteredToo) {
+  OpenTab({{"*Delivery", "HoldJobUntilYouEnterPIN"}});
+  for (const char *code : {"37", "e9", "38"}) {  // 7, an accented e, 8
+    Focus("PinEntry");
+    XInputChord("End");
+    XInputChord("ctrl+shift+u");
+    XInputType(code);
+    XInputChord("space");
+    RunPending();
+  }
+  EXPECT_EQ(Text("PinEntry"), "78");
+}
+
 TEST_F(DestinationTab, AnAddressTakesWhatAddressesHold) {
   OpenTab({{"*EmailNotification", "JobCompleted"}});
   Type("EmailNotifAddressEntry", "a/b\\c,d;e:f'g`h=@i.jk l_m+n@o-p.qr");
