@@ -81,10 +81,12 @@ void AddPropertiesButtons(PropertiesWindowHelper &helper, GtkWidget *parent) {
   AddAccelerator(window, help, GDK_KEY_F1);
 }
 
-// As large as the largest page wants to be, within what every screen has.
-void SetSize(GtkWidget *window) {
+// As large as the largest page and all tabs want to be, within what every screen has.
+void SetSize(GtkWidget *window, GtkWidget *notebook) {
   GtkRequisition natural;
+  gtk_notebook_set_scrollable(GTK_NOTEBOOK(notebook), FALSE);
   gtk_widget_get_preferred_size(gtk_bin_get_child(GTK_BIN(window)), nullptr, &natural);
+  gtk_notebook_set_scrollable(GTK_NOTEBOOK(notebook), TRUE);
   gtk_window_set_default_size(GTK_WINDOW(window), std::min(natural.width, L_LargestWidth),
                               std::min(natural.height, L_LargestHeight));
 }
@@ -111,7 +113,6 @@ GtkWidget *create_PropertiesWindow() {
   gtk_container_add(GTK_CONTAINER(helper.window),
                     StoreWidget(helper.window, box, "PropertiesVbox"));
   helper.notebook = StoreWidget(helper.window, gtk_notebook_new(), "PropertiesNotebook");
-  gtk_notebook_set_scrollable(GTK_NOTEBOOK(helper.notebook), TRUE);
   gtk_container_set_border_width(GTK_CONTAINER(helper.notebook), L_Border);
   gtk_box_pack_start(GTK_BOX(box), helper.notebook, TRUE, TRUE, 0);
   AddPropertiesButtons(helper, box);
@@ -121,7 +122,7 @@ GtkWidget *create_PropertiesWindow() {
   gtk_widget_show(helper.notebook);
   gtk_widget_show_all(gtk_widget_get_parent(helper.ok_button));
   gtk_widget_show(box);
-  SetSize(helper.window);
+  SetSize(helper.window, helper.notebook);
   return helper.window;
 }
 
