@@ -109,8 +109,8 @@ gboolean HighlightByLetter(GtkWidget *, GdkEventKey *key, gpointer combo) {
   return TRUE;
 }
 
-// The pop-up's list gets its tooltips and keys when it is first shown: reaching it makes objects
-// for assistive technology that would slow down every combo's filling.
+// The pop-up's list gets its tooltips and keys when it is first shown: until then nobody needs
+// them, and the theme may still make it another widget.
 void PreparePopUp(GtkComboBox *combo, GParamSpec *, gpointer data) {
   auto *state = static_cast<ComboState *>(data);
   AtkObject *accessible = gtk_combo_box_get_popup_accessible(combo);
