@@ -48,11 +48,6 @@ std::string OrientationLetter(std::string_view feature) {
   return orientation == "Landscape" || orientation == "RotLandscape" ? "L" : "";
 }
 
-bool IsPicture(const std::string &name) {
-  std::error_code error;
-  return std::filesystem::is_regular_file(std::string(kPixmapDir) + "/" + name, error);
-}
-
 }  // namespace
 
 std::string G_GetPixmapNameFor(const char *feature, const std::string &option) {
@@ -79,4 +74,9 @@ std::string GetPPDNo(const std::string &name) {
   }
   const std::string piece = file.substr(start, file.find('.', start) - start);
   return piece.size() <= L_MakerPrefix ? "" : piece.substr(L_MakerPrefix);
+}
+
+bool IsPicture(const std::string &name) {
+  std::error_code error;
+  return std::filesystem::is_regular_file(std::string(kPixmapDir) + "/" + name, error);
 }

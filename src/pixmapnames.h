@@ -12,3 +12,6 @@ std::string G_GetPixmapNameFor(const char *feature, const std::string &option);
 // The model number in the name of a PPD file, with or without directories: "vek41201.ppd" gives
 // "41201". Empty, with a line in the log, when the name has no part before a dot.
 std::string GetPPDNo(const std::string &name);
+
+// Whether the picture directory holds a file of that name.
+bool IsPicture(const std::string &name);
