@@ -1,38 +1,31 @@
 #include "constraintindex.h"
 
 #include <algorithm>
-#include <functional>
-#include <unordered_map>
+#include <map>
+#include <utility>
 
 #include "cconstrain.h"
 
+// Sorted by option once everything is prepared. The texts are lent by the constraint records.
+struct FeatureChoices {
+  std::vector<std::pair<std::string_view, ChoiceId>> options;
+};
+
 namespace {
 
-struct Choice {
-  std::string_view feature;
-  std::string_view option;
-  bool operator==(const Choice &other) const = default;
-};
-
-struct ChoiceHash {
-  size_t operator()(const Choice &choice) const {
-    constexpr size_t kOdd = 0x9E3779B97F4A7C15U;  // 2^64 over the golden ratio, Knuth 6.4
-    const std::hash<std::string_view> hash;
-    return hash(choice.feature) * kOdd + hash(choice.option);
-  }
-};
-
-// The texts are lent by the constraint records.
-std::unordered_map<Choice, ChoiceId, ChoiceHash> L_Choices;
+std::map<std::string_view, FeatureChoices> L_Features;
 std::vector<std::vector<ChoiceId>> L_Partners;  // by choice
 
-ChoiceId NumberOf(const char *feature, const char *option) {
-  const auto [place, is_new] = L_Choices.try_emplace({feature, option}, L_Partners.size());
+// While the choices are numbered.
+using Numbers = std::map<std::pair<std::string_view, std::string_view>, ChoiceId>;
+
+ChoiceId NumberOf(const char *feature, const char *option, Numbers &numbers) {
+  const auto [place, is_new] = numbers.try_emplace({feature, option}, L_Partners.size());
   if (is_new) L_Partners.emplace_back();
   return place->second;
 }
 
-void AddConstraint(const CConstrain *constraint) {
+void AddConstraint(const CConstrain *constraint, Numbers &numbers) {
   const char *feature1 = fGet_CString_Value_Function(fGetFeature1_Function(constraint));
   const char *option1 = fGet_CString_Value_Function(fGetOption1_Function(constraint));
   const char *feature2 = fGet_CString_Value_Function(fGetFeature2_Function(constraint));
@@ -41,8 +34,8 @@ void AddConstraint(const CConstrain *constraint) {
   if (feature1 == nullptr || option1 == nullptr || feature2 == nullptr || option2 == nullptr) {
     return;
   }
-  const ChoiceId one = NumberOf(feature1, option1);
-  const ChoiceId two = NumberOf(feature2, option2);
+  const ChoiceId one = NumberOf(feature1, option1, numbers);
+  const ChoiceId two = NumberOf(feature2, option2, numbers);
   L_Partners[one].push_back(two);
   L_Partners[two].push_back(one);
 }
@@ -50,9 +43,15 @@ void AddConstraint(const CConstrain *constraint) {
 }  // namespace
 
 void IndexConstraints(const CList *constraints) {
-  L_Choices.clear();
+  L_Features.clear();
   L_Partners.clear();
-  for (const CConstrain *constraint : Elements<CConstrain>(constraints)) AddConstraint(constraint);
+  Numbers numbers;
+  for (const CConstrain *constraint : Elements<CConstrain>(constraints)) {
+    AddConstraint(constraint, numbers);
+  }
+  for (const auto &[choice, number] : numbers) {
+    L_Features[choice.first].options.emplace_back(choice.second, number);
+  }
   for (std::vector<ChoiceId> &partners : L_Partners) {
     std::sort(partners.begin(), partners.end());
     partners.erase(std::unique(partners.begin(), partners.end()), partners.end());
@@ -61,10 +60,22 @@ void IndexConstraints(const CList *constraints) {
 
 size_t ChoiceCount() { return L_Partners.size(); }
 
-std::optional<ChoiceId> FindChoice(std::string_view feature, std::string_view option) {
-  const auto place = L_Choices.find({feature, option});
-  if (place == L_Choices.end()) return std::nullopt;
+const FeatureChoices *ChoicesOf(std::string_view feature) {
+  const auto place = L_Features.find(feature);
+  return place == L_Features.end() ? nullptr : &place->second;
+}
+
+std::optional<ChoiceId> FindChoice(const FeatureChoices *choices, std::string_view option) {
+  if (choices == nullptr) return std::nullopt;
+  const auto place = std::lower_bound(
+      choices->options.begin(), choices->options.end(), option,
+      [](const auto &choice, std::string_view sought) { return choice.first < sought; });
+  if (place == choices->options.end() || place->first != option) return std::nullopt;
   return place->second;
+}
+
+std::optional<ChoiceId> FindChoice(std::string_view feature, std::string_view option) {
+  return FindChoice(ChoicesOf(feature), option);
 }
 
 const std::vector<ChoiceId> &PartnersOf(ChoiceId choice) { return L_Partners[choice]; }

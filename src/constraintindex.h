@@ -20,7 +20,14 @@ void IndexConstraints(const CList *constraints);
 // How many choices there are.
 size_t ChoiceCount();
 
-// The number of a choice; nothing when no constraint names it.
+// The choices of one feature.
+struct FeatureChoices;
+
+// The choices of that feature, lent until the next preparation; null when no constraint names it.
+const FeatureChoices *ChoicesOf(std::string_view feature);
+
+// The number of a choice; nothing when no constraint names it, and for null.
+std::optional<ChoiceId> FindChoice(const FeatureChoices *choices, std::string_view option);
 std::optional<ChoiceId> FindChoice(std::string_view feature, std::string_view option);
 
 // The choices that cannot be combined with `choice`, ascending, each once.

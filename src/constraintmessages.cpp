@@ -115,9 +115,17 @@ std::string ConflictMessage(const SettingsConflict &conflict) {
 }
 
 std::string ConflictReason(const SettingsConflict &conflict) {
-  const std::string message = ConflictMessage(conflict);
-  if (!message.empty()) return message;
-  return G_Message("CONSTR_Reason",
-                   {OptionDisplayText(conflict.feature1.c_str(), conflict.option1.c_str()),
-                    OptionDisplayText(conflict.feature2.c_str(), conflict.option2.c_str())});
+  const char *feature1 = conflict.feature1.c_str();
+  const char *option1 = conflict.option1.c_str();
+  const char *feature2 = conflict.feature2.c_str();
+  const char *option2 = conflict.option2.c_str();
+  return ConflictReason(feature1, option1, OptionDisplayText(feature1, option1), feature2, option2,
+                        OptionDisplayText(feature2, option2));
+}
+
+std::string ConflictReason(const char *feature1, const char *option1, const std::string &display1,
+                           const char *feature2, const char *option2, const std::string &display2) {
+  std::string message =
+      BuildConstraintMessage(feature1, option1, display1, feature2, option2, display2);
+  return message.empty() ? G_Message("CONSTR_Reason", {display1, display2}) : message;
 }

@@ -19,3 +19,7 @@ std::string ConflictMessage(const SettingsConflict &conflict);
 // Why a choice conflicts with a setting of the queue, in words for every pair: the message above or
 // else one that names both display texts.
 std::string ConflictReason(const SettingsConflict &conflict);
+
+// The same where the display texts are at hand.
+std::string ConflictReason(const char *feature1, const char *option1, const std::string &display1,
+                           const char *feature2, const char *option2, const std::string &display2);

@@ -1,7 +1,6 @@
 #include "constraints.h"
 
 #include <cstring>
-#include <string_view>
 
 #include "debug.h"
 #include "optionstate.h"
@@ -9,8 +8,8 @@
 namespace {
 
 struct ComparedChoice {
-  std::string_view feature;
-  std::string_view option;
+  const char *feature;
+  const char *option;
 };
 
 // What a choice is compared as: a custom paper or media has no constraints of its own name.
@@ -76,7 +75,12 @@ SettingsSnapshot::SettingsSnapshot() {
 const Setting *SettingsSnapshot::ConflictOf(const char *feature, const char *option) const {
   if (feature == nullptr || option == nullptr || IsExemptFeature(feature)) return nullptr;
   const ComparedChoice compared = AsCompared(feature, option);
-  const std::optional<ChoiceId> choice = FindChoice(compared.feature, compared.option);
+  return ConflictOf(ChoicesOf(compared.feature), compared.option);
+}
+
+const Setting *SettingsSnapshot::ConflictOf(const FeatureChoices *choices,
+                                            const char *option) const {
+  const std::optional<ChoiceId> choice = FindChoice(choices, option);
   if (!choice || first_conflict_[*choice] == settings_.size()) return nullptr;
   return &settings_[first_conflict_[*choice]];
 }

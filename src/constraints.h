@@ -36,6 +36,10 @@ class SettingsSnapshot {
   // The setting that the choice conflicts with, null when there is none. Lent by the snapshot.
   const Setting *ConflictOf(const char *feature, const char *option) const;
 
+  // The same for an option of a feature that is not exempt, the option not a custom one; for asking
+  // about many options of one feature.
+  const Setting *ConflictOf(const FeatureChoices *choices, const char *option) const;
+
  private:
   std::vector<Setting> settings_;
   std::vector<size_t> first_conflict_;  // by choice: number of a setting, or settings_.size()

@@ -42,15 +42,16 @@ class ListBuilder {
               OptionList &list)
       : options_(fGet_Options_Function(record)),
         feature_(feature),
-        exempt_(IsExemptFeature(feature)),
+        choices_(IsExemptFeature(feature) ? nullptr : ChoicesOf(feature)),
         custom_(CustomKindOf(feature)),
         snapshot_(snapshot),
         list_(list) {}
 
   void AddPrinterOptions() {
+    if (options_ != nullptr) list_.rows.reserve(options_->index.size());
     for (const auto [option, text] : Pairs<CString>(options_)) {
       const char *display = fGet_CString_Value_Function(text);
-      const Setting *conflict = exempt_ ? nullptr : snapshot_.ConflictOf(feature_, option);
+      const Setting *conflict = snapshot_.ConflictOf(choices_, option);
       const bool is_current = Add(option, display == nullptr ? option : display, conflict);
       if (is_current && custom_) *custom_->is_current = false;
     }
@@ -68,23 +69,32 @@ class ListBuilder {
  private:
   // True when the option is the current one.
   bool Add(const char *option, const char *display, const Setting *conflict) {
-    OptionListRow row;
+    OptionListRow &row = list_.rows.emplace_back();
     G_SetStringWithConstrain(display, row.text, conflict == nullptr ? 0 : 1);
-    if (conflict != nullptr) {
-      row.reason = ConflictReason({feature_, option, conflict->feature, conflict->option});
-    }
+    if (conflict != nullptr) row.reason = ReasonOf(option, display, *conflict);
     const bool is_current = list_.current_option == option;
     if (is_current) list_.current_text = row.text;
-    list_.rows.push_back(std::move(row));
     return is_current;
+  }
+
+  std::string ReasonOf(const char *option, const char *display, const Setting &conflict) {
+    // Mostly it is the same setting that stands in the way of many options.
+    if (explained_ != &conflict) {
+      explained_ = &conflict;
+      explained_text_ = OptionDisplayText(conflict.feature, conflict.option);
+    }
+    return ConflictReason(feature_, option, display, conflict.feature, conflict.option,
+                          explained_text_);
   }
 
   const CHash *options_;
   const char *feature_;
-  bool exempt_;
+  const FeatureChoices *choices_;  // null also for an exempt feature
   std::optional<CustomKind> custom_;
   const SettingsSnapshot &snapshot_;
   OptionList &list_;
+  const Setting *explained_ = nullptr;  // the setting whose display text is at hand
+  std::string explained_text_;
 };
 
 // The queue's choice for the feature, or the printer's default. A page size or media type that
@@ -165,7 +175,8 @@ const CString *G_GetPPDDefaultOptionForFeature(const CHash *features, const char
   return fGet_Default_Function(HashValue<CFeature>(features, feature));
 }
 
-int G_SetStringWithConstrain(const std::string &text, std::string &out, int mark) {
+int G_SetStringWithConstrain(std::string_view text, std::string &out, int mark) {
+  if (mark == 0 || mark == 1) out.reserve(kMarkLength + text.size());
   if (mark == 0) out = kFreeMark;
   if (mark == 1) out = kConflictMark;
   out += text;

@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "chash.h"
@@ -55,7 +56,7 @@ const CString *G_GetPPDDefaultOptionForFeature(const CHash *features, const char
 
 // Writes the display string of `text` to `out`: mark 0 is free, 1 is in conflict; with any other
 // value `text` is appended to what `out` holds. 1.
-int G_SetStringWithConstrain(const std::string &text, std::string &out, int mark);
+int G_SetStringWithConstrain(std::string_view text, std::string &out, int mark);
 
 // A display string without its mark; empty when it is nothing but a mark or shorter.
 std::string TextWithoutMark(const std::string &display_string);

@@ -13,7 +13,11 @@ using Strings = std::vector<std::string>;
 
 class Installables : public testing::Test {
  protected:
-  Installables() : messages_("#CONSTR_Reason\nreason <%s> <%s>\n") {}
+  Installables()
+      : messages_(
+            "#CONSTR_Reason\nreason <%s> <%s>\n"
+            "#CONSTR_Dlg_Message_OutputTray_Staple\ntray <%s>\n"
+            "#CONSTR_Dlg_Message_Hct_Tray7\nfeeder and bypass\n") {}
 
   void Punch() {
     options_.Installable(

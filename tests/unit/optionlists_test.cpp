@@ -14,6 +14,7 @@ using Strings = std::vector<std::string>;
 constexpr char kMessages[] =
     "#ERR_UNEXPECTED2\nunexpected2 <%s>\n"
     "#CONSTR_Reason\nreason <%s> <%s>\n"
+    "#CONSTR_Dlg_Message_PaperType_Duplex\ntype and duplex <%s> <%s>\n"
     "#CONSTR_Dlg_Message_PaperSize_Duplex\nsize and duplex <%s> <%s>\n";
 
 class OptionLists : public testing::Test {
