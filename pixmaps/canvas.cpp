@@ -54,7 +54,12 @@ Image Canvas::Finish() const {
   const auto is_opaque = [&](int x, int y) {
     return x >= 0 && x < width && y >= 0 && y < height && at(x, y) >> 24 >= L_Opaque;
   };
-  const auto touches = [&](int x, int y) {
+  const auto is_shown = [&](int x, int y) {
+    const int left = x - rimless_.x;
+    const int top = y - rimless_.y;
+    if (left >= 0 && left < rimless_.width && top >= 0 && top < rimless_.height) {
+      return is_opaque(x, y);
+    }
     for (int dy = -1; dy <= 1; ++dy) {
       for (int dx = -1; dx <= 1; ++dx) {
         if (is_opaque(x + dx, y + dy)) return true;
@@ -66,7 +71,7 @@ Image Canvas::Finish() const {
   image.pixels.reserve(drawn.size());
   for (int y = 0; y < height; ++y) {
     for (int x = 0; x < width; ++x) {
-      image.pixels.push_back(touches(x, y) ? OverRim(at(x, y)) : kTransparent);
+      image.pixels.push_back(is_shown(x, y) ? OverRim(at(x, y)) : kTransparent);
     }
   }
   return image;

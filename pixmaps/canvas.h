@@ -26,6 +26,9 @@ class Canvas {
   // light rim, which sets dark outlines off from a dark background and is not seen on a light one.
   Image Finish() const;
 
+  // Makes no rim inside the rectangle, for pictures that are shown over another one.
+  void LeaveRimOff(const cairo_rectangle_int_t &rectangle) { rimless_ = rectangle; }
+
   // As it is, without rim: 0xAARRGGBB with premultiplied colours. For the contact sheet.
   cairo_surface_t *surface() const { return surface_.get(); }
 
@@ -36,4 +39,5 @@ class Canvas {
   };
   std::unique_ptr<cairo_surface_t, Destroy> surface_;
   std::unique_ptr<cairo_t, Destroy> context_;
+  cairo_rectangle_int_t rimless_{0, 0, 0, 0};
 };

@@ -65,6 +65,7 @@ class Painter {
   void Move() { cairo_translate(cr_, Number(0), Number(1)); }
   void Turn() { cairo_rotate(cr_, Radians(Number(0))); }
   void Scale() { cairo_scale(cr_, Number(0), Number(0)); }
+  void NoRim();
   void Push();
   void Pop();
   void Box();
@@ -92,23 +93,15 @@ class Painter {
 };
 
 const Painter::Element Painter::kElements[] = {
-    {"pen", 1, false, &Painter::Pen},
-    {"move", 2, false, &Painter::Move},
-    {"turn", 1, false, &Painter::Turn},
-    {"scale", 1, false, &Painter::Scale},
-    {"push", 0, false, &Painter::Push},
-    {"pop", 0, false, &Painter::Pop},
-    {"box", 7, false, &Painter::Box},
-    {"poly", 8, true, &Painter::Poly},
-    {"line", 5, true, &Painter::Line},
-    {"curve", 9, false, &Painter::Curve},
-    {"arc", 6, false, &Painter::Arc},
-    {"dashes", 5, true, &Painter::Dashes},
-    {"disc", 5, false, &Painter::Disc},
-    {"arrow", 5, false, &Painter::Arrow},
-    {"turnarrow", 6, false, &Painter::TurnArrow},
-    {"lines", 6, false, &Painter::Lines},
-    {"text", 5, true, &Painter::Text},
+    {"pen", 1, false, &Painter::Pen},      {"move", 2, false, &Painter::Move},
+    {"turn", 1, false, &Painter::Turn},    {"scale", 1, false, &Painter::Scale},
+    {"push", 0, false, &Painter::Push},    {"pop", 0, false, &Painter::Pop},
+    {"norim", 4, false, &Painter::NoRim},  {"box", 7, false, &Painter::Box},
+    {"poly", 8, true, &Painter::Poly},     {"line", 5, true, &Painter::Line},
+    {"curve", 9, false, &Painter::Curve},  {"arc", 6, false, &Painter::Arc},
+    {"dashes", 5, true, &Painter::Dashes}, {"disc", 5, false, &Painter::Disc},
+    {"arrow", 5, false, &Painter::Arrow},  {"turnarrow", 6, false, &Painter::TurnArrow},
+    {"lines", 6, false, &Painter::Lines},  {"text", 5, true, &Painter::Text},
 };
 
 void Painter::Take(const Step &step) {
@@ -122,6 +115,11 @@ void Painter::Take(const Step &step) {
     return;
   }
   throw DescriptionError(step.line, "no such step: " + step.words[0]);
+}
+
+void Painter::NoRim() {
+  const auto whole = [this](size_t index) { return static_cast<int>(Number(index)); };
+  canvas_.LeaveRimOff({whole(0), whole(1), whole(2), whole(3)});
 }
 
 void Painter::Push() {

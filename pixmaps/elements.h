@@ -7,6 +7,8 @@
 //   pen WIDTH                           width of the lines that follow
 //   move X Y | turn DEG | scale S       what follows is shifted, turned, enlarged
 //   push | pop                          keep and restore pen and position
+//   norim X Y W H                       no light rim inside this rectangle (whole pixels); the last
+//                                       one counts
 //   box X Y W H RADIUS FILL LINE        a rectangle, its corners rounded
 //   poly FILL LINE X Y ...              a closed polygon
 //   line LINE X Y ...                   a line through points

@@ -7,7 +7,7 @@ namespace {
 constexpr int L_Columns = 6;
 constexpr int L_Gap = 6;    // around pictures
 constexpr int L_Name = 14;  // height of a line of names
-constexpr double L_FontSize = 9.5;
+constexpr double L_FontSize = 8;
 
 // Backgrounds of the toolkit's light and dark themes.
 constexpr double L_Light = 0xF6 / 255.0;
