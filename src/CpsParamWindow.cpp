@@ -1,5 +1,6 @@
 #include "CpsParamWindow.h"
 
+#include <algorithm>
 #include <string>
 
 #include "CustomDialog.h"
@@ -20,7 +21,8 @@ namespace {
 
 constexpr int L_Edit = 1;
 constexpr int L_Spacing = 8;
-constexpr int L_PageSteps = 10;  // steps of a spin button that one page is
+constexpr int L_MeasureWidth = 7;  // characters
+constexpr int L_PageSteps = 10;    // steps of a spin button that one page is
 
 int L_AddOrEdit = 0;
 int L_CurrentUnit = kPels;
@@ -113,12 +115,24 @@ GtkWidget *NewUnitFrame(GtkWidget *window) {
   return frame;
 }
 
+// Characters of the longest range label of any unit, so that the window keeps its size.
+int LongestRange(const std::string &min, const std::string &max) {
+  glong longest = 0;
+  for (const int unit : {kPels, kInches, kMillimetres}) {
+    std::string text;
+    BuildRange(min.c_str(), max.c_str(), unit, text);
+    longest = std::max(longest, g_utf8_strlen(text.c_str(), -1));
+  }
+  return static_cast<int>(longest);
+}
+
 // A row of label, spin button and range; the last two come back through the pointers.
 void AddMeasureRow(GtkGrid *grid, int row, const std::string &name, const char *label_key,
                    GtkWidget **spin, GtkWidget **range) {
   GtkWidget *window = G_CpsParamWindow_helper->window;
   *spin = StoreWidget(window, gtk_spin_button_new(nullptr, 0, 0), (name + "Spinbutton").c_str());
   gtk_spin_button_set_numeric(GTK_SPIN_BUTTON(*spin), TRUE);
+  gtk_entry_set_width_chars(GTK_ENTRY(*spin), L_MeasureWidth);
   *range = NewLabel(window, (name + "RangeLabel").c_str(), "", nullptr);
   GtkWidget *label = NewLabel(window, (name + "Label").c_str(), G_Translate(label_key), *spin);
   AttachField(grid, row, label, *spin, *range);
@@ -139,6 +153,10 @@ void AddFields(GtkWidget *box) {
   AddMeasureRow(grid, 3, "CpsLength", "DEF_LBL_CPS_LENGTH", &helper.length_spin,
                 &helper.length_range);
   const auto *params = HashValue<CCpsParams>(CustomEntries(CustomKind::kPaper), name.c_str());
+  gtk_label_set_width_chars(GTK_LABEL(helper.width_range),
+                            LongestRange(L_MinWidthString, L_MaxWidthString));
+  gtk_label_set_width_chars(GTK_LABEL(helper.length_range),
+                            LongestRange(L_MinLengthString, L_MaxLengthString));
   // A new size starts as the smallest one.
   ShowMeasures(kPels, fGetWidth_Function(params), fGetLength_Function(params));
 }
