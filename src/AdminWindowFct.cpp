@@ -8,6 +8,7 @@
 #include "AdminWindow.h"
 #include "ListWidget.h"
 #include "MessageDialogs.h"
+#include "PropertiesWindow.h"
 #include "SaveWindow.h"
 #include "addqueue.h"
 #include "cmessages.h"
@@ -74,7 +75,11 @@ void ButtonClonePressed() {
   }
 }
 
-void ButtonPropertiesPressed() { const LogScope log("ButtonPropertiesPressed"); }
+void ButtonPropertiesPressed() {
+  const LogScope log("ButtonPropertiesPressed");
+  GtkWidget *window = create_PropertiesWindow();
+  if (window != nullptr) gtk_widget_show(window);
+}
 
 void ButtonHelpPressed() {
   const LogScope log("ButtonHelpPressed");

@@ -1,6 +1,8 @@
 #include "EntryHandlers.h"
 
 #include "AddQueueWindow.h"
+#include "PropTabGeneral.h"
+#include "PropertiesWindow.h"
 #include "Support.h"
 #include "addqueue.h"
 #include "debug.h"
@@ -21,6 +23,13 @@ void DeleteInstead(GtkEditable *entry, GCallback handler, bool allowed, gint sta
 
 std::string EntryText(GtkWidget *window, const char *name) {
   return gtk_entry_get_text(GTK_ENTRY(lookup_widget(window, name)));
+}
+
+// Of the dialog's OK and Apply.
+void SetSensitivity(GtkWidget *window, bool sensitive) {
+  for (const char *name : {"OKButton", "ApplyButton"}) {
+    gtk_widget_set_sensitive(lookup_widget(window, name), sensitive ? TRUE : FALSE);
+  }
 }
 
 }  // namespace
@@ -78,14 +87,16 @@ void FilterAsAddress(GtkWidget *entry) {
 void G_Toggle_Ok_Apply_Sensitivity() {
   const LogScope log("G_Toggle_Ok_Apply_Sensitivity");
   Log(4, "ADDQUEUEQUEUE=>>>" + PointerText(G_AddQueueWindow_helper.get()) + "<<<");
-  // The general tab of the properties window would be the other dialog with these fields.
-  Log(4, "GENPROPPROP=>>>" + PointerText(nullptr) + "<<<");
-  if (G_AddQueueWindow_helper == nullptr) return;
-  GtkWidget *window = G_AddQueueWindow_helper->window;
-  const bool complete =
-      IsQueueInputComplete(EntryText(window, "QueueEntry"), EntryText(window, "AddressEntry"),
-                           G_AddQueueWindow_helper->selected_printer != -1);
-  for (const char *name : {"OKButton", "ApplyButton"}) {
-    gtk_widget_set_sensitive(lookup_widget(window, name), complete ? TRUE : FALSE);
+  Log(4, "GENPROPPROP=>>>" + PointerText(G_PropTabGenNpmenu_helper.get()) + "<<<");
+  if (G_AddQueueWindow_helper != nullptr) {
+    GtkWidget *window = G_AddQueueWindow_helper->window;
+    const bool printer_selected = G_AddQueueWindow_helper->selected_printer != -1;
+    SetSensitivity(window,
+                   IsQueueInputComplete(EntryText(window, "QueueEntry"),
+                                        EntryText(window, "AddressEntry"), printer_selected));
+  } else if (G_PropTabGenNpmenu_helper != nullptr) {
+    GtkWidget *window = G_PropertiesWindow_helper->window;
+    SetSensitivity(window, IsQueueInputComplete(EntryText(window, "QueueEntry"),
+                                                EntryText(window, "AddressEntry"), true));
   }
 }

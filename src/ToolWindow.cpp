@@ -62,9 +62,8 @@ void AddToolButtons(ToolWindowHelper &helper, GtkWidget *parent) {
       NewButton(window, box, "PrintButton", "DEF_BTN_PRINT_TITLE", ButtonPrintPressed);
   helper.lpr_button =
       NewButton(window, box, "LprCommandButton", "DEF_BTN_LPR_TITLE", ButtonLPRPressed);
-  GtkWidget *properties =
-      NewButton(window, box, "PropertiesButton", "DEF_BTN_PROPERTIES_TITLE", nullptr);
-  gtk_widget_set_sensitive(properties, FALSE);
+  helper.properties_button = NewButton(window, box, "PropertiesButton", "DEF_BTN_PROPERTIES_TITLE",
+                                       ButtonPropertiesToolPressed);
   GtkWidget *cancel =
       NewButton(window, box, "CancelButton", "DEF_BTN_CANCEL_TITLE", ButtonCancelToolPressed);
   GtkWidget *help =

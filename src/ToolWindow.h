@@ -12,6 +12,7 @@ struct ToolWindowHelper {
   GtkWidget *delete_button;
   GtkWidget *print_button;
   GtkWidget *lpr_button;
+  GtkWidget *properties_button;
   int selected_files;  // number of selected rows of the file list
 };
 extern std::unique_ptr<ToolWindowHelper> G_QueuesWindow_helper;

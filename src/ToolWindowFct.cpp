@@ -9,6 +9,7 @@
 #include "ListWidget.h"
 #include "LprCmdWindow.h"
 #include "MessageDialogs.h"
+#include "PropertiesWindow.h"
 #include "Support.h"
 #include "ToolWindow.h"
 #include "cmessages.h"
@@ -81,6 +82,12 @@ void ButtonLPRPressed() {
   gtk_widget_show(create_LprCmdWindow(DisplayedPrintCommand(ChosenQueue())));
 }
 
+void ButtonPropertiesToolPressed() {
+  const LogScope log("ButtonPropertiesToolPressed");
+  GtkWidget *window = create_PropertiesWindow();
+  if (window != nullptr) gtk_widget_show(window);
+}
+
 void ButtonAddFilesPressed() {
   const LogScope log("ButtonAddFilesPressed");
   gtk_widget_show(create_FilesSelectionWindow());
@@ -149,8 +156,9 @@ void ShowQueues() {
   const ToolWindowHelper &helper = *G_QueuesWindow_helper;
   ComboFill(helper.queue_combo, entries);
   ComboSetRow(helper.queue_combo, entries.empty() ? -1 : 0);
-  gtk_widget_set_sensitive(helper.print_button, entries.empty() ? FALSE : TRUE);
-  gtk_widget_set_sensitive(helper.lpr_button, entries.empty() ? FALSE : TRUE);
+  for (GtkWidget *button : {helper.print_button, helper.lpr_button, helper.properties_button}) {
+    gtk_widget_set_sensitive(button, entries.empty() ? FALSE : TRUE);
+  }
 }
 
 void AddFileRow(const std::string &path, const std::string &shown) {

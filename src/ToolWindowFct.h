@@ -8,6 +8,7 @@
 // "clicked" handlers of the buttons.
 void ButtonPrintPressed();
 void ButtonLPRPressed();
+void ButtonPropertiesToolPressed();
 void ButtonAddFilesPressed();
 void ButtonDeleteFilesPressed();
 void ButtonHelpToolPressed();
