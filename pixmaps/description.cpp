@@ -27,7 +27,9 @@ unsigned ColourOf(const Step &step, const std::string &word) {
 
 class Reader {
  public:
-  Description Read(const std::string &text) {
+  explicit Reader(Description *description) : description_(*description) {}
+
+  void Read(const std::string &text) {
     std::istringstream lines(text);
     Step step;
     for (std::string line; std::getline(lines, line);) {
@@ -43,7 +45,6 @@ class Reader {
       }
     }
     if (block_ != nullptr) throw DescriptionError(step.line, "the last block has no end");
-    return std::move(description_);
   }
 
  private:
@@ -61,15 +62,14 @@ class Reader {
       description_.colours[step.words[1]] = ColourOf(step, step.words[2]);
     } else if (word == "size") {
       Expect(step, 3);
-      width_ = SizeOf(step, step.words[1]);
-      height_ = SizeOf(step, step.words[2]);
+      description_.width = SizeOf(step, step.words[1]);
+      description_.height = SizeOf(step, step.words[2]);
     } else if (word == "define") {
       Expect(step, 2);
-      const auto [definition, is_new] = definitions_.try_emplace(step.words[1]);
+      const auto [definition, is_new] = description_.definitions.try_emplace(step.words[1]);
       if (!is_new) throw DescriptionError(step.line, "defined twice: " + step.words[1]);
       block_ = &definition->second;
     } else if (word == "picture") {
-      Expect(step, 2);
       BeginPicture(step);
     } else {
       throw DescriptionError(step.line, "outside a picture: " + word);
@@ -77,13 +77,18 @@ class Reader {
   }
 
   void BeginPicture(const Step &step) {
+    const bool is_use = step.words.size() > 2 && step.words[2] == "use";
+    if (!is_use) Expect(step, 2);
     const std::string &name = step.words[1];
     for (const Picture &picture : description_.pictures) {
       if (picture.name == name) throw DescriptionError(step.line, "drawn twice: " + name);
     }
-    if (width_ == 0) throw DescriptionError(step.line, "a picture before its size");
-    description_.pictures.push_back({name, width_, height_, {}});
+    if (description_.width == 0) throw DescriptionError(step.line, "a picture before its size");
+    description_.pictures.push_back({name, description_.width, description_.height, {}});
     block_ = &description_.pictures.back().steps;
+    if (!is_use) return;
+    AddStep({step.line, {step.words.begin() + 2, step.words.end()}});
+    block_ = nullptr;
   }
 
   static int SizeOf(const Step &step, const std::string &word) {
@@ -100,8 +105,8 @@ class Reader {
       return;
     }
     if (step.words.size() < 2) throw DescriptionError(step.line, "use of nothing");
-    const auto definition = definitions_.find(step.words[1]);
-    if (definition == definitions_.end() || &definition->second == block_) {
+    const auto definition = description_.definitions.find(step.words[1]);
+    if (definition == description_.definitions.end() || &definition->second == block_) {
       throw DescriptionError(step.line, "not defined: " + step.words[1]);
     }
     for (const Step &used : definition->second) block_->push_back(Filled(used, step));
@@ -125,16 +130,15 @@ class Reader {
     return filled;
   }
 
-  Description description_;
-  std::map<std::string, std::vector<Step>> definitions_;
+  Description &description_;
   std::vector<Step> *block_ = nullptr;  // the picture or definition that is being read
-  int width_ = 0;
-  int height_ = 0;
 };
 
 }  // namespace
 
-Description ReadDescription(const std::string &text) { return Reader().Read(text); }
+void ReadDescription(const std::string &text, Description *description) {
+  Reader(description).Read(text);
+}
 
 double NumberOf(const Step &step, const std::string &word) {
   double value = 0;

@@ -1,10 +1,11 @@
-// The description of the pictures: a text file of pictures, each a list of steps.
+// The description of the pictures: text files of pictures, each a list of steps.
 //
 //   # comment                 to the end of the line, where a line begins with it
 //   colour NAME #RGB          a name for a colour
 //   size W H                  size in pixels of the pictures that follow
 //   define NAME ... end       steps to be used again; $1, $2 ... stand for the words of a use
 //   picture NAME ... end      the steps that draw NAME.xpm
+//   picture NAME use ...      the same for a picture that is one use
 //   use NAME WORD...          in a picture or definition: the steps of an earlier definition
 //
 // Any other line inside "picture" or "define" is a step of the drawing (elements.h).
@@ -30,7 +31,10 @@ struct Picture {
 
 struct Description {
   std::map<std::string, unsigned> colours;  // 0xRRGGBB
-  std::vector<Picture> pictures;            // in the order of the file
+  std::vector<Picture> pictures;            // as they were read
+  std::map<std::string, std::vector<Step>> definitions;
+  int width = 0;  // of the next picture
+  int height = 0;
 };
 
 // What is wrong with a description, and in which line.
@@ -40,9 +44,10 @@ class DescriptionError : public std::runtime_error {
       : std::runtime_error("line " + std::to_string(line) + ": " + reason) {}
 };
 
-// Reads a description; throws DescriptionError for one that breaks the rules above, and for a
-// picture or definition of a name that is already there.
-Description ReadDescription(const std::string &text);
+// Adds what one more file says; what earlier ones named holds in it too. Throws DescriptionError
+// for a text that breaks the rules above, and for a picture or definition of a name that is already
+// there.
+void ReadDescription(const std::string &text, Description *description);
 
 // The whole text as a number; throws DescriptionError otherwise.
 double NumberOf(const Step &step, const std::string &word);

@@ -1,8 +1,8 @@
 // kpxdraw: draws the pictures of the program from their description, while it is built.
 //
-//   kpxdraw DESCRIPTION DIRECTORY        writes NAME.xpm of every picture there, and removes other
+//   kpxdraw DIRECTORY DESCRIPTION...     writes NAME.xpm of every picture there, and removes other
 //                                        .xpm files
-//   kpxdraw --sheet DESCRIPTION FILE     writes a PNG file that shows them all
+//   kpxdraw --sheet FILE DESCRIPTION...  writes a PNG file that shows them all
 //
 // Ends with 0, or with 1 and one line on standard error.
 
@@ -27,13 +27,18 @@ std::string ContentOf(const std::string &path) {
   return content.str();
 }
 
-std::vector<NamedImage> DrawAll(const std::string &path) {
-  const Description description = ReadDescription(ContentOf(path));
-  std::vector<NamedImage> images;
-  for (const Picture &picture : description.pictures) {
-    images.push_back({picture.name, Draw(picture, description.colours)});
+// Reads one more file and draws its pictures.
+void DrawFile(const std::string &path, Description *description, std::vector<NamedImage> *images) {
+  const size_t before = description->pictures.size();
+  try {
+    ReadDescription(ContentOf(path), description);
+    for (size_t i = before; i < description->pictures.size(); ++i) {
+      const Picture &picture = description->pictures[i];
+      images->push_back({picture.name, Draw(picture, description->colours)});
+    }
+  } catch (const std::exception &error) {
+    throw std::runtime_error(path + ": " + error.what());
   }
-  return images;
 }
 
 void WritePictures(const std::vector<NamedImage> &images, const std::filesystem::path &directory) {
@@ -58,22 +63,25 @@ void WritePictures(const std::vector<NamedImage> &images, const std::filesystem:
 }  // namespace
 
 int main(int argc, char **argv) {
-  const std::vector<std::string> arguments(argv + 1, argv + argc);
-  const bool is_sheet = arguments.size() == 3 && arguments[0] == "--sheet";
-  if (!is_sheet && arguments.size() != 2) {
-    std::cerr << "usage: kpxdraw DESCRIPTION DIRECTORY | --sheet DESCRIPTION FILE\n";
+  std::vector<std::string> arguments(argv + 1, argv + argc);
+  const bool is_sheet = !arguments.empty() && arguments[0] == "--sheet";
+  if (is_sheet) arguments.erase(arguments.begin());
+  if (arguments.size() < 2) {
+    std::cerr << "usage: kpxdraw DIRECTORY DESCRIPTION... | --sheet FILE DESCRIPTION...\n";
     return 1;
   }
-  const std::string &description = arguments[arguments.size() - 2];
+  const std::string &target = arguments[0];
   try {
-    const std::vector<NamedImage> images = DrawAll(description);
+    Description description;
+    std::vector<NamedImage> images;
+    for (size_t i = 1; i < arguments.size(); ++i) DrawFile(arguments[i], &description, &images);
     if (!is_sheet) {
-      WritePictures(images, arguments[1]);
-    } else if (!WriteSheet(images, arguments[2])) {
-      throw std::runtime_error(arguments[2] + " cannot be written");
+      WritePictures(images, target);
+    } else if (!WriteSheet(images, target)) {
+      throw std::runtime_error(target + " cannot be written");
     }
   } catch (const std::exception &error) {
-    std::cerr << "kpxdraw: " << description << ": " << error.what() << "\n";
+    std::cerr << "kpxdraw: " << error.what() << "\n";
     return 1;
   }
   return 0;

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <set>
+#include <sstream>
 
 #include "childprocess.h"
 #include "description.h"
@@ -14,8 +15,14 @@ namespace {
 
 constexpr char kHead[] = "colour ink #234\ncolour paper #FFF\nsize 8 8\n";
 
+Description Read(const std::string &text) {
+  Description description;
+  ReadDescription(text, &description);
+  return description;
+}
+
 Image DrawOne(const std::string &steps) {
-  const Description description = ReadDescription(kHead + ("picture p\n" + steps) + "end\n");
+  const Description description = Read(kHead + ("picture p\n" + steps) + "end\n");
   return Draw(description.pictures.at(0), description.colours);
 }
 
@@ -26,7 +33,7 @@ unsigned PixelOf(const Image &image, int x, int y) {
 // What is wrong with it, "" when nothing is.
 std::string FaultOf(const std::string &description) {
   try {
-    const Description read = ReadDescription(description);
+    const Description read = Read(description);
     for (const Picture &picture : read.pictures) Draw(picture, read.colours);
   } catch (const DescriptionError &error) {
     return error.what();
@@ -68,15 +75,32 @@ TEST(Describing, ADefinitionUsesOnlyEarlierOnes) {
 }
 
 TEST(Describing, WordsOfAUseTakeThePlaceOfParametersAlsoInDefinitionsThatUseOthers) {
-  const Description read = ReadDescription(std::string(kHead) +
-                                           "define inner\nbox $1 2 $2 4 0 ink -\nend\n"
-                                           "define outer\nuse inner 1 $1\nend\n"
-                                           "picture p\nuse outer 3\nend\n");
+  const Description read = Read(std::string(kHead) +
+                                "define inner\nbox $1 2 $2 4 0 ink -\nend\n"
+                                "define outer\nuse inner 1 $1\nend\n"
+                                "picture p\nuse outer 3\nend\n");
   const std::vector<std::string> expected = {"box", "1", "2", "3", "4", "0", "ink", "-"};
   ASSERT_EQ(read.pictures.at(0).steps.size(), 1u);
   EXPECT_EQ(read.pictures[0].steps[0].words, expected);
   EXPECT_EQ(FaultOf(std::string(kHead) + "define d\npen $2\nend\npicture p\nuse d 1\nend\n"),
             "line 8: d needs $2");
+}
+
+TEST(Describing, APictureThatIsOneUseNeedsNoEnd) {
+  const Description read =
+      Read(std::string(kHead) + "define d\npen $1\nend\npicture p use d 3\npicture q use d 4\n");
+  ASSERT_EQ(read.pictures.size(), 2u);
+  EXPECT_EQ(read.pictures[1].name, "q");
+  EXPECT_EQ(read.pictures[1].steps.at(0).words, (std::vector<std::string>{"pen", "4"}));
+  EXPECT_EQ(FaultOf(std::string(kHead) + "picture p pen 3\n"), "line 4: picture takes 1 words");
+}
+
+TEST(Describing, WhatOneFileNamesHoldsInTheNext) {
+  Description description;
+  ReadDescription(std::string(kHead) + "define d\npen 3\nend\n", &description);
+  ReadDescription("picture p use d\n", &description);
+  EXPECT_EQ(description.pictures.at(0).width, 8);
+  EXPECT_EQ(description.pictures[0].steps.at(0).words.at(0), "pen");
 }
 
 TEST(Drawing, SurroundsWhatIsDrawnByALightRimOnATransparentGround) {
@@ -134,6 +158,13 @@ TEST(XpmWriting, TakesTwoCharactersForManyColours) {
   EXPECT_EQ(codes.size(), 256u);
 }
 
+// The descriptions of the program's own pictures.
+std::vector<std::string> Arguments(std::vector<std::string> arguments) {
+  std::istringstream files(KPX_PICTURES);
+  for (std::string file; std::getline(files, file, ':');) arguments.push_back(file);
+  return arguments;
+}
+
 // kpxdraw with these arguments.
 ChildResult RunDraw(const std::vector<std::string> &arguments) {
   return RunInChild([&arguments] {
@@ -154,7 +185,7 @@ size_t FilesIn(const std::string &path) {
 TEST(KpxdrawProgram, DrawsTheSameFilesEveryTime) {
   const TemporaryDirectory directory;
   for (const char *name : {"a", "b"}) {
-    ASSERT_EQ(RunDraw({KPX_PICTURES, directory.Path(name)}).status, 0);
+    ASSERT_EQ(RunDraw(Arguments({directory.Path(name)})).status, 0);
   }
   ASSERT_GT(FilesIn(directory.Path("a")), 100u);
   ASSERT_EQ(FilesIn(directory.Path("a")), FilesIn(directory.Path("b")));
@@ -170,7 +201,7 @@ TEST(KpxdrawProgram, RemovesPicturesThatTheDescriptionLacksAndNothingElse) {
   directory.Write("notes.txt", "");
   const std::string description =
       directory.Write("pictures.txt", std::string(kHead) + "picture p\nbox 1 1 4 4 0 ink -\nend\n");
-  ASSERT_EQ(RunDraw({description, directory.Path()}).status, 0);
+  ASSERT_EQ(RunDraw({directory.Path(), description}).status, 0);
   EXPECT_FALSE(std::filesystem::exists(directory.Path("old.xpm")));
   EXPECT_TRUE(std::filesystem::exists(directory.Path("p.xpm")));
   EXPECT_TRUE(std::filesystem::exists(directory.Path("notes.txt")));
@@ -180,21 +211,21 @@ TEST(KpxdrawProgram, ReportsAFaultyDescriptionAndLeavesThePicturesAlone) {
   const TemporaryDirectory directory;
   directory.Write("old.xpm", "");
   const std::string description = directory.Write("pictures.txt", "rectangle\n");
-  const ChildResult result = RunDraw({description, directory.Path()});
+  const ChildResult result = RunDraw({directory.Path(), description});
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.errors, "kpxdraw: " + description + ": line 1: outside a picture: rectangle\n");
   EXPECT_TRUE(std::filesystem::exists(directory.Path("old.xpm")));
-  EXPECT_EQ(RunDraw({directory.Path("missing"), directory.Path()}).status, 1);
+  EXPECT_EQ(RunDraw({directory.Path(), directory.Path("missing")}).status, 1);
   EXPECT_EQ(RunDraw({}).status, 1);
 }
 
 TEST(KpxdrawProgram, DrawsAContactSheet) {
   const TemporaryDirectory directory;
   const std::string sheet = directory.Path("sheet.png");
-  ASSERT_EQ(RunDraw({"--sheet", KPX_PICTURES, sheet}).status, 0);
+  ASSERT_EQ(RunDraw(Arguments({"--sheet", sheet})).status, 0);
   EXPECT_EQ(ContentOf(sheet).substr(1, 3), "PNG");
   EXPECT_LT(std::filesystem::file_size(sheet), 400'000u);
-  EXPECT_EQ(RunDraw({"--sheet", KPX_PICTURES, directory.Path("none/sheet.png")}).status, 1);
+  EXPECT_EQ(RunDraw(Arguments({"--sheet", directory.Path("none/sheet.png")})).status, 1);
 }
 
 }  // namespace
