@@ -7,6 +7,7 @@
 
 #include "AdminWindow.h"
 #include "ComboWidget.h"
+#include "Pixmaps.h"
 #include "PropertiesWindow.h"
 #include "PropertiesWindowFct.h"
 #include "ToolWindow.h"
@@ -15,6 +16,7 @@
 #include "guisupport.h"
 #include "optionstate.h"
 #include "pafreader.h"
+#include "paths.h"
 #include "properties.h"
 #include "queuesupport.h"
 #include "xinput.h"
@@ -37,6 +39,11 @@ inline std::string PafFeature(const std::string &id, const std::vector<PafOption
 
 class PropertiesTest : public GuiTest {
  protected:
+  static void SetUpTestSuite() {
+    GuiTest::SetUpTestSuite();
+    add_pixmap_directory(kPixmapDir);
+  }
+
   void SetUp() override {
     printers_ = CreateHash();
     queues_ = CreateHash();
