@@ -11,8 +11,8 @@ namespace {
 
 constexpr char L_StateKey[] = "kpx-list-state";
 
-// Model columns: the datum, the tooltip, then the texts.
-enum { kDataColumn = 0, kTipColumn = 1, kFirstTextColumn = 2 };
+// Model columns: the datum, the texts, the tooltip.
+enum { kDataColumn = 0, kFirstTextColumn = 1 };
 
 // Rows by their identity; the iterators of a list store stay good as long as the row is there.
 using RowSet = std::map<gpointer, GtkTreeIter>;
@@ -29,6 +29,8 @@ struct ListState {
 
   ~ListState() { g_object_unref(store); }
 };
+
+int TipColumn(const ListState &state) { return kFirstTextColumn + state.text_columns; }
 
 ListState *StateOf(GtkWidget *list) {
   return static_cast<ListState *>(g_object_get_data(G_OBJECT(list), L_StateKey));
@@ -123,16 +125,16 @@ void UnselectOne(GtkWidget *list, int row, GtkTreeIter iter) {
 }
 
 GtkListStore *NewStore(size_t text_columns) {
-  std::vector<GType> types(text_columns + kFirstTextColumn, G_TYPE_STRING);
+  std::vector<GType> types(kFirstTextColumn + text_columns + 1, G_TYPE_STRING);
   types[kDataColumn] = G_TYPE_POINTER;
   return gtk_list_store_newv(static_cast<gint>(types.size()), types.data());
 }
 
-void AddColumn(GtkWidget *list, const ListColumn &column, int number) {
+void AddColumn(GtkWidget *list, const ListColumn &column, int number, int tip_column) {
   GtkCellRenderer *renderer = NewTipRenderer();
   const char *title = column.title_key == nullptr ? "" : G_Translate(column.title_key);
   GtkTreeViewColumn *view = gtk_tree_view_column_new_with_attributes(
-      title, renderer, "text", kFirstTextColumn + number, "tip", kTipColumn, nullptr);
+      title, renderer, "text", kFirstTextColumn + number, "tip", tip_column, nullptr);
   gtk_tree_view_column_set_resizable(view, TRUE);
   if (column.width > 0) gtk_tree_view_column_set_min_width(view, column.width);
   gtk_tree_view_append_column(GTK_TREE_VIEW(list), view);
@@ -147,8 +149,10 @@ GtkWidget *NewList(const std::vector<ListColumn> &columns, GtkSelectionMode mode
   GtkWidget *list = gtk_tree_view_new_with_model(GTK_TREE_MODEL(state->store));
   gtk_tree_view_set_headers_visible(GTK_TREE_VIEW(list), columns.front().title_key != nullptr);
   gtk_tree_view_set_search_column(GTK_TREE_VIEW(list), kFirstTextColumn);
-  for (size_t i = 0; i < columns.size(); ++i) AddColumn(list, columns[i], static_cast<int>(i));
-  ShowRowTips(GTK_TREE_VIEW(list), kTipColumn);
+  for (size_t i = 0; i < columns.size(); ++i) {
+    AddColumn(list, columns[i], static_cast<int>(i), TipColumn(*state));
+  }
+  ShowRowTips(GTK_TREE_VIEW(list), TipColumn(*state));
   gtk_tree_selection_set_mode(SelectionOf(list), mode);
   gtk_tree_selection_set_select_function(SelectionOf(list), MaySelectionChange, state.get(),
                                          nullptr);
@@ -180,12 +184,12 @@ void ListSetTip(GtkWidget *list, int row, const std::string &tip) {
   GtkTreeIter iter;
   if (!RowIter(list, row, &iter)) return;
   const char *text = tip.empty() ? nullptr : tip.c_str();
-  gtk_list_store_set(StateOf(list)->store, &iter, kTipColumn, text, -1);
+  gtk_list_store_set(StateOf(list)->store, &iter, TipColumn(*StateOf(list)), text, -1);
 }
 
 std::string ListTip(GtkWidget *list, int row) {
   GtkTreeIter iter;
-  return RowIter(list, row, &iter) ? TextAt(list, &iter, kTipColumn) : "";
+  return RowIter(list, row, &iter) ? TextAt(list, &iter, TipColumn(*StateOf(list))) : "";
 }
 
 void ListRemove(GtkWidget *list, int row) {

@@ -20,6 +20,9 @@
 //   clipped       lines "<window>/<widget> TAB <text>" for every text that is not shown whole
 //   idle          "1", when everything that was under way has been done
 //   drawn         "1", when all windows have been drawn as they are now
+//
+// Requests are answered when all input that has come has been dealt with. "now REQUEST" is answered
+// as soon as the program's main loop turns, before it draws.
 
 #include <gdk/gdkx.h>
 #include <glib-unix.h>
@@ -167,16 +170,21 @@ Answer Text(GtkWidget *widget) {
   return {};
 }
 
-// The columns that are shown of a combo: its texts alone, not what identifies them.
-int ShownColumns(GtkWidget *widget, GtkTreeModel *model) {
-  return GTK_IS_COMBO_BOX_TEXT(widget) ? 1 : gtk_tree_model_get_n_columns(model);
+// How many texts a row shows; those behind them in the model are its tooltip and the like.
+int ShownTexts(GtkWidget *widget) {
+  if (GTK_IS_TREE_VIEW(widget)) {
+    return static_cast<int>(gtk_tree_view_get_n_columns(GTK_TREE_VIEW(widget)));
+  }
+  return 1;
 }
 
-std::string CellsOf(GtkTreeModel *model, GtkTreeIter *iter, int columns) {
+std::string CellsOf(GtkTreeModel *model, GtkTreeIter *iter, int texts) {
   std::string cells;
   bool first = true;
-  for (int column = 0; column < columns; ++column) {
+  const int columns = gtk_tree_model_get_n_columns(model);
+  for (int column = 0; column < columns && texts > 0; ++column) {
     if (gtk_tree_model_get_column_type(model, column) != G_TYPE_STRING) continue;
+    --texts;
     gchar *text = nullptr;
     gtk_tree_model_get(model, iter, column, &text, -1);
     if (!first) cells += '\t';
@@ -207,7 +215,7 @@ Answer Rows(GtkWidget *widget) {
   for (gboolean more = gtk_tree_model_get_iter_first(model, &iter); more != FALSE;
        more = gtk_tree_model_iter_next(model, &iter)) {
     rows += IsRowSelected(widget, &iter) ? '*' : '-';
-    rows += CellsOf(model, &iter, ShownColumns(widget, model)) + "\n";
+    rows += CellsOf(model, &iter, ShownTexts(widget)) + "\n";
   }
   return rows;
 }
@@ -336,6 +344,9 @@ Answer AnswerTo(const std::string &request) {
   return AboutWidget(word, name, number);
 }
 
+// Begins a request that is answered before anything is drawn, whatever input waits.
+constexpr std::string_view kAtOnce = "now ";
+
 struct Connection {
   int descriptor = -1;
   std::string pending;  // what came of the next request
@@ -391,13 +402,18 @@ bool IsInputPending() {
          XEventsQueued(GDK_DISPLAY_XDISPLAY(display), QueuedAlready) > 0;
 }
 
+std::string TakeRequest(Connection *connection) {
+  const size_t end = connection->pending.find('\n');
+  std::string request = connection->pending.substr(0, end);
+  connection->pending.erase(0, end + 1);
+  return request;
+}
+
 // Runs when nothing else is left to do.
 gboolean AnswerWhenIdle(gpointer data) {
   auto *connection = static_cast<Connection *>(data);
   if (IsInputPending()) return G_SOURCE_CONTINUE;
-  const size_t end = connection->pending.find('\n');
-  const std::string request = connection->pending.substr(0, end);
-  connection->pending.erase(0, end + 1);
+  const std::string request = TakeRequest(connection);
   if (request == "drawn") {
     AnswerWhenDrawn(connection);
   } else {
@@ -416,7 +432,10 @@ gboolean ReadRequest(gint descriptor, GIOCondition, gpointer data) {
     return G_SOURCE_REMOVE;
   }
   connection->pending.append(buffer, static_cast<size_t>(count));
-  if (connection->pending.find('\n') != std::string::npos) {
+  if (connection->pending.find('\n') == std::string::npos) return G_SOURCE_CONTINUE;
+  if (connection->pending.starts_with(kAtOnce)) {
+    SendAnswer(connection, AnswerTo(TakeRequest(connection).substr(kAtOnce.size())));
+  } else {
     g_idle_add_full(G_PRIORITY_LOW, AnswerWhenIdle, connection, nullptr);
   }
   return G_SOURCE_CONTINUE;
