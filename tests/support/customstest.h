@@ -47,6 +47,10 @@ class CustomsTest : public PropertiesTest {
   }
 
   void TearDown() override {
+    // Of a failed test, dialogs may still be open.
+    ButtonNOConfirmationPressed();
+    ButtonCancelCpsPressed();
+    ButtonCancelCmtPressed();
     PropertiesTest::TearDown();
     G_Help.reset();
   }
