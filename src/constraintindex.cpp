@@ -2,14 +2,8 @@
 
 #include <algorithm>
 #include <map>
-#include <utility>
 
 #include "cconstrain.h"
-
-// Sorted by option once everything is prepared. The texts are lent by the constraint records.
-struct FeatureChoices {
-  std::vector<std::pair<std::string_view, ChoiceId>> options;
-};
 
 namespace {
 
@@ -50,7 +44,7 @@ void IndexConstraints(const CList *constraints) {
     AddConstraint(constraint, numbers);
   }
   for (const auto &[choice, number] : numbers) {
-    L_Features[choice.first].options.emplace_back(choice.second, number);
+    L_Features[choice.first].emplace_back(choice.second, number);
   }
   for (std::vector<ChoiceId> &partners : L_Partners) {
     std::sort(partners.begin(), partners.end());
@@ -60,22 +54,19 @@ void IndexConstraints(const CList *constraints) {
 
 size_t ChoiceCount() { return L_Partners.size(); }
 
-const FeatureChoices *ChoicesOf(std::string_view feature) {
+const FeatureChoices &ChoicesOf(std::string_view feature) {
+  static const FeatureChoices none;
   const auto place = L_Features.find(feature);
-  return place == L_Features.end() ? nullptr : &place->second;
-}
-
-std::optional<ChoiceId> FindChoice(const FeatureChoices *choices, std::string_view option) {
-  if (choices == nullptr) return std::nullopt;
-  const auto place = std::lower_bound(
-      choices->options.begin(), choices->options.end(), option,
-      [](const auto &choice, std::string_view sought) { return choice.first < sought; });
-  if (place == choices->options.end() || place->first != option) return std::nullopt;
-  return place->second;
+  return place == L_Features.end() ? none : place->second;
 }
 
 std::optional<ChoiceId> FindChoice(std::string_view feature, std::string_view option) {
-  return FindChoice(ChoicesOf(feature), option);
+  const FeatureChoices &choices = ChoicesOf(feature);
+  const auto place = std::lower_bound(
+      choices.begin(), choices.end(), option,
+      [](const auto &choice, std::string_view sought) { return choice.first < sought; });
+  if (place == choices.end() || place->first != option) return std::nullopt;
+  return place->second;
 }
 
 const std::vector<ChoiceId> &PartnersOf(ChoiceId choice) { return L_Partners[choice]; }

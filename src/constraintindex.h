@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <optional>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "clist.h"
@@ -20,14 +21,14 @@ void IndexConstraints(const CList *constraints);
 // How many choices there are.
 size_t ChoiceCount();
 
-// The choices of one feature.
-struct FeatureChoices;
+// The choices of one feature: option (lent by the constraints) and number, in the options'
+// ascending byte order, as dictionaries have them.
+using FeatureChoices = std::vector<std::pair<std::string_view, ChoiceId>>;
 
-// The choices of that feature, lent until the next preparation; null when no constraint names it.
-const FeatureChoices *ChoicesOf(std::string_view feature);
+// The choices of that feature, lent until the next preparation; none when no constraint names it.
+const FeatureChoices &ChoicesOf(std::string_view feature);
 
-// The number of a choice; nothing when no constraint names it, and for null.
-std::optional<ChoiceId> FindChoice(const FeatureChoices *choices, std::string_view option);
+// The number of a choice; nothing when no constraint names it.
 std::optional<ChoiceId> FindChoice(std::string_view feature, std::string_view option);
 
 // The choices that cannot be combined with `choice`, ascending, each once.

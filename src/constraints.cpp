@@ -75,14 +75,13 @@ SettingsSnapshot::SettingsSnapshot() {
 const Setting *SettingsSnapshot::ConflictOf(const char *feature, const char *option) const {
   if (feature == nullptr || option == nullptr || IsExemptFeature(feature)) return nullptr;
   const ComparedChoice compared = AsCompared(feature, option);
-  return ConflictOf(ChoicesOf(compared.feature), compared.option);
+  const std::optional<ChoiceId> choice = FindChoice(compared.feature, compared.option);
+  return choice ? ConflictOf(*choice) : nullptr;
 }
 
-const Setting *SettingsSnapshot::ConflictOf(const FeatureChoices *choices,
-                                            const char *option) const {
-  const std::optional<ChoiceId> choice = FindChoice(choices, option);
-  if (!choice || first_conflict_[*choice] == settings_.size()) return nullptr;
-  return &settings_[first_conflict_[*choice]];
+const Setting *SettingsSnapshot::ConflictOf(ChoiceId choice) const {
+  const size_t first = first_conflict_[choice];
+  return first == settings_.size() ? nullptr : &settings_[first];
 }
 
 std::optional<SettingsConflict> FindLinearConflict(const CHash *settings) {

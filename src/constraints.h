@@ -36,9 +36,8 @@ class SettingsSnapshot {
   // The setting that the choice conflicts with, null when there is none. Lent by the snapshot.
   const Setting *ConflictOf(const char *feature, const char *option) const;
 
-  // The same for an option of a feature that is not exempt, the option not a custom one; for asking
-  // about many options of one feature.
-  const Setting *ConflictOf(const FeatureChoices *choices, const char *option) const;
+  // The same for a choice by its number, exempt or not.
+  const Setting *ConflictOf(ChoiceId choice) const;
 
  private:
   std::vector<Setting> settings_;

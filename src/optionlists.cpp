@@ -42,16 +42,22 @@ class ListBuilder {
               OptionList &list)
       : options_(fGet_Options_Function(record)),
         feature_(feature),
-        choices_(IsExemptFeature(feature) ? nullptr : ChoicesOf(feature)),
+        exempt_(IsExemptFeature(feature)),
         custom_(CustomKindOf(feature)),
         snapshot_(snapshot),
         list_(list) {}
 
   void AddPrinterOptions() {
     if (options_ != nullptr) list_.rows.reserve(options_->index.size());
+    // Both are in the options' order, so that one walk over the choices finds them all.
+    const FeatureChoices &choices = ChoicesOf(feature_);
+    auto choice = exempt_ ? choices.end() : choices.begin();
     for (const auto [option, text] : Pairs<CString>(options_)) {
       const char *display = fGet_CString_Value_Function(text);
-      const Setting *conflict = snapshot_.ConflictOf(choices_, option);
+      int order = -1;
+      while (choice != choices.end() && (order = choice->first.compare(option)) < 0) ++choice;
+      const bool is_choice = choice != choices.end() && order == 0;
+      const Setting *conflict = is_choice ? snapshot_.ConflictOf(choice->second) : nullptr;
       const bool is_current = Add(option, display == nullptr ? option : display, conflict);
       if (is_current && custom_) *custom_->is_current = false;
     }
@@ -89,7 +95,7 @@ class ListBuilder {
 
   const CHash *options_;
   const char *feature_;
-  const FeatureChoices *choices_;  // null also for an exempt feature
+  bool exempt_;
   std::optional<CustomKind> custom_;
   const SettingsSnapshot &snapshot_;
   OptionList &list_;

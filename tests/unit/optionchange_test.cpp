@@ -134,6 +134,8 @@ struct Turn {
   NupOrderBoxes boxes;
 };
 
+void PrintTo(const Turn &turn, std::ostream *out) { *out << turn.before << " to" << turn.text; }
+
 class TurnOfTwoPages : public OptionChanges, public testing::WithParamInterface<Turn> {};
 
 TEST_P(TurnOfTwoPages, SetsThePageOrder) {
