@@ -21,7 +21,7 @@ constexpr CConstrainOps L_Ops{
     .IsEqual = fIsEqual_Function,
 };
 
-using Member = Owned<CString> CConstrain::*;
+using Member = ConstrainString CConstrain::*;
 
 CString *Get(const CConstrain *constrain, Member member) {
   return constrain == nullptr ? nullptr : (constrain->*member).get();
@@ -35,8 +35,10 @@ int Set(CConstrain *constrain, Member member, Owned<CString> &&value) {
 
 // Clones one member; false when it is missing or cannot be cloned.
 bool CloneMember(const CConstrain *from, CConstrain *to, Member member) {
-  to->*member = CloneOf((from->*member).get());
-  return to->*member != nullptr;
+  const CString *string = (from->*member).get();
+  if (string == nullptr || !string->value) return false;
+  (to->*member).Share(string->value);
+  return true;
 }
 
 // One end of a constraint; null texts are missing ones.
@@ -59,6 +61,22 @@ bool SameEnd(const End &a, const End &b) {
 }
 
 }  // namespace
+
+CString *ConstrainString::get() const {
+  CString *inside = std::get_if<CString>(&string_);
+  return inside != nullptr ? inside : std::get<Owned<CString>>(string_).get();
+}
+
+ConstrainString &ConstrainString::operator=(Owned<CString> &&given) {
+  string_ = std::move(given);
+  return *this;
+}
+
+void ConstrainString::Share(SharedText text) {
+  CString &inside = string_.emplace<CString>();
+  inside.ops = CString::Ops();
+  inside.value = std::move(text);
+}
 
 const CObjectOps *CConstrain::Ops() { return &L_Ops.header; }
 

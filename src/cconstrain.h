@@ -1,18 +1,37 @@
 // CConstrain: option 1 of feature 1 cannot be combined with option 2 of feature 2.
 #pragma once
 
+#include <variant>
+
 #include "cstring.h"
 
 inline constexpr char CConstrainClassName[] = "CConstrain";
+
+// One of the texts of a constraint: a CString that was handed in, or one that lies in the record,
+// which is smaller. A printer has thousands of them.
+class ConstrainString {
+ public:
+  // The text, lent until it is replaced; null when it is missing.
+  CString *get() const;
+
+  // Takes `given` over and deletes what was there.
+  ConstrainString &operator=(Owned<CString> &&given);
+
+  // Puts a CString that shares `text` in the place of what was there.
+  void Share(SharedText text);
+
+ private:
+  mutable std::variant<Owned<CString>, CString> string_;
+};
 
 struct CConstrain : CObject {
   static constexpr int kClassId = 260;
   static const CObjectOps *Ops();
 
-  Owned<CString> feature1;
-  Owned<CString> option1;
-  Owned<CString> feature2;
-  Owned<CString> option2;
+  ConstrainString feature1;
+  ConstrainString option1;
+  ConstrainString feature2;
+  ConstrainString option2;
 };
 
 struct CConstrainOps {

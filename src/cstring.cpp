@@ -1,7 +1,5 @@
 #include "cstring.h"
 
-#include <cstring>
-
 namespace {
 
 constexpr CStringOps L_Ops{
@@ -24,10 +22,12 @@ const CObjectOps *CString::Ops() { return &L_Ops.text.header; }
 Owned<CString> CreateString() { return NewObject<CString>(); }
 
 Owned<CString> CreateStringWithValue(const char *text) {
-  if (text == nullptr) return nullptr;
-  const AllocationWords words(OnNoMemory::ObjectLibrary);
+  return text == nullptr ? nullptr : CreateStringWithText(SharedText(text));
+}
+
+Owned<CString> CreateStringWithText(SharedText text) {
   Owned<CString> object = CreateString();
-  object->value = text;
+  object->value = std::move(text);
   return object;
 }
 
@@ -41,18 +41,17 @@ int fDelete_CString_Function(CString *object) {
 }
 
 Owned<CString> fClone_CString_Function(const CString *object) {
+  // A text of its own: whoever was lent one tells it from that of the clone by its address.
   return CreateStringWithValue(fGet_CString_Value_Function(object));
 }
 
 const char *fGet_CString_Value_Function(const CString *object) {
-  return object == nullptr || !object->value ? nullptr : object->value->c_str();
+  return object == nullptr ? nullptr : object->value.Get();
 }
 
 int fSet_CString_Value_Function(CString *object, const char *text) {
   if (object == nullptr || text == nullptr) return 0;
-  const AllocationWords words(OnNoMemory::ObjectLibrary);
-  // Through a copy: `text` may point into the value it replaces.
-  object->value = std::string(text);
+  object->value = SharedText(text);  // copied first: `text` may point into the value it replaces
   return 1;
 }
 

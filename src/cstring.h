@@ -1,10 +1,8 @@
 // CString: an owned text.
 #pragma once
 
-#include <optional>
-#include <string>
-
 #include "cobject.h"
+#include "sharedtext.h"
 
 inline constexpr char CStringClassName[] = "CString";
 
@@ -12,7 +10,7 @@ struct CString : CObject {
   static constexpr int kClassId = 100;
   static const CObjectOps *Ops();
 
-  std::optional<std::string> value;
+  SharedText value;
 };
 
 // The class table's own operations, in their order.
@@ -27,6 +25,9 @@ Owned<CString> CreateString();
 
 // A record holding a copy of `text` (UTF-8); null when `text` is null.
 Owned<CString> CreateStringWithValue(const char *text);
+
+// A record that shares `text`.
+Owned<CString> CreateStringWithText(SharedText text);
 
 int fCString_Class_ID_Function();
 const char *fCString_Class_Name_Function();

@@ -100,7 +100,7 @@ std::vector<std::string> FilesOfSelection(const std::string &path) {
   std::vector<std::string> files;
   const Owned<CList> names = GetFilesFromDir(path.c_str());
   for (const CString *name : Elements<CString>(names.get())) {
-    const std::string file = path + *name->value;
+    const std::string file = path + fGet_CString_Value_Function(name);
     if (IsPresentAndNoDirectory(file)) files.push_back(file);
   }
   return files;

@@ -117,7 +117,7 @@ int GetGuiFont(const char *afm_name, std::string *font, std::string *style) {
   }
   for (const auto [font_name, styles] : Pairs<CHash>(G_Fonts_hash.get())) {
     for (const auto [style_name, value] : Pairs<CString>(styles)) {
-      if (*value->value != afm_name) continue;
+      if (value->value.View() != afm_name) continue;
       *font = font_name;
       *style = style_name;
       return 1;

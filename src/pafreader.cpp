@@ -37,13 +37,11 @@ enum class State {
 
 constexpr std::array L_LimitNames{"MinWidth", "MaxWidth", "MinLength", "MaxLength"};
 
-using FourValues = std::array<std::optional<std::string>, 4>;
+using FourValues = std::array<SharedText, 4>;
 
 bool AllPresent(const FourValues &values) {
   return std::all_of(values.begin(), values.end(), [](const auto &value) { return !!value; });
 }
-
-Owned<CString> TextOf(const std::string &text) { return CreateStringWithValue(text.c_str()); }
 
 // The state machine. What is pending stays until it is used up or replaced, also between blocks.
 class PafParser {
@@ -51,7 +49,7 @@ class PafParser {
   PafParser();
 
   // Does what the line says; a value line goes where the state says.
-  void TakeLine(const std::string &line);
+  void TakeLine(std::string_view line);
 
   // To be called after the last line.
   void TakeEnd();
@@ -63,7 +61,7 @@ class PafParser {
 
  private:
   // The routine of a keyword returns the state that follows.
-  using Routine = State (PafParser::*)(const std::string &line);
+  using Routine = State (PafParser::*)(std::string_view line);
 
   struct Keyword {
     constexpr Keyword(std::string_view keyword, State follows) : text(keyword), next(follows) {}
@@ -75,24 +73,29 @@ class PafParser {
   static const Keyword L_Keywords[];
 
   State Fail(const char *reason);
-  void TakeValue(const std::string &line);
-  void SetFeatureText(Owned<CString> CFeature::*member, const std::string &line);
+  // A record of the line's text.
+  Owned<CString> TextOf(std::string_view line) { return CreateStringWithText(texts_.Get(line)); }
 
-  State TakeName(const std::string &line);
-  State TakePpd(const std::string &line);
-  State StartFeature(const std::string &line);
-  State StartInstallable(const std::string &line);
-  State Identify(const std::string &line);
-  State Translate(const std::string &line);
-  State StartOptions(const std::string &line);
-  State EndOptions(const std::string &line);
-  State EndOption(const std::string &line);
-  State EndFeature(const std::string &line);
-  State StartCustomPaper(const std::string &line);
-  State EndCustomPaper(const std::string &line);
-  State StartConstraint(const std::string &line);
-  State EndConstraint(const std::string &line);
+  void TakeValue(std::string_view line);
+  void SetFeatureText(Owned<CString> CFeature::*member, std::string_view line);
+  void SetEnd(size_t end, std::string_view line);
 
+  State TakeName(std::string_view line);
+  State TakePpd(std::string_view line);
+  State StartFeature(std::string_view line);
+  State StartInstallable(std::string_view line);
+  State Identify(std::string_view line);
+  State Translate(std::string_view line);
+  State StartOptions(std::string_view line);
+  State EndOptions(std::string_view line);
+  State EndOption(std::string_view line);
+  State EndFeature(std::string_view line);
+  State StartCustomPaper(std::string_view line);
+  State EndCustomPaper(std::string_view line);
+  State StartConstraint(std::string_view line);
+  State EndConstraint(std::string_view line);
+
+  TextPool texts_;  // a description says the same few words thousands of times
   PafContent content_;
   const char *error_ = nullptr;
   State state_ = State::None;
@@ -147,12 +150,15 @@ PafParser::PafParser() {
   content_.constraints = CreateList();
 }
 
-void PafParser::TakeLine(const std::string &line) {
+void PafParser::TakeLine(std::string_view line) {
   if (line.empty()) {
     state_ = State::None;
     return;
   }
-  const auto begins = [&line](const Keyword &keyword) { return line.starts_with(keyword.text); };
+  // The second character tells most keywords apart.
+  const auto begins = [&line](const Keyword &keyword) {
+    return line.size() > 1 && line[1] == keyword.text[1] && line.starts_with(keyword.text);
+  };
   const auto keyword = line[0] != '#'
                            ? std::end(L_Keywords)
                            : std::find_if(std::begin(L_Keywords), std::end(L_Keywords), begins);
@@ -173,7 +179,7 @@ State PafParser::Fail(const char *reason) {
   return State::None;
 }
 
-void PafParser::TakeValue(const std::string &line) {
+void PafParser::TakeValue(std::string_view line) {
   switch (state_) {
     case State::FeatureId:
       feature_id_ = TextOf(line);
@@ -197,13 +203,14 @@ void PafParser::TakeValue(const std::string &line) {
     case State::CpsMaxWidth:
     case State::CpsMinLength:
     case State::CpsMaxLength:
-      limits_[static_cast<size_t>(state_) - static_cast<size_t>(State::CpsMinWidth)] = line;
+      limits_[static_cast<size_t>(state_) - static_cast<size_t>(State::CpsMinWidth)] =
+          texts_.Get(line);
       break;
     case State::ConstraintFeature1:
     case State::ConstraintOption1:
     case State::ConstraintFeature2:
     case State::ConstraintOption2:
-      ends_[static_cast<size_t>(state_) - static_cast<size_t>(State::ConstraintFeature1)] = line;
+      SetEnd(static_cast<size_t>(state_) - static_cast<size_t>(State::ConstraintFeature1), line);
       break;
     case State::None:
     case State::FeatureStarted:
@@ -214,7 +221,7 @@ void PafParser::TakeValue(const std::string &line) {
   }
 }
 
-void PafParser::SetFeatureText(Owned<CString> CFeature::*member, const std::string &line) {
+void PafParser::SetFeatureText(Owned<CString> CFeature::*member, std::string_view line) {
   if (feature_ == nullptr) {
     Fail("a value of a feature outside a feature");
   } else {
@@ -222,59 +229,64 @@ void PafParser::SetFeatureText(Owned<CString> CFeature::*member, const std::stri
   }
 }
 
-State PafParser::TakeName(const std::string &line) {
+void PafParser::SetEnd(size_t end, std::string_view line) {
+  // Most constraints share an end with the one before: that saves looking the text up.
+  if (!ends_[end] || ends_[end].View() != line) ends_[end] = texts_.Get(line);
+}
+
+State PafParser::TakeName(std::string_view line) {
   content_.name = TextOf(PafHeaderText(line));
   return State::None;
 }
 
-State PafParser::TakePpd(const std::string &line) {
+State PafParser::TakePpd(std::string_view line) {
   content_.ppd_file = TextOf(PafHeaderText(line));
   return State::None;
 }
 
-State PafParser::StartFeature(const std::string &) {
+State PafParser::StartFeature(std::string_view) {
   feature_ = CreateFeature();
   installable_ = false;
   return State::FeatureStarted;
 }
 
-State PafParser::StartInstallable(const std::string &line) {
+State PafParser::StartInstallable(std::string_view line) {
   const State next = StartFeature(line);
   installable_ = true;
   return next;
 }
 
-State PafParser::Identify(const std::string &) {
+State PafParser::Identify(std::string_view) {
   if (state_ == State::FeatureStarted) return State::FeatureId;
   if (state_ == State::OptionStarted) return State::OptionId;
   return Fail("#id that does not follow the start of a feature or option");
 }
 
-State PafParser::Translate(const std::string &) {
+State PafParser::Translate(std::string_view) {
   if (state_ == State::FeatureId) return State::FeatureTranslation;
   if (state_ == State::OptionId) return State::OptionTranslation;
   return Fail("#translation that does not follow an identifier");
 }
 
-State PafParser::StartOptions(const std::string &) {
+State PafParser::StartOptions(std::string_view) {
   options_ = CreateHash();
   return State::None;
 }
 
-State PafParser::EndOptions(const std::string &) {
+State PafParser::EndOptions(std::string_view) {
   if (feature_ == nullptr || options_ == nullptr) return Fail("#end_options without options");
   feature_->options = std::move(options_);
   return State::None;
 }
 
-State PafParser::EndOption(const std::string &) {
+State PafParser::EndOption(std::string_view) {
   if (options_ == nullptr) return Fail("#end_option outside an option list");
   if (option_id_ == nullptr || option_translation_ == nullptr) return Fail("incomplete option");
   fAdd_CHash_Function(options_.get(), std::move(option_id_), std::move(option_translation_));
   return State::None;
 }
 
-State PafParser::EndFeature(const std::string &) {
+State PafParser::EndFeature(std::string_view) {
   if (feature_ == nullptr) return Fail("#end_ui without a feature");
   if (feature_id_ == nullptr || feature_->translation == nullptr ||
       feature_->default_option == nullptr || feature_->type == nullptr) {
@@ -286,12 +298,12 @@ State PafParser::EndFeature(const std::string &) {
   return State::None;
 }
 
-State PafParser::StartCustomPaper(const std::string &) {
+State PafParser::StartCustomPaper(std::string_view) {
   custom_paper_started_ = true;
   return State::Cps;
 }
 
-State PafParser::EndCustomPaper(const std::string &line) {
+State PafParser::EndCustomPaper(std::string_view line) {
   if (line != "#end_cps") {
     // Kept on purpose: with anything behind it the keyword is a value line.
     TakeValue(line);
@@ -300,21 +312,23 @@ State PafParser::EndCustomPaper(const std::string &line) {
   if (!custom_paper_started_ || !AllPresent(limits_)) return Fail("incomplete custom paper block");
   content_.custom_paper = CreateHash();
   for (size_t i = 0; i < limits_.size(); ++i) {
-    HashPutText(content_.custom_paper.get(), L_LimitNames[i], limits_[i]->c_str());
+    HashPut(content_.custom_paper.get(), L_LimitNames[i], CreateStringWithText(limits_[i]));
   }
   return State::None;
 }
 
-State PafParser::StartConstraint(const std::string &) {
+State PafParser::StartConstraint(std::string_view) {
   constraint_ = CreateConstrain();
   return State::Constraint;
 }
 
-State PafParser::EndConstraint(const std::string &) {
+State PafParser::EndConstraint(std::string_view) {
   if (constraint_ == nullptr || !AllPresent(ends_)) return Fail("incomplete constraint");
   // Kept on purpose: the four values stay, so a later block that lacks one takes it from here.
-  fSetData_Function(constraint_.get(), TextOf(*ends_[0]), TextOf(*ends_[1]), TextOf(*ends_[2]),
-                    TextOf(*ends_[3]));
+  constraint_->feature1.Share(ends_[0]);
+  constraint_->option1.Share(ends_[1]);
+  constraint_->feature2.Share(ends_[2]);
+  constraint_->option2.Share(ends_[3]);
   fAddTail_CList_Function(content_.constraints.get(), std::move(constraint_));
   return State::None;
 }
@@ -324,17 +338,19 @@ State PafParser::EndConstraint(const std::string &) {
 std::variant<PafContent, PafError> ReadPaf(LineReader &lines) {
   const LogScope log("ReadPaf");
   PafParser parser;
-  while (const std::optional<std::string> line = lines.Next()) {
+  while (const std::optional<std::string_view> line = lines.NextView()) {
     parser.TakeLine(*line);
-    if (parser.Error() != nullptr) return PafError{*line, lines.LineNumber(), parser.Error()};
+    if (parser.Error() != nullptr) {
+      return PafError{std::string(*line), lines.LineNumber(), parser.Error()};
+    }
   }
   parser.TakeEnd();
   if (parser.Error() != nullptr) return PafError{"", lines.LineNumber(), parser.Error()};
   return std::move(parser.Content());
 }
 
-std::string PafHeaderText(const std::string &line) {
+std::string PafHeaderText(std::string_view line) {
   const size_t first = line.find(':');
   if (first == std::string::npos) return "";
-  return line.substr(first + 1, line.find(':', first + 1) - first - 1);
+  return std::string(line.substr(first + 1, line.find(':', first + 1) - first - 1));
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <variant>
 
 #include "chash.h"
@@ -30,4 +31,4 @@ std::variant<PafContent, PafError> ReadPaf(LineReader &lines);
 
 // The text between the first and the second ":" of a header line ("##Name:", "##PPD:"), untrimmed;
 // up to the end when there is no second one.
-std::string PafHeaderText(const std::string &line);
+std::string PafHeaderText(std::string_view line);

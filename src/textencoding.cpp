@@ -60,10 +60,25 @@ std::string LocaleBytes(std::string_view text) {
   return result;
 }
 
+// How many bytes at the start of `bytes` are ASCII, counted by eights.
+size_t AsciiLength(std::string_view bytes) {
+  constexpr uint64_t kHighBits = 0x8080808080808080U;
+  size_t length = 0;
+  uint64_t eight = 0;
+  while (length + sizeof eight <= bytes.size()) {
+    std::memcpy(&eight, bytes.data() + length, sizeof eight);
+    if ((eight & kHighBits) != 0) break;
+    length += sizeof eight;
+  }
+  return length;
+}
+
 }  // namespace
 
 bool IsValidUtf8(std::string_view bytes) {
   while (!bytes.empty()) {
+    bytes.remove_prefix(AsciiLength(bytes));
+    if (bytes.empty()) break;
     const size_t length = SequenceLength(bytes);
     if (length == 0) return false;
     bytes.remove_prefix(length);
@@ -122,14 +137,24 @@ void PrintError(std::string_view text) {
 void PrintErrorLine(std::string_view text) { PrintError(std::string(text) + "\n"); }
 
 std::optional<std::string> LineReader::Next() {
+  const std::optional<std::string_view> line = NextView();
+  if (!line) return std::nullopt;
+  return std::string(*line);
+}
+
+std::optional<std::string_view> LineReader::NextView() {
   if (rest_.empty()) return std::nullopt;
   if (had_line_feed_) ++line_number_;
   const size_t feed = rest_.substr(0, kMaxLine + 1).find('\n');
   had_line_feed_ = feed != std::string_view::npos;
-  std::string_view line = had_line_feed_ ? rest_.substr(0, feed) : Utf8Prefix(rest_, kMaxLine);
+  const std::string_view line =
+      had_line_feed_ ? rest_.substr(0, feed) : Utf8Prefix(rest_, kMaxLine);
   rest_.remove_prefix(line.size() + (had_line_feed_ ? 1 : 0));
-  if (form_ == Form::Bytes) return std::string(line);
-  return DecodeLine(line.substr(0, line.find('\0')));
+  if (form_ == Form::Bytes) return line;
+  const std::string_view text = line.substr(0, line.find('\0'));
+  if (IsValidUtf8(text)) return text;
+  decoded_ = Utf8FromLatin1(text);
+  return decoded_;
 }
 
 std::optional<std::string> LineReader::NextDroppingLast() {

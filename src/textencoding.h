@@ -45,6 +45,9 @@ class LineReader {
   // The next line without its line feed, or nothing at the end. A carriage return stays.
   std::optional<std::string> Next();
 
+  // The same line, lent until the next call.
+  std::optional<std::string_view> NextView();
+
   // The next line for the files whose lines must all end in a line feed: the last character read
   // counts as the line feed, so the file's last line loses a character when it has none.
   std::optional<std::string> NextDroppingLast();
@@ -60,6 +63,7 @@ class LineReader {
 
  private:
   std::string_view rest_;
+  std::string decoded_;  // the line handed out last, when it had to be decoded
   Form form_;
   bool had_line_feed_ = true;
   int line_number_ = 0;

@@ -83,7 +83,7 @@ int DeleteFilesEndingIn(const char *dir, const char *suffix) {
   if (all == nullptr || suffix == nullptr) return 0;
   const Owned<CList> names = CreateList();
   for (const CString *element : Elements<CString>(all.get())) {
-    if (!element->value->ends_with(suffix)) continue;
+    if (!element->value.View().ends_with(suffix)) continue;
     fAddTail_CList_Function(names.get(), CloneOf(element));
   }
   return DeleteFilesFromDir(dir, names.get(), suffix);

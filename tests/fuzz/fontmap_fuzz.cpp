@@ -12,7 +12,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
       Require(GetAfmFontName(font, style) == fGet_CString_Value_Function(afm_name));
       std::string found_font;
       std::string found_style;
-      Require(GetGuiFont(afm_name->value->c_str(), &found_font, &found_style) == 1);
+      Require(GetGuiFont(afm_name->value.Get(), &found_font, &found_style) == 1);
     }
   }
   G_Fonts_hash.reset();

@@ -10,7 +10,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   for (const auto [name, text] : Pairs<CString>(help->helps.get())) {
     Require(std::string_view(name).ends_with("_BEGIN"));
     Require(fGetHelp_Function(help.get(), name) == fGet_CString_Value_Function(text));
-    Require(IsValidUtf8(*text->value));
+    Require(IsValidUtf8(text->value.View()));
   }
   return 0;
 }

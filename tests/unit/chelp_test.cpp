@@ -152,7 +152,7 @@ TEST(Help, RandomBytesAreReadOrRefused) {
     ReadHelp(help.get(), reader);
     for (const auto [name, block] : Pairs<CString>(help->helps.get())) {
       ASSERT_TRUE(std::string_view(name).ends_with("_BEGIN"));
-      ASSERT_TRUE(IsValidUtf8(*block->value));
+      ASSERT_TRUE(IsValidUtf8(block->value.View()));
     }
   }
 }

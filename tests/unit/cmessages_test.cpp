@@ -125,7 +125,7 @@ TEST(Messages, RandomBytesAreRead) {
     const Owned<CMessages> catalogue = Catalogue(bytes);
     for (const auto [key, text] : Pairs<CString>(catalogue->messages.get())) {
       ASSERT_TRUE(IsValidUtf8(key));
-      ASSERT_TRUE(IsValidUtf8(*text->value));
+      ASSERT_TRUE(IsValidUtf8(text->value.View()));
     }
   }
 }

@@ -27,7 +27,7 @@ TEST(CString, SetReplacesTheTextByACopy) {
 
 TEST(CString, SetTakesAPartOfItsOwnText) {
   const Owned<CString> string = CreateStringWithValue("prefix and a rest that is not short");
-  EXPECT_EQ(fSet_CString_Value_Function(string.get(), string->value->c_str() + 7), 1);
+  EXPECT_EQ(fSet_CString_Value_Function(string.get(), string->value.Get() + 7), 1);
   EXPECT_STREQ(fGet_CString_Value_Function(string.get()), "and a rest that is not short");
 }
 
@@ -61,6 +61,17 @@ TEST(CString, CloneIsIndependentAndThatOfANullValueIsNull) {
   const Owned<CString> empty = CreateString();
   EXPECT_EQ(fClone_CString_Function(empty.get()), nullptr);
   EXPECT_EQ(fClone_CString_Function(nullptr), nullptr);
+}
+
+TEST(CString, CloneHasATextOfItsOwnAlsoWhenTheTextIsShared) {
+  const SharedText shared("shared");
+  const Owned<CString> one = CreateStringWithText(shared);
+  const Owned<CString> other = CreateStringWithText(shared);
+  const Owned<CString> clone = fClone_CString_Function(one.get());
+  EXPECT_NE(fGet_CString_Value_Function(clone.get()), fGet_CString_Value_Function(one.get()));
+  EXPECT_EQ(fSet_CString_Value_Function(one.get(), "changed"), 1);
+  EXPECT_STREQ(fGet_CString_Value_Function(other.get()), "shared");
+  EXPECT_STREQ(fGet_CString_Value_Function(clone.get()), "shared");
 }
 
 TEST(CString, DeleteAcceptsNull) {

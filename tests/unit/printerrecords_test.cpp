@@ -200,6 +200,21 @@ TEST(Constrain, SetDataTakesAllFourAlsoMissingOnes) {
   EXPECT_EQ(fSetData_Function(nullptr, Text("a"), Text("b"), Text("c"), Text("d")), 0);
 }
 
+TEST(Constrain, ATextSharedByTwoConstraintsIsSetInOneAlone) {
+  const SharedText shared("shared");
+  const Owned<CConstrain> one = CreateConstrain();
+  const Owned<CConstrain> other = CreateConstrain();
+  one->option1.Share(shared);
+  other->option1.Share(shared);
+  EXPECT_EQ(Get(fGetOption1_Function(one.get())), Get(fGetOption1_Function(other.get())));
+  EXPECT_EQ(ClassIdOf(fGetOption1_Function(one.get())), 100);
+  EXPECT_EQ(fSet_CString_Value_Function(fGetOption1_Function(one.get()), "changed"), 1);
+  EXPECT_STREQ(Get(fGetOption1_Function(one.get())), "changed");
+  EXPECT_STREQ(Get(fGetOption1_Function(other.get())), "shared");
+  EXPECT_EQ(fSetOption1_Function(other.get(), Text("given")), 1);
+  EXPECT_STREQ(Get(fGetOption1_Function(other.get())), "given");
+}
+
 TEST(Constrain, CloneIsDeepAndNeedsAllFour) {
   const Owned<CConstrain> constrain = MakeConstrain("feature1", "option1", "feature2", "option2");
   const Owned<CConstrain> clone = CloneOf(constrain.get());

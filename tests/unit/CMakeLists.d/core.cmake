@@ -1,6 +1,7 @@
 # The object library, the texts, the log and the print tool's core.
 kpx_add_test(NAME object_library LIBS kpx_core LABEL unit
-  SOURCES unit/cstring_test.cpp unit/clist_test.cpp unit/chash_test.cpp unit/cselection_test.cpp)
+  SOURCES unit/sharedtext_test.cpp unit/cstring_test.cpp unit/clist_test.cpp unit/chash_test.cpp
+          unit/cselection_test.cpp)
 kpx_add_test(NAME text_resources LIBS kpx_core LABEL unit
   SOURCES unit/textformat_test.cpp unit/textencoding_test.cpp unit/cmessages_test.cpp
           unit/chelp_test.cpp)
