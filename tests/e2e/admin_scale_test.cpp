@@ -1,9 +1,7 @@
-// The administration window with 10,000 queues, and saves that take long.
-#include <sys/stat.h>
-
+// The administration window with 10,000 queues.
 #include <chrono>
 
-#include "savedqueues.h"
+#include "administration.h"
 #include "xinput.h"
 
 namespace {
@@ -85,59 +83,6 @@ TEST_F(ManyQueues, ScrollingSearchingSelectingAndDeletingThemTakesNoTime) {
   expect_fast("deleting all", [&] { app.Click("DeleteButton"); });
   EXPECT_EQ(Strings{}, app.QueueNames());
   EXPECT_EQ("", app.SensitiveButtons());
-}
-
-// Two queues lp1 and lp2: the spooler takes more than half a second for lp1; for lp2 it waits to be
-// let go and fails.
-class LongSave : public RealSpoolerTest {
- protected:
-  LongSave() {
-    mkfifo(kGate, 0600);
-    std::filesystem::rename("/usr/lib/lpadmin", "/usr/lib/lpadmin.away");
-    std::ofstream("/usr/lib/lpadmin") << "#!/bin/sh\n"
-                                         "if [ \"$2\" = lp1 ]; then sleep 0.6; exit 0; fi\n"
-                                         ": >" +
-                                             std::string(kReached) +
-                                             "\n"
-                                             "read -r line <" +
-                                             kGate +
-                                             "\n"
-                                             "exit 1\n";
-    std::filesystem::permissions("/usr/lib/lpadmin", std::filesystem::perms(0755));
-  }
-  ~LongSave() override {
-    std::filesystem::rename("/usr/lib/lpadmin.away", "/usr/lib/lpadmin");
-    std::filesystem::remove(kGate);
-    std::filesystem::remove(kReached);
-  }
-
-  static void OpenGate() { std::ofstream(kGate) << "go\n"; }
-
-  static constexpr char kGate[] = "/run/kpx/gate";
-  static constexpr char kReached[] = "/run/kpx/reached";
-};
-
-TEST_F(LongSave, ShowsItsProgressAndTakesNoInputMeanwhile) {
-  AdminApp app;
-  app.AddQueue({.name = "lp1"});
-  app.AddQueue({.name = "lp2"});
-  const ScreenArea cancel = app.Geometry("CancelButton");
-  app.Click("SaveButton");
-  app.WaitUntil("the second queue", [] { return std::filesystem::exists(kReached); });
-  const Strings titles = XInputWindowTitles();
-  EXPECT_NE(titles.end(),
-            std::find(titles.begin(), titles.end(), CatalogueText("DEF_WND_SAVE_TITLE")));
-
-  XInputClick(cancel.x + cancel.width / 2, cancel.y + cancel.height / 2);
-  for (const char *key : {"Escape", "Return", "space", "F1"}) XInputChord(key);
-  OpenGate();
-  app.WaitWindow("KPXErrorWarningDialog");
-  EXPECT_EQ((Strings{"KPXErrorWarningDialog", "AdminWindow"}), app.Windows());
-  EXPECT_NE(
-      std::string::npos,
-      app.Text("ErrorWarningText").find(CatalogueText("ERR_CMD_FOR_QUEUE", {"lpadmin", "lp2"})));
-  app.Key("Return");
-  EXPECT_EQ(1, app.WaitExit());
 }
 
 }  // namespace

@@ -233,17 +233,6 @@ TEST(Startup, AQueueWhoseScriptLostTheMarkerIsDroppedWithAMessage) {
   }
 }
 
-TEST(Startup, ASecondAdministratorIsToldAndEndsWithStatusOne) {
-  const ChangedFile list(kQueuesFile, "");
-  GuiApp first({.program = kAdmin});
-  first.WaitWindow("AdminWindow");
-  GuiApp second({.program = kAdmin});
-  second.WaitWindow("ErrorDialog");
-  EXPECT_EQ(CatalogueText("ERR_ADMIN_RUNNING"), second.Text("ErrorLabel1"));
-  second.Key("Return");
-  EXPECT_EQ(1, second.WaitExit());
-}
-
 TEST(Startup, ATerminatingSignalEndsTheProgramAsItsCancelButtonDoes) {
   for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
     GuiApp app({.input = "data"});

@@ -227,13 +227,15 @@ bool GuiApp::Connect() {
   return true;
 }
 
-std::optional<std::string> GuiApp::Ask(const std::string &request) {
+std::optional<std::string> GuiApp::Ask(const std::string &request,
+                                       const std::function<void()> &meanwhile) {
   const Clock::time_point deadline = Clock::now() + kDeadline;
   while (!Connect()) {
     if (Pause() || Clock::now() > deadline) Fail("the program shows no windows");
   }
   const std::string line = request + "\n";
   send(connection_.get(), line.data(), line.size(), MSG_NOSIGNAL);
+  meanwhile();
   std::string answer;
   size_t expected = std::string::npos;
   while (answer.size() < expected) {
@@ -366,6 +368,13 @@ void GuiApp::CloseWindow(const std::string &name) {
 bool GuiApp::HasWidget(const std::string &name) { return Ask("geometry " + name).has_value(); }
 
 std::string GuiApp::Text(const std::string &name) { return Demand("text " + name); }
+
+std::string GuiApp::NextText(const std::string &name, const std::function<void()> &action) {
+  const std::string request = "now text " + name;
+  const std::optional<std::string> answer = Ask(request, action);
+  if (!answer) Fail("nothing to answer \"" + request + "\" with");
+  return *answer;
+}
 
 bool GuiApp::IsSensitive(const std::string &name) { return Demand("sensitive " + name) == "1"; }
 

@@ -65,6 +65,9 @@ class GuiApp {
 
   bool HasWidget(const std::string &name);
   std::string Text(const std::string &name);
+  // The text that a program which is busy shows next: it is asked for before `action` lets the
+  // program go on, and told before the program draws.
+  std::string NextText(const std::string &name, const std::function<void()> &action);
   bool IsSensitive(const std::string &name);
   bool IsActive(const std::string &name);
   // Lines of cells with tabs between; the first character is "*" for a selected row, else "-".
@@ -84,7 +87,8 @@ class GuiApp {
   std::string Stderr() const;
 
  private:
-  std::optional<std::string> Ask(const std::string &request);
+  std::optional<std::string> Ask(
+      const std::string &request, const std::function<void()> &meanwhile = [] {});
   std::string Demand(const std::string &request);
   void Start(const GuiAppOptions &options);
   bool Connect();
