@@ -95,13 +95,15 @@ TEST_F(AdminProperties, ATextQueuesFontsAndPagesASheetAreSaved) {
   Open(app);
   ShowTab(app, "Options");
   app.Click("Nup4Radiobutton");
+  app.WaitDrawn();  // the orders appear
   app.Click("NupBackRadiobutton");
+  EXPECT_TRUE(app.IsActive("NupBackRadiobutton"));
   ShowTab(app, "Fonts");
   TypeInto(app, "FontSizeComboEntry", "10");
   AcceptProperties(app);
   Save(app);
   EXPECT_EQ(
-      "*Booklet=0\n*FontName=Courier\n*FontSize=10\n*JobName=UseAppSetting\n*Nup=4\n"
+      "*FontName=Courier\n*FontSize=10\n*JobName=UseAppSetting\n*Nup=4\n"
       "*NupOrder=Back\n*UserName=root\n",
       Def("tx1"));
 }
@@ -178,7 +180,7 @@ TEST_F(AdminProperties, ARefusedValueSaysSoAndPutsTheFocusThere) {
   app.Key("Return");
   app.WaitGone("ErrorDialog");
   EXPECT_EQ("PropertiesWindow/PinEntry", app.Focus());
-  app.Type("4");
+  app.Type("1234");  // the refused PIN is selected
   AcceptProperties(app);
 }
 

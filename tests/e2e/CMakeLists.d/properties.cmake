@@ -1,3 +1,7 @@
 # The properties window of both programs.
 kpx_add_test(NAME properties_admin LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
   SOURCES e2e/properties_admin_test.cpp)
+kpx_add_test(NAME properties_tool LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
+  SOURCES e2e/properties_tool_test.cpp support/printerjobs.cpp support/tooldriver.cpp)
+target_compile_definitions(test_properties_tool PRIVATE KPX_MAKEQUEUES="$<TARGET_FILE:makequeues>")
+add_dependencies(test_properties_tool makequeues)
