@@ -11,3 +11,5 @@ kpx_add_test(NAME administrator_lock LIBS kpx_core kpx_guidriver LABEL e2e SANDB
   SOURCES e2e/administrator_lock_test.cpp support/printerjobs.cpp)
 kpx_add_test(NAME save_progress LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
   SOURCES e2e/save_progress_test.cpp)
+kpx_add_test(NAME optionfile_readers LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
+  SOURCES e2e/optionfile_readers_test.cpp)
