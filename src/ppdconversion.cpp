@@ -25,6 +25,20 @@ std::string SecondPiece(const std::string &name) {
   return name.substr(second, name.find('.', second) - second);
 }
 
+constexpr size_t kHeaderBytes = 2048;
+
+// What the first "##PPD:" line of a description says; nothing when there is none. Of a file that
+// may go on (`is_start`) only whole lines count.
+std::optional<std::string> PpdLineText(const std::optional<std::string> &file, bool is_start) {
+  if (!file) return std::nullopt;
+  LineReader lines(*file);
+  while (const std::optional<std::string_view> line = lines.NextView()) {
+    if (is_start && !lines.HadLineFeed()) return std::nullopt;
+    if (line->starts_with("##PPD:")) return PafHeaderText(*line);
+  }
+  return std::nullopt;
+}
+
 // Never returns. Only calls that are safe between fork and exec.
 [[noreturn]] void RunFilterInChild(const char *ppd_path, const char *paf_path) {
   // Kept on purpose: the message key as program name, and redirections that nothing carries out
@@ -73,13 +87,10 @@ std::string PafNameOfPpd(const std::string &ppd_name) {
 
 int VerifyPafFile(const std::string &ppd_name, const std::string &paf_path) {
   const LogScope log("VerifyPafFile");
-  const std::optional<std::string> file = ReadWholeFile(paf_path);
-  if (!file) return 0;
-  LineReader lines(*file);
-  while (const std::optional<std::string> line = lines.Next()) {
-    if (line->starts_with("##PPD:")) return PafHeaderText(*line) == DecodeLine(ppd_name) ? 1 : 0;
-  }
-  return 0;
+  // The line stands among the first of what the filter writes, but it may stand anywhere.
+  std::optional<std::string> made_from = PpdLineText(ReadFileStart(paf_path, kHeaderBytes), true);
+  if (!made_from) made_from = PpdLineText(ReadWholeFile(paf_path), false);
+  return made_from == DecodeLine(ppd_name) ? 1 : 0;
 }
 
 int BuildPafFromPpd(const std::string &ppd_path, const std::string &paf_path) {

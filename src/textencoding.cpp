@@ -3,6 +3,7 @@
 #include <iconv.h>
 #include <langinfo.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -60,7 +61,7 @@ std::string LocaleBytes(std::string_view text) {
   return result;
 }
 
-// How many bytes at the start of `bytes` are ASCII, counted by eights.
+// How many bytes at the start of `bytes` are ASCII, counted by eights as far as that goes.
 size_t AsciiLength(std::string_view bytes) {
   constexpr uint64_t kHighBits = 0x8080808080808080U;
   size_t length = 0;
@@ -70,6 +71,7 @@ size_t AsciiLength(std::string_view bytes) {
     if ((eight & kHighBits) != 0) break;
     length += sizeof eight;
   }
+  while (length < bytes.size() && static_cast<uint8_t>(bytes[length]) < 0x80) ++length;
   return length;
 }
 
@@ -167,12 +169,19 @@ std::optional<std::string> LineReader::NextDroppingLast() {
 }
 
 std::optional<std::string> ReadWholeFile(const std::string &path) {
+  return ReadFileStart(path, std::string::npos);
+}
+
+std::optional<std::string> ReadFileStart(const std::string &path, size_t max_bytes) {
   std::FILE *file = std::fopen(path.c_str(), "re");
   if (file == nullptr) return std::nullopt;
   std::string content;
   char buffer[16384];
   size_t count = 0;
-  while ((count = std::fread(buffer, 1, sizeof buffer, file)) > 0) content.append(buffer, count);
+  do {
+    count = std::fread(buffer, 1, std::min(sizeof buffer, max_bytes - content.size()), file);
+    content.append(buffer, count);
+  } while (count > 0);
   const int error = std::ferror(file) != 0 ? errno : 0;
   std::fclose(file);
   if (error != 0) {

@@ -72,3 +72,6 @@ class LineReader {
 // The whole content of a readable regular file or pipe; nothing (and errno) when it cannot be
 // opened or read, a directory included.
 std::optional<std::string> ReadWholeFile(const std::string &path);
+
+// The same of its first at most `max_bytes` bytes.
+std::optional<std::string> ReadFileStart(const std::string &path, size_t max_bytes);

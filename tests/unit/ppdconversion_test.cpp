@@ -21,6 +21,12 @@ constexpr char kMessages[] =
     "#ERR_UNABLE_TO_EXEC_FILE\nno program <%s>\n"
     "#ERR_FORK\nno process\n";
 
+string Repeated(const string &line, size_t times) {
+  string text;
+  while (times-- > 0) text += line;
+  return text;
+}
+
 TEST(FileName, IsAPpdOrPafNameByItsSecondPiece) {
   const struct {
     const char *name;
@@ -80,10 +86,25 @@ TEST(PafFile, IsCurrentWhenItsPpdLineNamesExactlyThePpd) {
       {"an empty value", "##PPD:\n", 0},
       {"an empty file", "", 0},
       {"behind an over-long line", string(3000, 'x') + "\n##PPD:a.ppd\n", 1},
+      {"behind many lines", Repeated("#uio\n", 10000) + "##PPD:a.ppd\n", 1},
+      {"another name behind many lines", Repeated("#uio\n", 10000) + "##PPD:b.ppd\n", 0},
   };
   for (const auto &row : rows) {
     const string path = directory.Write("a.paf", row.text);
     EXPECT_EQ(VerifyPafFile("a.ppd", path), row.expected) << row.rule;
+  }
+}
+
+TEST(PafFile, IsCurrentWhereverTheLineStands) {
+  const TemporaryDirectory directory;
+  // Around the size of any block that a reader may take at once.
+  for (const size_t block : {1024U, 2048U, 4096U, 16384U}) {
+    for (size_t before = block - 16; before < block + 4; ++before) {
+      string text = Repeated("12345678901234\n", before / 15);
+      text += string(before - text.size(), '\n') + "##PPD:a.ppd\n##PPD:b.ppd\n";
+      const string path = directory.Write("a.paf", text);
+      EXPECT_EQ(VerifyPafFile("a.ppd", path), 1) << before;
+    }
   }
 }
 

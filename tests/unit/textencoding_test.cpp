@@ -163,6 +163,45 @@ TEST(ReadWholeFile, ReadsAnyBytes) {
   EXPECT_EQ(ReadWholeFile(directory.Write("empty", "")), "");
 }
 
+TEST(ReadFileStart, ReadsNoMoreThanAsked) {
+  const TemporaryDirectory directory;
+  const std::string path = directory.Write("f", std::string(20000, 'a') + "b");
+  EXPECT_EQ(ReadFileStart(path, 0), "");
+  EXPECT_EQ(ReadFileStart(path, 7), "aaaaaaa");
+  EXPECT_EQ(ReadFileStart(path, 20000), std::string(20000, 'a'));
+  EXPECT_EQ(ReadFileStart(path, 30000), std::string(20000, 'a') + "b");
+  EXPECT_EQ(ReadFileStart(directory.Path("none"), 7), std::nullopt);
+  EXPECT_EQ(ReadFileStart(directory.Path(), 7), std::nullopt);
+}
+
+TEST(LineReader, LendsTheSameLinesAsItHandsOut) {
+  const std::string buffer =
+      "one\n\xE9t\xE9\n\n" + std::string(1030, 'x') + "\nlast" + std::string("\0z", 2);
+  for (const auto form : {LineReader::Form::Text, LineReader::Form::Bytes}) {
+    LineReader handing(buffer, form);
+    LineReader lending(buffer, form);
+    while (const std::optional<std::string> line = handing.Next()) {
+      const std::optional<std::string_view> lent = lending.NextView();
+      ASSERT_TRUE(lent);
+      EXPECT_EQ(*lent, *line);
+      EXPECT_EQ(lending.LineNumber(), handing.LineNumber());
+    }
+    EXPECT_EQ(lending.NextView(), std::nullopt);
+  }
+}
+
+TEST(Utf8, IsJudgedRightWhereverABadByteStands) {
+  for (size_t length = 1; length < 40; ++length) {
+    EXPECT_TRUE(IsValidUtf8(std::string(length, 'a'))) << length;
+    for (size_t at = 0; at < length; ++at) {
+      std::string text(length, 'a');
+      text[at] = '\xE9';
+      EXPECT_FALSE(IsValidUtf8(text)) << at << " of " << length;
+      EXPECT_TRUE(IsValidUtf8(text.replace(at, 1, "\xC3\xA9"))) << at << " of " << length;
+    }
+  }
+}
+
 TEST(ReadWholeFile, FailsForAMissingFileAndForADirectory) {
   const TemporaryDirectory directory;
   EXPECT_EQ(ReadWholeFile(directory.Path("none")), std::nullopt);
