@@ -1,9 +1,14 @@
 // A user's job properties, set on every tab of the print tool's window: the user's option file byte
 // for byte, and what the printer receives.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+
 #include "installation.h"
+#include "paths.h"
 #include "printerjobs.h"
 #include "propertiesdriver.h"
-#include "queuesupport.h"
 #include "temporarydirectory.h"
 #include "tooldriver.h"
 

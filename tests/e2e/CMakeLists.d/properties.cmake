@@ -2,6 +2,6 @@
 kpx_add_test(NAME properties_admin LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
   SOURCES e2e/properties_admin_test.cpp)
 kpx_add_test(NAME properties_tool LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
-  SOURCES e2e/properties_tool_test.cpp support/printerjobs.cpp support/tooldriver.cpp)
+  SOURCES e2e/properties_tool_test.cpp support/printerjobs.cpp)
 target_compile_definitions(test_properties_tool PRIVATE KPX_MAKEQUEUES="$<TARGET_FILE:makequeues>")
 add_dependencies(test_properties_tool makequeues)
