@@ -2,6 +2,7 @@
 // program.
 #pragma once
 
+#include <cstring>
 #include <variant>
 #include <vector>
 
@@ -19,6 +20,7 @@
 #include "paths.h"
 #include "properties.h"
 #include "queuesupport.h"
+#include "shippedprinter.h"
 #include "xinput.h"
 
 // An option of a printer's feature: identifier and display text.
@@ -96,13 +98,26 @@ class PropertiesTest : public GuiTest {
     HashPut(printers_.get(), "Vek Norvel 4110ES", std::move(printer));
   }
 
+  // The queue's printer is an installed one, whatever its name.
+  void TakePrinter(const std::string &description) {
+    const std::string file = std::string(kInstalledPafs) + description + ".paf";
+    Owned<CPrinter> printer = CreatePrinter(file.c_str());
+    ASSERT_NE(nullptr, fFillFromPaf_Function(printer.get()));
+    HashPut(printers_.get(), "Vek Norvel 4110ES", std::move(printer));
+  }
+
   // Opens the window on a queue with those settings, on that page.
   void Open(int page, const std::vector<std::pair<const char *, const char *>> &settings = {},
-            const std::string &language = "postscript") {
+            const std::string &language = "postscript",
+            const std::vector<std::pair<const char *, const char *>> &installed = {}) {
     Owned<CPrintQueue> queue = MakeQueue({"lp1", "Vek Norvel 4110ES", language, "10.0.0.1"});
     for (const auto &[feature, value] : settings) {
       HashPutText(queue->Options.get(), feature, value);
     }
+    for (const auto &[feature, value] : installed) {
+      HashPutText(queue->InstallableFeatures.get(), feature, value);
+    }
+    HashRemove(queues_.get(), "lp1");
     HashPut(queues_.get(), "lp1", std::move(queue));
     window_ = create_PropertiesWindow();
     ASSERT_NE(nullptr, window_);
@@ -214,6 +229,18 @@ class PropertiesTest : public GuiTest {
       g_free(text);
     }
     return rows;
+  }
+
+  // Whether the picture widget shows what the file of that name holds.
+  static bool ShowsPicture(GtkWidget *picture, const std::string &file) {
+    GtkWidget *expected = g_object_ref_sink(create_pixmap(picture, file.c_str()));
+    const GdkPixbuf *a = gtk_image_get_pixbuf(GTK_IMAGE(expected));
+    const GdkPixbuf *b = gtk_image_get_pixbuf(GTK_IMAGE(picture));
+    const gsize size = gdk_pixbuf_get_byte_length(a);
+    const bool same = size == gdk_pixbuf_get_byte_length(b) &&
+                      std::memcmp(gdk_pixbuf_read_pixels(a), gdk_pixbuf_read_pixels(b), size) == 0;
+    g_object_unref(expected);
+    return same;
   }
 
   // The accessible that labels the widget is that label.
