@@ -19,6 +19,7 @@ namespace {
 
 constexpr int L_Border = 10;
 constexpr int L_Spacing = 8;
+constexpr int L_FirstRowOffset = 4;  // of the text in a list's first row
 constexpr int L_NameLength = 128;
 constexpr int L_AddressLength = 64;
 
@@ -33,7 +34,9 @@ struct Form {
 void AddRow(Form &form, const char *label_name, const char *label_key, GtkWidget *field,
             GtkWidget *target) {
   GtkWidget *label = NewLabel(form.window, label_name, G_Translate(label_key), target);
-  gtk_widget_set_valign(label, field == target ? GTK_ALIGN_CENTER : GTK_ALIGN_START);
+  const bool beside_list = field != target;
+  gtk_widget_set_valign(label, beside_list ? GTK_ALIGN_START : GTK_ALIGN_CENTER);
+  if (beside_list) gtk_widget_set_margin_top(label, L_FirstRowOffset);
   gtk_widget_set_hexpand(field, TRUE);
   gtk_grid_attach(GTK_GRID(form.grid), label, 0, form.rows, 1, 1);
   gtk_grid_attach(GTK_GRID(form.grid), field, 1, form.rows, 1, 1);
@@ -124,6 +127,7 @@ GtkWidget *create_AddQueueWindow() {
   gtk_grid_set_column_spacing(GTK_GRID(form.grid), L_Spacing);
   gtk_box_pack_start(GTK_BOX(box), form.grid, TRUE, TRUE, 0);
   AddFields(form);
+  gtk_box_pack_start(GTK_BOX(box), gtk_separator_new(GTK_ORIENTATION_HORIZONTAL), FALSE, FALSE, 0);
   AddButtons(window, box);
   G_Toggle_Ok_Apply_Sensitivity();
   gtk_widget_show_all(box);

@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "admindriver.h"
 #include "guiapp.h"
 #include "paths.h"
 #include "printerjobs.h"
@@ -24,7 +25,6 @@
 namespace {
 
 constexpr unsigned long kDesktop = 0x5A6B7B;
-constexpr int kMargin = 28;  // room for the frames
 
 struct Print {
   std::string name;  // begins the names of the pictures
@@ -34,20 +34,6 @@ struct Print {
   std::string what;  // in words
 };
 
-struct NewQueue {
-  std::string name;
-  std::string printer;
-  int type_row;  // in the list of types
-};
-
-// The row of a list that shows `text`.
-int RowOf(const std::vector<std::string> &rows, const std::string &text) {
-  for (size_t row = 0; row < rows.size(); ++row) {
-    if (rows[row].substr(1) == text) return static_cast<int>(row);
-  }
-  throw std::runtime_error("no row " + text);
-}
-
 void RunOrThrow(const std::string &command) {
   if (std::system(command.c_str()) != 0) throw std::runtime_error(command + " failed");
 }
@@ -55,23 +41,6 @@ void RunOrThrow(const std::string &command) {
 void Say(const std::string &line) {
   std::printf("%s\n", line.c_str());
   std::fflush(stdout);
-}
-
-ScreenArea Around(GuiApp &app) {
-  int left = 1 << 20;
-  int top = 1 << 20;
-  int right = 0;
-  int bottom = 0;
-  for (const std::string &window : app.Windows()) {
-    const ScreenArea area = app.Geometry(window);
-    left = std::min(left, area.x - kMargin);
-    top = std::min(top, area.y - kMargin);
-    right = std::max(right, area.x + area.width + kMargin);
-    bottom = std::max(bottom, area.y + area.height + kMargin);
-  }
-  left = std::max(left, 0);
-  top = std::max(top, 0);
-  return {left, top, right - left, bottom - top};
 }
 
 class Demo {
@@ -122,33 +91,11 @@ class Demo {
   }
 
  private:
-  static void TabTo(GuiApp &app, const std::string &widget) {
-    const auto there = [&] { return app.Focus().ends_with("/" + widget); };
-    for (int i = 0; i < 20 && !there(); ++i) {
-      const std::string from = app.Focus();
-      app.Key("Tab");
-      app.WaitUntil("the focus to move", [&] { return app.Focus() != from; });
-    }
-    if (!there()) throw std::runtime_error("Tab does not lead to " + widget);
-  }
-
   void AddQueue(GuiApp &admin, const NewQueue &queue) const {
-    admin.Click("AddButton");
-    admin.WaitWindow("AddQueueWindow");
-    // From field to field with the keyboard.
-    TabTo(admin, "QueueEntry");
-    admin.Type(queue.name);
-    TabTo(admin, "PrinterClist");
-    admin.Key("Home");
-    for (int i = RowOf(admin.Rows("PrinterClist"), queue.printer); i > 0; --i) admin.Key("Down");
-    TabTo(admin, "QueueTypeComboEntry");
-    for (int i = 0; i < queue.type_row; ++i) admin.Key("Down");
-    TabTo(admin, "AddressEntry");
-    admin.Type("127.0.0.1");
+    FillNewQueue(admin, queue);
     Picture(admin, "0-add-queue-" + queue.name);
     Say("  " + queue.name + ": " + queue.printer + ", " + admin.Text("QueueTypeComboEntry"));
-    admin.Click("AddQueueWindow/OKButton");
-    admin.WaitGone("AddQueueWindow");
+    TakeNewQueue(admin);
   }
 
   std::string UserWord() const { return user_.empty() ? "The user" : user_; }
@@ -162,8 +109,7 @@ class Demo {
   }
 
   void Picture(GuiApp &app, const std::string &name) const {
-    app.WaitDrawn();
-    Screenshot(directory_ + "/" + name + ".png", Around(app));
+    Screenshot(app, directory_ + "/" + name + ".png");
     Say("  window: out/" + name + ".png");
   }
 

@@ -146,7 +146,10 @@ int ApartFromLast() {
   return 6 * turn - 12;
 }
 
+// The same picture gives the same file: no time is written into it.
 void RunImport(std::vector<std::string> arguments) {
+  arguments.insert(arguments.begin(),
+                   {"import", "-silent", "-define", "png:exclude-chunks=date,time"});
   std::vector<char *> pointers = Pointers(arguments);
   const pid_t child = fork();
   if (child == 0) {
@@ -303,16 +306,18 @@ int GuiApp::WaitExit() {
   return status_;
 }
 
-// Without a window manager nobody else gives the foremost window the focus.
+// Without a window manager nobody else gives the foremost window the focus. With one, the frame of
+// a window that has gone stays on the screen until the manager has taken notice.
 void GuiApp::FocusForemost() {
   WaitUntil("the focus", [&] {
     const std::vector<std::string> windows = Windows();
     if (windows.empty()) return false;
     const std::optional<std::string> xid = Ask("xid " + windows.front());
     // A pop-up has grabbed all input.
-    if (!xid || Focus().starts_with(windows.front() + "/")) return true;
-    XInputFocus(std::stoul(*xid));
-    return Focus().starts_with(windows.front() + "/");
+    if (!xid) return true;
+    const unsigned long window = std::stoul(*xid);
+    if (!Focus().starts_with(windows.front() + "/")) XInputFocus(window);
+    return Focus().starts_with(windows.front() + "/") && XInputIsActive(window);
   });
 }
 
@@ -407,13 +412,28 @@ std::string GuiApp::Stderr() const {
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-void Screenshot(const std::string &path) {
-  RunImport({"import", "-silent", "-window", "root", path});
-}
+void Screenshot(const std::string &path) { RunImport({"-window", "root", path}); }
 
 void Screenshot(const std::string &path, const ScreenArea &area) {
-  RunImport({"import", "-silent", "-window", "root", "-crop",
+  RunImport({"-window", "root", "-crop",
              std::to_string(area.width) + "x" + std::to_string(area.height) + "+" +
                  std::to_string(area.x) + "+" + std::to_string(area.y),
              "+repage", path});
+}
+
+void Screenshot(GuiApp &app, const std::string &path) {
+  constexpr int kFrame = 28;
+  app.WaitDrawn();
+  int left = 1 << 20;
+  int top = 1 << 20;
+  int right = 0;
+  int bottom = 0;
+  for (const std::string &window : app.Windows()) {
+    const ScreenArea area = app.Geometry(window);
+    left = std::max(0, std::min(left, area.x - kFrame));
+    top = std::max(0, std::min(top, area.y - kFrame));
+    right = std::max(right, area.x + area.width + kFrame);
+    bottom = std::max(bottom, area.y + area.height + kFrame);
+  }
+  Screenshot(path, {left, top, right - left, bottom - top});
 }

@@ -109,3 +109,5 @@ class GuiApp {
 // A picture of the whole screen, or of a part of it, as PNG.
 void Screenshot(const std::string &path);
 void Screenshot(const std::string &path, const ScreenArea &area);
+// Of all windows of a program with their frames, as soon as they are drawn.
+void Screenshot(GuiApp &app, const std::string &path);

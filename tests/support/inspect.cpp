@@ -241,10 +241,13 @@ std::string Focus() {
   return "";
 }
 
-// Smaller than what it wants to show its text in.
+// Smaller than what it wants to show its text in. What a widget wants has its margins in it, what
+// it is given has not.
 bool IsTooSmall(GtkWidget *widget) {
   GtkAllocation given;
   gtk_widget_get_allocation(widget, &given);
+  given.width += gtk_widget_get_margin_start(widget) + gtk_widget_get_margin_end(widget);
+  given.height += gtk_widget_get_margin_top(widget) + gtk_widget_get_margin_bottom(widget);
   int wanted = 0;
   if (GTK_IS_LABEL(widget) && gtk_label_get_line_wrap(GTK_LABEL(widget)) != FALSE) {
     gtk_widget_get_preferred_height_for_width(widget, given.width, &wanted, nullptr);

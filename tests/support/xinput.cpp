@@ -1,6 +1,7 @@
 #include "xinput.h"
 
 #include <X11/XKBlib.h>
+#include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <X11/extensions/XTest.h>
 #include <X11/keysym.h>
@@ -155,6 +156,20 @@ void XInputFocus(unsigned long window) {
   XRaiseWindow(Server(), window);
   XSetInputFocus(Server(), window, RevertToPointerRoot, CurrentTime);
   XSync(Server(), False);
+}
+
+bool XInputIsActive(unsigned long window) {
+  Atom type = None;
+  int format = 0;
+  unsigned long count = 0;
+  unsigned long left = 0;
+  unsigned char *data = nullptr;
+  XGetWindowProperty(Server(), DefaultRootWindow(Server()),
+                     XInternAtom(Server(), "_NET_ACTIVE_WINDOW", False), 0, 1, False, XA_WINDOW,
+                     &type, &format, &count, &left, &data);
+  const bool active = count != 1 || *reinterpret_cast<unsigned long *>(data) == window;
+  if (data != nullptr) XFree(data);
+  return active;
 }
 
 void XInputClose(unsigned long window) {

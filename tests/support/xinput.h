@@ -21,6 +21,9 @@ void XInputChord(const std::string &chord);
 void XInputType(const std::string &text);
 // Gives the window the input focus and lifts it above the others, as a window manager does.
 void XInputFocus(unsigned long window);
+// Whether the window manager has made the window the active one, and so has dealt with all that
+// came before; true when there is no window manager.
+bool XInputIsActive(unsigned long window);
 // Asks the window to close, as a window manager does.
 void XInputClose(unsigned long window);
 // The titles of the windows shown, which the X server tells even while a program does not answer.

@@ -15,3 +15,7 @@ add_executable(demo_driver support/demo_driver.cpp support/printerjobs.cpp
 target_link_libraries(demo_driver PRIVATE kpx_core kpx_guidriver PkgConfig::XTST)
 add_custom_target(demo_parts DEPENDS KPXadmin kpxfilter kpxnbtrans kpx_data printerd
                   demo_driver)
+
+# The pictures of docs/screenshots.
+add_executable(screenshots support/screenshots.cpp support/windowmanager.cpp)
+target_link_libraries(screenshots PRIVATE kpx_core kpx_guidriver PkgConfig::XTST)

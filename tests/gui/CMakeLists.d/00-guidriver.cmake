@@ -6,7 +6,7 @@ add_library(kpxinspect MODULE support/inspect.cpp)
 target_link_libraries(kpxinspect PRIVATE PkgConfig::GTK3)
 
 add_library(kpx_guidriver STATIC support/guiapp.cpp support/tooldriver.cpp
-            support/xinput.cpp)
+            support/admindriver.cpp support/xinput.cpp)
 target_include_directories(kpx_guidriver PUBLIC ${CMAKE_CURRENT_SOURCE_DIR}/support
                            ${PROJECT_SOURCE_DIR}/transport)
 target_compile_definitions(kpx_guidriver PRIVATE
