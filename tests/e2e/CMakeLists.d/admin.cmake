@@ -13,3 +13,5 @@ kpx_add_test(NAME save_progress LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX fu
   SOURCES e2e/save_progress_test.cpp)
 kpx_add_test(NAME optionfile_readers LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
   SOURCES e2e/optionfile_readers_test.cpp)
+kpx_add_test(NAME large_texts LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
+  SOURCES e2e/large_texts_test.cpp)
