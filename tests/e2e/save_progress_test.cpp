@@ -95,6 +95,7 @@ TEST_F(SaveProgress, CountsRemovalsBeforeCreations) {
 TEST_F(SaveProgress, InputThatComesMeanwhileIsForgotten) {
   GatedSpooler::Hold("enable", "lp1");
   GatedSpooler::Hold("lpadmin", "lp2");
+  GatedSpooler::Hold("enable", "lp3");
   AdminApp app;
   for (const char *name : {"lp1", "lp2", "lp3"}) app.AddQueue({.name = name});
   ASSERT_EQ((Strings{"-lp1", "-lp2", "*lp3"}), app.QueueNames());
@@ -116,11 +117,27 @@ TEST_F(SaveProgress, InputThatComesMeanwhileIsForgotten) {
   EXPECT_TRUE(IsTitleShown());
   disturb();
   spooler_.Open();
+  EXPECT_EQ("enable lp3", spooler_.WaitReached());
+  disturb();  // during the last command, behind which nothing is drawn any more
+  spooler_.Open();
   app.WaitWindow("KPXErrorWarningDialog");
   EXPECT_EQ((Strings{"KPXErrorWarningDialog", "AdminWindow"}), app.Windows());
   EXPECT_EQ((Strings{"-lp1", "-lp2", "*lp3"}), app.QueueNames());
   app.Key("Return");
   EXPECT_EQ(1, app.WaitExit());
+}
+
+TEST_F(SaveProgress, InputDuringASaveWithoutDialogIsForgottenToo) {
+  GatedSpooler::Hold("enable", "lp1");
+  AdminApp app;
+  app.AddQueue({.name = "lp1"});
+  SpoolerStandIn::Fail("accept");
+  app.Click("SaveButton");
+  EXPECT_EQ("enable lp1", spooler_.WaitReached());
+  for (const char *key : {"Escape", "Return", "F1"}) XInputChord(key);
+  spooler_.Open();
+  app.WaitWindow("KPXErrorWarningDialog");
+  EXPECT_EQ((Strings{"KPXErrorWarningDialog", "AdminWindow"}), app.Windows());
 }
 
 TEST_F(SaveProgress, AQuickSaveShowsNoDialog) {
