@@ -20,7 +20,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   const auto read = ReadPaf(lines);
   Require(std::holds_alternative<PafContent>(read));
   const PafContent &content = std::get<PafContent>(read);
-  Require(*content.ppd_file->value == "vekfuzz.ppd");
-  Require(content.name->value == PrinterName(*model, "vekfuzz.ppd"));
+  Require(content.ppd_file->value.View() == "vekfuzz.ppd");
+  Require(content.name->value.View() == PrinterName(*model, "vekfuzz.ppd"));
   return 0;
 }
