@@ -79,6 +79,15 @@ void OrderClicked(GtkWidget *, gpointer order) {
   RadioButtonNupOrderPressed(static_cast<const char *>(order));
 }
 
+// A click on a picture is one on its button.
+gboolean PicturePressed(GtkWidget *, GdkEventButton *event, gpointer button) {
+  if (event->type == GDK_BUTTON_PRESS && event->button == GDK_BUTTON_PRIMARY) {
+    gtk_widget_grab_focus(GTK_WIDGET(button));
+    gtk_button_clicked(GTK_BUTTON(button));
+  }
+  return TRUE;
+}
+
 // Makes the button of that value active, if there is one, without running the handlers.
 template <size_t N>
 void Toggle(const std::array<NupButtonFacts, N> &facts, const std::array<NupButton, N> &group,
@@ -145,7 +154,11 @@ NupButton NewNupButton(const NupButtonFacts &facts, const std::string &picture_f
   choice.button = StoreWidget(window, gtk_radio_button_new_with_label_from_widget(member, text),
                               (name + "Radiobutton").c_str());
   gtk_widget_set_halign(choice.button, GTK_ALIGN_CENTER);
-  gtk_box_pack_start(GTK_BOX(choice.box), choice.picture, TRUE, TRUE, 0);
+  GtkWidget *area = gtk_event_box_new();
+  gtk_event_box_set_visible_window(GTK_EVENT_BOX(area), FALSE);
+  gtk_container_add(GTK_CONTAINER(area), choice.picture);
+  g_signal_connect(area, "button-press-event", G_CALLBACK(PicturePressed), choice.button);
+  gtk_box_pack_start(GTK_BOX(choice.box), area, TRUE, TRUE, 0);
   gtk_box_pack_start(GTK_BOX(choice.box), choice.button, FALSE, FALSE, 0);
   return choice;
 }
@@ -184,6 +197,7 @@ void AddNupFrame(const OptionTab &tab) {
   PropTabOptionsHelper &helper = *G_PropTabOptions_helper;
   GtkWidget *frame =
       StoreWidget(window, gtk_frame_new(G_Translate("DEF_LBL_MULTIPLEUP_TITLE")), "NupFrame");
+  gtk_widget_set_margin_start(gtk_frame_get_label_widget(GTK_FRAME(frame)), kTabBorder);
   gtk_box_pack_start(GTK_BOX(tab.page), frame, FALSE, FALSE, 0);
   GtkWidget *rows =
       StoreWidget(window, gtk_box_new(GTK_ORIENTATION_VERTICAL, kTabSpacing), "NupVbox");

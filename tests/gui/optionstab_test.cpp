@@ -234,6 +234,17 @@ TEST_F(OptionsTab, EveryChoiceStoresAndShowsWhatBelongsToIt) {
   }
 }
 
+TEST_F(OptionsTab, AClickOnAPictureIsOneOnItsButton) {
+  OpenText();
+  ClickOn(Named("Nup4Pixmap"));
+  WaitForFrame();
+  EXPECT_EQ(Settled(), "-/4/Left");
+  EXPECT_TRUE(HasFocus("Nup4Radiobutton"));
+  ClickOn(Named("NupBackPixmap"));
+  EXPECT_EQ(Settled(), "-/4/Back");
+  EXPECT_EQ(Active(), "Nup4 NupBack");
+}
+
 TEST_F(OptionsTab, EveryOrderIsStored) {
   OpenText();
   Press("Nup4");
