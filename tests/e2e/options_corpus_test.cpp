@@ -5,6 +5,7 @@
 #include <random>
 
 #include "cprinters.h"
+#include "foreignprinters.h"
 #include "installables.h"
 #include "installation.h"
 #include "linearwalk.h"
@@ -19,12 +20,6 @@ using Strings = std::vector<string>;
 
 constexpr int kChanges = 200;
 constexpr int kChangesBetweenChecks = 20;
-
-constexpr const char *kOldPpds[] = {"HP_LaserJet_5000_Series", "HP_Business_Inkjet_2500C_Series",
-                                    "HP_LaserJet_6P", "HP_ColorLaserJet_5-5M"};
-constexpr const char *kNewPpds[] = {
-    "hp-designjet_z5400-postscript", "hp-laserjet_9065mfp-ps", "hp-color_laserjet_8550-ps",
-    "hp-color_laserjet_9500_mfp-ps", "hp-laserjet_9050-ps",    "hp-designjet_t7200-ps"};
 
 class OptionsCorpus : public testing::Test {
  protected:
@@ -194,24 +189,11 @@ TEST_F(OptionsCorpus, TheShippedPrintersKeepTheRulesThrough200Changes) {
 }
 
 TEST_F(OptionsCorpus, TenPrintersOfAnotherMakerKeepTheRulesThrough200Changes) {
-  const TemporaryDirectory archive;
   const TemporaryDirectory ppds;
   const TemporaryDirectory pafs;
-  const string unpack = string("python3 ") + KPX_TEST_DATA +
-                        "/support/extract_ppds.py /usr/lib/cups/driver/postscript-hp " +
-                        archive.Path();
-  ASSERT_EQ(std::system(unpack.c_str()), 0);
-  Strings sources;
-  for (const string name : kOldPpds) {
-    sources.push_back("/usr/share/ppd/hp-ppd/HP/" + name + ".ppd");
-  }
-  for (const string name : kNewPpds) sources.push_back(archive.Path(name + ".ppd"));
-  // The catalogue loads what bears its maker's prefix.
-  for (size_t i = 0; i < sources.size(); ++i) {
-    std::filesystem::copy_file(sources[i], ppds.Path("vek9" + std::to_string(i) + ".ppd"));
-  }
+  CopyForeignPpds(ppds);
   Load(ppds.Path(), pafs.Path());
-  CheckEachPrinter(10);
+  CheckEachPrinter(kForeignPrinters);
 }
 
 }  // namespace
