@@ -15,10 +15,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <map>
 #include <string>
-#include <variant>
 #include <vector>
 
 #include "InstallableLists.h"
@@ -26,13 +23,11 @@
 #include "OptionCombos.h"
 #include "Pixmaps.h"
 #include "Support.h"
-#include "cfeature.h"
 #include "cprinter.h"
-#include "filterrun.h"
+#include "heavyprinter.h"
 #include "installation.h"
 #include "optionlists.h"
 #include "optionstate.h"
-#include "pafreader.h"
 #include "paths.h"
 #include "properties.h"
 #include "queuesupport.h"
@@ -43,94 +38,12 @@ constexpr double kBar = 4.0;  // milliseconds: a quarter of a frame
 constexpr int kWarmUps = 64;
 constexpr int kRuns = 1600;
 
-[[noreturn]] void Fail(const std::string &why) {
-  std::fprintf(stderr, "option_change: %s\n", why.c_str());
-  std::exit(2);
-}
+[[noreturn]] void Fail(const std::string &why) { FailAs("option_change", why); }
 
-size_t ConstraintLines(const std::string &ppd) {
-  size_t count = 0;
-  for (size_t at = ppd.find("UIConstraints:"); at != std::string::npos;
-       at = ppd.find("UIConstraints:", at + 1)) {
-    ++count;
-  }
-  return count;
-}
-
-std::filesystem::path HeaviestIn(const std::string &directory) {
-  std::filesystem::path heaviest;
-  size_t most = 0;
-  for (const auto &entry : std::filesystem::directory_iterator(directory)) {
-    if (entry.path().extension() != ".ppd") continue;
-    const size_t lines = ConstraintLines(ContentOf(entry.path()));
-    if (lines <= most) continue;
-    most = lines;
-    heaviest = entry.path();
-  }
-  if (heaviest.empty()) Fail("no PPD files in " + directory);
-  return heaviest;
-}
-
-std::string ConvertedDescription(const std::filesystem::path &ppd) {
-  const TemporaryDirectory directory;
-  const std::string paf = directory.Path("printer.paf");
-  const FilterRun run = Convert(ppd, paf);
-  if (run.status != 0) Fail("cannot convert " + ppd.string() + ": " + run.errors);
-  return ContentOf(paf);
-}
-
-PafContent ReadDescription(const std::string &text) {
-  LineReader lines(text);
-  auto content = ReadPaf(lines);
-  if (std::holds_alternative<PafError>(content)) Fail(std::get<PafError>(content).reason);
-  return std::get<PafContent>(std::move(content));
-}
-
-// Which feature gets which name, so that every list has one.
-std::map<std::string, std::string> PlacesInLists(const CHash *features) {
-  std::vector<std::string> free_names;
-  for (const ListedFeature &listed : ListedFeatures()) {
-    if (HashFind(features, listed.feature) == nullptr) free_names.push_back(listed.feature);
-  }
-  std::vector<std::pair<int, std::string>> candidates;
-  for (const auto [id, feature] : Pairs<CFeature>(features)) {
-    const bool is_listed = std::any_of(
-        ListedFeatures().begin(), ListedFeatures().end(),
-        [name = std::string(id)](const auto &listed) { return name == listed.feature; });
-    const int options = static_cast<int>(Keys(fGet_Options_Function(feature)).size());
-    if (!is_listed) candidates.emplace_back(-options, id);
-  }
-  std::sort(candidates.begin(), candidates.end());
-  std::map<std::string, std::string> places;
-  for (size_t i = 0; i < std::min(free_names.size(), candidates.size()); ++i) {
-    places[candidates[i].second] = free_names[i];
-  }
-  return places;
-}
-
-std::string Renamed(const std::string &description, const std::map<std::string, std::string> &to) {
-  std::string result;
-  size_t start = 0;
-  while (start < description.size()) {
-    const size_t end = std::min(description.find('\n', start), description.size());
-    const std::string line = description.substr(start, end - start);
-    const auto found = to.find(line);
-    result += (found == to.end() ? line : found->second) + "\n";
-    start = end + 1;
-  }
-  return result;
-}
-
-Owned<CPrinter> MakeCurrent(PafContent content) {
-  Owned<CPrinter> printer = CreatePrinter("heavy.paf");
-  printer->features = std::move(content.features);
-  printer->installable_options = std::move(content.installable_options);
-  printer->constraints = std::move(content.constraints);
-  printer->ppd_file = std::move(content.ppd_file);
-  SetCurrentPrinter(printer.get());
+void MakeCurrent(CPrinter *printer) {
+  SetCurrentPrinter(printer);
   SetCurrentQueue(Text("lp1"), MakeQueue());
   AddDefaultSettings();
-  return printer;
 }
 
 GtkWidget *ShowWindow() {
@@ -151,16 +64,6 @@ GtkWidget *ShowWindow() {
   G_FillInstallableCLists();
   gtk_widget_show_all(window);
   return window;
-}
-
-void RunPending() {
-  gdk_display_sync(gdk_display_get_default());
-  while (gtk_events_pending() != FALSE) gtk_main_iteration();
-}
-
-double Median(std::vector<double> values) {
-  std::sort(values.begin(), values.end());
-  return values[values.size() / 2];
 }
 
 using Clock = std::chrono::steady_clock;
@@ -205,10 +108,8 @@ int main(int argc, char **argv) {
   InstallStyle();
   add_pixmap_directory(kPixmapDir);
   const ProgramMessages messages(ContentOf(kInstalledCatalogue));
-  const std::filesystem::path ppd = HeaviestIn(argv[1]);
-  const std::string description = ConvertedDescription(ppd);
-  const auto places = PlacesInLists(ReadDescription(description).features.get());
-  const Owned<CPrinter> printer = MakeCurrent(ReadDescription(Renamed(description, places)));
+  const HeavyPrinter heavy = HeaviestPrinterIn("option_change", argv[1]);
+  MakeCurrent(heavy.printer.get());
   GtkWidget *window = ShowWindow();
   RunPending();
 
@@ -222,7 +123,7 @@ int main(int argc, char **argv) {
   std::fprintf(stderr,
                "option-change: %s, %zu lines of constraints, %d rows in 16 lists; %.3f ms without "
                "the layout, longest %.2f ms (%d changes)\n",
-               ppd.filename().c_str(), ConstraintLines(ContentOf(ppd)), rows, Median(times.changes),
+               heavy.file.c_str(), heavy.constraint_lines, rows, Median(times.changes),
                *std::max_element(times.with_layout.begin(), times.with_layout.end()), kRuns);
   std::printf("option-change\t%.2f\t%.2f\t%s\n", median, kBar, median <= kBar ? "ok" : "missed");
   gtk_widget_destroy(window);
