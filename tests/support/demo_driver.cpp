@@ -1,6 +1,6 @@
 // What ./demo shows: inside the sandbox it makes two queues with KPXadmin and prints with KPXtool,
-// through their windows as users do, and leaves pictures of the windows and of every page that the
-// printer received.
+// through their windows as users do, at last with properties that were set in both programs, and
+// leaves pictures of the windows and of every page that the printer received.
 //
 // Usage: demo_driver DIRECTORY
 
@@ -17,6 +17,7 @@
 #include "paths.h"
 #include "printerjobs.h"
 #include "privateworld.h"
+#include "propertiesdriver.h"
 #include "temporarydirectory.h"
 #include "tooldriver.h"
 #include "windowmanager.h"
@@ -25,6 +26,14 @@
 namespace {
 
 constexpr unsigned long kDesktop = 0x5A6B7B;
+// What the administrator sets, and how a job says it.
+constexpr char kPaper[] = "Letter";
+constexpr char kPaperInJob[] = "*PageSize Letter";
+constexpr char kTwoSided[] = "Two-sided, long edge";
+constexpr char kTwoSidedInJob[] = "*Duplex DuplexNoTumble";
+// And the user.
+constexpr char kHighQualityInJob[] = "@PJL SET RET=DARK";
+constexpr char kFontInJob[] = "/Courier findfont 18 scalefont";
 
 struct Print {
   std::string name;  // begins the names of the pictures
@@ -32,6 +41,8 @@ struct Print {
   std::string file;  // empty: `input` is piped into the tool
   std::string input;
   std::string what;  // in words
+  int copies = 2;    // that the user's settings ask for
+  bool sets_properties = false;
 };
 
 void RunOrThrow(const std::string &command) {
@@ -67,6 +78,27 @@ class Demo {
     Say(UserWord() + "'s own settings for both ask for two copies.");
   }
 
+  // What the administrator decides for everybody: paper and two-sided printing.
+  void SetQueueDefaults(const std::string &queue) const {
+    Say("");
+    Say("The administrator sets the properties of " + queue + ":");
+    GuiApp admin({.program = "/usr/bin/KPXadmin"});
+    admin.WaitWindow("AdminWindow");
+    SelectRowOf(admin, "QueuesClist", queue);
+    OpenProperties(admin);
+    Picture(admin, "4-administration-general");
+    ShowTab(admin, "Setup");
+    ChooseOption(admin, "PaperSize", kPaper);
+    ChooseOption(admin, "Duplex", kTwoSided);
+    Picture(admin, "4-administration-setup");
+    AcceptProperties(admin);
+    admin.Click("SaveButton");
+    const int status = admin.WaitExit();
+    if (status != 0) throw std::runtime_error("the save failed: " + admin.Stderr());
+    Say("  paper " + std::string(kPaper) + ", " + kTwoSided +
+        "; pressed Save; KPXadmin closed with status 0");
+  }
+
   void Show(const Print &print) {
     Say("");
     Say(UserWord() + " prints " + print.what + " on " + print.queue + ":");
@@ -76,6 +108,7 @@ class Demo {
     app.WaitWindow("ToolWindow");
     ChooseQueue(app, print.queue);
     if (!print.file.empty()) AddFile(app, print.file);
+    if (print.sets_properties) SetProperties(app, print.name);
     Picture(app, print.name + "-window");
     app.Click("LprCommandButton");
     app.WaitWindow("LprCmdDialog");
@@ -91,6 +124,24 @@ class Demo {
   }
 
  private:
+  // What the user decides for the own job: copies, print quality, the size of the font.
+  void SetProperties(GuiApp &app, const std::string &name) const {
+    OpenProperties(app);
+    ShowTab(app, "Setup");
+    Say("  the queue's paper is " + ShownOption(app, "PaperSize") + ", " +
+        ShownOption(app, "Duplex") + ", as the administrator set it");
+    TypeInto(app, "NrCopiesSpinbutton", "1");
+    Picture(app, name + "-setup");
+    ShowTab(app, "Options");
+    ChooseOption(app, "PrintQuality", "High");
+    Picture(app, name + "-options");
+    ShowTab(app, "Fonts");
+    TypeInto(app, "FontSizeComboEntry", "18");
+    Picture(app, name + "-fonts");
+    AcceptProperties(app);
+    Say("  set one copy, print quality High and a font of 18 points");
+  }
+
   void AddQueue(GuiApp &admin, const NewQueue &queue) const {
     FillNewQueue(admin, queue);
     Picture(admin, "0-add-queue-" + queue.name);
@@ -129,8 +180,20 @@ class Demo {
       if (name.starts_with(print.name + "-page-")) ++pages;
     }
     Say("  the printer received " + std::to_string(job.size()) + " bytes (out/" + print.name +
-        ".prn), two copies of " + std::to_string(pages / 2) + " page" + (pages == 2 ? "" : "s") +
+        ".prn), " + (print.copies == 1 ? "one copy" : "two copies") + " of " +
+        std::to_string(pages / print.copies) + " page" + (pages == print.copies ? "" : "s") +
         ": out/" + print.name + "-page-*.png");
+    if (print.sets_properties) CheckProperties(job);
+  }
+
+  // The job asks for what both of them set.
+  static void CheckProperties(const std::string &job) {
+    for (const char *part : {kPaperInJob, kTwoSidedInJob, kHighQualityInJob, kFontInJob}) {
+      if (job.find(part) == std::string::npos) {
+        throw std::runtime_error(std::string("the job lacks ") + part);
+      }
+      Say("  it says: " + std::string(part));
+    }
   }
 
   WindowManager manager_;
@@ -144,6 +207,14 @@ std::string MakeTextFile() {
   std::ofstream(path)
       << "To buy\n\n  2 boxes of A4 paper\n  1 toner cartridge\n  coffee (caf\xC3\xA9 "
          "au lait for Andr\xC3\xA9)\n";
+  return path;
+}
+
+std::string MakeLongTextFile() {
+  std::string path = "/tmp/stations.txt";
+  std::ofstream file(path);
+  file << "Stations of the night train\n\n";
+  for (int i = 1; i <= 120; ++i) file << "  " << i << ". at kilometre " << 7 * i << "\n";
   return path;
 }
 
@@ -174,6 +245,14 @@ int main(int argc, char **argv) {
                .file = "",
                .input = ContentOf("/tmp/piped.ps"),
                .what = "what is piped into KPXtool, two pages of PostScript,"});
+    demo.SetQueueDefaults("notes");
+    demo.Show({.name = "4-properties",
+               .queue = "notes",
+               .file = MakeLongTextFile(),
+               .input = "",
+               .what = "the text file stations.txt, with properties of the user's own,",
+               .copies = 1,
+               .sets_properties = true});
   } catch (const std::exception &error) {
     std::fprintf(stderr, "demo: %s\n", error.what());
     return 1;

@@ -21,7 +21,12 @@ inline void OpenProperties(GuiApp &app) {
 }
 
 // Shows the tab of that name.
-inline void ShowTab(GuiApp &app, const std::string &name) { app.Click(name + "Label"); }
+inline void ShowTab(GuiApp &app, const std::string &name) {
+  app.Click(name + "Label");
+  if (name == "Fonts") return;  // empty unless the queue takes text
+  const std::string page = name == "Customs" ? "CustomsVBox" : name + "Vbox";
+  app.WaitUntil("the tab " + name, [&] { return app.HasWidget(page); });
+}
 
 // Presses a button of the window; OK and Cancel close it.
 inline void PressProperties(GuiApp &app, const std::string &button) {

@@ -13,8 +13,8 @@ add_dependencies(test_print_tool makequeues)
 add_executable(demo_driver support/demo_driver.cpp support/printerjobs.cpp
                support/windowmanager.cpp)
 target_link_libraries(demo_driver PRIVATE kpx_core kpx_guidriver PkgConfig::XTST)
-add_custom_target(demo_parts DEPENDS KPXadmin kpxfilter kpxnbtrans kpx_data printerd
-                  demo_driver)
+add_custom_target(demo_parts DEPENDS KPXadmin kpxfilter kpxnbtrans kpx_data kpx_pictures
+                  printerd demo_driver)
 
 # The pictures of docs/screenshots.
 add_executable(screenshots support/screenshots.cpp support/windowmanager.cpp)
