@@ -36,6 +36,8 @@ GtkWidget *create_FilesSelectionWindow() {
                                                   GTK_FILE_CHOOSER_ACTION_OPEN, nullptr, nullptr);
   StoreWidget(window, window, "FilesSelectionWindow");
   MakeModal(window);
+  // The toolkit's size for it grows with the square of the text size.
+  KeepOnScreen(window);
   gtk_file_chooser_set_select_multiple(GTK_FILE_CHOOSER(window), TRUE);
   gtk_file_chooser_set_local_only(GTK_FILE_CHOOSER(window), TRUE);
   // Where the program was started, not the toolkit's list of recent files.

@@ -31,7 +31,6 @@ namespace {
 constexpr int L_Border = 8;
 constexpr int L_Spacing = 8;
 // The largest size in which the window opens, in pixels; a smaller screen than that is not met.
-constexpr int L_LargestWidth = 1000;
 constexpr int L_LargestHeight = 700;
 
 // The queue that the program's main window is on; empty without one.
@@ -81,13 +80,13 @@ void AddPropertiesButtons(PropertiesWindowHelper &helper, GtkWidget *parent) {
   AddAccelerator(window, help, GDK_KEY_F1);
 }
 
-// As large as the largest page and all tabs want to be, within what every screen has.
+// As wide as all tabs want to be, within the screen; pages that are very high are scrolled.
 void SetSize(GtkWidget *window, GtkWidget *notebook) {
   GtkRequisition natural;
   gtk_notebook_set_scrollable(GTK_NOTEBOOK(notebook), FALSE);
   gtk_widget_get_preferred_size(gtk_bin_get_child(GTK_BIN(window)), nullptr, &natural);
   gtk_notebook_set_scrollable(GTK_NOTEBOOK(notebook), TRUE);
-  gtk_window_set_default_size(GTK_WINDOW(window), std::min(natural.width, L_LargestWidth),
+  gtk_window_set_default_size(GTK_WINDOW(window), std::min(natural.width, RoomOnScreen().width),
                               std::min(natural.height, L_LargestHeight));
 }
 

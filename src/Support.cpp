@@ -8,6 +8,11 @@
 
 namespace {
 
+// For a display that knows no monitor.
+constexpr int L_UsualScreenWidth = 1024;
+constexpr int L_UsualScreenHeight = 768;
+constexpr int L_FrameRoom = 48;  // pixels for the frame that the window manager draws
+
 using Handler = void (*)();
 
 constexpr char L_AccelGroupKey[] = "accel_group";
@@ -152,6 +157,23 @@ void SetOpeningSize(GtkWidget *window, int width, int height) {
   gtk_widget_get_preferred_size(gtk_bin_get_child(GTK_BIN(window)), nullptr, &natural);
   gtk_window_set_default_size(GTK_WINDOW(window), std::max(width, natural.width),
                               std::max(height, natural.height));
+}
+
+GtkRequisition RoomOnScreen() {
+  GdkDisplay *display = gdk_display_get_default();
+  GdkMonitor *monitor = gdk_display_get_primary_monitor(display);
+  if (monitor == nullptr) monitor = gdk_display_get_monitor(display, 0);
+  GdkRectangle area = {0, 0, L_UsualScreenWidth, L_UsualScreenHeight};
+  if (monitor != nullptr) gdk_monitor_get_workarea(monitor, &area);
+  return {area.width - L_FrameRoom, area.height - L_FrameRoom};
+}
+
+void KeepOnScreen(GtkWidget *window) {
+  const GtkRequisition room = RoomOnScreen();
+  GdkGeometry limits = {};
+  limits.max_width = room.width;
+  limits.max_height = room.height;
+  gtk_window_set_geometry_hints(GTK_WINDOW(window), nullptr, &limits, GDK_HINT_MAX_SIZE);
 }
 
 void MakeModal(GtkWidget *dialog) {

@@ -48,6 +48,12 @@ void OnDeleteEvent(GtkWidget *window, void (*handler)());
 // more.
 void SetOpeningSize(GtkWidget *window, int width, int height);
 
+// What the first screen has for a window without its frame, in pixels.
+GtkRequisition RoomOnScreen();
+
+// Keeps a window that chooses its own size from becoming larger than that.
+void KeepOnScreen(GtkWidget *window);
+
 // Puts a dialog above the window that the user works in and keeps input to it.
 void MakeModal(GtkWidget *dialog);
 

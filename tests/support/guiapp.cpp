@@ -401,6 +401,8 @@ std::vector<std::string> GuiApp::Windows() {
 
 std::vector<std::string> GuiApp::ClippedTexts() { return LinesOf(Demand("clipped")); }
 
+std::vector<std::string> GuiApp::ShownTexts() { return LinesOf(Demand("texts")); }
+
 ScreenArea GuiApp::Geometry(const std::string &name) {
   return AreaFrom(Demand("geometry " + name));
 }

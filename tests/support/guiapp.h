@@ -76,6 +76,9 @@ class GuiApp {
   std::string Focus();
   // Names of the windows shown, the foremost first.
   std::vector<std::string> Windows();
+  // Every text in the windows, their lists and tooltips, line by line, "<window>/<widget> TAB
+  // <text>"; without those of the toolkit's own file chooser.
+  std::vector<std::string> ShownTexts();
   // The texts that are not shown whole, "<window>/<widget> TAB <text>".
   std::vector<std::string> ClippedTexts();
   ScreenArea Geometry(const std::string &name);

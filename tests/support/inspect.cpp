@@ -18,6 +18,9 @@
 //   rows N        lines of a list's or combo's cells with TAB between; "*" before a selected row,
 //                 "-" before another
 //   clipped       lines "<window>/<widget> TAB <text>" for every text that is not shown whole
+//   texts         lines "<window>/<widget> TAB <text>", one a line, of every text in the windows,
+//   in
+//                 lists and in tooltips; what the toolkit's file chooser shows is left out
 //   idle          "1", when everything that was under way has been done
 //   drawn         "1", when all windows have been drawn as they are now
 //
@@ -32,11 +35,13 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -73,19 +78,24 @@ std::vector<GtkWidget *> VisibleWindows() {
   return windows;
 }
 
-// Calls `visit` for the widget and everything mapped in it, parents first, until it returns false.
-bool Walk(GtkWidget *widget, const std::function<bool(GtkWidget *)> &visit) {
-  if (gtk_widget_get_mapped(widget) == FALSE) return true;
-  if (!visit(widget)) return false;
-  if (!GTK_IS_CONTAINER(widget)) return true;
+// Internal children too.
+std::vector<GtkWidget *> ChildrenOf(GtkWidget *widget) {
   std::vector<GtkWidget *> children;
+  if (!GTK_IS_CONTAINER(widget)) return children;
   gtk_container_forall(
       GTK_CONTAINER(widget),
       [](GtkWidget *child, gpointer data) {
         static_cast<std::vector<GtkWidget *> *>(data)->push_back(child);
       },
       &children);
-  for (GtkWidget *child : children) {
+  return children;
+}
+
+// Calls `visit` for the widget and everything mapped in it, parents first, until it returns false.
+bool Walk(GtkWidget *widget, const std::function<bool(GtkWidget *)> &visit) {
+  if (gtk_widget_get_mapped(widget) == FALSE) return true;
+  if (!visit(widget)) return false;
+  for (GtkWidget *child : ChildrenOf(widget)) {
     if (!Walk(child, visit)) return false;
   }
   return true;
@@ -312,6 +322,38 @@ std::string Clipped() {
   return lines;
 }
 
+// The lines of a widget's own texts; a button's is that of the label in it.
+std::string LinesAbout(GtkWidget *widget) {
+  std::string text = Taken(gtk_widget_get_tooltip_text(widget)) + "\n";
+  if (!GTK_IS_BUTTON(widget) && !GTK_IS_FRAME(widget)) text += Text(widget).value_or("") + "\n";
+  if (GTK_IS_TREE_VIEW(widget) || GTK_IS_COMBO_BOX(widget)) {
+    std::string rows = Rows(widget).value_or("");
+    // Without the sign before each row; cells become lines.
+    for (size_t start = 0; start < rows.size(); start = rows.find('\n', start) + 1) {
+      rows.erase(start, 1);
+    }
+    std::replace(rows.begin(), rows.end(), '\t', '\n');
+    text += rows;
+  }
+  std::string lines;
+  std::istringstream stream(text);
+  for (std::string line; std::getline(stream, line);) {
+    if (!line.empty()) lines += PathOf(widget) + "\t" + line + "\n";
+  }
+  return lines;
+}
+
+std::string AllTexts() {
+  std::string lines;
+  const std::function<void(GtkWidget *)> add = [&](GtkWidget *widget) {
+    if (gtk_widget_get_mapped(widget) == FALSE || GTK_IS_FILE_CHOOSER_WIDGET(widget)) return;
+    lines += LinesAbout(widget);
+    for (GtkWidget *child : ChildrenOf(widget)) add(child);
+  };
+  for (GtkWidget *window : VisibleWindows()) add(window);
+  return lines;
+}
+
 Answer WindowIdentifier(GtkWidget *window) {
   if (gtk_window_get_window_type(GTK_WINDOW(window)) != GTK_WINDOW_TOPLEVEL) return {};
   return std::to_string(gdk_x11_window_get_xid(gtk_widget_get_window(window)));
@@ -338,6 +380,7 @@ Answer AnswerTo(const std::string &request) {
   if (word == "windows") return Windows();
   if (word == "focus") return Focus();
   if (word == "clipped") return Clipped();
+  if (word == "texts") return AllTexts();
   if (word == "idle") return "1";
   if (first == std::string::npos) return {};
   const size_t second = request.find(' ', first + 1);

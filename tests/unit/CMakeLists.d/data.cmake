@@ -9,6 +9,10 @@ kpx_add_test(NAME data_ppd SOURCES unit/data_ppd_test.cpp LIBS kpx_core LABEL un
 kpx_add_test(NAME data_paf SOURCES unit/data_paf_test.cpp LIBS kpx_core LABEL unit)
 kpx_add_test(NAME data_installed SOURCES unit/data_installed_test.cpp LIBS kpx_core LABEL unit
   SANDBOX bare)
+kpx_add_test(NAME data_translations SOURCES unit/data_translations_test.cpp LIBS kpx_core LABEL unit
+  SANDBOX bare)
+target_compile_definitions(test_data_translations PRIVATE
+  KPX_PROJECT_VERSION="${PROJECT_VERSION}")
 foreach(name data_fontmap data_ppd data_paf)
   target_compile_definitions(test_${name} PRIVATE KPX_PPD_DIR="${KPX_PPD_DIR}"
                              KPX_PAF_DIR="${KPX_PAF_DIR}")
