@@ -1,10 +1,11 @@
 // The German texts in locales of either character set, and the English ones in none: in windows,
-// from the files of both character sets, and on standard error.
+// from the files of both character sets, on standard error, and in the queue list that is written.
 #include "locales.h"
 
 #include "administration.h"
 #include "installedtexts.h"
 #include "propertiesdriver.h"
+#include "savedqueues.h"
 
 namespace {
 
@@ -29,7 +30,7 @@ std::string Latin1From(const std::string &utf8) {
   return bytes;
 }
 
-class Locales : public AdministrationTest, public testing::WithParamInterface<Locale> {
+class Locales : public RealSpoolerTest, public testing::WithParamInterface<Locale> {
  protected:
   static void SetUpTestSuite() {
     for (const char *name : {"de_DE", "de_DE.UTF-8", "de_DE.utf8"}) MakeLocale(name);
@@ -38,9 +39,7 @@ class Locales : public AdministrationTest, public testing::WithParamInterface<Lo
   Locales()
       : messages_(MessagesIn(IsGerman() ? "deu/utf8" : "enu")),
         printer_(PrinterTextsIn(IsGerman() ? "deu/utf8" : "enu", "vek41101")),
-        help_(HelpIn(IsGerman() ? "deu/utf8" : "enu")) {
-    PutQueues(std::vector<std::string>{"lp1"});
-  }
+        help_(HelpIn(IsGerman() ? "deu/utf8" : "enu")) {}
 
   static bool IsGerman() { return std::string(GetParam().lang) != "C"; }
   static GuiAppOptions Options() {
@@ -63,6 +62,7 @@ TEST_P(Locales, ShowTheCataloguesTheHelpAndThePrintersTextsInWindows) {
   EXPECT_EQ(help_.at("KPX_ADMIN_BEGIN"), app.Text("HelpText"));
   app.Key("Escape");
   app.WaitGone("KPXHelpDialog");
+  app.AddQueue({.name = "lp1"});
   app.SelectQueues({0});
   OpenProperties(app);
   ShowTab(app, "Setup");
@@ -90,6 +90,30 @@ TEST_P(Locales, WriteMessagesToStandardErrorInTheirCharacterSet) {
   EXPECT_EQ(text, second.Text("ErrorLabel1"));
   EXPECT_EQ(IsGerman(), text.find("läuft") != std::string::npos);
   EXPECT_EQ((GetParam().is_latin1 ? Latin1From(text) : text) + "\n", second.Stderr());
+}
+
+TEST_P(Locales, KeepWhatTheUserTypes) {
+  const std::string typed = IsGerman() ? "Büttenpapier" : "Handmade";
+  {
+    AdminApp app(Options());
+    app.AddQueue({.name = "lp1"});
+    app.SelectQueues({0});
+    OpenProperties(app);
+    ShowTab(app, "Customs");
+    app.Click("CmtButtonAdd");
+    app.WaitWindow("CmtParamWindow");
+    app.Type(typed);
+    app.Click("CmtParamWindow/OKButton");
+    app.WaitGone("CmtParamWindow");
+    AcceptProperties(app);
+    Save(app);
+  }
+  EXPECT_NE(std::string::npos, ContentOf(kQueuesFile).find(typed));
+  AdminApp app(Options());
+  app.SelectQueues({0});
+  OpenProperties(app);
+  ShowTab(app, "Customs");
+  EXPECT_EQ(std::vector<std::string>{"-" + typed}, app.Rows("CmtCList"));
 }
 
 INSTANTIATE_TEST_SUITE_P(, Locales,
