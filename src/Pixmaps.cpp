@@ -1,6 +1,9 @@
 #include "Pixmaps.h"
 
+#include <array>
 #include <deque>
+#include <fstream>
+#include <string_view>
 
 #include "cmessages.h"
 #include "debug.h"
@@ -8,6 +11,8 @@
 #include "textencoding.h"
 
 namespace {
+
+constexpr std::string_view L_XpmStart = "/* XPM */";
 
 std::deque<std::string> L_Directories;
 
@@ -28,13 +33,16 @@ std::string FindPicture(const char *file) {
   return check_file_exists(kFallbackPixmapDir, file);
 }
 
+// Looks at the start alone: asking gdk-pixbuf for the format would read the picture twice.
+bool IsXpm(const std::string &path) {
+  std::array<char, L_XpmStart.size()> start{};
+  std::ifstream file(path, std::ios::binary);
+  return file.read(start.data(), start.size()) &&
+         std::string_view(start.data(), start.size()) == L_XpmStart;
+}
+
 GdkPixbuf *LoadXpm(const std::string &path) {
-  GdkPixbufFormat *format = gdk_pixbuf_get_file_info(path.c_str(), nullptr, nullptr);
-  if (format == nullptr) return nullptr;
-  gchar *name = gdk_pixbuf_format_get_name(format);
-  const bool is_xpm = g_strcmp0(name, "xpm") == 0;
-  g_free(name);
-  return is_xpm ? gdk_pixbuf_new_from_file(path.c_str(), nullptr) : nullptr;
+  return IsXpm(path) ? gdk_pixbuf_new_from_file(path.c_str(), nullptr) : nullptr;
 }
 
 // The picture for `file`, or the placeholder; the caller drops the reference.
