@@ -84,8 +84,7 @@ GtkWidget *create_AdminWindow() {
   gtk_box_pack_start(GTK_BOX(box), gtk_separator_new(GTK_ORIENTATION_HORIZONTAL), FALSE, FALSE, 0);
   AddAdminButtons(helper.window, box);
   gtk_widget_show_all(box);
-  // Before the queues are there: long names must not make it wide.
-  SetOpeningSize(helper.window, 432, 315);
   AddAllQueues(helper.queues_list);
+  SetOpeningSize(helper.window, 432, 315);
   return helper.window;
 }

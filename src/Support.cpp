@@ -152,13 +152,6 @@ void OnDeleteEvent(GtkWidget *window, void (*handler)()) {
                    reinterpret_cast<gpointer>(handler));
 }
 
-void SetOpeningSize(GtkWidget *window, int width, int height) {
-  GtkRequisition natural;
-  gtk_widget_get_preferred_size(gtk_bin_get_child(GTK_BIN(window)), nullptr, &natural);
-  gtk_window_set_default_size(GTK_WINDOW(window), std::max(width, natural.width),
-                              std::max(height, natural.height));
-}
-
 GtkRequisition RoomOnScreen() {
   GdkDisplay *display = gdk_display_get_default();
   GdkMonitor *monitor = gdk_display_get_primary_monitor(display);
@@ -166,6 +159,15 @@ GtkRequisition RoomOnScreen() {
   GdkRectangle area = {0, 0, L_UsualScreenWidth, L_UsualScreenHeight};
   if (monitor != nullptr) gdk_monitor_get_workarea(monitor, &area);
   return {area.width - L_FrameRoom, area.height - L_FrameRoom};
+}
+
+void SetOpeningSize(GtkWidget *window, int width, int height) {
+  GtkRequisition natural;
+  gtk_widget_get_preferred_size(gtk_bin_get_child(GTK_BIN(window)), nullptr, &natural);
+  const GtkRequisition room = RoomOnScreen();
+  gtk_window_set_default_size(GTK_WINDOW(window),
+                              std::min(std::max(width, natural.width), room.width),
+                              std::min(std::max(height, natural.height), room.height));
 }
 
 void KeepOnScreen(GtkWidget *window) {

@@ -45,7 +45,7 @@ void AddReturnAccelerator(GtkWidget *window, GtkWidget *button);
 void OnDeleteEvent(GtkWidget *window, void (*handler)());
 
 // The size, in pixels, in which a window opens: larger when its content, which is shown, wants
-// more.
+// more, but never larger than the screen.
 void SetOpeningSize(GtkWidget *window, int width, int height);
 
 // What the first screen has for a window without its frame, in pixels.
