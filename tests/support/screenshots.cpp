@@ -1,8 +1,9 @@
-// Makes the pictures of docs/screenshots, inside the sandbox: one of each row of kPictures, in
-// which the shipped programs show queues that were made through their windows.
+// Makes the pictures of docs/screenshots, inside the sandbox: the shipped programs in every
+// language, and every tab of the properties, showing queues that were made through their windows.
 //
 // Usage: screenshots DIRECTORY
 
+#include <cctype>
 #include <cstdio>
 #include <exception>
 #include <filesystem>
@@ -12,6 +13,8 @@
 
 #include "admindriver.h"
 #include "guiapp.h"
+#include "locales.h"
+#include "propertiesdriver.h"
 #include "tooldriver.h"
 #include "windowmanager.h"
 #include "xinput.h"
@@ -20,14 +23,18 @@ namespace {
 
 constexpr unsigned long kDesktop = 0x5A6B7B;
 
-enum class Program { Administration, PrintTool };
-
-struct Picture {
-  const char *name;      // of the file, without ".png"
-  const char *language;  // as LANG has it
-  Program program;
-  void (*lead)(GuiApp &app);  // from the main window to what is to be seen
+// The languages, as LANG has them, and the directories of their pictures; English stands at the
+// top.
+struct Language {
+  const char *lang;
+  const char *directory;
 };
+constexpr Language kEnglish = {"C.UTF-8", ""};
+constexpr Language kTranslations[] = {{"de_DE.UTF-8", "de/"},
+                                      {"es_ES.UTF-8", "es/"},
+                                      {"fr_FR.UTF-8", "fr/"},
+                                      {"it_IT.UTF-8", "it/"},
+                                      {"pt_BR.UTF-8", "pt_BR/"}};
 
 // The addresses are those kept for examples.
 const std::vector<NewQueue> kQueues = {
@@ -36,26 +43,125 @@ const std::vector<NewQueue> kQueues = {
     {"notes", "Vek Norvel 4105", 1, "192.0.2.25"},
     {"office", "Vek Norvel 4120ES", 0, "192.0.2.23"},
 };
+constexpr int kAccountsRow = 0;
+constexpr int kNotesRow = 2;
+constexpr int kOfficeRow = 3;
 
-void ShowAdministration(GuiApp &app) { app.ClickRow("QueuesClist", 3); }
-
-void ShowAddQueue(GuiApp &app) {
-  FillNewQueue(app, {"reception", "Vek Norvel 4110ES", 0, "192.0.2.24"});
-}
-
-void ShowPrintTool(GuiApp &app) {
-  ChooseQueue(app, "office");
-  for (const char *file : {"/tmp/annual report.ps", "/tmp/floor plan.ps", "/tmp/letter.ps"}) {
-    std::ofstream(file) << "%!PS\nshowpage\n";
-    AddFile(app, file);
+// The programs in one language, and the folder that their pictures are put into.
+class Album {
+ public:
+  Album(const std::string &directory, const Language &language)
+      : language_(language), directory_(directory + "/" + language.directory) {
+    std::filesystem::create_directories(directory_);
+    MakeLocale(language.lang);
   }
-  app.ClickRow("FilesClist", 1);
-}
 
-constexpr Picture kPictures[] = {
-    {"administration", "en_US", Program::Administration, ShowAdministration},
-    {"add-queue", "en_US", Program::Administration, ShowAddQueue},
-    {"print-tool", "en_US", Program::PrintTool, ShowPrintTool},
+  // Throws std::runtime_error when a text is cut off.
+  void Take(GuiApp &app, const std::string &name) {
+    for (const std::string &text : app.ClippedTexts()) {
+      throw std::runtime_error(directory_ + name + " cuts a text off: " + text);
+    }
+    XInputMove(0, 0);  // no button is to look pointed at
+    Screenshot(app, directory_ + name + ".png");
+    std::printf("%s%s.png\n", language_.directory, name.c_str());
+  }
+
+  void TakeAdministration() {
+    GuiApp app(Program("KPXadmin"));
+    app.WaitWindow("AdminWindow");
+    app.ClickRow("QueuesClist", kOfficeRow);
+    Take(app, "administration");
+    FillNewQueue(app, {"reception", "Vek Norvel 4110ES", 0, "192.0.2.24"});
+    Take(app, "add-queue");
+  }
+
+  void TakePrintTool() {
+    GuiApp app(Program("KPXtool"));
+    OpenPrintTool(app, "office");
+    for (const char *file : {"/tmp/annual report.ps", "/tmp/floor plan.ps", "/tmp/letter.ps"}) {
+      std::ofstream(file) << "%!PS\nshowpage\n";
+      AddFile(app, file);
+    }
+    app.ClickRow("FilesClist", 1);
+    Take(app, "print-tool");
+    OpenProperties(app);
+    ShowTab(app, "Setup");
+    Take(app, "properties");
+  }
+
+  // Every tab of the administration program.
+  void TakeAdministrationTabs() {
+    {
+      GuiApp app(Program("KPXadmin"));
+      app.WaitWindow("AdminWindow");
+      app.ClickRow("QueuesClist", kAccountsRow);
+      TakeTabs(app, kAdminTabs, "admin");
+    }
+    GuiApp app(Program("KPXadmin"));
+    app.WaitWindow("AdminWindow");
+    app.ClickRow("QueuesClist", kNotesRow);
+    TakeTextTabs(app, "admin-text");
+  }
+
+  void TakePrintToolTabs() {
+    {
+      GuiApp app(Program("KPXtool"));
+      OpenPrintTool(app, "accounts");
+      TakeTabs(app, kToolTabs, "tool");
+    }
+    GuiApp app(Program("KPXtool"));
+    OpenPrintTool(app, "notes");
+    TakeTextTabs(app, "tool-text");
+  }
+
+ private:
+  GuiAppOptions Program(const std::string &name) const {
+    GuiAppOptions options = InLocale(language_.lang);
+    options.program = "/usr/bin/" + name;
+    return options;
+  }
+
+  static void OpenPrintTool(GuiApp &app, const std::string &queue) {
+    app.WaitWindow("ToolWindow");
+    ChooseQueue(app, queue);
+  }
+
+  void TakeTabs(GuiApp &app, const std::vector<std::string> &tabs, const std::string &program) {
+    std::filesystem::create_directories(directory_ + "properties");
+    OpenProperties(app);
+    for (const std::string &tab : tabs) {
+      ShowTab(app, tab);
+      Choose(app, tab);
+      std::string name = tab;
+      name.front() = static_cast<char>(std::tolower(static_cast<unsigned char>(name.front())));
+      Take(app, "properties/" + program + "-" + name);
+    }
+  }
+
+  // The tabs that differ for a queue that takes text.
+  void TakeTextTabs(GuiApp &app, const std::string &program) {
+    OpenProperties(app);
+    ShowTab(app, "Options");
+    app.Click("Nup4Radiobutton");
+    app.WaitDrawn();  // the orders appear
+    Take(app, "properties/" + program + "-options");
+    ShowTab(app, "Fonts");
+    Take(app, "properties/" + program + "-fonts");
+  }
+
+  // What a user may have set there, so that the pictures show more than the first defaults.
+  static void Choose(GuiApp &app, const std::string &tab) {
+    if (tab == "Setup") ChooseOption(app, "Duplex", "Two-sided, long edge");
+    if (tab == "Output") ChooseOption(app, "Staple", "Two staples, portrait");
+    if (tab == "Options") ChooseOption(app, "PrintQuality", "High");
+    if (tab == "Destination") {
+      ChooseOption(app, "Delivery", "Hold until the PIN is entered");
+      TypeInto(app, "PinEntry", "2468");
+    }
+  }
+
+  const Language language_;
+  const std::string directory_;
 };
 
 void MakeQueues() {
@@ -69,18 +175,17 @@ void MakeQueues() {
   if (admin.WaitExit() != 0) throw std::runtime_error("the save failed: " + admin.Stderr());
 }
 
-void Take(const Picture &picture, const std::string &directory) {
-  const bool administration = picture.program == Program::Administration;
-  GuiApp app({.program = administration ? "/usr/bin/KPXadmin" : "/usr/bin/KPXtool",
-              .environment = {"LC_ALL=C.UTF-8", std::string("LANG=") + picture.language}});
-  app.WaitWindow(administration ? "AdminWindow" : "ToolWindow");
-  picture.lead(app);
-  for (const std::string &text : app.ClippedTexts()) {
-    throw std::runtime_error(std::string(picture.name) + " cuts a text off: " + text);
+void TakeAll(const std::string &directory) {
+  Album english(directory, kEnglish);
+  english.TakeAdministration();
+  english.TakePrintTool();
+  english.TakeAdministrationTabs();
+  english.TakePrintToolTabs();
+  for (const Language &language : kTranslations) {
+    Album album(directory, language);
+    album.TakeAdministration();
+    album.TakePrintTool();
   }
-  XInputMove(0, 0);  // no button is to look pointed at
-  Screenshot(app, directory + "/" + picture.name + ".png");
-  std::printf("%s.png\n", picture.name);
 }
 
 }  // namespace
@@ -91,11 +196,10 @@ int main(int argc, char **argv) {
     return 2;
   }
   try {
-    std::filesystem::create_directories(argv[1]);
     const WindowManager manager;
     XInputBackground(kDesktop);
     MakeQueues();
-    for (const Picture &picture : kPictures) Take(picture, argv[1]);
+    TakeAll(argv[1]);
   } catch (const std::exception &error) {
     std::fprintf(stderr, "screenshots: %s\n", error.what());
     return 1;
