@@ -1,0 +1,15 @@
+# The Debian package: built, then really installed where no staged installation lies.
+set(KPX_PACKAGE ${CMAKE_BINARY_DIR}/package)
+set(KPX_NO_STAGE ${CMAKE_BINARY_DIR}/empty_stage)
+file(MAKE_DIRECTORY ${KPX_NO_STAGE})
+add_test(NAME package_build COMMAND ${CMAKE_CPACK_COMMAND} -G DEB
+         --config ${CMAKE_BINARY_DIR}/CPackConfig.cmake -B ${KPX_PACKAGE})
+set_tests_properties(package_build PROPERTIES FIXTURES_SETUP package DEPENDS stage)
+
+kpx_add_test(NAME package LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full STAGE ${KPX_NO_STAGE}
+  TIMEOUT 120 SOURCES e2e/package_test.cpp support/printerjobs.cpp)
+target_compile_definitions(test_package PRIVATE KPX_MAKEQUEUES="$<TARGET_FILE:makequeues>"
+  KPX_PROJECT_VERSION="${PROJECT_VERSION}" KPX_STAGE_DIR="${KPX_STAGE}"
+  KPX_PACKAGE_DIR="${KPX_PACKAGE}")
+add_dependencies(test_package makequeues)
+set_tests_properties(package PROPERTIES FIXTURES_REQUIRED "stage;package")
