@@ -13,10 +13,7 @@ void AddFile(GuiApp &app, const std::string &path) {
   const size_t rows = app.Rows("FilesClist").size();
   app.Click("AddButton");
   app.WaitWindow("FilesSelectionWindow");
-  app.Type(path);
-  // The chooser takes a moment to open its location entry, and completes what is typed there.
-  app.WaitUntil("the path " + path,
-                [&] { return app.Text("FilesSelectionWindow/GtkFileChooserEntry") == path; });
+  TypeLocation(app, path);
   app.Click("FilesSelectionWindow/OKButton");
   app.WaitGone("FilesSelectionWindow");
   app.WaitUntil("a row for " + path, [&] { return app.Rows("FilesClist").size() > rows; });
