@@ -292,8 +292,9 @@ TEST_F(PrintTool, AWholeFolderIsAddedWithoutTheFoldersBelow) {
   app.WaitWindow("FilesSelectionWindow");
   // A folder's path opens the folder.
   TypeLocation(app, files_.Path("docs/"));
-  app.Key("Return");
-  app.WaitUntil("the folder", [&] { return FilesShown(app).count("below") != 0; });
+  TakeLocation(
+      app, "the folder", [&] { app.Key("Return"); },
+      [&] { return FilesShown(app).count("below") != 0; });
   app.Click("FolderButton");
   app.WaitGone("FilesSelectionWindow");
   app.WaitUntil("two rows", [&] { return app.Rows("FilesClist").size() == 2; });

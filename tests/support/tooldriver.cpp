@@ -1,5 +1,6 @@
 #include "tooldriver.h"
 
+#include <chrono>
 #include <cstdint>
 #include <stdexcept>
 
@@ -9,12 +10,27 @@ void TypeLocation(GuiApp &app, const std::string &path) {
                 [&] { return app.Text("FilesSelectionWindow/GtkFileChooserEntry") == path; });
 }
 
+void TakeLocation(GuiApp &app, const std::string &what, const std::function<void()> &act,
+                  const std::function<bool()> &taken) {
+  using Clock = std::chrono::steady_clock;
+  Clock::time_point next;
+  app.WaitUntil(what, [&] {
+    if (taken()) return true;
+    if (Clock::now() < next) return false;
+    act();
+    next = Clock::now() + std::chrono::seconds(3);
+    return taken();
+  });
+}
+
 void AddFile(GuiApp &app, const std::string &path) {
   const size_t rows = app.Rows("FilesClist").size();
   app.Click("AddButton");
   app.WaitWindow("FilesSelectionWindow");
   TypeLocation(app, path);
-  app.Click("FilesSelectionWindow/OKButton");
+  TakeLocation(
+      app, "the file selection to go", [&] { app.Click("FilesSelectionWindow/OKButton"); },
+      [&] { return app.Windows().front() != "FilesSelectionWindow"; });
   app.WaitGone("FilesSelectionWindow");
   app.WaitUntil("a row for " + path, [&] { return app.Rows("FilesClist").size() > rows; });
 }
