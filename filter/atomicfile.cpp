@@ -8,22 +8,14 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "writeall.h"
+
 namespace {
 
 std::string DirectoryOf(const std::string &path) {
   const size_t slash = path.rfind('/');
   if (slash == std::string::npos) return ".";
   return slash == 0 ? "/" : path.substr(0, slash);
-}
-
-bool WriteAll(int fd, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t count = write(fd, bytes.data(), bytes.size());
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return false;
-    bytes.remove_prefix(static_cast<size_t>(count));
-  }
-  return true;
 }
 
 // A directory that cannot be synchronised (some file systems) is no failure.

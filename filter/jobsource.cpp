@@ -6,6 +6,8 @@
 #include <cerrno>
 #include <cstring>
 
+#include "writeall.h"
+
 namespace {
 
 constexpr size_t kSinkBuffer = 65536;
@@ -113,13 +115,5 @@ JobSource DescriptorSource(int fd) {
 }
 
 JobSink DescriptorSink(int fd) {
-  return JobSink([fd](std::string_view bytes) {
-    while (!bytes.empty()) {
-      const ssize_t count = write(fd, bytes.data(), bytes.size());
-      if (count < 0 && errno == EINTR) continue;
-      if (count < 0) return false;
-      bytes.remove_prefix(static_cast<size_t>(count));
-    }
-    return true;
-  });
+  return JobSink([fd](std::string_view bytes) { return WriteAll(fd, bytes); });
 }

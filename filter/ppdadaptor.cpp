@@ -16,6 +16,7 @@
 
 #include "ppdtext.h"
 #include "textencoding.h"
+#include "writeall.h"
 
 namespace {
 
@@ -30,15 +31,11 @@ std::string TextOf(const char *text) { return text == nullptr ? std::string() : 
 int DescriptorOf(std::string_view text) {
   const int fd = memfd_create("ppd", MFD_CLOEXEC);
   if (fd < 0) return -1;
-  while (!text.empty()) {
-    const ssize_t count = write(fd, text.data(), text.size());
-    if (count < 0) {
-      const int saved = errno;
-      close(fd);
-      errno = saved;
-      return -1;
-    }
-    text.remove_prefix(static_cast<size_t>(count));
+  if (!WriteAll(fd, text)) {
+    const int saved = errno;
+    close(fd);
+    errno = saved;
+    return -1;
   }
   lseek(fd, 0, SEEK_SET);
   return fd;
