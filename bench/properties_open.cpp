@@ -8,13 +8,18 @@
 //
 // Both windows are opened in turn in one process: from the call that builds the window until it is
 // mapped and drawn. The bare one has combo boxes of the same kind on the same pages, in the order
-// and with the rows that the window has, in a grid without anything else; both windows are as
-// large.
+// and with the rows that the window has when all its pages are built, in a grid without anything
+// else; both windows are as large.
+//
+// The window builds the pages that are not seen after it is drawn. How long that takes, and how
+// long it keeps the window from answering at most, goes to standard error.
 
+#include <algorithm>
 #include <chrono>
 
 #include "AdminWindow.h"
 #include "Pixmaps.h"
+#include "PropertiesPages.h"
 #include "PropertiesWindow.h"
 #include "PropertiesWindowFct.h"
 #include "Support.h"
@@ -29,7 +34,8 @@ namespace {
 constexpr double kBar = 1.3;
 constexpr int kWarmUps = 5;
 constexpr int kRuns = 81;
-constexpr int kDeadline = 20;  // seconds for one window
+constexpr int kDeadline = 20;     // seconds for one window
+constexpr double kSettling = 40;  // milliseconds, two frames and more
 constexpr char kPrinter[] = "Heavy printer";
 
 using Clock = std::chrono::steady_clock;
@@ -123,17 +129,38 @@ double MillisecondsSince(Clock::time_point start) {
   return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
 }
 
-double MeasureProperties(Content *content) {
+// Milliseconds.
+struct OpeningTimes {
+  double drawn = 0;
+  double all_pages = 0;     // since the same call
+  double longest_turn = 0;  // of the main loop, from then on until nothing is left to do
+};
+
+// Runs the main loop until all pages are built and laid out.
+void BuildRest(Clock::time_point start, OpeningTimes &times) {
+  while (times.all_pages == 0 || MillisecondsSince(start) < times.all_pages + kSettling) {
+    const auto turn = Clock::now();
+    g_main_context_iteration(nullptr, FALSE);
+    times.longest_turn = std::max(times.longest_turn, MillisecondsSince(turn));
+    if (times.all_pages == 0 && ArePropertiesPagesBuilt()) {
+      times.all_pages = MillisecondsSince(start);
+    }
+    if (MillisecondsSince(start) > 1000 * kDeadline) Fail("pages are not built");
+  }
+}
+
+OpeningTimes MeasureProperties(Content *content) {
+  OpeningTimes times;
   const auto start = Clock::now();
   GtkWidget *window = create_PropertiesWindow();
   if (window == nullptr) Fail("the window does not open");
   Show(window);
-  const double time = MillisecondsSince(start);
-  RunPending();
+  times.drawn = MillisecondsSince(start);
+  BuildRest(start, times);
   if (content != nullptr) *content = ContentOfWindow();
   ButtonCancelPropertiesPressed();
   RunPending();
-  return time;
+  return times;
 }
 
 double MeasureBare(const Content &content) {
@@ -173,6 +200,8 @@ class World {
 
 struct Times {
   std::vector<double> window;
+  std::vector<double> all_pages;
+  std::vector<double> longest_turn;
   std::vector<double> bare;
   std::vector<double> ratios;  // of each pair its own, so that a busy moment slows both
 };
@@ -181,11 +210,13 @@ Times Measure(const Content &content) {
   Times times;
   for (int run = -kWarmUps; run < kRuns; ++run) {
     const double bare = MeasureBare(content);
-    const double window = MeasureProperties(nullptr);
+    const OpeningTimes window = MeasureProperties(nullptr);
     if (run < 0) continue;
-    times.window.push_back(window);
+    times.window.push_back(window.drawn);
+    times.all_pages.push_back(window.all_pages);
+    times.longest_turn.push_back(window.longest_turn);
     times.bare.push_back(bare);
-    times.ratios.push_back(window / bare);
+    times.ratios.push_back(window.drawn / bare);
   }
   return times;
 }
@@ -210,11 +241,14 @@ int main(int argc, char **argv) {
   }
   const Times times = Measure(content);
   const double ratio = Median(times.ratios);
-  std::fprintf(stderr,
-               "properties-open: %s, %zu lines of constraints; %zu combo boxes, %zu rows, %zu "
-               "pages; %.1f ms, bare notebook %.1f ms (medians of %d)\n",
-               heavy.file.c_str(), heavy.constraint_lines, combos, rows, content.pages.size(),
-               Median(times.window), Median(times.bare), kRuns);
+  std::fprintf(
+      stderr,
+      "properties-open: %s, %zu lines of constraints; %zu combo boxes, %zu rows, %zu "
+      "pages; %.1f ms, bare notebook %.1f ms; all pages after %.1f ms, longest turn of the "
+      "main loop meanwhile %.1f ms (medians of %d)\n",
+      heavy.file.c_str(), heavy.constraint_lines, combos, rows, content.pages.size(),
+      Median(times.window), Median(times.bare), Median(times.all_pages), Median(times.longest_turn),
+      kRuns);
   std::printf("properties-open\t%.2f\t%.2f\t%s\n", ratio, kBar, ratio <= kBar ? "ok" : "missed");
   return ratio <= kBar ? 0 : 1;
 }

@@ -5,6 +5,7 @@
 #include "ListWidget.h"
 #include "OptionDefaults.h"
 #include "PropTabCustomsFct.h"
+#include "PropertiesPages.h"
 #include "PropertiesWindow.h"
 #include "Support.h"
 #include "cmessages.h"
@@ -103,8 +104,10 @@ void AddHalf(GtkWidget *page, const HalfFacts &facts) {
 
 }  // namespace
 
-void create_PropTabCustoms() {
+GtkWidget *create_PropTabCustoms() {
   const LogScope log("create_PropTabCustoms");
+  // Entries that come and go change its lists.
+  NeedPropertiesPage(kSetupPage);
   G_PropTabCustoms_helper = std::make_unique<PropTabCustomsHelper>();
   G_CpsSelections = CreateList();
   G_CmtSelections = CreateList();
@@ -114,7 +117,7 @@ void create_PropTabCustoms() {
   AddHalf(page, L_Papers);
   AddHalf(page, L_Medias);
   gtk_widget_show_all(page);
-  AppendPropertiesTab(page, "CustomsLabel", "DEF_TAB_CUSTOMS");
+  return page;
 }
 
 void ForgetCustomsTab() {

@@ -29,8 +29,8 @@ extern std::unique_ptr<PropTabCustomsHelper> G_PropTabCustoms_helper;
 extern Owned<CList> G_CpsSelections;
 extern Owned<CList> G_CmtSelections;
 
-// Builds, fills and appends the tab.
-void create_PropTabCustoms();
+// Builds and fills the page; floating.
+GtkWidget *create_PropTabCustoms();
 
 // Gives up the tab's record and the two lists of rows; for the end of the properties window.
 void ForgetCustomsTab();

@@ -157,7 +157,7 @@ GtkWidget *NewNotificationFrame() {
 
 }  // namespace
 
-void create_PropTabDestination() {
+GtkWidget *create_PropTabDestination() {
   const LogScope log("create_PropTabDestination");
   G_PropTabDestination_helper = std::make_unique<Helper>();
   G_OptionChangeHooks.delivery_shown = DeliveryShown;
@@ -166,7 +166,7 @@ void create_PropTabDestination() {
   AddJobRows(GTK_GRID(tab.grid));
   gtk_box_pack_start(GTK_BOX(tab.page), NewNotificationFrame(), FALSE, FALSE, 0);
   AddDefaultsButton(tab, "DefaultDestinationButton", ButtonDestinationDefaultsPressed);
-  AppendPropertiesTab(tab.page, "DestinationLabel", "DEF_TAB_DESTINATION");
+  return tab.page;
 }
 
 void FillDestinationTextEntry(GtkWidget *entry, const char *feature) {

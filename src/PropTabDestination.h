@@ -17,8 +17,8 @@ struct PropTabDestinationHelper {
 };
 extern std::unique_ptr<PropTabDestinationHelper> G_PropTabDestination_helper;
 
-// Builds, fills and appends the tab.
-void create_PropTabDestination();
+// Builds and fills the page; floating.
+GtkWidget *create_PropTabDestination();
 
 // Shows in `entry` what the work copy has for one of the free-text features.
 void FillDestinationTextEntry(GtkWidget *entry, const char *feature);

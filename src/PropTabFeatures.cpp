@@ -150,7 +150,7 @@ bool SetInstallablesToDefaults(ChangedInstallables &changed) {
 
 }  // namespace
 
-void create_PropTabFeatures() {
+GtkWidget *create_PropTabFeatures() {
   const LogScope log("create_PropTabFeatures");
   G_PropTabFeatures_helper = std::make_unique<PropTabFeaturesHelper>();
   PropTabFeaturesHelper &helper = *G_PropTabFeatures_helper;
@@ -164,7 +164,7 @@ void create_PropTabFeatures() {
   G_OptionChangeHooks.refill_installables = RefillLists;
   G_FillInstallableCLists();
   AddDefaultsButton(tab, "DefaultFeaturesButton", ButtonFeaturesDefaultsPressed);
-  AppendPropertiesTab(tab.page, "FeaturesLabel", "DEF_TAB_FEATURES");
+  return tab.page;
 }
 
 void AvailableRowSelect(int row) {

@@ -20,8 +20,8 @@ struct PropTabFeaturesHelper {
 };
 extern std::unique_ptr<PropTabFeaturesHelper> G_PropTabFeatures_helper;
 
-// Builds, fills and appends the tab.
-void create_PropTabFeatures();
+// Builds and fills the page; floating.
+GtkWidget *create_PropTabFeatures();
 
 // Handlers of the lists' rows.
 void AvailableRowSelect(int row);

@@ -110,7 +110,7 @@ void AddFeaturesList(const OptionTab &tab) {
 
 }  // namespace
 
-void create_PropTabGenAdmin() {
+GtkWidget *create_PropTabGenAdmin() {
   const LogScope log("create_PropTabGenAdmin");
   G_PropTabGenNpmenu_helper = std::make_unique<PropTabGenNpmenuHelper>();
   PropTabGenNpmenuHelper &helper = *G_PropTabGenNpmenu_helper;
@@ -133,10 +133,10 @@ void create_PropTabGenAdmin() {
   AddPrintingSystem(rows);
   AddAboutButton(tab);
   gtk_widget_show_all(tab.page);
-  AppendPropertiesTab(tab.page, "GeneralLabel", "DEF_TAB_GENERAL");
+  return tab.page;
 }
 
-void create_PropTabGenTool() {
+GtkWidget *create_PropTabGenTool() {
   const LogScope log("create_PropTabGenTool");
   G_PropTabGenPrntool_helper = std::make_unique<PropTabGenPrntoolHelper>();
   const OptionTab tab = NewOptionTab("GeneralVbox");
@@ -152,7 +152,7 @@ void create_PropTabGenTool() {
   AddFeaturesList(tab);
   AddAboutButton(tab);
   gtk_widget_show_all(tab.page);
-  AppendPropertiesTab(tab.page, "GeneralLabel", "DEF_TAB_GENERAL");
+  return tab.page;
 }
 
 QueueIdentity ReadIdentity() {

@@ -22,9 +22,9 @@ struct PropTabGenPrntoolHelper {
 // The print tool's.
 extern std::unique_ptr<PropTabGenPrntoolHelper> G_PropTabGenPrntool_helper;
 
-// Build, fill and append the tab.
-void create_PropTabGenAdmin();
-void create_PropTabGenTool();
+// Build and fill the page; floating.
+GtkWidget *create_PropTabGenAdmin();
+GtkWidget *create_PropTabGenTool();
 
 // What the administration's tab holds.
 QueueIdentity ReadIdentity();

@@ -231,13 +231,12 @@ std::vector<DefaultRow> RowsWithDefaults() {
 
 }  // namespace
 
-void create_PropTabOptions() {
+GtkWidget *create_PropTabOptions() {
   const LogScope log("create_PropTabOptions");
   GtkWidget *window = G_PropertiesWindow_helper->window;
   const OptionTab tab = NewOptionTab("OptionsVbox");
   G_PropTabOptions_helper = std::make_unique<PropTabOptionsHelper>();
   G_PropTabOptions_helper->page = tab.page;
-  AddDefaultMultipleUpSettings();
   GtkGrid *grid = GTK_GRID(tab.grid);
   const std::string language = CurrentLanguage();
   AddOptionRow(window, grid, 0, "*Resolution", "DEF_LBL_RESOLUTION", false);
@@ -245,7 +244,7 @@ void create_PropTabOptions() {
   if (language != "pcl6") AddOptionRow(window, grid, 2, "*HalfTone", "DEF_LBL_HALFTONE", false);
   if (language == "text") AddNupFrame(tab);
   AddDefaultsButton(tab, "DefaultOptionsButton", ButtonOptionsDefaultsPressed);
-  AppendPropertiesTab(tab.page, "OptionsLabel", "DEF_TAB_OPTIONS");
+  return tab.page;
 }
 
 void RadioButtonNupPressed(const char *value) {

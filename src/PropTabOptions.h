@@ -22,8 +22,8 @@ struct PropTabOptionsHelper {
 };
 extern std::unique_ptr<PropTabOptionsHelper> G_PropTabOptions_helper;
 
-// Builds, fills and appends the tab; adds the pages a sheet that the work copy lacks.
-void create_PropTabOptions();
+// Builds and fills the page; floating.
+GtkWidget *create_PropTabOptions();
 
 // "clicked" handlers of the radio buttons, with what a button stands for; only the one that is
 // active now does something.

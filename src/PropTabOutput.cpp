@@ -8,7 +8,7 @@
 
 std::unique_ptr<PropTabOutputHelper> G_PropTabOutput_helper;
 
-void create_PropTabOutput() {
+GtkWidget *create_PropTabOutput() {
   const LogScope log("create_PropTabOutput");
   GtkWidget *window = G_PropertiesWindow_helper->window;
   const OptionTab tab = NewOptionTab("OutputVbox");
@@ -21,7 +21,7 @@ void create_PropTabOutput() {
   AddOptionRow(window, grid, 4, "*Orientation", "DEF_LBL_ORIENTATION", true);
   AddOptionRow(window, grid, 5, "*EdgeToEdge", "DEF_LBL_EDGETOEDGE", true);
   AddDefaultsButton(tab, "DefaultOutputButton", ButtonOutputDefaultsPressed);
-  AppendPropertiesTab(tab.page, "OutputLabel", "DEF_TAB_OUTPUT");
+  return tab.page;
 }
 
 void ButtonOutputDefaultsPressed() {

@@ -11,8 +11,8 @@ struct PropTabOutputHelper {
 };
 extern std::unique_ptr<PropTabOutputHelper> G_PropTabOutput_helper;
 
-// Builds, fills and appends the tab.
-void create_PropTabOutput();
+// Builds and fills the page; floating.
+GtkWidget *create_PropTabOutput();
 
 // "clicked" handler of Defaults.
 void ButtonOutputDefaultsPressed();

@@ -38,7 +38,7 @@ void AddCopiesRow(GtkWidget *window, GtkGrid *grid, int row) {
 
 }  // namespace
 
-void create_PropTabSetup() {
+GtkWidget *create_PropTabSetup() {
   const LogScope log("create_PropTabSetup");
   G_PropTabSetup_helper = std::make_unique<PropTabSetupHelper>();
   GtkWidget *window = G_PropertiesWindow_helper->window;
@@ -51,7 +51,7 @@ void create_PropTabSetup() {
   AddOptionRow(window, grid, 4, "*Duplex", "DEF_LBL_DUPLEX", true);
   AddCopiesRow(window, grid, 5);
   AddDefaultsButton(tab, "DefaultSetupButton", ButtonSetupDefaultsPressed);
-  AppendPropertiesTab(tab.page, "SetupLabel", "DEF_TAB_SETUP");
+  return tab.page;
 }
 
 void ButtonSetupDefaultsPressed() {

@@ -11,8 +11,8 @@ struct PropTabSetupHelper {
 };
 extern std::unique_ptr<PropTabSetupHelper> G_PropTabSetup_helper;
 
-// Builds, fills and appends the tab.
-void create_PropTabSetup();
+// Builds and fills the page; floating.
+GtkWidget *create_PropTabSetup();
 
 // "clicked" handler of Defaults.
 void ButtonSetupDefaultsPressed();

@@ -69,7 +69,7 @@ void MakeSizeEditable(GtkWidget *combo) {
 
 }  // namespace
 
-void create_PropTabTextOptions() {
+GtkWidget *create_PropTabTextOptions() {
   const LogScope log("create_PropTabTextOptions");
   G_PropTabTextOptions_helper = std::make_unique<PropTabTextOptionsHelper>();
   PropTabTextOptionsHelper &helper = *G_PropTabTextOptions_helper;
@@ -83,12 +83,12 @@ void create_PropTabTextOptions() {
   FillFontComboBox();
   FillFontSizeComboBox();
   AddDefaultsButton(tab, "DefaultTextButton", ButtonTextDefaultsPressed);
-  AppendPropertiesTab(tab.page, "FontsLabel", "DEF_TAB_FONTS");
   // The page stays, since the pages are known by their numbers.
   if (CurrentLanguage() != "text") {
     gtk_widget_set_no_show_all(tab.page, TRUE);
     gtk_widget_hide(tab.page);
   }
+  return tab.page;
 }
 
 void FillFontComboBox() {

@@ -14,8 +14,8 @@ struct PropTabTextOptionsHelper {
 };
 extern std::unique_ptr<PropTabTextOptionsHelper> G_PropTabTextOptions_helper;
 
-// Builds, fills and appends the tab; its body is hidden when the queue's type is another one.
-void create_PropTabTextOptions();
+// Builds and fills the page; floating. It is hidden when the queue's type is another one.
+GtkWidget *create_PropTabTextOptions();
 
 // Fills the list of fonts and shows the one that the work copy asks for, with its styles; the first
 // one when the font map lacks that.

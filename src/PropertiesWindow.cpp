@@ -6,14 +6,7 @@
 #include "AdminWindow.h"
 #include "ComboWidget.h"
 #include "MessageDialogs.h"
-#include "PropTabCustoms.h"
-#include "PropTabDestination.h"
-#include "PropTabFeatures.h"
-#include "PropTabGeneral.h"
-#include "PropTabOptions.h"
-#include "PropTabOutput.h"
-#include "PropTabSetup.h"
-#include "PropTabTextOptions.h"
+#include "PropertiesPages.h"
 #include "PropertiesWindowFct.h"
 #include "Support.h"
 #include "ToolWindow.h"
@@ -42,24 +35,6 @@ std::string ChosenQueueName() {
   return "";
 }
 
-void AddTabs() {
-  const bool administration = G_ProgName == kModeAdministration;
-  if (administration) {
-    create_PropTabGenAdmin();
-  } else {
-    create_PropTabGenTool();
-  }
-  create_PropTabSetup();
-  create_PropTabOutput();
-  create_PropTabOptions();
-  create_PropTabDestination();
-  if (administration) {
-    create_PropTabFeatures();
-    create_PropTabCustoms();
-  }
-  create_PropTabTextOptions();
-}
-
 void AddPropertiesButtons(PropertiesWindowHelper &helper, GtkWidget *parent) {
   GtkWidget *window = helper.window;
   GtkWidget *box = NewButtonBox(window, GTK_ORIENTATION_HORIZONTAL, "PropertiesHbuttonbox");
@@ -80,12 +55,17 @@ void AddPropertiesButtons(PropertiesWindowHelper &helper, GtkWidget *parent) {
   AddAccelerator(window, help, GDK_KEY_F1);
 }
 
-// As wide as all tabs want to be, within the screen; pages that are very high are scrolled.
+// As wide as all tabs want to be, and as the largest page, within the screen; pages that are very
+// high are scrolled. The size stays when further pages are built.
 void SetSize(GtkWidget *window, GtkWidget *notebook) {
+  GtkWidget *first = gtk_notebook_get_nth_page(GTK_NOTEBOOK(notebook), 0);
+  const GtkRequisition page = LargestPropertiesPage();
   GtkRequisition natural;
+  gtk_widget_set_size_request(first, page.width, page.height);
   gtk_notebook_set_scrollable(GTK_NOTEBOOK(notebook), FALSE);
   gtk_widget_get_preferred_size(gtk_bin_get_child(GTK_BIN(window)), nullptr, &natural);
   gtk_notebook_set_scrollable(GTK_NOTEBOOK(notebook), TRUE);
+  gtk_widget_set_size_request(first, -1, -1);
   gtk_window_set_default_size(GTK_WINDOW(window), std::min(natural.width, RoomOnScreen().width),
                               std::min(natural.height, L_LargestHeight));
 }
@@ -115,7 +95,7 @@ GtkWidget *create_PropertiesWindow() {
   gtk_container_set_border_width(GTK_CONTAINER(helper.notebook), L_Border);
   gtk_box_pack_start(GTK_BOX(box), helper.notebook, TRUE, TRUE, 0);
   AddPropertiesButtons(helper, box);
-  AddTabs();
+  AddPropertiesPages();
   g_signal_connect(helper.notebook, "switch-page", G_CALLBACK(SwitchPageProperties), nullptr);
   SwitchPageProperties(GTK_NOTEBOOK(helper.notebook), nullptr, 0, nullptr);
   gtk_widget_show(helper.notebook);
@@ -123,21 +103,6 @@ GtkWidget *create_PropertiesWindow() {
   gtk_widget_show(box);
   SetSize(helper.window, helper.notebook);
   return helper.window;
-}
-
-void AppendPropertiesTab(GtkWidget *page, const char *label_name, const char *label_key) {
-  const PropertiesWindowHelper &helper = *G_PropertiesWindow_helper;
-  GtkWidget *scrolled = gtk_scrolled_window_new(nullptr, nullptr);
-  gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_AUTOMATIC,
-                                 GTK_POLICY_AUTOMATIC);
-  gtk_scrolled_window_set_propagate_natural_width(GTK_SCROLLED_WINDOW(scrolled), TRUE);
-  gtk_scrolled_window_set_propagate_natural_height(GTK_SCROLLED_WINDOW(scrolled), TRUE);
-  gtk_container_add(GTK_CONTAINER(scrolled), page);
-  gtk_widget_show(gtk_bin_get_child(GTK_BIN(scrolled)));
-  gtk_widget_show(page);
-  gtk_widget_show(scrolled);
-  GtkWidget *label = NewLabel(helper.window, label_name, G_Translate(label_key), nullptr);
-  gtk_notebook_append_page(GTK_NOTEBOOK(helper.notebook), scrolled, label);
 }
 
 void FocusInProperties(GtkWidget *widget) {

@@ -20,9 +20,5 @@ extern std::unique_ptr<PropertiesWindowHelper> G_PropertiesWindow_helper;
 // cannot be opened.
 GtkWidget *create_PropertiesWindow();
 
-// Appends `page`, made scrollable, as the notebook's next tab; the tab's text is that of
-// `label_key`, stored on the window as `label_name`. For the tabs' builders.
-void AppendPropertiesTab(GtkWidget *page, const char *label_name, const char *label_key);
-
 // Shows the page that `widget` is on and puts the focus there; nothing for null.
 void FocusInProperties(GtkWidget *widget);

@@ -15,6 +15,7 @@
 #include "PropTabOutput.h"
 #include "PropTabSetup.h"
 #include "PropTabTextOptions.h"
+#include "PropertiesPages.h"
 #include "PropertiesWindow.h"
 #include "Support.h"
 #include "cmessages.h"
@@ -87,6 +88,7 @@ int SaveIdentity() {
 
 void ButtonOKPropertiesPressed() {
   const LogScope log("ButtonOKPropertiesPressed");
+  NeedAllPropertiesPages();
   if (!HasNoConflict()) return;
   RemoveDefaultSettings();
   if (GetAndSaveUserDataProperties() == 1) {
@@ -98,6 +100,7 @@ void ButtonOKPropertiesPressed() {
 
 void ButtonApplyPropertiesPressed() {
   const LogScope log("ButtonApplyPropertiesPressed");
+  NeedAllPropertiesPages();
   if (!HasNoConflict()) return;
   RemoveDefaultSettings();
   if (GetAndSaveUserDataProperties() != 1) {
@@ -136,6 +139,7 @@ void SwitchPageProperties(GtkNotebook *, GtkWidget *, guint number, gpointer) {
   const LogScope log("SwitchPageProperties");
   // Pages are also switched while the window is taken down.
   if (G_PropertiesWindow_helper == nullptr) return;
+  NeedPropertiesPage(static_cast<int>(number));
   const std::string key = PropertiesTitleKey(static_cast<int>(number));
   if (key.empty()) return;
   gtk_window_set_title(GTK_WINDOW(G_PropertiesWindow_helper->window), G_Translate(key.c_str()));
@@ -143,6 +147,7 @@ void SwitchPageProperties(GtkNotebook *, GtkWidget *, guint number, gpointer) {
 
 int GetAndSaveUserDataProperties() {
   const LogScope log("GetAndSaveUserDataProperties");
+  NeedAllPropertiesPages();
   if (SaveFonts() == 0 || SaveDestination() == 0) return 0;
   if (G_ProgName == kModePrintTool) {
     PutBackForPrinting(CopiesOfSetupTab());

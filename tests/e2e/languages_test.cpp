@@ -122,11 +122,20 @@ class Languages : public AdministrationTest,
     for (const std::string &tab : tabs) {
       ShowTab(app, tab);
       ExpectGood(app, "PropertiesWindow");
+      if (tab != "Fonts") ExpectPageWhole(app, PageOfTab(tab));
       app.Key("F1");
       ExpectGood(app, "KPXHelpDialog");
       app.Key("Escape");
       app.WaitGone("KPXHelpDialog");
     }
+  }
+
+  // Nothing of the page has to be scrolled to.
+  static void ExpectPageWhole(GuiApp &app, const std::string &page) {
+    const ScreenArea inner = app.Geometry(page);
+    const ScreenArea outer = app.Geometry("PropertiesNotebook");
+    EXPECT_LE(inner.x + inner.width, outer.x + outer.width) << page;
+    EXPECT_LE(inner.y + inner.height, outer.y + outer.height) << page;
   }
 
   void ExpectErrorGood(GuiApp &app, const std::string &key) {

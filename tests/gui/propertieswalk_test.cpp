@@ -15,6 +15,7 @@
 #include "ListWidget.h"
 #include "OptionCombos.h"
 #include "Pixmaps.h"
+#include "PropertiesPages.h"
 #include "PropertiesWindow.h"
 #include "PropertiesWindowFct.h"
 #include "ToolWindow.h"
@@ -156,6 +157,7 @@ class PropertiesWalk : public GuiTest {
     GtkWidget *window = create_PropertiesWindow();
     ASSERT_NE(nullptr, window);
     gtk_widget_show(window);
+    ASSERT_TRUE(RunUntil(ArePropertiesPagesBuilt));
     RunPending();
   }
 

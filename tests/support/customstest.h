@@ -78,8 +78,9 @@ class CustomsTest : public PropertiesTest {
   }
 
   void ShowPage(int page) const {
-    gtk_notebook_set_current_page(GTK_NOTEBOOK(G_PropertiesWindow_helper->notebook), page);
+    SwitchTo(page);
     ShowWindowOf(window_);
+    ASSERT_TRUE(RunUntil(ArePropertiesPagesBuilt));
     RunPending();
   }
 

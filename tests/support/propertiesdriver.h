@@ -20,12 +20,17 @@ inline void OpenProperties(GuiApp &app) {
   app.WaitWindow("PropertiesWindow");
 }
 
+// The page of the tab of that name.
+inline std::string PageOfTab(const std::string &name) {
+  if (name == "Customs") return "CustomsVBox";
+  return (name == "Fonts" ? "Text" : name) + "Vbox";
+}
+
 // Shows the tab of that name.
 inline void ShowTab(GuiApp &app, const std::string &name) {
   app.Click(name + "Label");
   if (name == "Fonts") return;  // empty unless the queue takes text
-  const std::string page = name == "Customs" ? "CustomsVBox" : name + "Vbox";
-  app.WaitUntil("the tab " + name, [&] { return app.HasWidget(page); });
+  app.WaitUntil("the tab " + name, [&] { return app.HasWidget(PageOfTab(name)); });
 }
 
 // Presses a button of the window; OK and Cancel close it.

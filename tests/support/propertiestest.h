@@ -9,6 +9,7 @@
 #include "AdminWindow.h"
 #include "ComboWidget.h"
 #include "Pixmaps.h"
+#include "PropertiesPages.h"
 #include "PropertiesWindow.h"
 #include "PropertiesWindowFct.h"
 #include "ToolWindow.h"
@@ -106,10 +107,11 @@ class PropertiesTest : public GuiTest {
     HashPut(printers_.get(), "Vek Norvel 4110ES", std::move(printer));
   }
 
-  // Opens the window on a queue with those settings, on that page.
-  void Open(int page, const std::vector<std::pair<const char *, const char *>> &settings = {},
-            const std::string &language = "postscript",
-            const std::vector<std::pair<const char *, const char *>> &installed = {}) {
+  using Settings = std::vector<std::pair<const char *, const char *>>;
+
+  // Makes the window on a queue with those settings; it is not yet shown.
+  void MakeWindow(const Settings &settings, const std::string &language = "postscript",
+                  const Settings &installed = {}) {
     Owned<CPrintQueue> queue = MakeQueue({"lp1", "Vek Norvel 4110ES", language, "10.0.0.1"});
     for (const auto &[feature, value] : settings) {
       HashPutText(queue->Options.get(), feature, value);
@@ -121,8 +123,19 @@ class PropertiesTest : public GuiTest {
     HashPut(queues_.get(), "lp1", std::move(queue));
     window_ = create_PropertiesWindow();
     ASSERT_NE(nullptr, window_);
+  }
+
+  static void SwitchTo(int page) {
     gtk_notebook_set_current_page(GTK_NOTEBOOK(G_PropertiesWindow_helper->notebook), page);
+  }
+
+  // Opens the window on a queue with those settings, on that page, with all pages built.
+  void Open(int page, const Settings &settings = {}, const std::string &language = "postscript",
+            const Settings &installed = {}) {
+    MakeWindow(settings, language, installed);
+    SwitchTo(page);
     ShowWindowOf(window_);
+    ASSERT_TRUE(RunUntil(ArePropertiesPagesBuilt));
     RunPending();
   }
 

@@ -1,0 +1,24 @@
+// The pages of the properties window, each built when it is first needed.
+
+#pragma once
+
+#include <gtk/gtk.h>
+
+// Of the pages, from 0; the same in both programs.
+inline constexpr int kSetupPage = 1;
+
+// Gives the notebook of G_PropertiesWindow_helper all its tabs and builds the page of the first.
+// The others are built one a turn of the main loop, in order, once the window has been drawn,
+// unless they are needed before. What is not built when the window ends never is.
+void AddPropertiesPages();
+
+// Builds the page with that number, and what it works on, unless it is there; nothing for other
+// numbers and without an open window.
+void NeedPropertiesPage(int number);
+void NeedAllPropertiesPages();
+
+bool ArePropertiesPagesBuilt();
+
+// What the largest page wants, in pixels, in the current text size. Not asked of the pages, which
+// are not there when the window opens.
+GtkRequisition LargestPropertiesPage();
