@@ -96,7 +96,7 @@ gboolean BuildRestAfterDrawing(GtkWidget *window, cairo_t *, gpointer) {
   return FALSE;
 }
 
-// Before the notebook is taken down, which switches its pages.
+// From now on nothing is built any more.
 void ForgetPages(GtkWidget *, gpointer) {
   if (L_Idle != 0) g_source_remove(L_Idle);
   L_Idle = 0;

@@ -123,6 +123,7 @@ TEST_F(PropertiesPages, AreNotBuiltAnyMoreOnceTheWindowIsClosed) {
   ASSERT_TRUE(RunUntil([] { return Built().size() == 2; }));
   ButtonCancelPropertiesPressed();
   RunPending();
+  NeedPropertiesPage(kOptionsPage);
   EXPECT_EQ(Strings{}, Built());
   EXPECT_FALSE(ArePropertiesPagesBuilt());
   MakeWindow({});
