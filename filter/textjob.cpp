@@ -17,9 +17,24 @@ namespace {
 constexpr double kSideMargin = 9, kEndMargin = 36;  // points, where the printer needs no more
 constexpr double kCourierWidth = 0.6;               // of the point size
 constexpr size_t kTabStop = 8;
+constexpr size_t kLongestName = 127;  // that a PostScript interpreter takes
+
+// What T and R of the pages are made of. A text is a string or an array of strings and glyph names.
+// A: text, shows it at the current point. W: text, its width. R: column line room text, shows it
+// from there on, narrower where it needs more than `room` columns. T: column line text, the same
+// with all columns up to the last one.
+constexpr char kProcedures[] =
+    "/A { dup type /stringtype eq { show }\n"
+    "{ { dup type /nametype eq { glyphshow } { show } ifelse } forall } ifelse } bind def\n"
+    "/W { dup type /stringtype eq { stringwidth pop }\n"
+    "{ gsave nulldevice 0 0 moveto A currentpoint pop grestore } ifelse } bind def\n"
+    "/R { 4 2 roll P dup W 3 -1 roll U mul 2 copy .01 add gt { exch div } { pop pop 1 } ifelse\n"
+    "gsave 1 scale A grestore } bind def\n"
+    "/T { N 3 index sub exch R } bind def\n";
 
 // Where the text goes on the page.
 struct Layout {
+  std::string font;          // its PostScript name
   double left = 0, top = 0;  // of the first line's baseline, points
   double size = 12;
   size_t columns = 1, lines = 1;
@@ -33,9 +48,23 @@ double FontSize(const JobSettings &settings) {
   return good && size >= 4 && size <= 72 ? size : 12;
 }
 
+bool IsPostScriptName(std::string_view text) {
+  const auto regular = [](char c) {
+    return c > ' ' && c < 0x7F && std::string_view("()<>[]{}/%").find(c) == std::string_view::npos;
+  };
+  return !text.empty() && text.size() <= kLongestName &&
+         std::all_of(text.begin(), text.end(), regular);
+}
+
+std::string FontName(const JobSettings &settings) {
+  const std::string name = settings.Other("*FontName");
+  return IsPostScriptName(name) ? name : "Courier";
+}
+
 Layout LayoutOf(const JobSettings &settings) {
   const PpdPageSize page = PageInForce(settings);
   Layout layout;
+  layout.font = FontName(settings);
   layout.size = FontSize(settings);
   const double right_margin = std::max(page.width - page.right, kSideMargin);
   const double bottom = std::max(page.bottom, kEndMargin);
@@ -75,7 +104,10 @@ class PageWriter {
 
  private:
   void BeginPage();
-  void FlushRun();
+  void AddToString(char32_t character);
+  void AddGlyph(const std::string &name);
+  void EndString();
+  void FlushRun(size_t end);
   void SetPosition(size_t column);
 
   const Layout &layout_;
@@ -84,13 +116,16 @@ class PageWriter {
   int pages_ = 0;
   bool page_open_ = false;
   size_t line_ = 0, column_ = 0;
-  std::string run_;  // ASCII characters that follow each other, escaped
+  std::string run_;  // characters that follow each other, as strings and glyph names
   size_t run_column_ = 0;
+  bool in_string_ = false, mixed_ = false;  // the run ends inside a string; is more than one string
 };
 
 void PageWriter::Put(char32_t character) {
   if (character == '\t') {
-    SetPosition((column_ / kTabStop + 1) * kTabStop);
+    const size_t stop = (column_ / kTabStop + 1) * kTabStop;
+    FlushRun(stop);
+    column_ = stop;
     return;
   }
   if (character == '\b' || character == '\r') {
@@ -102,33 +137,57 @@ void PageWriter::Put(char32_t character) {
   if (column_ >= layout_.columns) NewLine();
   if (line_ >= layout_.lines) NewPage();
   if (!page_open_) BeginPage();
+  if (run_.empty()) run_column_ = column_;
   if (character < 0x7F) {
-    if (run_.empty()) run_column_ = column_;
-    if (character == '(' || character == ')' || character == '\\') run_ += '\\';
-    run_ += static_cast<char>(character);
+    AddToString(character);
   } else {
-    FlushRun();
-    sink_->Write(std::to_string(column_) + " " + std::to_string(line_) + " /" + name + " G\n");
+    AddGlyph(name);
   }
   ++column_;
 }
 
+void PageWriter::AddToString(char32_t character) {
+  if (!in_string_) run_ += '(';
+  in_string_ = true;
+  if (character == '(' || character == ')' || character == '\\') run_ += '\\';
+  run_ += static_cast<char>(character);
+}
+
+void PageWriter::AddGlyph(const std::string &name) {
+  EndString();
+  mixed_ = true;
+  run_ += '/' + name;
+}
+
+void PageWriter::EndString() {
+  if (in_string_) run_ += ')';
+  in_string_ = false;
+}
+
 void PageWriter::SetPosition(size_t column) {
-  FlushRun();
+  FlushRun(layout_.columns);
   column_ = column;
 }
 
-void PageWriter::FlushRun() {
+// Writes the run, which has the room up to column `end`.
+void PageWriter::FlushRun(size_t end) {
   if (run_.empty()) return;
-  sink_->Write(std::to_string(run_column_) + " " + std::to_string(line_) + " (" + run_ + ") T\n");
+  EndString();
+  const std::string text = mixed_ ? "[" + run_ + "]" : run_;
+  const std::string place = std::to_string(run_column_) + " " + std::to_string(line_) + " ";
+  if (end < layout_.columns) {
+    sink_->Write(place + std::to_string(end - run_column_) + " " + text + " R\n");
+  } else {
+    sink_->Write(place + text + " T\n");
+  }
   run_.clear();
+  mixed_ = false;
 }
 
 // A full page ends when something follows, so that a form feed behind its last line is its end too.
 void PageWriter::NewLine() {
   if (line_ >= layout_.lines) NewPage();
-  FlushRun();
-  column_ = 0;
+  SetPosition(0);
   ++line_;
 }
 
@@ -150,22 +209,23 @@ void PageWriter::BeginPage() {
 }
 
 void PageWriter::Finish() {
-  FlushRun();
+  FlushRun(layout_.columns);
   if (page_open_) sink_->Write("showpage S restore\n");
   page_open_ = false;
 }
 
 std::string Header(const Layout &layout, const DocumentCode &code) {
   const std::string size = DecimalText(layout.size);
-  // T: column line (text); G: column line /glyph. Both count from the top left corner.
   std::string header =
       "%!PS-Adobe-3.0\n%%LanguageLevel: 2\n%%Pages: (atend)\n%%EndComments\n%%BeginProlog\n";
   header += code.prolog;
-  header += "/F /Courier findfont " + size + " scalefont def\n";
+  header += "/F /" + layout.font + " findfont " + size + " scalefont def\n";
   header += "/P { " + size + " mul " + DecimalText(layout.top) + " exch sub exch " +
             DecimalText(kCourierWidth * layout.size) + " mul " + DecimalText(layout.left) +
             " add exch moveto } bind def\n";
-  header += "/T { 3 1 roll P show } bind def\n/G { 3 1 roll P glyphshow } bind def\n";
+  header += "/U " + DecimalText(kCourierWidth * layout.size) + " def\n/N " +
+            std::to_string(layout.columns) + " def\n";
+  header += kProcedures;
   header += "%%EndProlog\n%%BeginSetup\n" + code.setup + "%%EndSetup\n";
   return header;
 }

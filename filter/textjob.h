@@ -1,4 +1,4 @@
-// A text job: lines become PostScript pages in a fixed-pitch font.
+// A text job: lines become PostScript pages.
 #pragma once
 
 #include "joblanguage.h"
@@ -9,7 +9,8 @@
 // when it is not valid as that, ISO-8859-1. Long lines are wrapped at the last column, tabs go to
 // every eighth column, a form feed begins a new page, a carriage return alone goes back to the
 // first column and a backspace one column back; other control characters are left out. Courier in
-// 12 points, or the queue's "*FontSize". An empty job gives nothing. Failures show in `source` and
-// `sink`.
+// 12 points, or the queue's "*FontName" (a PostScript font's name, anything else counts as Courier)
+// and "*FontSize". A line has as many characters as Courier would have there; one that another font
+// makes wider is squeezed. An empty job gives nothing. Failures show in `source` and `sink`.
 void FilterText(const JobSettings &settings, const JobIdentity &identity, JobSource *source,
                 JobSink *sink);

@@ -126,23 +126,61 @@ TEST(RenderedText, IsInCourier) {
   EXPECT_NE(output.find("/Courier findfont 12 scalefont"), std::string::npos);
 }
 
-TEST(RenderedText, StaysInsideThePrintableArea) {
-  FilterCall call = Call("*PageSize=Letter");
+TEST(RenderedText, IsInTheChosenFont) {
+  FilterCall call = Call("*FontName=Times-BoldItalic *FontSize=18");
+  call.type = "text";
+  const Rendering page = Render(Filter(call, "Hello").output);
+  const Rendering expected = Render(
+      "%!\n/Times-BoldItalic findfont 18 scalefont setfont 12 788 moveto (Hello) show showpage\n");
+  EXPECT_EQ(page.messages, "");
+  EXPECT_FALSE(page.pages.empty());
+  EXPECT_TRUE(page.pages == expected.pages);
+}
+
+class RenderedTextInFont : public testing::TestWithParam<const char *> {};
+
+INSTANTIATE_TEST_SUITE_P(Fonts, RenderedTextInFont,
+                         testing::Values("Courier", "Helvetica-Bold", "Bookman-Demi"));
+
+// The box that the text of one page fills, in whole points.
+struct TextBox {
+  int left = 0, bottom = 0, right = 0, top = 0;
+};
+
+TextBox BoxOf(const std::string &job) {
+  const Rendering page = Render(job, "bbox", 720);
+  TextBox box;
+  const size_t at = page.messages.find("%%BoundingBox: ");
+  EXPECT_NE(at, std::string::npos) << page.messages;
+  if (at == std::string::npos) return box;
+  EXPECT_EQ(std::sscanf(page.messages.c_str() + at, "%%%%BoundingBox: %d %d %d %d", &box.left,
+                        &box.bottom, &box.right, &box.top),
+            4);
+  return box;
+}
+
+TEST_P(RenderedTextInFont, WordsWithGlyphsByNameHoldTogether) {
+  FilterCall call = Call(std::string("*FontName=") + GetParam());
+  call.type = "text";
+  const Rendering page = Render(Filter(call, "WWWüWWW Grüße\tnext column\n").output, "txtwrite");
+  ASSERT_EQ(page.pages.size(), 1u) << page.messages;
+  EXPECT_NE(page.pages[0].find("WWWüWWW Grüße"), std::string::npos) << page.pages[0];
+  EXPECT_NE(page.pages[0].find("next column"), std::string::npos) << page.pages[0];
+}
+
+TEST_P(RenderedTextInFont, StaysInsideThePrintableArea) {
+  FilterCall call = Call(std::string("*PageSize=Letter *FontName=") + GetParam());
   call.type = "text";
   std::string text;
   for (int i = 0; i < 50; ++i) text += std::string(200, 'W') + "\n";
-  const Rendering page = Render(Filter(call, text).output, "bbox", 720);
-  const size_t at = page.messages.find("%%BoundingBox: ");
-  ASSERT_NE(at, std::string::npos) << page.messages;
-  int left = 0, bottom = 0, right = 0, top = 0;
-  ASSERT_EQ(std::sscanf(page.messages.c_str() + at, "%%%%BoundingBox: %d %d %d %d", &left, &bottom,
-                        &right, &top),
-            4);
+  std::string mixed;
+  for (int i = 0; i < 100; ++i) mixed += "Wü";
+  const TextBox box = BoxOf(Filter(call, text + mixed + "\n").output);
   // A "W" is a hair wider than its column.
-  EXPECT_GE(left, 17);
-  EXPECT_GE(bottom, 36);
-  EXPECT_LE(right, 595);
-  EXPECT_LE(top, 756);
+  EXPECT_GE(box.left, 17);
+  EXPECT_GE(box.bottom, 36);
+  EXPECT_LE(box.right, 595);
+  EXPECT_LE(box.top, 756);
 }
 
 }  // namespace

@@ -38,11 +38,11 @@ TEST_F(TextJob, LinesStandAtTheirColumnAndLine) {
 }
 
 TEST_F(TextJob, CharactersBeyondAsciiGoByGlyphName) {
-  EXPECT_EQ(Pages("a é€b"), Page(1, "0 0 (a ) T\n2 0 /eacute G\n3 0 /Euro G\n4 0 (b) T\n"));
+  EXPECT_EQ(Pages("a é€b"), Page(1, "0 0 [(a )/eacute/Euro(b)] T\n"));
 }
 
 TEST_F(TextJob, ALineThatIsNotUtf8IsLatin1) {
-  EXPECT_EQ(Pages("\xE9\né\n"), Page(1, "0 0 /eacute G\n0 1 /eacute G\n"));
+  EXPECT_EQ(Pages("\xE9\né\n"), Page(1, "0 0 [/eacute] T\n0 1 [/eacute] T\n"));
 }
 
 TEST_F(TextJob, AFormFeedBeginsANewPage) {
@@ -75,7 +75,7 @@ TEST_F(TextJob, LongLinesAreWrapped) {
 }
 
 TEST_F(TextJob, TabsGoToEveryEighthColumn) {
-  EXPECT_EQ(Pages("a\tb\t\tc"), Page(1, "0 0 (a) T\n8 0 (b) T\n24 0 (c) T\n"));
+  EXPECT_EQ(Pages("a\tb\t\tc"), Page(1, "0 0 8 (a) R\n8 0 8 (b) R\n24 0 (c) T\n"));
 }
 
 TEST_F(TextJob, CarriageReturnAndBackspacePrintOver) {
@@ -93,7 +93,7 @@ TEST_F(TextJob, ALastLineWithoutLineFeedIsPrinted) {
 TEST_F(TextJob, VeryLongLinesKeepTheirCharactersWhole) {
   std::string line;
   for (int i = 0; i < 20000; ++i) line += "é";
-  EXPECT_EQ(CountOf(Pages(line), "/eacute G"), 20000u);
+  EXPECT_EQ(CountOf(Pages(line), "/eacute"), 20000u);
   EXPECT_EQ(Pages(line, 1), Pages(line));
 }
 
@@ -105,6 +105,23 @@ TEST_F(TextJob, TheQueuesFontSizeCounts) {
             Page(1, "0 0 (" + std::string(40, 'x') + ") T\n0 1 (x) T\n"));
   settings_.Apply({{"*FontSize", "1000"}});
   EXPECT_EQ(CountOf(Pages(std::string(80, 'x')), " T\n"), 1u);
+}
+
+TEST_F(TextJob, TheQueuesFontCounts) {
+  settings_.Apply({{"*FontName", "Helvetica-Bold"}});
+  const std::string output = RunOver(FilterText, settings_, "x");
+  EXPECT_EQ(CountOf(output, "/F /Helvetica-Bold findfont 12 scalefont def\n"), 1u);
+  EXPECT_EQ(CountOf(output, "Courier"), 0u);
+}
+
+TEST_F(TextJob, AFontThatIsNoPostScriptNameIsCourier) {
+  const std::string long_name(128, 'x');
+  for (const char *name :
+       {"", "Times Roman", "a(b", "x/y", "x%", "caf\xC3\xA9", "x\ny", long_name.c_str()}) {
+    settings_.Apply({{"*FontName", name}});
+    const std::string output = RunOver(FilterText, settings_, "x");
+    EXPECT_EQ(CountOf(output, "/F /Courier findfont"), 1u) << name;
+  }
 }
 
 TEST(TextJobSettings, TheDocumentCarriesTheOptionsCode) {
