@@ -6,6 +6,9 @@
 
 #include "MessageDialogs.h"
 #include "OptionCombos.h"
+#include "OptionDefaults.h"
+#include "PropTabFeatures.h"
+#include "PropTabGeneral.h"
 #include "PropertiesWindow.h"
 #include "Support.h"
 #include "cfeature.h"
@@ -14,6 +17,7 @@
 #include "constraintmessages.h"
 #include "constraints.h"
 #include "debug.h"
+#include "globals.h"
 #include "optionstate.h"
 
 namespace {
@@ -33,6 +37,38 @@ std::string ResultText(const std::optional<ResolvedConflict> &resolved) {
                     OptionDisplayText(resolved->feature.c_str(), resolved->option.c_str())});
 }
 
+// Where the user changes it: its combo box, or the list of installed hardware.
+GtkWidget *PlaceOf(const std::string &feature) {
+  GtkWidget *combo = OptionCombo(feature.c_str());
+  if (combo != nullptr) return combo;
+  if (HashFind(G_PrinterInstallableOptions_hash, feature.c_str()) == nullptr) return nullptr;
+  if (G_ProgName == kModeAdministration) return G_PropTabFeatures_helper->installed.list;
+  return G_PropTabGenPrntool_helper->features_list;
+}
+
+// The first that has a combo box, else the list.
+GtkWidget *PlaceOf(const SettingsConflict &conflict) {
+  for (const std::string &feature : {conflict.feature1, conflict.feature2}) {
+    GtkWidget *combo = OptionCombo(feature.c_str());
+    if (combo != nullptr) return combo;
+  }
+  return PlaceOf(conflict.feature1);
+}
+
+void ShowResolved(const std::string &feature) {
+  if (HashFind(G_PrinterInstallableOptions_hash, feature.c_str()) != nullptr) {
+    ShowInstallableChange(feature);
+    return;
+  }
+  RedrawOptionPicture(feature.c_str());
+  GtkWidget *combo = OptionCombo(feature.c_str());
+  // For some printers the resolutions are not filled with the others.
+  if (combo != nullptr) {
+    G_FillComboWithOptions(combo, OptionComboEntry(feature.c_str()), feature.c_str());
+  }
+  RefillAfterDefaults();
+}
+
 void ResolvePressed(GtkButton *button, gpointer) {
   const LogScope log("ResolvePressed");
   GtkWidget *widget = GTK_WIDGET(button);
@@ -43,12 +79,8 @@ void ResolvePressed(GtkButton *button, gpointer) {
   gtk_widget_hide(widget);
   gtk_widget_grab_focus(ok);
   if (!resolved) return;
-  RedrawOptionPicture(resolved->feature.c_str());
-  G_FillAllComboWithOptions();
-  if (G_OptionChangeHooks.refill_installables != nullptr) {
-    G_OptionChangeHooks.refill_installables();
-  }
-  FocusInProperties(OptionCombo(resolved->feature.c_str()));
+  ShowResolved(resolved->feature);
+  FocusInProperties(PlaceOf(resolved->feature));
 }
 
 }  // namespace
@@ -58,10 +90,13 @@ int G_CheckLinearConstraints(const CHash *settings) {
   const std::optional<SettingsConflict> conflict = FindLinearConflict(settings);
   if (!conflict) return 0;
   L_Conflict = *conflict;
-  GtkWidget *shown = OptionCombo(conflict->feature1.c_str());
-  FocusInProperties(shown != nullptr ? shown : OptionCombo(conflict->feature2.c_str()));
+  FocusInProperties(PlaceOf(*conflict));
   GtkWidget *window =
       create_ErrorWindow(ConflictMessage(*conflict).c_str(), G_Translate("CONSTR_Dlg_Label"));
+  if (!MayResolve(*conflict)) {
+    gtk_widget_show(window);
+    return 1;
+  }
   GtkWidget *button = NewButton(window, lookup_widget(window, "DialogHbuttonbox"), "ResolveButton",
                                 "DEF_BTN_RESOLVE_TITLE", nullptr);
   g_signal_connect(button, "clicked", G_CALLBACK(ResolvePressed), nullptr);

@@ -12,6 +12,7 @@
 #include "constraints.h"
 #include "cprintqueue.h"
 #include "debug.h"
+#include "multipleup.h"
 #include "optionchange.h"
 #include "optionlists.h"
 #include "optionstate.h"
@@ -201,6 +202,14 @@ void G_ComboBoxOptionChanged(const char *feature) {
   G_FillAllComboWithOptions();
   if (std::strcmp(feature, "*Orientation") == 0) RedrawTurnedPictures();
   if (ChangesInstallableMarks(feature)) Run(G_OptionChangeHooks.refill_installables);
+}
+
+void ShowTurnedSheet() {
+  if (CurrentMultipleUp() == "2") {
+    ShowOrderBoxes(CurrentOrderBoxes() == OrderBoxes::kNone ? NupOrderBoxes::kHideAll
+                                                            : NupOrderBoxes::kShowLeftAndRight);
+  }
+  RedrawTurnedPictures();
 }
 
 void RedrawOptionPicture(const char *feature) {

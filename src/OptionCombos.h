@@ -37,6 +37,10 @@ void G_ComboBoxOptionChanged(const char *feature);
 // Shows the picture of the queue's current choice of the feature; nothing without such a row.
 void RedrawOptionPicture(const char *feature);
 
+// Shows on all tabs how the sheet lies after the orientation changed in another way than by its
+// combo: the pictures, and the page orders that are offered.
+void ShowTurnedSheet();
+
 // What other tabs hang onto a change, in addition; each may be null, and is by default.
 struct OptionChangeHooks {
   void (*show_nup_left_and_right)() = nullptr;

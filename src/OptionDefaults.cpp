@@ -40,10 +40,7 @@ DefaultsResult SetToDefaults(const std::vector<DefaultRow> &rows) {
     if (one == DefaultResult::kSame) continue;
     result = DefaultsResult::kChanged;
     RedrawOptionPicture(row.feature);
-    if (std::strcmp(row.feature, "*Orientation") != 0) continue;
-    // These show how the sheet lies.
-    RedrawOptionPicture("*StapleLocation");
-    RedrawOptionPicture("*Punch");
+    if (std::strcmp(row.feature, "*Orientation") == 0) ShowTurnedSheet();
   }
   return result;
 }

@@ -10,6 +10,7 @@
 #include "PropertiesWindow.h"
 #include "Support.h"
 #include "cmessages.h"
+#include "conflictresolution.h"
 #include "cstring.h"
 #include "debug.h"
 #include "installables.h"
@@ -111,13 +112,11 @@ void Move(FeaturesListHelper &half,
   const std::string value = value_for(feature, TextWithoutMark(ListCell(half.list, half.row, 0)));
   if (value.empty()) return;
   SetQueueValue(G_QueueInstallableOptions_hash, feature.c_str(), value);
+  NoteUserChoice(feature.c_str());
   // The button can no longer have the keyboard.
   gtk_widget_grab_focus(half.list);
   Unselect(half);
-  G_FillInstallableCLists();
-  if (IsInPrinterPicture(feature)) RedrawFeaturesPixmaps();
-  G_FillAllComboWithOptions();
-  if (feature == L_PunchUnit) RedrawOptionPicture("*Punch");
+  ShowInstallableChange(feature);
 }
 
 struct ChangedInstallables {
@@ -165,6 +164,13 @@ GtkWidget *create_PropTabFeatures() {
   G_FillInstallableCLists();
   AddDefaultsButton(tab, "DefaultFeaturesButton", ButtonFeaturesDefaultsPressed);
   return tab.page;
+}
+
+void ShowInstallableChange(const std::string &feature) {
+  G_FillInstallableCLists();
+  if (IsInPrinterPicture(feature)) RedrawFeaturesPixmaps();
+  G_FillAllComboWithOptions();
+  if (feature == L_PunchUnit) RedrawOptionPicture("*Punch");
 }
 
 void AvailableRowSelect(int row) {

@@ -23,6 +23,9 @@ extern std::unique_ptr<PropTabFeaturesHelper> G_PropTabFeatures_helper;
 // Builds and fills the page; floating.
 GtkWidget *create_PropTabFeatures();
 
+// Shows, on all tabs, that the value of an installable option has changed.
+void ShowInstallableChange(const std::string &feature);
+
 // Handlers of the lists' rows.
 void AvailableRowSelect(int row);
 void AvailableRowUnSelect(int row);

@@ -67,7 +67,7 @@ void SetSize(GtkWidget *window, GtkWidget *notebook) {
   gtk_notebook_set_scrollable(GTK_NOTEBOOK(notebook), TRUE);
   gtk_widget_set_size_request(first, -1, -1);
   gtk_window_set_default_size(GTK_WINDOW(window), std::min(natural.width, RoomOnScreen().width),
-                              std::min(natural.height, L_LargestHeight));
+                              std::min({natural.height, L_LargestHeight, RoomOnScreen().height}));
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 
 #include "cfeature.h"
 #include "debug.h"
+#include "globals.h"
 #include "optionlists.h"
 #include "optionstate.h"
 
@@ -23,11 +24,17 @@ bool IsInstallable(const std::string &feature) {
   return HashFind(G_PrinterFeatures_hash, feature.c_str()) == nullptr;
 }
 
+bool AreBothInstallable(const SettingsConflict &conflict) {
+  return IsInstallable(conflict.feature1) && IsInstallable(conflict.feature2);
+}
+
 // The values to try, best first.
 std::vector<std::string> Candidates(const std::string &feature) {
+  const CHash *features =
+      IsInstallable(feature) ? G_PrinterInstallableOptions_hash : G_PrinterFeatures_hash;
   std::vector<std::string> candidates;
-  const char *usual = fGet_CString_Value_Function(
-      G_GetPPDDefaultOptionForFeature(G_PrinterFeatures_hash, feature.c_str()));
+  const char *usual =
+      fGet_CString_Value_Function(G_GetPPDDefaultOptionForFeature(features, feature.c_str()));
   if (usual != nullptr) candidates.emplace_back(usual);
   const CHash *options = fGet_Options_Function(PrinterFeature(feature.c_str()));
   if (HashFind(options, "None") != nullptr) candidates.emplace_back("None");
@@ -38,17 +45,19 @@ std::vector<std::string> Candidates(const std::string &feature) {
 }
 
 std::optional<ResolvedConflict> SetToValueThatFits(const std::string &feature) {
-  if (IsInstallable(feature)) return std::nullopt;
-  const std::string before = QueueFeatureValue(feature.c_str());
+  CHash *settings = IsInstallable(feature) ? G_QueueInstallableOptions_hash : G_QueueFeatures_hash;
+  const char *value = HashText(settings, feature.c_str());
+  const bool is_set = value != nullptr;
+  const std::string before = is_set ? value : "";
   // Not compared with its own old value.
-  HashRemove(G_QueueFeatures_hash, feature.c_str());
+  HashRemove(settings, feature.c_str());
   const SettingsSnapshot others;
   for (const std::string &option : Candidates(feature)) {
     if (option == before || others.ConflictOf(feature.c_str(), option.c_str()) != nullptr) continue;
-    SetQueueValue(G_QueueFeatures_hash, feature.c_str(), option);
+    SetQueueValue(settings, feature.c_str(), option);
     return ResolvedConflict{feature, option};
   }
-  SetQueueValue(G_QueueFeatures_hash, feature.c_str(), before);
+  if (is_set) SetQueueValue(settings, feature.c_str(), before);
   return std::nullopt;
 }
 
@@ -61,12 +70,21 @@ void NoteUserChoice(const char *feature) {
 
 void ForgetUserChoices() { L_Chosen.clear(); }
 
+bool MayResolve(const SettingsConflict &conflict) {
+  return G_ProgName == kModeAdministration || !AreBothInstallable(conflict);
+}
+
 std::optional<ResolvedConflict> ResolveConflict(const SettingsConflict &conflict) {
   const LogScope log("ResolveConflict");
+  if (!MayResolve(conflict)) return std::nullopt;
   std::string first = conflict.feature1;
   std::string second = conflict.feature2;
   if (Rank(first) > Rank(second)) std::swap(first, second);
-  std::optional<ResolvedConflict> resolved = SetToValueThatFits(first);
-  if (!resolved) resolved = SetToValueThatFits(second);
-  return resolved;
+  const bool hardware = AreBothInstallable(conflict);
+  for (const std::string &feature : {first, second}) {
+    if (IsInstallable(feature) && !hardware) continue;
+    std::optional<ResolvedConflict> resolved = SetToValueThatFits(feature);
+    if (resolved) return resolved;
+  }
+  return std::nullopt;
 }

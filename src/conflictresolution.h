@@ -19,9 +19,14 @@ struct ResolvedConflict {
   bool operator==(const ResolvedConflict &other) const = default;
 };
 
+// Whether ResolveConflict may find anything: not for two installable options in the print tool,
+// whose user cannot say what is installed.
+bool MayResolve(const SettingsConflict &conflict);
+
 // Sets one of the two settings to a value that conflicts with nothing the queue has set: the
 // printer's default when that fits, else "None", else the first of the feature's options that fits.
-// Installed hardware is never changed, so beside an installable option it is the other setting that
-// gives way; of two features it is the one that was not chosen last. When no value of it fits, the
-// other one gives way. Nothing, with the settings as they were, when none fits.
+// Beside an installable option it is the other setting that gives way, so that installed hardware
+// is changed only where two installable options conflict, in the administration. Of two of a kind
+// it is the one that was not chosen last. When no value of it fits, the other one gives way.
+// Nothing, with the settings as they were, when none fits.
 std::optional<ResolvedConflict> ResolveConflict(const SettingsConflict &conflict);

@@ -166,6 +166,26 @@ TEST_F(AdminProperties, AConflictKeepsTheWindowOpenAndCanBeSetRight) {
   EXPECT_EQ("*JobName=UseAppSetting\n*MediaType=Transparency\n*UserName=root\n", Def("ps1"));
 }
 
+TEST_F(AdminProperties, PartsThatDoNotGoTogetherShowTheirTabAndCanBeSetRight) {
+  AdminApp app;
+  app.AddQueue({.name = "ps1"});
+  Open(app);
+  ShowTab(app, "Features");
+  SelectRowOf(app, "AvailableClist", "Two-hole punch unit");
+  app.Click("AddFeaturesButton");
+  ShowTab(app, "Setup");
+  PressProperties(app, "OK");
+  app.WaitWindow("ErrorDialog");
+  EXPECT_EQ(CatalogueText("DEF_WND_ADMIN_PROP_FEATURES_TITLE"), app.Text("PropertiesWindow"));
+  app.Click("ErrorDialog/ResolveButton");
+  EXPECT_EQ("\"Finisher\" has been set to \"Installed\".", app.Text("ErrorLabel2"));
+  app.Key("Return");
+  app.WaitGone("ErrorDialog");
+  EXPECT_EQ((std::vector<std::string>{"*    Finisher", "-    Two-hole punch unit"}),
+            app.Rows("InstalledClist"));
+  AcceptProperties(app);
+}
+
 TEST_F(AdminProperties, ARefusedValueSaysSoAndPutsTheFocusThere) {
   AdminApp app;
   app.AddQueue({.name = "ps1"});

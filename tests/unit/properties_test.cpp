@@ -49,9 +49,12 @@ std::string Description() {
          Feature("uio", "*MediaType", "Plain", {"Plain", "Thick", "Foil"}) +
          Feature("uiio", "*OptionHCF", "False", {"False", "True"}) +
          Feature("uiio", "*InstalledMemory", "64Meg", {"64Meg"}) +
+         Feature("uiio", "*OptionBypass", "False", {"False", "True"}) +
+         Feature("uiio", "*OptionShelf", "True", {"True"}) +
          Constraint("*Duplex", "DuplexNoTumble", "*MediaType", "Thick") +
          Constraint("*OptionHCF", "False", "*MediaType", "Foil") +
-         Constraint("*MediaType", "Plain", "*PageSize", "Letter");
+         Constraint("*MediaType", "Plain", "*PageSize", "Letter") +
+         Constraint("*OptionBypass", "True", "*OptionHCF", "True");
 }
 
 class Properties : public testing::Test {
@@ -145,7 +148,8 @@ TEST_F(Properties, OpeningWorksOnACopyWithThePrintersDefaults) {
   EXPECT_STREQ(fGet_CString_Value_Function(G_CurrentQueue_name.get()), "lp1");
   EXPECT_EQ(Keys(G_QueueFeatures_hash),
             (std::vector<std::string>{"*Duplex", "*MediaType", "*PageSize"}));
-  EXPECT_EQ(Keys(G_QueueInstallableOptions_hash), (std::vector<std::string>{"*OptionHCF"}));
+  EXPECT_EQ(Keys(G_QueueInstallableOptions_hash),
+            (std::vector<std::string>{"*OptionBypass", "*OptionHCF", "*OptionShelf"}));
   EXPECT_EQ(QueueFeatureValue("*PageSize"), "A4");
   EXPECT_TRUE(HashIsEmpty(StoredOptions("lp1")));
   EXPECT_EQ(G_PrinterModel, 5);
@@ -377,10 +381,36 @@ TEST_F(Properties, AValueThatConflictsElsewhereIsNotChosen) {
 
 TEST_F(Properties, WithoutAnyValueThatFitsNothingChanges) {
   Open();
+  SetQueueValue(G_QueueInstallableOptions_hash, "*InstalledMemory", "64Meg");
   const std::optional<ResolvedConflict> resolved =
-      ResolveConflict({"*OptionHCF", "False", "*InstalledMemory", "64Meg"});
+      ResolveConflict({"*OptionShelf", "True", "*InstalledMemory", "64Meg"});
   EXPECT_EQ(resolved, std::nullopt);
+  EXPECT_STREQ(HashText(G_QueueInstallableOptions_hash, "*InstalledMemory"), "64Meg");
+}
+
+TEST_F(Properties, OfTwoPartsThatDoNotGoTogetherTheOneAddedLastStaysInTheAdministration) {
+  Open();
+  for (const char *part : {"*OptionHCF", "*OptionBypass"}) {
+    SetQueueValue(G_QueueInstallableOptions_hash, part, "True");
+    NoteUserChoice(part);
+  }
+  const SettingsConflict conflict = {"*OptionBypass", "True", "*OptionHCF", "True"};
+  EXPECT_TRUE(MayResolve(conflict));
+  EXPECT_EQ(ResolveConflict(conflict), (ResolvedConflict{"*OptionHCF", "False"}));
   EXPECT_STREQ(HashText(G_QueueInstallableOptions_hash, "*OptionHCF"), "False");
+  EXPECT_STREQ(HashText(G_QueueInstallableOptions_hash, "*OptionBypass"), "True");
+}
+
+TEST_F(Properties, AUserOfThePrintToolCannotChangeWhatIsInstalled) {
+  Open();
+  G_ProgName = kModePrintTool;
+  for (const char *part : {"*OptionHCF", "*OptionBypass"}) {
+    SetQueueValue(G_QueueInstallableOptions_hash, part, "True");
+  }
+  const SettingsConflict conflict = {"*OptionBypass", "True", "*OptionHCF", "True"};
+  EXPECT_FALSE(MayResolve(conflict));
+  EXPECT_EQ(ResolveConflict(conflict), std::nullopt);
+  EXPECT_STREQ(HashText(G_QueueInstallableOptions_hash, "*OptionHCF"), "True");
 }
 
 }  // namespace
