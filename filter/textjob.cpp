@@ -10,6 +10,7 @@
 #include "featurecode.h"
 #include "glyphnames.h"
 #include "postscript.h"
+#include "sheets.h"
 #include "textencoding.h"
 
 namespace {
@@ -93,14 +94,12 @@ char32_t TakeCharacter(std::string_view *text) {
 // Sets characters on pages. A page is written when its first character comes.
 class PageWriter {
  public:
-  PageWriter(const Layout &layout, const std::string &page_setup, JobSink *sink)
-      : layout_(layout), page_setup_(page_setup), sink_(sink) {}
+  PageWriter(const Layout &layout, PageTarget *target) : layout_(layout), target_(target) {}
 
   void Put(char32_t character);
   void NewLine();
   void NewPage();
   void Finish();
-  int Pages() const { return pages_; }
 
  private:
   void BeginPage();
@@ -111,9 +110,7 @@ class PageWriter {
   void SetPosition(size_t column);
 
   const Layout &layout_;
-  const std::string &page_setup_;
-  JobSink *sink_;
-  int pages_ = 0;
+  PageTarget *target_;
   bool page_open_ = false;
   size_t line_ = 0, column_ = 0;
   std::string run_;  // characters that follow each other, as strings and glyph names
@@ -176,9 +173,9 @@ void PageWriter::FlushRun(size_t end) {
   const std::string text = mixed_ ? "[" + run_ + "]" : run_;
   const std::string place = std::to_string(run_column_) + " " + std::to_string(line_) + " ";
   if (end < layout_.columns) {
-    sink_->Write(place + std::to_string(end - run_column_) + " " + text + " R\n");
+    target_->Write(place + std::to_string(end - run_column_) + " " + text + " R\n");
   } else {
-    sink_->Write(place + text + " T\n");
+    target_->Write(place + text + " T\n");
   }
   run_.clear();
   mixed_ = false;
@@ -199,18 +196,13 @@ void PageWriter::NewPage() {
 }
 
 void PageWriter::BeginPage() {
-  const std::string number = std::to_string(++pages_);
-  sink_->Write("%%Page: " + number + " " + number + "\n");
-  if (!page_setup_.empty()) {
-    sink_->Write("%%BeginPageSetup\n" + page_setup_ + "%%EndPageSetup\n");
-  }
-  sink_->Write("/S save def F setfont\n");
+  target_->BeginPage();
   page_open_ = true;
 }
 
 void PageWriter::Finish() {
   FlushRun(layout_.columns);
-  if (page_open_) sink_->Write("showpage S restore\n");
+  if (page_open_) target_->EndPage();
   page_open_ = false;
 }
 
@@ -266,12 +258,14 @@ void FilterText(const JobSettings &settings, const JobIdentity &identity, JobSou
     sink->Write(JobControlHeader(settings, identity, {}, "POSTSCRIPT"));
     sink->Write(code.exit_server);
     sink->Write(Header(layout, code));
-    PageWriter pages(layout, code.page_setup, sink);
+    SheetWriter sheets(PlanOf(settings), code.page_setup, sink);
+    PageWriter pages(layout, &sheets);
     while (!source->Peek(1).empty() && sink->Error() == 0) {
       PutText(TakeText(source), &pages);
     }
     pages.Finish();
-    sink->Write("%%Trailer\n%%Pages: " + std::to_string(pages.Pages()) + "\n%%EOF\n");
+    sheets.Finish();
+    sink->Write("%%Trailer\n%%Pages: " + std::to_string(sheets.Sides()) + "\n%%EOF\n");
     sink->Write(JobControlTrailer(settings.Model()));
   }
   sink->Flush();

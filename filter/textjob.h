@@ -11,6 +11,7 @@
 // first column and a backspace one column back; other control characters are left out. Courier in
 // 12 points, or the queue's "*FontName" (a PostScript font's name, anything else counts as Courier)
 // and "*FontSize". A line has as many characters as Courier would have there; one that another font
-// makes wider is squeezed. An empty job gives nothing. Failures show in `source` and `sink`.
+// makes wider is squeezed. "*Nup" and "*NupOrder" put several pages on a side of the paper. An
+// empty job gives nothing. Failures show in `source` and `sink`.
 void FilterText(const JobSettings &settings, const JobIdentity &identity, JobSource *source,
                 JobSink *sink);

@@ -183,4 +183,56 @@ TEST_P(RenderedTextInFont, StaysInsideThePrintableArea) {
   EXPECT_LE(box.top, 756);
 }
 
+// The box of the text on page `page` (from 0) of a job whose other pages are empty.
+TextBox BoxOfPage(const std::string &options, int page) {
+  FilterCall call = Call(options);
+  call.type = "text";
+  std::string text(static_cast<size_t>(page), '\f');
+  for (int i = 0; i < 64; ++i) text += "Page\n";
+  return BoxOf(Filter(call, text).output);
+}
+
+TEST(RenderedSheet, FourPagesStandInTheQuartersOfTheirOrder) {
+  const TextBox first = BoxOfPage("*Nup=4 *NupOrder=Back", 0);
+  EXPECT_GT(first.left, 297);
+  EXPECT_GT(first.bottom, 421);
+  const TextBox second = BoxOfPage("*Nup=4 *NupOrder=Back", 1);
+  EXPECT_GT(second.left, 297);
+  EXPECT_LT(second.top, 421);
+  EXPECT_GT(second.bottom, 12);
+  const TextBox third = BoxOfPage("*Nup=4 *NupOrder=Back", 2);
+  EXPECT_LT(third.right, 297);
+  EXPECT_GT(third.bottom, 421);
+}
+
+TEST(RenderedSheet, TwoPagesReadAcrossThePaper) {
+  // The first lines stand at the paper's left edge, and each page begins at its lower end.
+  const TextBox left = BoxOfPage("*Nup=2", 0);
+  EXPECT_LT(left.top, 100);
+  EXPECT_LT(left.left, 60);
+  EXPECT_GT(left.right, 500);
+  const TextBox right = BoxOfPage("*Nup=2", 1);
+  EXPECT_GT(right.bottom, 421);
+  EXPECT_LT(right.top, 521);
+}
+
+class RenderedSheets : public testing::TestWithParam<size_t> {};
+
+INSTANTIATE_TEST_SUITE_P(Pages, RenderedSheets, testing::Values(1, 2, 4, 6, 9, 16));
+
+TEST_P(RenderedSheets, HoldAllPages) {
+  constexpr size_t kPages = 17;
+  FilterCall call = Call("*Nup=" + std::to_string(GetParam()));
+  call.type = "text";
+  std::string text;
+  for (size_t i = 0; i < kPages; ++i) text += "page" + std::to_string(100 + i) + "x\f";
+  const Rendering sheets = Render(Filter(call, text).output, "txtwrite");
+  EXPECT_EQ(sheets.messages, "");
+  ASSERT_EQ(sheets.pages.size(), (kPages + GetParam() - 1) / GetParam());
+  for (size_t i = 0; i < kPages; ++i) {
+    const std::string &sheet = sheets.pages[i / GetParam()];
+    EXPECT_NE(sheet.find("page" + std::to_string(100 + i) + "x"), std::string::npos) << sheet;
+  }
+}
+
 }  // namespace

@@ -22,6 +22,15 @@ constexpr size_t kShare = 1;
 constexpr long kGrowthKib = 1024;
 #endif
 
+struct JobShape {
+  const char *name, *type;
+  std::string head, block, tail;
+  size_t megabytes;
+  std::string options = {};
+};
+
+void PrintTo(const JobShape &shape, std::ostream *out) { *out << shape.name; }
+
 struct Flow {
   int status = -1;
   size_t bytes = 0;  // that came out
@@ -39,10 +48,10 @@ void Feed(int fd, const std::string &head, const std::string &block, const std::
   _exit(good && send(tail) ? 0 : 1);
 }
 
-Flow Send(const std::string &type, const std::string &head, const std::string &block,
-          const std::string &tail, size_t size) {
+Flow Send(const JobShape &job, size_t size) {
   FilterCall call;
-  call.type = type;
+  call.type = job.type;
+  call.options = job.options;
   call.ppd_file = std::string(KPX_TEST_DATA) + "/data/ppd/office.ppd";
   call.def_file = "/nonexistent/lp1.def";
   int in[2];
@@ -52,7 +61,7 @@ Flow Send(const std::string &type, const std::string &head, const std::string &b
   close(in[0]);
   close(out[1]);
   const pid_t feeder = fork();
-  if (feeder == 0) Feed(in[1], head, block, tail, size);
+  if (feeder == 0) Feed(in[1], job.head, job.block, job.tail, size);
   close(in[1]);
   Flow flow;
   std::string buffer(kMegabyte, '\0');
@@ -71,22 +80,14 @@ Flow Send(const std::string &type, const std::string &head, const std::string &b
   return flow;
 }
 
-struct JobShape {
-  const char *name, *type;
-  std::string head, block, tail;
-  size_t megabytes;
-};
-
-void PrintTo(const JobShape &shape, std::ostream *out) { *out << shape.name; }
-
 class Streaming : public testing::TestWithParam<JobShape> {};
 
 TEST_P(Streaming, MemoryDoesNotGrowWithTheJob) {
   setenv("ASAN_OPTIONS", "quarantine_size_mb=1", 1);
   const JobShape &job = GetParam();
   const size_t size = job.megabytes * kMegabyte / kShare;
-  const Flow small = Send(job.type, job.head, job.block, job.tail, kMegabyte);
-  const Flow large = Send(job.type, job.head, job.block, job.tail, size);
+  const Flow small = Send(job, kMegabyte);
+  const Flow large = Send(job, size);
   ASSERT_EQ(small.status, 0);
   ASSERT_EQ(large.status, 0);
   EXPECT_GE(large.bytes, size);
@@ -116,6 +117,7 @@ INSTANTIATE_TEST_SUITE_P(
         JobShape{"pcl", "pcl6", ") HP-PCL XL;2;0\n", std::string(kMegabyte, '\033'), "", 200},
         JobShape{"text", "text", "", Repeated("A line of text with 40 characters in it.\n", 20000),
                  "", 50},
+        JobShape{"text_nup", "text", "", Repeated("A line\n\f", 20000), "", 10, "*Nup=16"},
         JobShape{"text_one_line", "text", "", Repeated("é", 100000), "", 20}),
     [](const auto &instance) { return instance.param.name; });
 

@@ -3,6 +3,7 @@
 
 #include "filterjob.h"
 #include "glyphnames.h"
+#include "sheets.h"
 #include "textjob.h"
 
 namespace {
@@ -122,6 +123,127 @@ TEST_F(TextJob, AFontThatIsNoPostScriptNameIsCourier) {
     const std::string output = RunOver(FilterText, settings_, "x");
     EXPECT_EQ(CountOf(output, "/F /Courier findfont"), 1u) << name;
   }
+}
+
+// The text of a page that holds one word at its top.
+std::string Place(const std::string &matrix, const std::string &word) {
+  return "gsave [" + matrix + "] concat\n0 0 (" + word + ") T\ngrestore\n";
+}
+
+TEST_F(TextJob, TwoPagesLieAcrossTheSheet) {
+  settings_.Apply({{"*Nup", "2"}});
+  const std::string left = "0 0.706 -0.706 0 594.726 0.465",
+                    right = "0 0.706 -0.706 0 594.726 421.465";
+  const std::string pages = Pages("a\fb\fc");
+  EXPECT_EQ(pages, Page(1, Place(left, "a") + Place(right, "b")) + Page(2, Place(left, "c")));
+}
+
+TEST_F(TextJob, ThePagesOfADocumentAreItsSides) {
+  settings_.Apply({{"*Nup", "9"}});
+  EXPECT_NE(RunOver(FilterText, settings_, Lines(64 * 19)).find("%%Pages: 3\n%%EOF\n"),
+            std::string::npos);
+}
+
+TEST_F(TextJob, AnEmptyPageTakesItsPlaceOnTheSheet) {
+  settings_.Apply({{"*Nup", "4"}});
+  const std::string pages = Pages("\fb");
+  EXPECT_EQ(CountOf(pages, "gsave"), 2u);
+  EXPECT_TRUE(pages.ends_with(Place("0.5 0 0 0.5 297.5 421", "b") + "showpage S restore\n"));
+}
+
+TEST_F(TextJob, AnyOtherNumberOfPagesIsOne) {
+  for (const char *number : {"", "0", "1", "3", "02", "2x", "-4", "99999999999999999999"}) {
+    settings_.Apply({{"*Nup", number}});
+    EXPECT_EQ(Pages("a\fb"), Page(1, "0 0 (a) T\n") + Page(2, "0 0 (b) T\n")) << number;
+  }
+}
+
+struct OrderCase {
+  const char *name;
+  std::string pages, order;
+  std::vector<std::string> corners;  // of the paper, or its half
+};
+
+class SheetOrder : public testing::TestWithParam<OrderCase> {};
+
+// The corner of an upright sheet in whose half the middle of the page at `place` lies: top or
+// bottom, left or right.
+std::string CornerOf(const SheetPlan &plan, size_t place) {
+  const auto m = PlacementOf(plan, place);
+  const double x = plan.width / 2, y = plan.length / 2;
+  const double to_x = m[0] * x + m[2] * y + m[4], to_y = m[1] * x + m[3] * y + m[5];
+  return std::string(to_y > plan.length / 2 + 1   ? "t"
+                     : to_y < plan.length / 2 - 1 ? "b"
+                                                  : "") +
+         (to_x > plan.width / 2 + 1   ? "r"
+          : to_x < plan.width / 2 - 1 ? "l"
+                                      : "");
+}
+
+TEST_P(SheetOrder, PagesStandInTheChosenOrder) {
+  const PpdModel model;
+  JobSettings settings(model);
+  settings.Apply({{"*Nup", GetParam().pages}, {"*NupOrder", GetParam().order}});
+  const SheetPlan plan = PlanOf(settings);
+  std::vector<std::string> corners;
+  for (size_t i = 0; i < plan.Places(); ++i) corners.push_back(CornerOf(plan, i));
+  EXPECT_EQ(corners, GetParam().corners);
+}
+
+// A turned sheet's left side is the paper's lower half.
+INSTANTIATE_TEST_SUITE_P(
+    Orders, SheetOrder,
+    testing::Values(OrderCase{"four_left", "4", "Left", {"tl", "tr", "bl", "br"}},
+                    OrderCase{"four_right", "4", "Right", {"tr", "tl", "br", "bl"}},
+                    OrderCase{"four_down", "4", "Down", {"tl", "bl", "tr", "br"}},
+                    OrderCase{"four_back", "4", "Back", {"tr", "br", "tl", "bl"}},
+                    OrderCase{"four_without", "4", "", {"tl", "tr", "bl", "br"}},
+                    OrderCase{"four_unknown", "4", "Up", {"tl", "tr", "bl", "br"}},
+                    OrderCase{"two_left", "2", "Left", {"b", "t"}},
+                    OrderCase{"two_right", "2", "Right", {"t", "b"}},
+                    OrderCase{"six_has_none", "6", "Back", {"bl", "l", "tl", "br", "r", "tr"}}),
+    [](const auto &instance) { return instance.param.name; });
+
+TEST(Sheets, PagesStayWhereThePrinterCanPrint) {
+  const PpdPageSize papers[] = {
+      {595, 842, 18, 36, 577, 830}, {842, 595, 10, 10, 800, 590}, {200, 2000, 5, 5, 195, 1995}};
+  for (const PpdPageSize &paper : papers) {
+    for (const size_t pages : {2u, 4u, 6u, 9u, 16u}) {
+      const SheetPlan plan = PlanFor(paper, pages, "Left");
+      ASSERT_EQ(plan.Places(), pages);
+      for (size_t place = 0; place < pages; ++place) {
+        const auto m = PlacementOf(plan, place);
+        for (const double x : {0.0, paper.width}) {
+          for (const double y : {0.0, paper.length}) {
+            const double to_x = m[0] * x + m[2] * y + m[4], to_y = m[1] * x + m[3] * y + m[5];
+            EXPECT_GE(to_x, paper.left);
+            EXPECT_LE(to_x, paper.right);
+            EXPECT_GE(to_y, paper.bottom);
+            EXPECT_LE(to_y, paper.top);
+          }
+        }
+      }
+    }
+  }
+}
+
+TEST(Sheets, TwoPagesThatLieStandAboveEachOther) {
+  const SheetPlan plan = PlanFor({842, 595, 0, 0, 842, 595}, 2, "Left");
+  EXPECT_EQ(plan.columns, 1u);
+  EXPECT_EQ(plan.rows, 2u);
+  EXPECT_TRUE(plan.turned);
+}
+
+TEST(Sheets, APrintableAreaWithoutRoomIsIgnored) {
+  const auto m = PlacementOf(PlanFor({100, 200, 60, 0, 100, 200}, 4, "Left"), 0);
+  EXPECT_EQ(m[0], 0.5);
+}
+
+TEST(TextJobSettings, TheCodeOfAPageComesOnceASheet) {
+  const PpdModel model = TestPpd("office.ppd");
+  JobSettings settings(model);
+  settings.Apply({{"*Stamp", "Draft"}, {"*Nup", "2"}});
+  EXPECT_EQ(CountOf(RunOver(FilterText, settings, "a\fb\fc"), "*Stamp Draft"), 2u);
 }
 
 TEST(TextJobSettings, TheDocumentCarriesTheOptionsCode) {

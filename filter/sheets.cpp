@@ -1,0 +1,112 @@
+#include "sheets.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "decimal.h"
+#include "featurecode.h"
+
+namespace {
+
+struct Grid {
+  size_t pages, columns, rows;  // of upright pages
+  bool turned, ordered;
+};
+
+constexpr Grid kGrids[] = {{2, 2, 1, true, true},
+                           {4, 2, 2, false, true},
+                           {6, 3, 2, true, false},
+                           {9, 3, 3, false, false},
+                           {16, 4, 4, false, false}};
+
+const Grid *GridFor(size_t pages) {
+  const auto found = std::find_if(std::begin(kGrids), std::end(kGrids),
+                                  [pages](const Grid &grid) { return grid.pages == pages; });
+  return found == std::end(kGrids) ? nullptr : found;
+}
+
+}  // namespace
+
+SheetPlan PlanFor(const PpdPageSize &paper, size_t pages, std::string_view order) {
+  SheetPlan plan;
+  plan.width = paper.width;
+  plan.length = paper.length;
+  const double x = std::max({paper.left, paper.width - paper.right, 0.0});
+  const double y = std::max({paper.bottom, paper.length - paper.top, 0.0});
+  if (2 * x < paper.width) plan.inset_x = x;
+  if (2 * y < paper.length) plan.inset_y = y;
+  if (const Grid *grid = GridFor(pages)) {
+    plan.columns = grid->columns;
+    plan.rows = grid->rows;
+    plan.turned = grid->turned;
+    // Pages that lie stand above each other.
+    if (grid->turned && paper.width > paper.length) std::swap(plan.columns, plan.rows);
+  }
+  plan.from_right = order == "Right" || order == "Back";
+  plan.columns_first = order == "Down" || order == "Back";
+  return plan;
+}
+
+SheetPlan PlanOf(const JobSettings &settings) {
+  const std::string pages = settings.Other("*Nup");
+  const PpdPageSize paper = PageInForce(settings);
+  for (const Grid &grid : kGrids) {
+    if (pages != std::to_string(grid.pages)) continue;
+    return PlanFor(paper, grid.pages, grid.ordered ? settings.Other("*NupOrder") : "Left");
+  }
+  return PlanFor(paper, 1, "Left");
+}
+
+std::array<double, 6> PlacementOf(const SheetPlan &plan, size_t place) {
+  size_t column = plan.columns_first ? place / plan.rows : place % plan.columns;
+  const size_t row = plan.columns_first ? place % plan.rows : place / plan.columns;
+  if (plan.from_right) column = plan.columns - 1 - column;
+  const double inset_x = plan.turned ? plan.inset_y : plan.inset_x;
+  const double inset_y = plan.turned ? plan.inset_x : plan.inset_y;
+  const double width = (plan.turned ? plan.length : plan.width) - 2 * inset_x;
+  const double length = (plan.turned ? plan.width : plan.length) - 2 * inset_y;
+  const double cell_width = width / static_cast<double>(plan.columns);
+  const double cell_length = length / static_cast<double>(plan.rows);
+  // Rounded down as it will be written, so that a page never outgrows its cell.
+  const double fit = std::min(cell_width / plan.width, cell_length / plan.length);
+  const double scale = std::floor(fit * 1000) / 1000;
+  const double x =
+      inset_x + cell_width * static_cast<double>(column) + (cell_width - scale * plan.width) / 2;
+  const double y = inset_y + cell_length * static_cast<double>(plan.rows - 1 - row) +
+                   (cell_length - scale * plan.length) / 2;
+  if (!plan.turned) return {scale, 0, 0, scale, x, y};
+  return {0, scale, -scale, 0, plan.width - y, x};
+}
+
+void SheetWriter::BeginSide() {
+  const std::string number = std::to_string(++sides_);
+  sink_->Write("%%Page: " + number + " " + number + "\n");
+  if (!page_setup_.empty()) {
+    sink_->Write("%%BeginPageSetup\n" + page_setup_ + "%%EndPageSetup\n");
+  }
+  sink_->Write("/S save def F setfont\n");
+}
+
+void SheetWriter::BeginPage() {
+  if (place_ == 0) BeginSide();
+  if (plan_.Places() == 1) return;
+  std::string code = "gsave [";
+  for (const double number : PlacementOf(plan_, place_)) code += DecimalText(number) + " ";
+  code.back() = ']';
+  sink_->Write(code + " concat\n");
+}
+
+void SheetWriter::EndPage() {
+  if (plan_.Places() > 1) sink_->Write("grestore\n");
+  if (++place_ == plan_.Places()) Finish();
+}
+
+void SheetWriter::SkipPlace() {
+  if (place_ == 0) BeginSide();
+  if (++place_ == plan_.Places()) Finish();
+}
+
+void SheetWriter::Finish() {
+  if (place_ > 0) sink_->Write("showpage S restore\n");
+  place_ = 0;
+}

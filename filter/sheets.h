@@ -1,0 +1,75 @@
+// Laid-out pages on their way to sheets of paper, one or several on a side.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "jobsettings.h"
+#include "jobsource.h"
+
+// How the pages share a side of a sheet: a grid, as the reader holds the sheet.
+struct SheetPlan {
+  size_t columns = 1, rows = 1;
+  bool turned = false;              // the reader turns the paper by a quarter, clockwise
+  bool from_right = false;          // the first page stands at the right
+  bool columns_first = false;       // the second page stands below the first one
+  double width = 0, length = 0;     // of the paper, and of a page before it is scaled; points
+  double inset_x = 0, inset_y = 0;  // of the paper, left free on both sides; points
+
+  size_t Places() const { return columns * rows; }
+};
+
+// The plan for `pages` pages (1, 2, 4, 6, 9 or 16) on one side of the paper. Those of two and of
+// six lie across the paper. `order` is "Left" (rows from the left), "Right" (rows from the right),
+// "Down" (columns from the left) or "Back" (columns from the right); anything else is "Left".
+SheetPlan PlanFor(const PpdPageSize &paper, size_t pages, std::string_view order);
+
+// The plan that the settings' "*Nup" and "*NupOrder" ask for. Only two and four pages have an
+// order; one page for any other number.
+SheetPlan PlanOf(const JobSettings &settings);
+
+// The matrix that puts a page at a place (from 0, in the order of the pages). It is scaled to fit
+// and stands in the middle of its cell; the grid's middle is that of the paper, so that a sheet can
+// be folded there. Nothing of a page comes closer to the edge than the printer can print.
+std::array<double, 6> PlacementOf(const SheetPlan &plan, size_t place);
+
+// Takes the marks of one page after another.
+class PageTarget {
+ public:
+  virtual ~PageTarget() = default;
+  virtual void BeginPage() = 0;
+  virtual void Write(std::string_view marks) = 0;
+  virtual void EndPage() = 0;
+};
+
+// Writes pages as the pages of a PostScript document, a side of a sheet each. The document defines
+// the font F. `page_setup` comes once a side.
+class SheetWriter : public PageTarget {
+ public:
+  SheetWriter(const SheetPlan &plan, const std::string &page_setup, JobSink *sink)
+      : plan_(plan), page_setup_(page_setup), sink_(sink) {}
+
+  void BeginPage() override;
+  void Write(std::string_view marks) override { sink_->Write(marks); }
+  void EndPage() override;
+
+  // Leaves the next place empty.
+  void SkipPlace();
+
+  // Ends a side whose last places are empty.
+  void Finish();
+
+  // The sides begun.
+  size_t Sides() const { return sides_; }
+
+ private:
+  void BeginSide();
+
+  const SheetPlan plan_;
+  const std::string &page_setup_;
+  JobSink *sink_;
+  size_t place_ = 0;  // of the next page, 0 between two sides
+  size_t sides_ = 0;
+};
