@@ -65,7 +65,7 @@ std::string FilterJob(const FilterArguments &arguments) {
   if (arguments.type == "postscript") {
     FilterPostScript(settings, identity, &source, &sink);
   } else if (arguments.type == "text") {
-    FilterText(settings, identity, &source, &sink);
+    problem = FilterText(settings, identity, &source, &sink);
   } else if (arguments.type == "pcl6") {
     if (!FilterPcl(settings, identity, &source, &sink)) {
       Warn("one copy only: the printer description gives no way to ask for more");
@@ -75,5 +75,5 @@ std::string FilterJob(const FilterArguments &arguments) {
   }
   if (source.Error() != 0) return Describe("standard input", source.Error());
   if (sink.Error() != 0) return Describe("standard output", sink.Error());
-  return {};
+  return problem;
 }

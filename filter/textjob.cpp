@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 
+#include "booklet.h"
 #include "decimal.h"
 #include "featurecode.h"
 #include "glyphnames.h"
@@ -248,25 +250,70 @@ void PutText(std::string_view bytes, PageWriter *pages) {
   }
 }
 
+// A text job on its way from source to sink.
+struct TextJob {
+  const JobSettings &settings;
+  const JobIdentity &identity;
+  JobSource *source;
+  JobSink *sink;
+};
+
+// Sets the job's text on the pages of `target`.
+void SetText(const TextJob &job, const Layout &layout, PageTarget *target) {
+  PageWriter pages(layout, target);
+  while (!job.source->Peek(1).empty() && job.sink->Error() == 0) {
+    PutText(TakeText(job.source), &pages);
+  }
+  pages.Finish();
+}
+
+void WriteStart(const TextJob &job, const Layout &layout, const DocumentCode &code) {
+  job.sink->Write(JobControlHeader(job.settings, job.identity, {}, "POSTSCRIPT"));
+  job.sink->Write(code.exit_server);
+  job.sink->Write(Header(layout, code));
+}
+
+void WriteEnd(const TextJob &job, SheetWriter *sheets) {
+  sheets->Finish();
+  job.sink->Write("%%Trailer\n%%Pages: " + std::to_string(sheets->Sides()) + "\n%%EOF\n");
+  job.sink->Write(JobControlTrailer(job.settings.Model()));
+}
+
+void FilterPages(const TextJob &job) {
+  const DocumentCode code = CodeOfDocument(job.settings);
+  const Layout layout = LayoutOf(job.settings);
+  SheetWriter sheets(PlanOf(job.settings), code.page_setup, job.sink);
+  WriteStart(job, layout, code);
+  SetText(job, layout, &sheets);
+  WriteEnd(job, &sheets);
+}
+
+// Returns 0, or the errno of a failure with the pages' file.
+int FilterBooklet(const TextJob &job) {
+  const DocumentCode code = CodeOfDocument(job.settings);
+  const Layout layout = LayoutOf(job.settings);
+  SheetWriter sheets(PlanFor(PageInForce(job.settings), 2, "Left"), code.page_setup, job.sink);
+  PageStore pages;
+  if (pages.Error() == 0) SetText(job, layout, &pages);
+  if (pages.Error() != 0) return pages.Error();
+  WriteStart(job, layout, code);
+  WriteBooklet(&pages, &sheets, *job.sink);
+  WriteEnd(job, &sheets);
+  return pages.Error();
+}
+
 }  // namespace
 
-void FilterText(const JobSettings &settings, const JobIdentity &identity, JobSource *source,
-                JobSink *sink) {
+std::string FilterText(const JobSettings &settings, const JobIdentity &identity, JobSource *source,
+                       JobSink *sink) {
+  int error = 0;
   if (!source->Peek(1).empty()) {
-    const DocumentCode code = CodeOfDocument(settings);
-    const Layout layout = LayoutOf(settings);
-    sink->Write(JobControlHeader(settings, identity, {}, "POSTSCRIPT"));
-    sink->Write(code.exit_server);
-    sink->Write(Header(layout, code));
-    SheetWriter sheets(PlanOf(settings), code.page_setup, sink);
-    PageWriter pages(layout, &sheets);
-    while (!source->Peek(1).empty() && sink->Error() == 0) {
-      PutText(TakeText(source), &pages);
+    if (IsBooklet(settings)) {
+      error = FilterBooklet({BookletSettings(settings), identity, source, sink});
+    } else {
+      FilterPages({settings, identity, source, sink});
     }
-    pages.Finish();
-    sheets.Finish();
-    sink->Write("%%Trailer\n%%Pages: " + std::to_string(sheets.Sides()) + "\n%%EOF\n");
-    sink->Write(JobControlTrailer(settings.Model()));
   }
   sink->Flush();
+  return error == 0 ? "" : std::string("temporary file: ") + std::strerror(error);
 }

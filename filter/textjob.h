@@ -1,6 +1,8 @@
 // A text job: lines become PostScript pages.
 #pragma once
 
+#include <string>
+
 #include "joblanguage.h"
 #include "jobsettings.h"
 #include "jobsource.h"
@@ -11,7 +13,9 @@
 // first column and a backspace one column back; other control characters are left out. Courier in
 // 12 points, or the queue's "*FontName" (a PostScript font's name, anything else counts as Courier)
 // and "*FontSize". A line has as many characters as Courier would have there; one that another font
-// makes wider is squeezed. "*Nup" and "*NupOrder" put several pages on a side of the paper. An
-// empty job gives nothing. Failures show in `source` and `sink`.
-void FilterText(const JobSettings &settings, const JobIdentity &identity, JobSource *source,
-                JobSink *sink);
+// makes wider is squeezed. "*Nup" and "*NupOrder" put several pages on a side of the paper; with
+// "*Booklet" the pages come two a side in the order of a booklet, once the whole job is read. An
+// empty job gives nothing. Failures show in `source` and `sink`; one of the file that keeps a
+// booklet's pages is returned as text, else an empty text.
+std::string FilterText(const JobSettings &settings, const JobIdentity &identity, JobSource *source,
+                       JobSink *sink);

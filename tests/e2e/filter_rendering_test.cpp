@@ -235,4 +235,19 @@ TEST_P(RenderedSheets, HoldAllPages) {
   }
 }
 
+TEST(RenderedSheet, ABookletFoldsIntoItsPages) {
+  FilterCall call = Call("*Booklet=1");
+  call.type = "text";
+  const Rendering sides = Render(Filter(call, "one\ftwo\fthree\ffour\ffive\f").output, "txtwrite");
+  ASSERT_EQ(sides.pages.size(), 4u) << sides.messages;
+  const std::vector<std::vector<std::string>> expected = {
+      {"one"}, {"two"}, {"three"}, {"four", "five"}};
+  for (size_t i = 0; i < expected.size(); ++i) {
+    for (const char *word : {"one", "two", "three", "four", "five"}) {
+      const bool wanted = std::count(expected[i].begin(), expected[i].end(), word) > 0;
+      EXPECT_EQ(sides.pages[i].find(word) != std::string::npos, wanted) << i << word;
+    }
+  }
+}
+
 }  // namespace

@@ -118,6 +118,7 @@ INSTANTIATE_TEST_SUITE_P(
         JobShape{"text", "text", "", Repeated("A line of text with 40 characters in it.\n", 20000),
                  "", 50},
         JobShape{"text_nup", "text", "", Repeated("A line\n\f", 20000), "", 10, "*Nup=16"},
+        JobShape{"text_booklet", "text", "", Repeated("A line\n\f", 20000), "", 10, "*Booklet=1"},
         JobShape{"text_one_line", "text", "", Repeated("é", 100000), "", 20}),
     [](const auto &instance) { return instance.param.name; });
 

@@ -1,6 +1,7 @@
 // Text jobs as PostScript pages.
 #include <gtest/gtest.h>
 
+#include "booklet.h"
 #include "filterjob.h"
 #include "glyphnames.h"
 #include "sheets.h"
@@ -244,6 +245,67 @@ TEST(TextJobSettings, TheCodeOfAPageComesOnceASheet) {
   JobSettings settings(model);
   settings.Apply({{"*Stamp", "Draft"}, {"*Nup", "2"}});
   EXPECT_EQ(CountOf(RunOver(FilterText, settings, "a\fb\fc"), "*Stamp Draft"), 2u);
+}
+
+// The pages of all sides, counted from 1, 0 for an empty place.
+std::vector<std::pair<size_t, size_t>> BookletOf(size_t pages) {
+  std::vector<std::pair<size_t, size_t>> sides;
+  for (size_t side = 0; side < SidesOfBooklet(pages); ++side) {
+    const auto [left, right] = PagesOfSide(side, pages);
+    sides.emplace_back(left ? *left + 1 : 0, right ? *right + 1 : 0);
+  }
+  return sides;
+}
+
+TEST(Booklets, PagesComeInTheOrderOfFoldedSheets) {
+  using Sides = std::vector<std::pair<size_t, size_t>>;
+  EXPECT_EQ(BookletOf(0), (Sides{}));
+  EXPECT_EQ(BookletOf(1), (Sides{{0, 1}, {0, 0}}));
+  EXPECT_EQ(BookletOf(4), (Sides{{4, 1}, {2, 3}}));
+  EXPECT_EQ(BookletOf(5), (Sides{{0, 1}, {2, 0}, {0, 3}, {4, 5}}));
+  EXPECT_EQ(BookletOf(8), (Sides{{8, 1}, {2, 7}, {6, 3}, {4, 5}}));
+}
+
+TEST_F(TextJob, ABookletHasTwoPagesASide) {
+  settings_.Apply({{"*Booklet", "1"}});
+  const std::string left = "0 0.706 -0.706 0 594.726 0.465",
+                    right = "0 0.706 -0.706 0 594.726 421.465";
+  EXPECT_EQ(Pages("a\fb\fc"),
+            Page(1, Place(right, "a")) + Page(2, Place(left, "b") + Place(right, "c")));
+  EXPECT_EQ(Pages("a"), Page(1, Place(right, "a")) + Page(2, ""));
+  EXPECT_EQ(Pages(""), "");
+}
+
+TEST_F(TextJob, ABookletKeepsPagesOfAnyLength) {
+  settings_.Apply({{"*Booklet", "1"}});
+  std::string line;
+  for (int i = 0; i < 20000; ++i) line += "é";
+  EXPECT_EQ(CountOf(Pages(line), "/eacute"), 20000u);
+}
+
+TEST_F(TextJob, OfBookletAndPagesASheetTheLaterCounts) {
+  settings_.Apply({{"*Booklet", "1"}, {"*Nup", "1"}});
+  EXPECT_EQ(Pages("a"), Page(1, "0 0 (a) T\n"));
+}
+
+TEST(TextJobSettings, ABookletIsTurnedOverItsShortEdge) {
+  const PpdModel model = TestPpd("office.ppd");
+  JobSettings settings(model);
+  settings.Apply({{"*Booklet", "1"}, {"*Stamp", "Draft"}});
+  const std::string output = RunOver(FilterText, settings, "a\fb\fc\fd\fe");
+  EXPECT_EQ(CountOf(output, "*Duplex DuplexTumble\n"), 1u);
+  EXPECT_EQ(CountOf(output, "*Duplex "), 1u);
+  EXPECT_EQ(CountOf(output, "*Stamp Draft"), 4u);
+  EXPECT_NE(output.find("%%Pages: 4\n%%EOF\n"), std::string::npos);
+}
+
+TEST(TextJobSettings, ABookletOfAPrinterThatCannotTurnSheetsHasItsOrderAlone) {
+  const PpdModel model = TestPpd("office.ppd");
+  JobSettings settings(model);
+  settings.Apply({{"*Booklet", "1"}, {"*OptionDuplex", "False"}});
+  const std::string output = RunOver(FilterText, settings, "a");
+  EXPECT_EQ(CountOf(output, "DuplexTumble"), 0u);
+  EXPECT_EQ(CountOf(output, "%%Page:"), 2u);
 }
 
 TEST(TextJobSettings, TheDocumentCarriesTheOptionsCode) {

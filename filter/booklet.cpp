@@ -1,0 +1,122 @@
+#include "booklet.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <string>
+
+#include "constraints.h"
+
+namespace {
+
+constexpr size_t kPagesOfSheet = 4;
+constexpr char kDuplex[] = "*Duplex", kShortEdge[] = "DuplexTumble";
+
+// Whether `option` of `feature` (with its asterisk) is in force.
+bool IsInForce(const JobSettings &settings, const std::string &feature, const std::string &option) {
+  if (feature == "*CustomPageSize") return settings.Paper().has_value();
+  if (feature == "*CustomMediaType") return settings.MediaName().has_value();
+  const PpdChoice *choice = settings.Chosen(feature.substr(1));
+  return choice != nullptr && choice->keyword == option;
+}
+
+bool CanTurnOverShortEdge(const JobSettings &settings) {
+  const PpdFeature *feature = settings.Model().FindFeature("Duplex");
+  if (feature == nullptr || feature->FindChoice(kShortEdge) == nullptr) return false;
+  const std::vector<OptionPair> pairs = ExpandConstraints(settings.Model()).pairs;
+  return std::none_of(pairs.begin(), pairs.end(), [&settings](const OptionPair &pair) {
+    return (pair.feature1 == kDuplex && pair.option1 == kShortEdge &&
+            IsInForce(settings, pair.feature2, pair.option2)) ||
+           (pair.feature2 == kDuplex && pair.option2 == kShortEdge &&
+            IsInForce(settings, pair.feature1, pair.option1));
+  });
+}
+
+void PlacePage(PageStore *pages, std::optional<size_t> page, SheetWriter *sheets) {
+  if (page) {
+    pages->CopyPage(*page, sheets);
+  } else {
+    sheets->SkipPlace();
+  }
+}
+
+}  // namespace
+
+size_t SidesOfBooklet(size_t pages) { return (pages + kPagesOfSheet - 1) / kPagesOfSheet * 2; }
+
+std::pair<std::optional<size_t>, std::optional<size_t>> PagesOfSide(size_t side, size_t pages) {
+  const auto present = [pages](size_t page) {
+    return page < pages ? std::optional(page) : std::nullopt;
+  };
+  const auto early = present(side);
+  const auto late = present(2 * SidesOfBooklet(pages) - 1 - side);
+  // The front of a sheet has its later page at the left, the back at the right.
+  return side % 2 == 0 ? std::pair(late, early) : std::pair(early, late);
+}
+
+bool IsBooklet(const JobSettings &settings) { return settings.Other("*Booklet") == "1"; }
+
+JobSettings BookletSettings(const JobSettings &settings) {
+  JobSettings result = settings;
+  if (CanTurnOverShortEdge(settings)) result.Apply({{kDuplex, kShortEdge}});
+  return result;
+}
+
+PageStore::PageStore() {
+  marks_.reset(std::tmpfile());
+  Check(marks_ != nullptr);
+  if (error_ != 0) return;
+  offsets_.reset(std::tmpfile());
+  Check(offsets_ != nullptr);
+}
+
+void PageStore::Check(bool good) {
+  if (!good && error_ == 0) error_ = errno != 0 ? errno : EIO;
+}
+
+void PageStore::BeginPage() {
+  if (error_ != 0) return;
+  Check(std::fwrite(&size_, sizeof size_, 1, offsets_.get()) == 1);
+  ++pages_;
+}
+
+void PageStore::Write(std::string_view marks) {
+  if (error_ != 0) return;
+  Check(std::fwrite(marks.data(), 1, marks.size(), marks_.get()) == marks.size());
+  size_ += marks.size();
+}
+
+void PageStore::Seek(std::FILE *file, uint64_t offset) {
+  if (error_ == 0) Check(fseeko(file, static_cast<off_t>(offset), SEEK_SET) == 0);
+}
+
+uint64_t PageStore::OffsetOf(size_t page) {
+  if (page >= pages_) return size_;
+  uint64_t offset = 0;
+  Seek(offsets_.get(), page * sizeof offset);
+  if (error_ == 0) Check(std::fread(&offset, sizeof offset, 1, offsets_.get()) == 1);
+  return offset;
+}
+
+void PageStore::CopyPage(size_t page, PageTarget *target) {
+  target->BeginPage();
+  const uint64_t begin = OffsetOf(page);
+  uint64_t left = OffsetOf(page + 1) - begin;
+  if (error_ == 0) Seek(marks_.get(), begin);
+  char buffer[8192];
+  while (error_ == 0 && left > 0) {
+    const size_t count = static_cast<size_t>(std::min<uint64_t>(left, sizeof buffer));
+    Check(std::fread(buffer, 1, count, marks_.get()) == count);
+    if (error_ == 0) target->Write({buffer, count});
+    left -= count;
+  }
+  target->EndPage();
+}
+
+void WriteBooklet(PageStore *pages, SheetWriter *sheets, const JobSink &sink) {
+  for (size_t side = 0; side < SidesOfBooklet(pages->Pages()); ++side) {
+    if (pages->Error() != 0 || sink.Error() != 0) return;
+    const auto [left, right] = PagesOfSide(side, pages->Pages());
+    PlacePage(pages, left, sheets);
+    PlacePage(pages, right, sheets);
+  }
+}

@@ -1,0 +1,63 @@
+// Booklets: pages two a side, so that the sheets folded in the middle can be read as a book.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+#include "jobsettings.h"
+#include "sheets.h"
+
+// The pages (from 0) at the left and the right of a side (from 0) of a booklet of `pages` pages;
+// nothing for a place that stays empty. Two sides are one sheet, four pages.
+std::pair<std::optional<size_t>, std::optional<size_t>> PagesOfSide(size_t side, size_t pages);
+
+// The sides of a booklet of `pages` pages: both of every sheet.
+size_t SidesOfBooklet(size_t pages);
+
+// Whether the settings ask for a booklet.
+bool IsBooklet(const JobSettings &settings);
+
+// The settings with both sides printed and turned over the short edge, where the fold is. Without
+// change where the printer cannot do that, or a constraint excludes it with what is chosen.
+JobSettings BookletSettings(const JobSettings &settings);
+
+// Keeps pages in files without a name, so that memory does not grow with them.
+class PageStore : public PageTarget {
+ public:
+  PageStore();
+
+  void BeginPage() override;
+  void Write(std::string_view marks) override;
+  void EndPage() override {}
+
+  size_t Pages() const { return pages_; }
+
+  // Hands a page to `target`. Not to be mixed with writing: the first copy ends that.
+  void CopyPage(size_t page, PageTarget *target);
+
+  // 0, or the errno of what failed first; nothing is kept or copied from then on.
+  int Error() const { return error_; }
+
+ private:
+  struct Close {
+    void operator()(std::FILE *file) const { std::fclose(file); }
+  };
+  using File = std::unique_ptr<std::FILE, Close>;
+
+  void Check(bool good);
+  void Seek(std::FILE *file, uint64_t offset);
+  uint64_t OffsetOf(size_t page);
+
+  File marks_, offsets_;  // all pages' marks; where each page's begin
+  uint64_t size_ = 0;     // of the marks, bytes
+  size_t pages_ = 0;
+  int error_ = 0;
+};
+
+// Hands the pages to `sheets`, whose plan is of two pages a side, until writing to `sink` fails.
+void WriteBooklet(PageStore *pages, SheetWriter *sheets, const JobSink &sink);
