@@ -116,7 +116,8 @@ TEST_F(ToolProperties, ATextQueuesFontIsStored) {
   AcceptProperties(app);
   Print(app);
   EXPECT_NE(std::string::npos, UserOptions("txt1").find("*FontName=Courier\n*FontSize=18\n"));
-  jobs_.Next();
+  const std::string job = jobs_.Next();
+  EXPECT_NE(std::string::npos, job.find("/F /Courier findfont 18 scalefont def\n")) << job;
 }
 
 TEST_F(ToolProperties, EveryTabShowsItsTitleAndWholeTexts) {

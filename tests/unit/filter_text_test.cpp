@@ -19,7 +19,7 @@ class TextJob : public testing::Test {
   }
 
   // The settings of a printer that is not described: A4, no job control.
-  const PpdModel model_;
+  const PpdModel model_{};
   JobSettings settings_{model_};
 };
 
@@ -182,7 +182,7 @@ std::string CornerOf(const SheetPlan &plan, size_t place) {
 }
 
 TEST_P(SheetOrder, PagesStandInTheChosenOrder) {
-  const PpdModel model;
+  const PpdModel model{};
   JobSettings settings(model);
   settings.Apply({{"*Nup", GetParam().pages}, {"*NupOrder", GetParam().order}});
   const SheetPlan plan = PlanOf(settings);
