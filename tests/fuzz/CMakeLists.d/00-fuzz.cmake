@@ -35,7 +35,8 @@ add_custom_target(fuzz_core DEPENDS ${KPX_FUZZ_CORE})
 
 # kpx_add_fuzzer(NAME n SOURCES f... [OPTIONS compiler options...] [LINK linker options...]
 #                [RUNS count] [MAX_LEN bytes])
-# One libFuzzer program and one CTest entry "fuzz_<n>" that runs it `RUNS` times (20000 by default),
+# One libFuzzer program and one CTest entry "fuzz_<n>" that runs it `RUNS` times (20000 by default)
+# or, on a slow machine, as often as it can in 150 seconds (longer in long and sanitizer runs),
 # starting from tests/fuzz/corpus/<n>, which must hold at least one file. What it learns stays in
 # the build directory; an input that crashes it is left there as crash-<n>-*: copy it to the corpus.
 function(kpx_add_fuzzer)
@@ -46,6 +47,8 @@ function(kpx_add_fuzzer)
   if(KPX_LONG)
     math(EXPR T_RUNS "${T_RUNS} * 50")
   endif()
+  # On a machine under load it ends with fewer inputs.
+  math(EXPR most_seconds "150 * ${KPX_TIMEOUT_FACTOR}")
   if(NOT T_MAX_LEN)
     set(T_MAX_LEN 4096)
   endif()
@@ -66,6 +69,7 @@ function(kpx_add_fuzzer)
   add_custom_target(fuzz_${T_NAME} ALL DEPENDS ${program})
   add_test(NAME fuzz_${T_NAME}
     COMMAND ${program} -runs=${T_RUNS} -seed=1 -max_len=${T_MAX_LEN} -timeout=20
+            -max_total_time=${most_seconds}
             -print_final_stats=1 -artifact_prefix=${KPX_FUZZ_DIR}/crash-${T_NAME}- ${learnt}
             ${CMAKE_CURRENT_SOURCE_DIR}/fuzz/corpus/${T_NAME})
   math(EXPR timeout "300 * ${KPX_TIMEOUT_FACTOR}")
