@@ -18,6 +18,7 @@ inline const std::vector<std::string> kToolTabs = {"General", "Setup",       "Ou
 inline void OpenProperties(GuiApp &app) {
   app.Click("PropertiesButton");
   app.WaitWindow("PropertiesWindow");
+  app.WaitDrawn();  // its widgets have their places
 }
 
 // The page of the tab of that name.
@@ -29,8 +30,11 @@ inline std::string PageOfTab(const std::string &name) {
 // Shows the tab of that name.
 inline void ShowTab(GuiApp &app, const std::string &name) {
   app.Click(name + "Label");
-  if (name == "Fonts") return;  // empty unless the queue takes text
-  app.WaitUntil("the tab " + name, [&] { return app.HasWidget(PageOfTab(name)); });
+  // The one of the fonts is empty unless the queue takes text.
+  if (name != "Fonts") {
+    app.WaitUntil("the tab " + name, [&] { return app.HasWidget(PageOfTab(name)); });
+  }
+  app.WaitDrawn();  // a page that was built now has its place
 }
 
 // Presses a button of the window; OK and Cancel close it.
