@@ -162,10 +162,21 @@ GtkWidget *StartUp(CList *messages) {
   return CreateMainWindow();
 }
 
+// Nothing here is drawn with OpenGL. Left to itself, the first GTK program on a display loads the
+// OpenGL drivers to rate the display's visuals, which costs as much time as all else up to the
+// window. The user's own setting is kept, and programs started from here do not inherit ours.
+void InitialiseGtk(int *argc, char ***argv) {
+  constexpr char kVariable[] = "GDK_GL";
+  const bool ours = g_getenv(kVariable) == nullptr;
+  if (ours) g_setenv(kVariable, "disable", FALSE);
+  gtk_init(argc, argv);
+  if (ours) g_unsetenv(kVariable);
+}
+
 int Run(int argc, char **argv) {
   const LogScope log("main");
   std::setlocale(LC_ALL, "");
-  gtk_init(&argc, &argv);
+  InitialiseGtk(&argc, &argv);
   InstallStyle();
   // Pango reads the system's font configuration in a thread of its own: started here, it runs while
   // the texts and printers are read. Started earlier, it slows down the reading of the theme.
