@@ -39,7 +39,7 @@ GtkWidget *NewNameEntry(GtkWidget *window, const char *name, InsertHandler filte
   gtk_entry_set_max_length(GTK_ENTRY(entry), L_NameLength);
   gtk_entry_set_width_chars(GTK_ENTRY(entry), L_NameWidth);
   // A name is one line of the queue list.
-  g_object_set(entry, "truncate-multiline", TRUE, nullptr);
+  KeepOneLine(entry);
   g_signal_connect(entry, "insert-text", G_CALLBACK(filter), nullptr);
   return entry;
 }

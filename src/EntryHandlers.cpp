@@ -75,11 +75,13 @@ void G_IPAddressDeleteText(GtkEditable *entry, gint start, gint end, gpointer da
 }
 
 void FilterAsQueueName(GtkWidget *entry) {
+  KeepOneLine(entry);
   g_signal_connect(entry, "insert-text", G_CALLBACK(G_QueueNameEntryText), nullptr);
   g_signal_connect(entry, "delete-text", G_CALLBACK(G_QueueNameDeleteText), nullptr);
 }
 
 void FilterAsAddress(GtkWidget *entry) {
+  KeepOneLine(entry);
   g_signal_connect(entry, "insert-text", G_CALLBACK(G_IPAddressEntryText), nullptr);
   g_signal_connect(entry, "delete-text", G_CALLBACK(G_IPAddressDeleteText), nullptr);
 }

@@ -66,7 +66,7 @@ GtkWidget *NewTextEntry(const TextField &field) {
   StoreWidget(G_PropertiesWindow_helper->window, entry, field.name);
   gtk_entry_set_max_length(GTK_ENTRY(entry), field.max_length);
   // Of several pasted lines the first: none of these texts can hold a line's end.
-  g_object_set(entry, "truncate-multiline", TRUE, nullptr);
+  KeepOneLine(entry);
   g_signal_connect(entry, "insert-text", G_CALLBACK(field.filter), nullptr);
   FillDestinationTextEntry(entry, field.feature);
   *G_PropTabDestination_helper.*field.entry = entry;

@@ -27,32 +27,6 @@ void DrawNow(GtkWidget *widget) {
   gdk_display_flush(gtk_widget_get_display(widget));
 }
 
-bool IsInput(const GdkEvent *event) {
-  switch (gdk_event_get_event_type(event)) {
-    case GDK_KEY_PRESS:
-    case GDK_KEY_RELEASE:
-    case GDK_BUTTON_PRESS:
-    case GDK_2BUTTON_PRESS:
-    case GDK_3BUTTON_PRESS:
-    case GDK_BUTTON_RELEASE:
-    case GDK_SCROLL:
-    case GDK_DELETE:
-      return true;
-    default:
-      return false;
-  }
-}
-
-// What was typed and clicked while the save went on was not meant for the window that comes next.
-void DropInput() {
-  GdkDisplay *display = gdk_display_get_default();
-  gdk_display_sync(display);
-  while (GdkEvent *event = gdk_display_get_event(display)) {
-    if (!IsInput(event)) gtk_main_do_event(event);
-    gdk_event_free(event);
-  }
-}
-
 gboolean RefuseClose(GtkWidget *, GdkEvent *, gpointer) { return TRUE; }
 
 }  // namespace

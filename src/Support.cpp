@@ -51,11 +51,29 @@ GtkWindow *CurrentWindow(const GtkWidget *dialog) {
   return current;
 }
 
+bool IsInput(const GdkEvent *event) {
+  switch (gdk_event_get_event_type(event)) {
+    case GDK_KEY_PRESS:
+    case GDK_KEY_RELEASE:
+    case GDK_BUTTON_PRESS:
+    case GDK_2BUTTON_PRESS:
+    case GDK_3BUTTON_PRESS:
+    case GDK_BUTTON_RELEASE:
+    case GDK_SCROLL:
+    case GDK_DELETE:
+      return true;
+    default:
+      return false;
+  }
+}
+
 }  // namespace
 
 GtkWidget *StoreWidget(GtkWidget *window, GtkWidget *widget, const char *name) {
   gtk_widget_set_name(widget, name);
-  if (widget != window) {
+  if (widget == window) {
+    g_object_set_data(G_OBJECT(window), name, widget);  // no reference: it would keep itself alive
+  } else {
     g_object_set_data_full(G_OBJECT(window), name, g_object_ref(widget), g_object_unref);
   }
   return widget;
@@ -185,6 +203,17 @@ void MakeModal(GtkWidget *dialog) {
   if (parent != nullptr) {
     gtk_window_set_transient_for(GTK_WINDOW(dialog), parent);
     gtk_window_set_position(GTK_WINDOW(dialog), GTK_WIN_POS_CENTER_ON_PARENT);
+  }
+}
+
+void KeepOneLine(GtkWidget *entry) { g_object_set(entry, "truncate-multiline", TRUE, nullptr); }
+
+void DropInput() {
+  GdkDisplay *display = gdk_display_get_default();
+  gdk_display_sync(display);
+  while (GdkEvent *event = gdk_display_get_event(display)) {
+    if (!IsInput(event)) gtk_main_do_event(event);
+    gdk_event_free(event);
   }
 }
 

@@ -6,7 +6,7 @@
 #include <string>
 
 // Stores `widget` on the top-level `window` under `name`, with a reference held until the window
-// dies, and gives the widget that name. Returns `widget`.
+// dies (none when it is the window itself), and gives the widget that name. Returns `widget`.
 GtkWidget *StoreWidget(GtkWidget *window, GtkWidget *widget, const char *name);
 
 // The widget stored under `name` on the top-level window of `widget` (a menu goes on from the
@@ -56,6 +56,13 @@ void KeepOnScreen(GtkWidget *window);
 
 // Puts a dialog above the window that the user works in and keeps input to it.
 void MakeModal(GtkWidget *dialog);
+
+// Of several pasted or dropped lines `entry` takes the first.
+void KeepOneLine(GtkWidget *entry);
+
+// Throws away what was typed and clicked while the program was busy: it was not meant for the
+// window that comes next. Everything else that waits from the X server is handled.
+void DropInput();
 
 // Style settings that every window needs; once, after gtk_init.
 void InstallStyle();

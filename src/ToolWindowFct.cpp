@@ -36,10 +36,6 @@ std::string DisplayName(const std::string &path) {
   return shown;
 }
 
-void RemoveStdinFile() {
-  if (!G_StdinFileName.empty()) unlink(G_StdinFileName.c_str());
-}
-
 std::string ChosenQueue() {
   return QueueNameFromEntry(ComboText(G_QueuesWindow_helper->queue_combo));
 }
@@ -73,7 +69,9 @@ void ButtonPrintPressed() {
     ButtonCancelToolPressed();
     return;
   }
-  RemoveStdinFile();
+  RemoveCapturedFile();
+  // Its OK ends the program: what was pressed while lp ran must not press it.
+  DropInput();
   gtk_widget_show(create_ErrorWarningWindow(errors.get(), kExit));
 }
 
@@ -108,7 +106,7 @@ void ButtonHelpToolPressed() {
 void ButtonCancelToolPressed() {
   const LogScope log("ButtonCancelToolPressed");
   if (G_QueuesWindow_helper == nullptr) return;
-  RemoveStdinFile();
+  RemoveCapturedFile();
   G_QueuesWindow_helper.reset();
   G_FilesList.reset();
   gtk_main_quit();

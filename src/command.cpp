@@ -1,15 +1,50 @@
 #include "command.h"
 
+#include <sys/mman.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <string_view>
 
 #include "debug.h"
 
 namespace {
 
 std::vector<CommandRecord> L_Records;
+
+// Linux starts no program with one argument of this many bytes or more (execve(2)).
+constexpr size_t L_ArgumentLimit = 128UL * 1024;
+
+bool WriteWhole(int file, std::string_view text) {
+  while (!text.empty()) {
+    const ssize_t count = write(file, text.data(), text.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) return false;
+    text.remove_prefix(static_cast<size_t>(count));
+  }
+  return true;
+}
+
+// Has the shell read the command from a file in memory: the way for one too long for an argument.
+int RunFromFile(const std::string &command) {
+  const int file = memfd_create("command", 0);
+  if (file < 0) return -1;
+  int status = -1;
+  if (WriteWhole(file, command)) {
+    const std::string shell = "exec /bin/sh /proc/self/fd/" + std::to_string(file);
+    status = std::system(shell.c_str());  // NOLINT(cert-env33-c)
+  }
+  close(file);
+  return status;
+}
+
+int RunInShell(const std::string &command) {
+  if (command.size() + 1 >= L_ArgumentLimit) return RunFromFile(command);
+  return std::system(command.c_str());  // NOLINT(cert-env33-c)
+}
 
 int ExitStatus(int wait_status) {
   if (wait_status == -1) return -1;
@@ -23,7 +58,7 @@ int RunCommand(const std::string &command) {
   const LogScope log("RunCommand");
   Log(3, "Run: " + command);
   std::fflush(nullptr);
-  const int status = ExitStatus(std::system(command.c_str()));  // NOLINT(cert-env33-c)
+  const int status = ExitStatus(RunInShell(command));
   Log(3, "Status: " + std::to_string(status));
   L_Records.push_back({command, status});
   return status;

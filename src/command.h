@@ -9,9 +9,9 @@ struct CommandRecord {
   int status;  // as RunCommand returned it
 };
 
-// Runs `command` through the shell and waits for it: its exit status, 128 plus the signal's number
-// when a signal ended it, -1 when it could not be started. What it prints goes where this process
-// prints.
+// Runs `command`, however long, through the shell and waits for it: its exit status, 128 plus the
+// signal's number when a signal ended it, -1 when it could not be started. What it prints goes
+// where this process prints.
 int RunCommand(const std::string &command);
 
 // Every command run so far, in order.

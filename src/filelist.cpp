@@ -129,6 +129,10 @@ int IsStdinDataToPrint() {
   return 0;
 }
 
+void RemoveCapturedFile() {
+  if (!G_StdinFileName.empty()) unlink(G_StdinFileName.c_str());
+}
+
 void RemoveSelectedFiles(const std::function<void(const CNodeList *position)> &before) {
   const LogScope log("RemoveSelectedFiles");
   CList *files = G_FilesList.get();
@@ -138,7 +142,7 @@ void RemoveSelectedFiles(const std::function<void(const CNodeList *position)> &b
     const auto *record = ObjectCast<CSelection>(fGetNext_CList_Function(files, &position));
     if (record == nullptr || fIsSelected_CSelection_Function(record) == 0) continue;
     before(current);
-    if (IsCapturedFile(record)) unlink(G_StdinFileName.c_str());
+    if (IsCapturedFile(record)) RemoveCapturedFile();
     fRemoveAt_CList_Function(files, current);
   }
 }

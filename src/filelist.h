@@ -23,6 +23,9 @@ std::vector<std::string> PathsFromUriList(std::string_view text);
 // 1 when standard input was captured and its file is still in the list, else 0.
 int IsStdinDataToPrint();
 
+// Removes the file of captured standard input from the disk; nothing when there is none.
+void RemoveCapturedFile();
+
 // Takes every selected record out of the list, after `before` was called with its position; the
 // file of captured standard input is removed from the disk with its record.
 void RemoveSelectedFiles(const std::function<void(const CNodeList *position)> &before);

@@ -1,8 +1,11 @@
 // Start-up and shut-down of the one executable behind KPXadmin and KPXtool.
 
+#include <X11/Xlib.h>
+#include <fcntl.h>
 #include <glib-unix.h>
 #include <gtk/gtk.h>
 #include <pango/pangocairo.h>
+#include <unistd.h>
 
 #include <clocale>
 #include <csignal>
@@ -23,6 +26,7 @@
 #include "cprinters.h"
 #include "cprintqueues.h"
 #include "debug.h"
+#include "filelist.h"
 #include "fontmap.h"
 #include "globals.h"
 #include "language.h"
@@ -36,6 +40,14 @@
 namespace {
 
 constexpr char L_VerboseSwitch[] = "-verbose";
+
+// The first file opened gets the lowest free descriptor: without this the connection to the X
+// server could become standard error, and every message would break it.
+void OpenStandardStreams() {
+  for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(descriptor, F_GETFD) == -1) open("/dev/null", O_RDWR);
+  }
+}
 
 int ModeFromProgramName(const char *path) {
   const char *slash = std::strrchr(path, '/');
@@ -151,6 +163,14 @@ gboolean CancelOnSignal(gpointer) {
   return G_SOURCE_CONTINUE;
 }
 
+XIOErrorHandler L_ToolkitErrorHandler = nullptr;
+
+// The session has ended with the window open: the toolkit ends the program at once.
+int EndWithoutDisplay(Display *display) {
+  RemoveCapturedFile();
+  return L_ToolkitErrorHandler(display);
+}
+
 // Everything up to the main window; null when the program's name is neither of the two.
 GtkWidget *StartUp(CList *messages) {
   G_Fonts_hash = ParseFontmap();
@@ -177,6 +197,7 @@ int Run(int argc, char **argv) {
   const LogScope log("main");
   std::setlocale(LC_ALL, "");
   InitialiseGtk(&argc, &argv);
+  L_ToolkitErrorHandler = XSetIOErrorHandler(EndWithoutDisplay);
   InstallStyle();
   // Pango reads the system's font configuration in a thread of its own: started here, it runs while
   // the texts and printers are read. Started earlier, it slows down the reading of the theme.
@@ -203,6 +224,10 @@ int Run(int argc, char **argv) {
 
 int main(int argc, char **argv) {
   if (argc == 0 || argv[0] == nullptr) return 0;
+  OpenStandardStreams();
+  // The log ends with main; what the globals' own destruction would write is not part of it.
+  std::atexit([] { G_DebugLevel = 0; });
+  std::atexit(RemoveCapturedFile);
   InstallAllocationHandler();
   G_ProgName = ModeFromProgramName(argv[0]);
   if (!ReadVerboseSwitch(argc, argv)) return 0;

@@ -16,6 +16,9 @@
 
 namespace {
 
+// The entry lets it through, but the shell would put the names of files in its place.
+constexpr char L_ShellWildcard = '?';
+
 // What the interface script says about a queue.
 enum class Script { Gone, Unreadable, NotOurs, Ours };
 
@@ -53,9 +56,10 @@ void RestoreQueue(const char *name) {
 }  // namespace
 
 bool IsCommandSafeName(std::string_view name) {
-  return !name.empty() && std::none_of(name.begin(), name.end(), [](char c) {
+  return !name.empty() && name.front() != '-' && std::none_of(name.begin(), name.end(), [](char c) {
     const auto byte = static_cast<unsigned char>(c);
-    return byte < 0x20 || byte == 0x7F || kNotInQueueNames.find(c) != std::string_view::npos;
+    return byte < 0x20 || byte == 0x7F || c == L_ShellWildcard ||
+           kNotInQueueNames.find(c) != std::string_view::npos;
   });
 }
 

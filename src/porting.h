@@ -13,8 +13,8 @@ inline constexpr char kMarkerLine[] = "# the following lines are inserted by KPX
 // The characters that no queue name may hold, because the shell or a path gives them a meaning.
 inline constexpr std::string_view kNotInQueueNames = "/\\.,;: '`*@#$=!&|()\"~%^[]{}<>";
 
-// True when `name` can stand in a command unquoted: not empty and without those characters and
-// control characters.
+// True when `name` can stand in a command unquoted: not empty, no option, and without
+// those characters, "?" and control characters.
 bool IsCommandSafeName(std::string_view name);
 
 // IsCommandSafeName; a name that is not is reported to `errors` as the failure of `command`.

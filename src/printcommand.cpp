@@ -8,6 +8,7 @@
 #include "filelist.h"
 #include "globals.h"
 #include "paths.h"
+#include "porting.h"
 
 namespace {
 
@@ -101,6 +102,7 @@ std::vector<std::string> QueueEntries() {
 
 void PrintFiles(const std::string &queue, CList *errors) {
   const LogScope log("PrintFiles");
+  if (!CheckCommandSafeName("lp", queue.c_str(), errors)) return;
   const auto *record = HashValue<CPrintQueue>(G_Queues_hash, queue.c_str());
   const std::string copies = CopiesToPrint(fGet_Options_Function(record));
   Log(2, "Write the features_hash in the .def file");

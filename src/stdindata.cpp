@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdint>
 #include <ctime>
 
@@ -44,6 +45,29 @@ int CreatePrivateFile(const std::string &path) {
               S_IRUSR | S_IWUSR);
 }
 
+// Read by the signal handler, which can use no other text; longer than any name of such a file.
+char L_FileBeingWritten[64];
+
+// Takes the unfinished file along; the signal comes again when this returns, and then ends the
+// program as always.
+void RemoveFileAndEnd(int signal) {
+  unlink(L_FileBeingWritten);
+  raise(signal);
+}
+
+// From now on a terminating signal removes the file at `path`, until whoever handles these signals
+// for the rest of the run takes over. One that is ignored (nohup) stays ignored.
+void RemoveFileOnSignal(const std::string &path) {
+  path.copy(L_FileBeingWritten, sizeof L_FileBeingWritten - 1);
+  for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
+    struct sigaction action = {};
+    if (sigaction(signal, nullptr, &action) != 0 || action.sa_handler != SIG_DFL) continue;
+    action.sa_handler = RemoveFileAndEnd;
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    sigaction(signal, &action, nullptr);
+  }
+}
+
 // The file of captured data, made when the first data comes.
 class Capture {
  public:
@@ -56,7 +80,10 @@ class Capture {
   bool HasData() const { return file_ >= 0; }
 
   bool Append(const char *bytes, size_t count) {
-    if (file_ < 0) file_ = CreatePrivateFile(path_);
+    if (file_ < 0) {
+      RemoveFileOnSignal(path_);
+      file_ = CreatePrivateFile(path_);
+    }
     return file_ >= 0 && write(file_, bytes, count) == static_cast<ssize_t>(count);
   }
 

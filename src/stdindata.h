@@ -10,5 +10,7 @@ std::string StdinDataFileName(pid_t pid);
 
 // Copies what standard input holds right now, up to the first pause of 50 microseconds, to a file
 // that only its user can read. 1, with its path in `name` when any data came (else `name` is left
-// alone); 0 with a message (at most 1023 bytes) in `error_text`, and a partly written file stays.
+// alone); 0 with a message (at most 1023 bytes) in `error_text`, and a partly written file stays. A
+// terminating signal that nobody handles yet (SIGHUP, SIGINT, SIGTERM) removes the file before it
+// ends the program.
 int GetStdinData(std::string *name, std::string *error_text);

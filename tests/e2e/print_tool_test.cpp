@@ -2,6 +2,7 @@
 // installed programs, a window that is clicked and typed into.
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -12,6 +13,7 @@
 #include "paths.h"
 #include "printerjobs.h"
 #include "tooldriver.h"
+#include "xinput.h"
 
 namespace {
 
@@ -279,6 +281,47 @@ TEST_F(PrintTool, APrintThatFailsIsShownAndOkEndsTheToolWithStatusOne) {
   app.Click("KPXErrorWarningDialog/OKButton");
   EXPECT_EQ(1, app.WaitExit());
   ASSERT_EQ(0, RunShell("/usr/sbin/cupsaccept lp1"));
+}
+
+TEST_F(PrintTool, WhatIsPressedWhileLpRunsDoesNotPressTheMessagesOk) {
+  const std::string pipe = files_.Path("gate");
+  ASSERT_EQ(0, mkfifo(pipe.c_str(), 0600));
+  const ChangedFile slow_lp("/usr/bin/lp", "#!/bin/sh\nread line <'" + pipe + "'\nexit 1\n");
+  ASSERT_EQ(0, chmod("/usr/bin/lp", 0755));
+  GuiApp app({.input = "hi\n"});
+  app.WaitWindow("ToolWindow");
+  app.Click("PrintButton");
+  std::ofstream gate(pipe);  // opens when the script reads
+  XInputChord("Return");
+  XInputChord("space");
+  gate << "go\n" << std::flush;
+  app.WaitWindow("KPXErrorWarningDialog");
+  // Whatever was pressed has been handled by now: this key comes behind it.
+  app.Key("Tab");
+  app.WaitDrawn();
+  EXPECT_EQ("KPXErrorWarningDialog", app.Windows().front());
+  app.Click("KPXErrorWarningDialog/OKButton");
+  EXPECT_EQ(1, app.WaitExit());
+}
+
+TEST_F(PrintTool, SeveralThousandFilesReachTheSpoolerInOneCommand) {
+  const std::string folder =
+      files_.Path("a-folder-with-a-name-as-long-as-they-are-found-in-real-life");
+  std::filesystem::create_directory(folder);
+  for (int i = 0; i < 3000; ++i) std::ofstream(folder + "/document" + std::to_string(i) + ".ps");
+  const std::string count = files_.Path("count");
+  const ChangedFile counting_lp("/usr/bin/lp", "#!/bin/sh\necho $# >'" + count + "'\n");
+  ASSERT_EQ(0, chmod("/usr/bin/lp", 0755));
+  // The file selection opens where the program was started.
+  GuiApp app(
+      {.program = "/bin/sh", .arguments = {"-c", "cd '" + folder + "' && exec /usr/bin/KPXtool"}});
+  app.WaitWindow("ToolWindow");
+  app.Click("AddButton");
+  app.WaitWindow("FilesSelectionWindow");
+  app.Click("FolderButton");
+  app.WaitUntil("the files", [&] { return app.Rows("FilesClist").size() == 3000; });
+  Print(app);
+  EXPECT_EQ("3004\n", ContentOf(count));  // -d lp1 -o "..." and the files
 }
 
 TEST_F(PrintTool, AWholeFolderIsAddedWithoutTheFoldersBelow) {

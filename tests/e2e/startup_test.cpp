@@ -82,9 +82,10 @@ std::string Lines(const std::vector<std::string> &lines) {
 
 TEST(Startup, UnderAnotherNameEverythingIsLoadedThenStatusIsOne) {
   const Ending ending =
-      RunToEnd({.arguments = {"-verbose", "1"}, .program_name = "/usr/bin/kpxtool"});
+      RunToEnd({.arguments = {"-verbose", "4"}, .program_name = "/usr/bin/kpxtool"});
   EXPECT_EQ(1, ending.status);
   EXPECT_EQ("", FirstOutOfOrder(ending.errors, kMilestones)) << ending.errors;
+  EXPECT_TRUE(ending.errors.ends_with("\nEND   main() function\n")) << ending.errors;
 }
 
 TEST(Startup, OnlyTheBaseNameOfTheProgramCounts) {
@@ -242,5 +243,52 @@ TEST(Startup, ATerminatingSignalEndsTheProgramAsItsCancelButtonDoes) {
     kill(app.pid(), signal);
     EXPECT_EQ(0, app.WaitExit());
     EXPECT_FALSE(std::filesystem::exists(captured));
+  }
+}
+
+TEST(Startup, ATerminatingSignalDuringTheCaptureLeavesNoFile) {
+  for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
+    GuiApp app({.input_path = "/dev/zero"});
+    const std::string captured = CapturedFileOf(app);
+    app.WaitUntil("the file", [&] { return std::filesystem::exists(captured); });
+    kill(app.pid(), signal);
+    EXPECT_EQ(128 + signal, app.WaitExit());
+    EXPECT_FALSE(std::filesystem::exists(captured));
+  }
+}
+
+TEST(Startup, ASignalThatIsIgnoredDoesNotEndTheCapture) {
+  GuiApp app({.program = "/bin/sh",
+              .arguments = {"-c", "trap '' HUP; exec /usr/bin/KPXtool"},
+              .input_path = "/dev/zero"});
+  const std::string captured = CapturedFileOf(app);
+  app.WaitUntil("the file", [&] { return std::filesystem::exists(captured); });
+  kill(app.pid(), SIGHUP);
+  const auto size = std::filesystem::file_size(captured);
+  app.WaitUntil("more data", [&] { return std::filesystem::file_size(captured) > size; });
+  kill(app.pid(), SIGTERM);
+  EXPECT_EQ(128 + SIGTERM, app.WaitExit());
+  EXPECT_FALSE(std::filesystem::exists(captured));
+}
+
+TEST(Startup, WithoutADisplayNothingOfStandardInputIsLeft) {
+  GuiApp app({.input = "data"});
+  app.WaitWindow("ToolWindow");
+  const std::string captured = CapturedFileOf(app);
+  EXPECT_TRUE(std::filesystem::exists(captured));
+  app.LoseDisplay("ToolWindow");
+  EXPECT_EQ(1, app.WaitExit());
+  EXPECT_FALSE(std::filesystem::exists(captured));
+}
+
+TEST(Startup, StandardStreamsThatAreClosedDoNoHarm) {
+  const ChangedFile no_list(kQueuesFile, std::nullopt);  // a message on standard error
+  for (const char *streams : {"2>&-", "0<&-", "0<&- 1>&- 2>&-"}) {
+    GuiApp app({.program = "/bin/sh",
+                .arguments = {"-c", std::string("exec /usr/bin/KPXtool -verbose 4 ") + streams}});
+    app.WaitWindow("ToolWindow");
+    EXPECT_EQ(std::vector<std::string>{}, app.Rows("FilesClist")) << streams;
+    app.Click("CancelButton");
+    EXPECT_EQ(0, app.WaitExit()) << streams;
   }
 }

@@ -33,6 +33,12 @@ class FilteredEntry : public GuiTest {
     return position;
   }
 
+  void Paste(const char *text) {
+    gtk_clipboard_set_text(gtk_clipboard_get(GDK_SELECTION_CLIPBOARD), text, -1);
+    XInputChord("ctrl+v");
+    EXPECT_TRUE(RunUntil([this] { return !Text().empty(); }));
+  }
+
   void OfferForDragging(const char *text) {
     gtk_widget_add_events(source_, GDK_BUTTON_PRESS_MASK | GDK_BUTTON_MOTION_MASK);
     gtk_drag_source_set(source_, GDK_BUTTON1_MASK, nullptr, 0, GDK_ACTION_COPY);
@@ -89,6 +95,29 @@ TEST_F(FilteredEntry, AnAddressTakesDroppedTextWithoutBlanks) {
   Drag(source_, entry_);
   EXPECT_TRUE(RunUntil([this] { return !Text().empty(); }));
   EXPECT_EQ("10.0.0.1/é", Text());
+}
+
+TEST_F(FilteredEntry, OfSeveralPastedLinesANameTakesTheFirst) {
+  FilterAsQueueName(entry_);
+  ShowEntry();
+  Paste("lp1\nlp2\n");
+  EXPECT_EQ("lp1", Text());
+}
+
+TEST_F(FilteredEntry, OfSeveralPastedLinesAnAddressTakesTheFirst) {
+  FilterAsAddress(entry_);
+  ShowEntry();
+  Paste("10.0.0.1\nreboot\n");
+  EXPECT_EQ("10.0.0.1", Text());
+}
+
+TEST_F(FilteredEntry, OfSeveralDroppedLinesAnAddressTakesTheFirst) {
+  FilterAsAddress(entry_);
+  OfferForDragging("10.0.0.1\n10.0.0.2");
+  ShowEntry();
+  Drag(source_, entry_);
+  EXPECT_TRUE(RunUntil([this] { return !Text().empty(); }));
+  EXPECT_EQ("10.0.0.1", Text());
 }
 
 TEST_F(FilteredEntry, ANameTakesTheSelectionOfTheMiddleButtonFiltered) {

@@ -34,6 +34,7 @@ TEST_F(Support, AWidgetIsFoundByNameFromAnyOtherOfItsWindow) {
   gtk_container_add(GTK_CONTAINER(box_), entry);
   EXPECT_EQ(entry, lookup_widget(label, "QueueEntry"));
   EXPECT_EQ(entry, lookup_widget(window_, "QueueEntry"));
+  EXPECT_EQ(window_, lookup_widget(label, "TestWindow"));
   EXPECT_STREQ("QueueEntry", gtk_widget_get_name(entry));
 }
 

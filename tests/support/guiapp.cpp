@@ -370,6 +370,10 @@ void GuiApp::CloseWindow(const std::string &name) {
   XInputClose(std::stoul(Demand("xid " + name)));
 }
 
+void GuiApp::LoseDisplay(const std::string &window) {
+  XInputDisconnect(std::stoul(Demand("xid " + window)));
+}
+
 bool GuiApp::HasWidget(const std::string &name) { return Ask("geometry " + name).has_value(); }
 
 std::string GuiApp::Text(const std::string &name) { return Demand("text " + name); }

@@ -62,6 +62,8 @@ class GuiApp {
   void Key(const std::string &key);
   // What a window manager sends when its close button is pressed.
   void CloseWindow(const std::string &name);
+  // Ends the program's connection to the X server, as the end of a session does.
+  void LoseDisplay(const std::string &window);
 
   bool HasWidget(const std::string &name);
   std::string Text(const std::string &name);

@@ -184,6 +184,11 @@ void XInputClose(unsigned long window) {
   XSync(Server(), False);
 }
 
+void XInputDisconnect(unsigned long window) {
+  XKillClient(Server(), window);
+  XSync(Server(), False);
+}
+
 std::vector<std::string> XInputWindowTitles() {
   Window root = 0;
   Window parent = 0;

@@ -26,6 +26,8 @@ void XInputFocus(unsigned long window);
 bool XInputIsActive(unsigned long window);
 // Asks the window to close, as a window manager does.
 void XInputClose(unsigned long window);
+// Has the server end the connection of the window's program.
+void XInputDisconnect(unsigned long window);
 // The titles of the windows shown, which the X server tells even while a program does not answer.
 std::vector<std::string> XInputWindowTitles();
 // Fills the screen behind all windows with a colour, 0xRRGGBB.

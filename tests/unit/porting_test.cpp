@@ -203,7 +203,8 @@ TEST_F(Porting, ARemovalThatTheSpoolerRefusesIsReported) {
 }
 
 TEST_F(Porting, ANameThatTheShellWouldReadNeverBecomesACommand) {
-  for (const char *name : {"", "a;reboot", "a b", "$(x)", "../lp", "a\nb", "a\tb", "`x`", "a.b"}) {
+  for (const char *name :
+       {"", "a;reboot", "a b", "$(x)", "../lp", "a\nb", "a\tb", "`x`", "a.b", "a?", "-x"}) {
     ErrorOutput([&] { EXPECT_EQ(DeleteQueueSysV(name, List()), 0) << name; });
     EXPECT_EQ(Errors().back(), std::string("command <lpadmin> <") + name + ">");
   }
@@ -211,8 +212,8 @@ TEST_F(Porting, ANameThatTheShellWouldReadNeverBecomesACommand) {
   EXPECT_EQ(spooler_.Calls(), Strings{});
 }
 
-TEST_F(Porting, EveryNameThatTheEntryTakesCanStandInACommand) {
-  for (const char *name : {"lp1", "x42lp", "My-Queue_2", "Drucker\xC3\xA4", "a+b?"}) {
+TEST_F(Porting, NamesOfOtherCharactersCanStandInACommand) {
+  for (const char *name : {"lp1", "x42lp", "My-Queue_2", "Drucker\xC3\xA4", "a+b"}) {
     EXPECT_TRUE(IsCommandSafeName(name)) << name;
   }
 }
@@ -276,6 +277,35 @@ TEST(RunCommand, TellsTheExitStatusASignalAndKeepsARecord) {
   ASSERT_GE(records.size(), 2u);
   EXPECT_EQ(records[records.size() - 2].command, "exit 7");
   EXPECT_EQ(records[records.size() - 2].status, 7);
+}
+
+TEST(RunCommand, RunsACommandThatIsTooLongForAnArgument) {
+  const TemporaryDirectory directory;
+  // Around the limit, where the way changes, and far beyond it.
+  for (const size_t size : {size_t{131000}, size_t{131070}, size_t{131071}, size_t{131072},
+                            size_t{131073}, size_t{400000}}) {
+    const std::string count = "set -- $words; echo $# >" + directory.Path("count") + "; exit 3";
+    std::string words;
+    while (words.size() + 10 + count.size() < size) words += "/a/b/c.ps ";
+    std::string command = "words='" + words + "'; " + count;
+    command.insert(7, size > command.size() ? size - command.size() : 0, ' ');
+    EXPECT_EQ(RunCommand(command), 3) << size;
+    EXPECT_EQ(ContentOf(directory.Path("count")), std::to_string(words.size() / 10) + "\n");
+  }
+}
+
+TEST(RunCommand, ALongCommandKeepsStandardInput) {
+  const std::string command = "read line; test \"$line\" = kept; exit $? # ";
+  int ends[2] = {-1, -1};
+  ASSERT_EQ(pipe(ends), 0);
+  ASSERT_EQ(write(ends[1], "kept\n", 5), 5);
+  close(ends[1]);
+  const int saved = dup(STDIN_FILENO);
+  dup2(ends[0], STDIN_FILENO);
+  close(ends[0]);
+  EXPECT_EQ(RunCommand(command + std::string(200000, 'x')), 0);
+  dup2(saved, STDIN_FILENO);
+  close(saved);
 }
 
 TEST(RunCommand, JoinsWordsByBlanks) {
