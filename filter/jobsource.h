@@ -53,6 +53,9 @@ class JobSource {
   // Whether the piece handed out last begins a line.
   bool AtLineStart() const { return piece_begins_line_; }
 
+  // Whether what Peek shows begins a line.
+  bool NextBeginsLine() const { return next_begins_line_; }
+
   // Hands `count` bytes, or all that are left, to `sink`.
   void CopyBytes(size_t count, JobSink *sink);
   void CopyRest(JobSink *sink);

@@ -1,6 +1,8 @@
 #include "postscript.h"
 
+#include <algorithm>
 #include <charconv>
+#include <iterator>
 #include <string_view>
 
 #include "featurecode.h"
@@ -14,6 +16,9 @@ enum class Place {
   Prolog,    // between BeginProlog and EndProlog
   Body       // the setup code is out
 };
+
+constexpr std::string_view kPrologEnds[] = {"%%EndProlog", "%%BeginSetup", "%%Page:"};
+constexpr std::string_view kForeign[] = {"%%BeginDocument", "%%BeginBinary", "%%BeginData"};
 
 std::string_view WithoutEnd(std::string_view line) {
   while (line.ends_with('\n') || line.ends_with('\r')) line.remove_suffix(1);
@@ -33,14 +38,18 @@ bool IsHeaderComment(std::string_view line) {
          !line.starts_with("%%Trailer") && !line.starts_with("%%EOF");
 }
 
-// Whether one of the marks that end a prolog without frame lies in `ahead`.
-bool PrologEndsIn(std::string_view ahead) {
-  for (const std::string_view mark : {"%%EndProlog", "%%BeginSetup", "%%Page:"}) {
-    size_t at = 0;
-    while ((at = ahead.find(mark, at)) != std::string_view::npos) {
-      if (at > 0 && (ahead[at - 1] == '\n' || ahead[at - 1] == '\r')) return true;
-      ++at;
+// Whether a mark that ends a prolog without frame lies ahead in the same document. What an included
+// document or counted data holds says nothing about this one, so these end the search.
+bool PrologEndsAhead(JobSource *source) {
+  std::string_view ahead = source->Peek(JobSource::kCapacity / 2);
+  ahead = ahead.substr(0, ahead.find(kUel));
+  for (bool begins_line = source->NextBeginsLine(); !ahead.empty(); begins_line = true) {
+    const auto begins = [&](std::string_view mark) { return ahead.starts_with(mark); };
+    if (begins_line && std::any_of(std::begin(kPrologEnds), std::end(kPrologEnds), begins)) {
+      return true;
     }
+    if (begins_line && std::any_of(std::begin(kForeign), std::end(kForeign), begins)) return false;
+    ahead.remove_prefix(std::min(ahead.find_first_of("\r\n"), ahead.size() - 1) + 1);
   }
   return false;
 }
@@ -205,7 +214,7 @@ void DocumentFilter::PreambleLine(std::string_view line) {
   } else {
     // Code without a frame: prolog of an older document, or the document itself.
     const std::string first(line);
-    loose_prolog_ = PrologEndsIn(source_->Peek(JobSource::kCapacity / 2));
+    loose_prolog_ = PrologEndsAhead(source_);
     if (loose_prolog_) {
       WriteProlog(false);
       sink_->Write(first);

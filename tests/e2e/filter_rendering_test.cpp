@@ -62,6 +62,20 @@ TEST(RenderedJob, AnIncludedEpsFileIsDrawnOnce) {
                std::string(kMark) + "showpage\n%%EndDocument\nrestore\n"));
 }
 
+// A figure that draws, and then imports a picture whose own marks could be taken for the figure's.
+TEST(RenderedJob, AFigureWithAnImportedPictureIsDrawnWhole) {
+  const std::string picture =
+      "%%BeginDocument: picture.eps\n%!PS-Adobe-3.0 EPSF-3.0\n%%BoundingBox: 0 0 100 100\n"
+      "%%EndComments\n%%BeginProlog\n%%EndProlog\n%%Page: 1 1\n0 0 100 100 rectfill\n%%EOF\n"
+      "%%EndDocument\n";
+  for (const char *prolog : {"", "%%BeginProlog\n/x 1 def\n%%EndProlog\n"}) {
+    ExpectSamePages("%!PS-Adobe-3.0 EPSF-3.0\n%%BoundingBox: 0 0 400 500\n%%EndComments\n" +
+                    std::string(prolog) + "save\n50 50 translate\n" + kMark +
+                    "gsave 100 300 translate\n" + picture + "grestore\n200 0 translate\n" + kMark +
+                    "restore\nshowpage\n%%EOF\n");
+  }
+}
+
 TEST(RenderedJob, ABinarySectionIsRead) {
   std::string image;
   for (int i = 0; i < 256; ++i) image += static_cast<char>(i);

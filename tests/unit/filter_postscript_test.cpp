@@ -128,6 +128,32 @@ TEST_F(PostScriptJob, IncludedDocumentsGetNoCode) {
   EXPECT_EQ(CountOf(document, "*Stamp"), 1u);
 }
 
+TEST_F(PostScriptJob, MarksOfWhatIsIncludedDoNotMakeThePageAProlog) {
+  for (const std::string included :
+       {"%%BeginDocument: a.eps\n%%EndProlog\n%%Page: 1 1\n%%EndDocument\n",
+        "%%BeginBinary: 12\n%%EndProlog\n\n%%EndBinary\n",
+        "%%BeginData: 1 Hex Lines\n%%Page: 1 1\n%%EndData\n"}) {
+    const std::string body = "save 50 50 translate\n" + included + "restore showpage\n";
+    const std::string document = Document("%!PS-Adobe-3.0 EPSF-3.0\n%%EndComments\n" + body);
+    EXPECT_TRUE(document.ends_with("%%EndSetup\n" + body)) << document;
+  }
+}
+
+TEST_F(PostScriptJob, MarksOfTheNextDocumentDoNotMakeThePageAProlog) {
+  const std::string enter = std::string(kUelText) + "@PJL ENTER LANGUAGE=POSTSCRIPT\n";
+  const std::string output = RunOver(FilterPostScript, settings_,
+                                     "%!PS-Adobe-3.0 EPSF-3.0\n%%EndComments\nfirst showpage\n" +
+                                         enter + "%!PS-Adobe-3.0\n%%EndProlog\n%%Page: 1 1\n");
+  EXPECT_NE(output.find("%%EndSetup\nfirst showpage\n"), std::string::npos);
+}
+
+TEST_F(PostScriptJob, AMarkRightBehindTheFirstLineEndsTheProlog) {
+  for (const std::string mark : {"%%EndProlog\n", "%%BeginSetup\n", "%%Page: 1 1\n"}) {
+    const std::string start = "%!PS-Adobe-1.0\n%%Creator: x\n/x 1 def\n" + mark;
+    EXPECT_LT(Document(start).find("/x 1 def\n"), Document(start).find("*InputSlot")) << mark;
+  }
+}
+
 TEST_F(PostScriptJob, BinarySectionsGoThroughByteForByte) {
   std::string bytes = "%%EndBinary\n%%Page: 9 9\n%%BeginSetup\n" + std::string(kUelText);
   for (int i = 0; i < 256; ++i) bytes += static_cast<char>(i);
