@@ -10,6 +10,7 @@
 #include <optional>
 
 #include "textencoding.h"
+#include "textline.h"
 
 namespace {
 
@@ -88,13 +89,31 @@ bool BelongsTo(const struct stat &status, const std::string &login) {
   return entry != nullptr && entry->pw_uid == status.st_uid;
 }
 
+// Why a file of this status is not the option file of `login`; null when it is.
+const char *WhyNot(const struct stat &status, const std::string &login) {
+  if (S_ISLNK(status.st_mode)) return "it is a symbolic link";
+  if (!S_ISREG(status.st_mode)) return "it is no regular file";
+  return BelongsTo(status, login) ? nullptr : "it belongs to another user";
+}
+
+// What a user's option file that does not open with `error` means. Anybody may put a file where it
+// would lie: only one that is the user's, or root's, may stop the job.
+OptionFile NotOpened(const std::string &path, const std::string &login, int error) {
+  if (error == ENOENT || error == ENOTDIR) return {};
+  struct stat status {};
+  const bool known = lstat(path.c_str(), &status) == 0;
+  if (!known && errno == ENOENT) return {};
+  const char *reason = known ? WhyNot(status, login) : nullptr;
+  return reason == nullptr ? Failure(path, std::strerror(error)) : Ignored(path, reason);
+}
+
 }  // namespace
 
 std::vector<Setting> ParseOptionFile(std::string_view text) {
   std::vector<Setting> settings;
   LineReader reader(text);
   while (const std::optional<std::string> line = reader.Next()) {
-    if (line->empty() || line->starts_with("##")) continue;
+    if (IsCommentOrEmpty(*line)) continue;
     if (auto setting = SettingOf(*line)) settings.push_back(std::move(*setting));
   }
   return settings;
@@ -130,18 +149,13 @@ OptionFile ReadQueueOptions(const std::string &path) {
 
 OptionFile ReadUserOptions(const std::string &path, std::string_view user) {
   const int fd = open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
-  if (fd < 0 && (errno == ENOENT || errno == ENOTDIR)) return {};
-  if (fd < 0 && errno == ELOOP) return Ignored(path, "it is a symbolic link");
-  if (fd < 0) return Failure(path, std::strerror(errno));
+  if (fd < 0) return NotOpened(path, LoginName(user), errno);
   struct stat status {};
-  const bool known = fstat(fd, &status) == 0;
-  if (!known || !S_ISREG(status.st_mode)) {
+  const char *reason =
+      fstat(fd, &status) == 0 ? WhyNot(status, LoginName(user)) : std::strerror(errno);
+  if (reason != nullptr) {
     close(fd);
-    return Ignored(path, "it is no regular file");
-  }
-  if (!BelongsTo(status, LoginName(user))) {
-    close(fd);
-    return Ignored(path, "it belongs to another user");
+    return Ignored(path, reason);
   }
   const auto text = ReadAndClose(fd);
   if (!text) return Failure(path, std::strerror(errno));

@@ -36,5 +36,6 @@ struct OptionFile {
 OptionFile ReadQueueOptions(const std::string &path);
 
 // A user's option file. One that is not there is empty. It counts only when it is a regular file of
-// that user or of root, not reached through a symbolic link; else there is a warning.
+// that user or of root, not reached through a symbolic link; else there is a warning. One that
+// counts and cannot be read is an error.
 OptionFile ReadUserOptions(const std::string &path, std::string_view user);

@@ -1,7 +1,9 @@
 // Where a job's settings come from, and which layer wins.
 #include <gtest/gtest.h>
 #include <pwd.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 #include "filterjob.h"
@@ -80,15 +82,62 @@ TEST(UserOptionFiles, CountWhenTheyBelongToTheUser) {
   EXPECT_EQ(Joined(ReadUserOptions(path, "host!" + OwnName()).settings), "*A=1;");
 }
 
+// Reads as the spooler does, which is not root.
+OptionFile ReadUnprivileged(const std::string &path, const std::string &user) {
+  const uid_t self = geteuid();
+  EXPECT_EQ(seteuid(self == 0 ? getpwnam("nobody")->pw_uid : self), 0);
+  OptionFile file = ReadUserOptions(path, user);
+  EXPECT_EQ(seteuid(self), 0);
+  return file;
+}
+
+void GiveTo(const char *user, const std::string &path) {
+  if (geteuid() == 0) {
+    ASSERT_EQ(lchown(path.c_str(), getpwnam(user)->pw_uid, 0), 0);
+  }
+}
+
 TEST(UserOptionFiles, DoNotCountWhenTheyBelongToAnotherUser) {
   const TemporaryDirectory directory;
-  const std::string path = directory.Write("x:lp1.def", "*A=1\n");
-  if (geteuid() == 0) {
-    ASSERT_EQ(chown(path.c_str(), getpwnam("daemon")->pw_uid, 0), 0);
+  ASSERT_EQ(chmod(directory.Path().c_str(), 0755), 0);
+  for (const mode_t mode : {0644, 0000}) {
+    const std::string path = directory.Write("x:lp1.def", "*A=1\n");
+    GiveTo("daemon", path);
+    ASSERT_EQ(chmod(path.c_str(), mode), 0);
+    const OptionFile file = ReadUnprivileged(path, "bin");
+    EXPECT_TRUE(file.settings.empty());
+    EXPECT_EQ(file.warning, path + ": ignored: it belongs to another user");
+    EXPECT_EQ(file.error, "");
   }
-  const OptionFile file = ReadUserOptions(path, "nobody");
-  EXPECT_TRUE(file.settings.empty());
-  EXPECT_EQ(file.warning, path + ": ignored: it belongs to another user");
+}
+
+TEST(UserOptionFiles, ThatCannotBeOpenedAndAreNoFilesDoNotStopTheJob) {
+  const TemporaryDirectory directory;
+  ASSERT_EQ(chmod(directory.Path().c_str(), 0755), 0);
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  directory.Path("socket").copy(address.sun_path, sizeof address.sun_path - 1);
+  const int socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  ASSERT_EQ(bind(socket, reinterpret_cast<const sockaddr *>(&address), sizeof address), 0);
+  close(socket);
+  ASSERT_EQ(mkdir(directory.Path("directory").c_str(), 0000), 0);
+  for (const char *name : {"socket", "directory"}) {
+    const std::string path = directory.Path(name);
+    GiveTo("daemon", path);
+    const OptionFile file = ReadUnprivileged(path, "bin");
+    EXPECT_EQ(file.warning, path + ": ignored: it is no regular file");
+    EXPECT_EQ(file.error, "");
+  }
+}
+
+TEST(UserOptionFiles, OnesOwnThatCannotBeReadIsAnError) {
+  const TemporaryDirectory directory;
+  ASSERT_EQ(chmod(directory.Path().c_str(), 0755), 0);
+  const std::string path = directory.Write("me:lp1.def", "*A=1\n");
+  GiveTo("nobody", path);
+  ASSERT_EQ(chmod(path.c_str(), 0000), 0);
+  const OptionFile file = ReadUnprivileged(path, geteuid() == 0 ? "nobody" : OwnName());
+  EXPECT_EQ(file.error, path + ": Permission denied");
 }
 
 TEST(UserOptionFiles, AreNotReadThroughASymbolicLink) {
