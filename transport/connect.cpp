@@ -78,13 +78,13 @@ int ConnectOne(const addrinfo &address, const Limits &limits, int stop, Descript
 }
 
 // The addresses of `destination`, or none with `error` set to the resolver's number.
-AddressList LookUp(const Destination &destination, int &error) {
+AddressList LookUp(const Destination &destination, int stop_status, int &error) {
   addrinfo hints{};
   hints.ai_family = AF_UNSPEC;
   hints.ai_socktype = SOCK_STREAM;
   hints.ai_flags = AI_NUMERICSERV;
   addrinfo *found = nullptr;
-  const StopAtOnce stop_at_once;
+  const StopAtOnce stop_at_once(stop_status);
   error = getaddrinfo(destination.address.c_str(), destination.port.c_str(), &hints, &found);
   return {error == 0 ? found : nullptr, &freeaddrinfo};
 }
@@ -100,14 +100,15 @@ ConnectResult NotFound(const Destination &destination, int error) {
 
 }  // namespace
 
-ConnectResult ConnectTo(const Destination &destination, const Limits &limits, int stop) {
+ConnectResult ConnectTo(const Destination &destination, const Limits &limits,
+                        const StopRequest &stop) {
   int error = 0;
-  const AddressList addresses = LookUp(destination, error);
+  const AddressList addresses = LookUp(destination, stop.status, error);
   if (addresses == nullptr) return NotFound(destination, error);
 
   ConnectResult result;
   for (const addrinfo *address = addresses.get(); address != nullptr; address = address->ai_next) {
-    error = ConnectOne(*address, limits, stop, result.socket);
+    error = ConnectOne(*address, limits, stop.descriptor, result.socket);
     if (error == ECANCELED) {
       result.end = ConnectEnd::kStopped;
       return result;

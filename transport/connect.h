@@ -15,7 +15,7 @@ enum class ConnectEnd {
   kConnected,
   kUnreachable,  // refused, no answer, or the name look-up failed for now: worth another attempt
   kUnknownName,  // the name services know no such name
-  kStopped,      // `stop` became readable
+  kStopped,      // the stop request came
 };
 
 struct ConnectResult {
@@ -25,5 +25,11 @@ struct ConnectResult {
   std::string reason;  // in words, for kUnreachable and kUnknownName
 };
 
+struct StopRequest {
+  int descriptor = -1;  // lent: readable when the run shall end; -1: never
+  int status = 0;       // the process's exit status when a signal ends it during the look-up
+};
+
 // Tries every address of `destination` in the resolver's order until one accepts.
-ConnectResult ConnectTo(const Destination &destination, const Limits &limits, int stop);
+ConnectResult ConnectTo(const Destination &destination, const Limits &limits,
+                        const StopRequest &stop);

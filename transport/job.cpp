@@ -39,6 +39,7 @@ class Carrier {
   std::optional<Outcome> PauseAndRetry(const std::string &failure);
   Outcome GiveUp(const std::string &failure) const;
   Outcome Stopped() const;
+  Outcome Undone() const { return taken_ ? Outcome::kInDoubt : Outcome::kTryLater; }
 
   const Destination &destination_;
   JobInput input_;
@@ -49,6 +50,7 @@ class Carrier {
 
   int failures_ = 0;
   int restarts_ = 0;
+  bool taken_ = false;  // the printer took the job or a part of it, in this attempt or before
   Clock::time_point first_failure_;
 };
 
@@ -74,13 +76,15 @@ std::string Bytes(std::uint64_t count) {
 }
 
 Outcome Carrier::GiveUp(const std::string &failure) const {
-  report_.Say(failure + "; giving up for now, the job should stay in the queue");
-  return Outcome::kTryLater;
+  report_.Say(failure + (taken_
+                             ? "; giving up: the printer may have printed the job or a part of it"
+                             : "; giving up for now, the job should stay in the queue"));
+  return Undone();
 }
 
 Outcome Carrier::Stopped() const {
   report_.Say("stopped by a signal");
-  return Outcome::kStopped;
+  return Undone();
 }
 
 std::optional<Outcome> Carrier::AwaitJob() {
@@ -118,8 +122,7 @@ std::optional<Outcome> Carrier::PauseAndRetry(const std::string &failure) {
 std::optional<Outcome> Carrier::AfterBreak(const SendResult &sent, bool at_once) {
   if (sent.whole_job && !at_once) {
     return GiveUp("the printer took all " + Bytes(sent.acknowledged) +
-                  " but the connection did not end in order (" + sent.reason +
-                  "); it may have printed the job");
+                  " but the connection did not end in order (" + sent.reason + ")");
   }
   const std::string failure = "the connection to " + name_ + " broke after " +
                               Bytes(sent.acknowledged) + " (" + sent.reason + ")";
@@ -138,6 +141,7 @@ std::optional<Outcome> Carrier::Send(const ConnectResult &link) {
               (link.peer == destination_.address ? "" : " at " + link.peer));
   const auto connected = Clock::now();
   const SendResult sent = SendJob(link.socket.get(), input_, limits_, report_, stop_);
+  if (sent.acknowledged > 0) taken_ = true;
   if (sent.sent_back > 0) {
     report_.Say("the printer sent back " + Bytes(sent.sent_back) + ", which were not kept");
   }
@@ -159,7 +163,7 @@ std::optional<Outcome> Carrier::Send(const ConnectResult &link) {
 }
 
 std::optional<Outcome> Carrier::Attempt() {
-  const ConnectResult link = ConnectTo(destination_, limits_, stop_);
+  const ConnectResult link = ConnectTo(destination_, limits_, {stop_, static_cast<int>(Undone())});
   switch (link.end) {
     case ConnectEnd::kConnected:
       return Send(link);

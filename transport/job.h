@@ -1,15 +1,19 @@
 // Carrying one job to the printer, with as many attempts as it takes and is allowed.
 #pragma once
 
+#include <sysexits.h>
+
 #include "connect.h"
 #include "report.h"
 #include "transferlimits.h"
 
+// The values are exit statuses. A run that is stopped ends with kTryLater or kInDoubt too: what
+// counts for the spooler is whether sending the job again may print anything twice.
 enum class Outcome {
-  kAccepted,         // the printer has the whole job (or there was none) and closed in order
-  kTryLater,         // not carried, or not surely; the job should stay in the queue
-  kInputUnreadable,  // the job's data could not be read
-  kStopped,          // `stop` became readable
+  kAccepted = EX_OK,        // the printer has the whole job (or there was none), closed in order
+  kTryLater = EX_TEMPFAIL,  // the printer took nothing: the job can be sent again
+  kInDoubt = EX_PROTOCOL,   // it took the job, or a part, and the end of it is not known
+  kInputUnreadable = EX_IOERR,  // the job's data could not be read
 };
 
 // Sends the data of `input` (lent, read from its current position) to `destination`. `stop` is

@@ -25,10 +25,16 @@ std::optional<int> NumberUpTo(std::string_view text, int greatest) {
   return number;
 }
 
+// The address without the brackets that an IPv6 address has where a port follows it.
+std::string_view Address(std::string_view argument) {
+  if (argument.size() < 2 || argument.front() != '[' || argument.back() != ']') return argument;
+  return argument.substr(1, argument.size() - 2);
+}
+
 // What is wrong with the arguments, or an empty text when nothing is.
 std::string Mistake(int count, char **arguments) {
   if (count < 3 || count > 4) return "two or three arguments are needed";
-  const std::string_view address = arguments[1];
+  const std::string_view address = Address(arguments[1]);
   if (address.empty()) return "the address is empty";
   // Left out in a script, the address would be the port's number, which the resolver takes for
   // a short form of an IPv4 address.
@@ -57,20 +63,6 @@ bool FillStandardDescriptors() {
   return has_input;
 }
 
-int Status(Outcome outcome, const StopSignals &signals) {
-  switch (outcome) {
-    case Outcome::kAccepted:
-      return EX_OK;
-    case Outcome::kTryLater:
-      return EX_TEMPFAIL;
-    case Outcome::kInputUnreadable:
-      return EX_IOERR;
-    case Outcome::kStopped:
-      break;
-  }
-  return 128 + signals.signal();
-}
-
 }  // namespace
 
 int main(int count, char **arguments) {
@@ -90,6 +82,7 @@ int main(int count, char **arguments) {
       count == 4 ? NumberUpTo(arguments[3], kGreatestSpeed) : std::nullopt;
   Limits limits;
   limits.usual_pause = UsualPause(speed.value_or(kDefaultSpeed));
-  const Destination destination{arguments[1], arguments[2]};
-  return Status(CarryJob(destination, STDIN_FILENO, limits, report, signals.descriptor()), signals);
+  const Destination destination{std::string(Address(arguments[1])), arguments[2]};
+  return static_cast<int>(
+      CarryJob(destination, STDIN_FILENO, limits, report, signals.descriptor()));
 }

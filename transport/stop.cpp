@@ -9,19 +9,19 @@
 
 namespace {
 
-volatile sig_atomic_t L_signal = 0;
 volatile sig_atomic_t L_at_once = 0;
+volatile sig_atomic_t L_status = 0;
 std::array<int, 2> L_pipe = {-1, -1};
 
 // Runs as a signal handler: only calls that may be made from one.
-void TakeSignal(int number) {
+void TakeSignal(int) {
   if (L_at_once != 0) {
-    constexpr char kText[] = "kpxnbtrans: stopped by a signal; nothing was sent\n";
+    constexpr char kText[] =
+        "kpxnbtrans: stopped by a signal while looking up the printer's name\n";
     [[maybe_unused]] const ssize_t count = write(STDERR_FILENO, kText, sizeof kText - 1);
-    _exit(128 + number);
+    _exit(L_status);
   }
   const int saved = errno;
-  if (L_signal == 0) L_signal = number;
   [[maybe_unused]] const ssize_t count = write(L_pipe[1], "", 1);
   errno = saved;
 }
@@ -48,8 +48,9 @@ StopSignals::StopSignals() {
 
 int StopSignals::descriptor() const { return L_pipe[0]; }
 
-int StopSignals::signal() const { return L_signal; }
-
-StopAtOnce::StopAtOnce() { L_at_once = 1; }
+StopAtOnce::StopAtOnce(int status) {
+  L_status = status;
+  L_at_once = 1;
+}
 
 StopAtOnce::~StopAtOnce() { L_at_once = 0; }

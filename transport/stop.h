@@ -11,15 +11,13 @@ class StopSignals {
 
   // Readable from the first signal on, for poll; nobody reads from it. -1 when it cannot be had.
   int descriptor() const;
-  // The first signal's number, 0 before it came.
-  int signal() const;
 };
 
-// While one lives, a signal ends the process at once, with a word on standard error and the status
-// 128 + signal: for calls that cannot be woken, such as the name look-up, with nothing to tidy up.
+// While one lives, a signal ends the process at once, with a word on standard error and `status`:
+// for calls that cannot be woken, such as the name look-up, with nothing to tidy up.
 class StopAtOnce {
  public:
-  StopAtOnce();
+  explicit StopAtOnce(int status);
   ~StopAtOnce();
   StopAtOnce(const StopAtOnce &) = delete;
   StopAtOnce &operator=(const StopAtOnce &) = delete;

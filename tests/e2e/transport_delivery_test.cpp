@@ -124,11 +124,13 @@ TEST(Delivery, APipeThatDoesNotBlockIsWaitedFor) {
   ExpectWhole(received.get(), 5 * kMillion);
 }
 
-TEST(Delivery, APrinterAtAnIpv6AddressIsReached) {
-  Listener printer("::1");
-  auto received = TakeOneJob(printer.Listen());
-  ExpectTaken(RunTransport({"::1", printer.port(), "120"}, TestFile(1000)), 1000);
-  ExpectWhole(received.get(), 1000);
+TEST(Delivery, APrinterAtAnIpv6AddressIsReachedWithAndWithoutBrackets) {
+  for (const char *address : {"::1", "[::1]"}) {
+    Listener printer("::1");
+    auto received = TakeOneJob(printer.Listen());
+    ExpectTaken(RunTransport({address, printer.port(), "120"}, TestFile(1000)), 1000);
+    ExpectWhole(received.get(), 1000);
+  }
 }
 
 // Host names of the test's own, in a mount namespace of its own.
