@@ -70,13 +70,27 @@ TEST(BridgeFailures, AFailingScriptHoldsTheJobWhichPrintsWholeWhenReleased) {
   log.WaitFor("Backend returned status 3 (hold job)");
   EXPECT_TRUE(queue.Keeps(job));
   EXPECT_NE(std::string::npos, queue.State().find("is idle")) << queue.State();
-  EXPECT_NE(std::string::npos, log.Text().find("ended with status 1; the job is held"));
+  EXPECT_NE(std::string::npos,
+            log.Text().find("script failed without a word; the job is held (status 1)"));
 
   SetStatus(0);
   EXPECT_EQ(0, RunProgram({"/usr/bin/lp", "-i", "lp1-" + job, "-H", "resume"}).status);
   log.WaitFor("[Job " + job + "] Job completed.");
   ASSERT_EQ(2u, queue.Calls().size());
   EXPECT_EQ((Strings{"one\n", "two\n"}), queue.Calls()[1].contents);
+}
+
+TEST(BridgeFailures, AHeldJobTellsItsUserWhy) {
+  const TestQueue queue("lp1");
+  queue.Append("echo 'no font Büro%s' >&2\nprintf '50%% is \"missing\"\\n\\n' >&2\nexit 7\n");
+  SchedulerLog log;
+  queue.Print({}, "data");
+  log.WaitFor("Backend returned status 3 (hold job)");
+  EXPECT_NE(std::string::npos,
+            log.Text().find("Set job-printer-state-message to \"no font Büro%s\""));
+  const std::string state = RunProgram({"lpstat", "-l", "-p", "lp1"}).output;
+  EXPECT_NE(std::string::npos, state.find("50% is \"missing\"; the job is held (status 7)\n"))
+      << state;
 }
 
 TEST(BridgeFailures, AHeldJobDoesNotStopTheNextOne) {
@@ -92,12 +106,13 @@ TEST(BridgeFailures, AHeldJobDoesNotStopTheNextOne) {
 
 TEST(BridgeFailures, APrinterFaultStopsTheQueueUntilItIsEnabled) {
   const TestQueue queue("lp1");
-  queue.Record(SetStatus(129));
+  queue.Record("echo 'lamp is broken' >&2\n" + SetStatus(129));
   SchedulerLog log;
   const std::string job = queue.Print({}, "data");
   log.WaitFor("Backend returned status 4 (stop printer)");
   EXPECT_TRUE(queue.Keeps(job));
   EXPECT_NE(std::string::npos, queue.State().find("disabled")) << queue.State();
+  EXPECT_NE(std::string::npos, log.Text().find("lamp is broken; the queue lp1 stops until"));
 
   SetStatus(0);
   EXPECT_EQ(0, RunProgram({"/usr/bin/enable", "lp1"}).status);
@@ -130,6 +145,22 @@ TEST(BridgeFailures, AnUnreachablePrinterGetsTheJobOnceItCanBeReached) {
   const std::string script = ContentOf(queue.ScriptPath());
   std::ofstream(queue.ScriptPath()) << WithNetworkAddress(script, "127.0.0.1").value();
   EXPECT_EQ("one\ntwo\n", printed.Next());
+  log.WaitFor("[Job " + job + "] Job completed.");
+}
+
+TEST(BridgeFailures, AJobThatComesBeforeTheQueueIsSetUpCompletelyPrintsOnceItIs) {
+  const TestQueue queue("lp1");
+  PrintedJobs printed;
+  SchedulerLog log;
+  const std::string job = queue.Print({}, "early");
+  log.WaitFor("The job is kept and tried again");
+  EXPECT_TRUE(queue.Keeps(job));
+  const std::string state = RunProgram({"lpstat", "-l", "-p", "lp1"}).output;
+  EXPECT_NE(std::string::npos, state.find("was not set up completely; add it again in KPXadmin"))
+      << state;
+
+  queue.Append(Block("raw", "127.0.0.1"));
+  EXPECT_EQ("early", printed.Next());
   log.WaitFor("[Job " + job + "] Job completed.");
 }
 

@@ -1,0 +1,90 @@
+// Printers that break connections after they took a job or a part of it: it is printed a bounded
+// number of times and then left to its user.
+#include <gtest/gtest.h>
+#include <poll.h>
+
+#include <atomic>
+#include <thread>
+
+#include "interfacescript.h"
+#include "loopback.h"
+#include "spooler.h"
+#include "transferlimits.h"
+
+namespace {
+
+// Not that of the sandbox's printer.
+constexpr char kAddress[] = "127.0.0.2";
+constexpr std::uint16_t kPort = 2501;
+
+// Takes up to `limit` bytes of every job and then resets the connection.
+class ResettingPrinter {
+ public:
+  explicit ResettingPrinter(std::uint64_t limit)
+      : listener_(kAddress, kPort), over_(MakePipe()), thread_([this, limit] { Serve(limit); }) {}
+  ~ResettingPrinter() { over_.writing = Descriptor(); }
+  ResettingPrinter(const ResettingPrinter &) = delete;
+  ResettingPrinter &operator=(const ResettingPrinter &) = delete;
+
+  int jobs() const { return jobs_; }
+
+ private:
+  void Serve(std::uint64_t limit) {
+    listener_.Listen();
+    for (;;) {
+      pollfd waited[] = {{listener_.socket(), POLLIN, 0}, {over_.reading.get(), POLLIN, 0}};
+      poll(waited, 2, -1);
+      if (waited[1].revents != 0) return;
+      Descriptor connection = listener_.Accept();
+      ++jobs_;
+      Receive(connection.get(), limit);
+      Reset(std::move(connection));
+    }
+  }
+
+  std::atomic<int> jobs_ = 0;
+  Listener listener_;
+  Pipe over_;
+  std::jthread thread_;
+};
+
+std::string RawBlock() {
+  return InterfaceBlockText({.queue_type = "raw",
+                             .ppd_path = "",
+                             .def_path = "",
+                             .address = kAddress,
+                             .transport_parameter = "120"});
+}
+
+// Prints and waits until the job is held.
+void ExpectHeld(const TestQueue &queue, const std::string &data) {
+  queue.Append(RawBlock());
+  SchedulerLog log;
+  const std::string job = queue.Print({}, data);
+  log.WaitFor("Backend returned status");
+  EXPECT_NE(std::string::npos, log.Text().find("Backend returned status 3 (hold job)"))
+      << log.Text();
+  EXPECT_TRUE(queue.Keeps(job));
+  const std::string state = RunProgram({"lpstat", "-l", "-p", queue.name()}).output;
+  EXPECT_NE(std::string::npos, state.find("may have printed the job or a part of it; the job is "
+                                          "held (status 76)\n"))
+      << state;
+}
+
+}  // namespace
+
+TEST(BridgeDoubt, AJobThatThePrinterTookBeforeItResetIsHeldAfterAFewCopies) {
+  const ResettingPrinter printer(UINT64_MAX);
+  const TestQueue queue("lp1");
+  ExpectHeld(queue, "a small job\n");
+  EXPECT_GE(printer.jobs(), 1);
+  EXPECT_LE(printer.jobs(), 1 + Limits{}.restarts);
+}
+
+TEST(BridgeDoubt, AJobOfWhichThePrinterTookAPartIsHeldWhenItCannotBeReadAgain) {
+  // More than the transport keeps.
+  const ResettingPrinter printer(4'000'000);
+  const TestQueue queue("lp1");
+  ExpectHeld(queue, TestData(12'000'000));
+  EXPECT_EQ(printer.jobs(), 1);
+}
