@@ -62,17 +62,17 @@ std::string FilterJob(const FilterArguments &arguments) {
                              DecodeLine(arguments.user)};
   JobSource source = DescriptorSource(STDIN_FILENO);
   JobSink sink = DescriptorSink(STDOUT_FILENO);
+  std::string warning;
   if (arguments.type == "postscript") {
-    FilterPostScript(settings, identity, &source, &sink);
+    warning = FilterPostScript(settings, identity, &source, &sink);
   } else if (arguments.type == "text") {
     problem = FilterText(settings, identity, &source, &sink);
   } else if (arguments.type == "pcl6") {
-    if (!FilterPcl(settings, identity, &source, &sink)) {
-      Warn("one copy only: the printer description gives no way to ask for more");
-    }
+    warning = FilterPcl(settings, identity, &source, &sink);
   } else {
     return "\"" + arguments.type + "\" is no job type (postscript, text, pcl6)";
   }
+  if (!warning.empty()) Warn(warning);
   if (source.Error() != 0) return Describe("standard input", source.Error());
   if (sink.Error() != 0) return Describe("standard output", sink.Error());
   return problem;

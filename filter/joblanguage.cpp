@@ -176,9 +176,17 @@ std::string JobControlHeader(const JobSettings &settings, const JobIdentity &ide
   return header + "@PJL ENTER LANGUAGE=" + std::string(language) + "\n";
 }
 
-JobControl TakeJobControl(JobSource *source) {
+bool EntersPostScript(const JobControl &control) {
+  return control.language.starts_with("POSTSCRIPT");
+}
+
+JobControl PeekJobControl(JobSource *source) {
   const std::string_view start = source->Peek(JobSource::kCapacity);
-  JobControl control = ReadJobControl(start, start.size() < JobSource::kCapacity);
+  return ReadJobControl(start, start.size() < JobSource::kCapacity);
+}
+
+JobControl TakeJobControl(JobSource *source) {
+  JobControl control = PeekJobControl(source);
   source->Skip(control.length);
   return control;
 }

@@ -34,6 +34,12 @@ JobControl ReadJobControl(std::string_view start, bool whole);
 std::string JobControlHeader(const JobSettings &settings, const JobIdentity &identity,
                              const std::string &job_commands, std::string_view language);
 
+// Whether the job control enters PostScript.
+bool EntersPostScript(const JobControl &control);
+
+// The job control at the front of `source`, which keeps it.
+JobControl PeekJobControl(JobSource *source);
+
 // Takes the job control at the front of `source` off it.
 JobControl TakeJobControl(JobSource *source);
 

@@ -2,6 +2,8 @@
 
 #include <string_view>
 
+#include "postscript.h"
+
 namespace {
 
 // The language of the data: a PCL XL stream begins with its binding and "HP-PCL XL".
@@ -12,21 +14,26 @@ std::string_view LanguageOf(std::string_view data) {
 
 }  // namespace
 
-bool FilterPcl(const JobSettings &settings, const JobIdentity &identity, JobSource *source,
-               JobSink *sink) {
-  const bool controlled = settings.Model().pjl;
-  if (controlled) {
-    const JobControl control = TakeJobControl(source);
-    if (!source->Peek(1).empty()) {
-      const std::string_view data_language = LanguageOf(source->Peek(16));
-      sink->Write(JobControlHeader(settings, identity, control.settings,
-                                   control.language.empty() ? data_language : control.language));
-      source->CopyRest(sink);
-      sink->Write(JobControlTrailer(settings.Model()));
-    }
-  } else {
+std::string FilterPcl(const JobSettings &settings, const JobIdentity &identity, JobSource *source,
+                      JobSink *sink) {
+  if (!settings.Model().pjl) {
     source->CopyRest(sink);
+    sink->Flush();
+    return settings.Copies() == 1
+               ? ""
+               : "one copy only: the printer description gives no way to ask for more";
+  }
+  if (EntersPostScript(PeekJobControl(source))) {
+    return FilterPostScript(settings, identity, source, sink);
+  }
+  const JobControl control = TakeJobControl(source);
+  if (!source->Peek(1).empty()) {
+    const std::string_view data_language = LanguageOf(source->Peek(16));
+    sink->Write(JobControlHeader(settings, identity, control.settings,
+                                 control.language.empty() ? data_language : control.language));
+    source->CopyRest(sink);
+    sink->Write(JobControlTrailer(settings.Model()));
   }
   sink->Flush();
-  return controlled || settings.Copies() == 1;
+  return {};
 }

@@ -1,12 +1,15 @@
 // A PCL job on its way through.
 #pragma once
 
+#include <string>
+
 #include "joblanguage.h"
 #include "jobsettings.h"
 #include "jobsource.h"
 
 // Copies the job's data unchanged. For a printer that knows PJL the job control is put around it
-// (the job's own merged in); for another one nothing is added. Failures show in `source` and
-// `sink`. Returns whether the number of copies reaches the printer.
-bool FilterPcl(const JobSettings &settings, const JobIdentity &identity, JobSource *source,
-               JobSink *sink);
+// (the job's own merged in), and a job whose control enters PostScript is filtered as such; for
+// another one nothing is added. Failures show in `source` and `sink`. Returns an empty text, or a
+// warning: what of the settings does not reach the printer.
+std::string FilterPcl(const JobSettings &settings, const JobIdentity &identity, JobSource *source,
+                      JobSink *sink);

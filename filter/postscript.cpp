@@ -38,20 +38,49 @@ bool IsHeaderComment(std::string_view line) {
          !line.starts_with("%%Trailer") && !line.starts_with("%%EOF");
 }
 
-// Whether a mark that ends a prolog without frame lies ahead in the same document. What an included
-// document or counted data holds says nothing about this one, so these end the search.
-bool PrologEndsAhead(JobSource *source) {
-  std::string_view ahead = source->Peek(JobSource::kCapacity / 2);
-  ahead = ahead.substr(0, ahead.find(kUel));
+// What the rest of a document shows of a mark.
+enum class Ahead {
+  Marked,   // it is there
+  Unseen,   // it is not in the part that can be seen
+  Missing,  // the document ends without it
+};
+
+// Looks ahead for a mark that ends a prolog or, when `block_end` is not empty, begins so. What an
+// included document or counted data holds says nothing about this one, so these end the search.
+Ahead LookAhead(JobSource *source, std::string_view block_end) {
+  constexpr size_t kSeen = JobSource::kCapacity / 2;
+  std::string_view ahead = source->Peek(kSeen);
+  const size_t next_document = ahead.find(kUel);
+  const bool whole = ahead.size() < kSeen || next_document != std::string_view::npos;
+  ahead = ahead.substr(0, next_document);
   for (bool begins_line = source->NextBeginsLine(); !ahead.empty(); begins_line = true) {
     const auto begins = [&](std::string_view mark) { return ahead.starts_with(mark); };
     if (begins_line && std::any_of(std::begin(kPrologEnds), std::end(kPrologEnds), begins)) {
-      return true;
+      return Ahead::Marked;
     }
-    if (begins_line && std::any_of(std::begin(kForeign), std::end(kForeign), begins)) return false;
+    if (begins_line && !block_end.empty() &&
+        SameKeyword(ahead.substr(0, block_end.size()), block_end)) {
+      return Ahead::Marked;
+    }
+    if (begins_line && std::any_of(std::begin(kForeign), std::end(kForeign), begins)) {
+      return Ahead::Unseen;
+    }
     ahead.remove_prefix(std::min(ahead.find_first_of("\r\n"), ahead.size() - 1) + 1);
   }
-  return false;
+  return whole ? Ahead::Missing : Ahead::Unseen;
+}
+
+// "%%End<name>" of a line "%%Begin<name>...".
+std::string BlockEnd(std::string_view line) {
+  constexpr std::string_view kBegin = "%%Begin";
+  line.remove_prefix(kBegin.size());
+  return "%%End" + std::string(line.substr(0, line.find_first_of(": \t\r\n")));
+}
+
+// Whether `line` is a mark of counted data, which is copied by its count: no block of its own.
+bool IsDataMark(std::string_view line) {
+  return line.starts_with("%%BeginBinary") || line.starts_with("%%BeginData") ||
+         line.starts_with("%%EndBinary") || line.starts_with("%%EndData");
 }
 
 // Copies one document; ends at the end of the job or before a language switch.
@@ -60,17 +89,23 @@ class DocumentFilter {
   DocumentFilter(const PpdModel &model, const DocumentCode &code, JobSource *source, JobSink *sink)
       : model_(model), code_(code), source_(source), sink_(sink) {}
 
-  void Run();
+  // Returns whether the code is in front of what it is for, as far as can be seen.
+  bool Run();
 
  private:
+  void Copy();
   void Unstructured(bool has_first_line);
   void Line(std::string_view line);
   bool Verbatim(std::string_view line);
   void HeaderLine(std::string_view line);
   void PreambleLine(std::string_view line);
+  void BeginProlog(const std::string &line);
+  void BlockLine(std::string_view line);
+  void CodeLine(const std::string &line);
   void PrologLine(std::string_view line);
   void BodyLine(std::string_view line);
   void CountedData(std::string_view line);
+  void StartBody();
   void WriteProlog(bool with_frame);
   void WriteSetup(bool with_frame);
 
@@ -83,10 +118,18 @@ class DocumentFilter {
   int blocks_ = 0;     // depth of other Begin/End pairs in the preamble
   bool prolog_written_ = false;
   bool loose_prolog_ = false;  // prolog code without a frame goes on
+  bool late_ = false;          // the code came behind what may be pages
   bool page_pending_ = false;  // the page setup code of the present page is still to come
 };
 
-void DocumentFilter::Run() {
+bool DocumentFilter::Run() {
+  Copy();
+  const bool open = place_ == Place::Prolog || blocks_ > 0 || loose_prolog_;
+  const bool has_code = !code_.prolog.empty() || !code_.setup.empty() || !code_.page_setup.empty();
+  return !has_code || (!late_ && (place_ == Place::Body || !open));
+}
+
+void DocumentFilter::Copy() {
   const std::string_view start = source_->Peek(11);
   const bool marked = start.starts_with("%!");
   const bool conforming = start == "%!PS-Adobe-";
@@ -146,10 +189,7 @@ void DocumentFilter::Line(std::string_view line) {
 // Copies included documents and counted data, which are none of ours.
 bool DocumentFilter::Verbatim(std::string_view line) {
   const bool begins = line.starts_with("%%BeginDocument");
-  if (begins && documents_ == 0 && place_ != Place::Body && place_ != Place::Prolog) {
-    WriteProlog(true);
-    WriteSetup(true);
-  }
+  if (begins && documents_ == 0 && place_ != Place::Body && place_ != Place::Prolog) StartBody();
   if (begins) ++documents_;
   if (line.starts_with("%%BeginBinary:") || line.starts_with("%%BeginData:")) {
     CountedData(line);
@@ -175,6 +215,8 @@ void DocumentFilter::CountedData(std::string_view line) {
   } else {
     source_->CopyBytes(count, sink_);
   }
+  // A count that takes the rest of the job is wrong.
+  late_ = late_ || (place_ != Place::Body && source_->Peek(1).empty());
 }
 
 void DocumentFilter::HeaderLine(std::string_view line) {
@@ -190,39 +232,70 @@ void DocumentFilter::HeaderLine(std::string_view line) {
 void DocumentFilter::PreambleLine(std::string_view line) {
   const std::string_view text = WithoutEnd(line);
   if (text.starts_with("%%BeginProlog")) {
-    sink_->Write(line);
-    WriteProlog(false);
-    place_ = Place::Prolog;
-    loose_prolog_ = false;
+    BeginProlog(std::string(line));
   } else if (text.starts_with("%%BeginSetup")) {
     WriteProlog(true);
     sink_->Write(line);
     WriteSetup(false);
-  } else if (text.starts_with("%%Page:") || text.starts_with("%%Trailer") ||
-             text.starts_with("%%EOF")) {
+  } else if (text.starts_with("%%Page:")) {
+    WriteProlog(true);
+    WriteSetup(true);
+    BodyLine(line);
+  } else if (text.starts_with("%%Trailer") || text.starts_with("%%EOF")) {
+    late_ = late_ || blocks_ > 0 || loose_prolog_;
     WriteProlog(true);
     WriteSetup(true);
     BodyLine(line);
   } else if (text.starts_with("%%EndProlog")) {
     WriteProlog(false);
     loose_prolog_ = false;
+    blocks_ = 0;
     sink_->Write(line);
   } else if (text.empty() || text.starts_with('%') || blocks_ > 0 || loose_prolog_) {
-    if (text.starts_with("%%Begin")) ++blocks_;
-    if (text.starts_with("%%End") && blocks_ > 0) --blocks_;
+    BlockLine(line);
+  } else {
+    CodeLine(std::string(line));
+  }
+}
+
+void DocumentFilter::BeginProlog(const std::string &line) {
+  if (LookAhead(source_, {}) == Ahead::Missing) {
+    StartBody();
+    BodyLine(line);
+    return;
+  }
+  sink_->Write(line);
+  WriteProlog(false);
+  place_ = Place::Prolog;
+  loose_prolog_ = false;
+}
+
+// A comment, or a line of a block or a prolog without frame.
+void DocumentFilter::BlockLine(std::string_view line) {
+  if (line.starts_with("%%Begin") && !IsDataMark(line)) {
+    const std::string first(line);
+    if (LookAhead(source_, BlockEnd(first)) == Ahead::Missing) {
+      StartBody();
+      BodyLine(first);
+    } else {
+      ++blocks_;
+      sink_->Write(first);
+    }
+    return;
+  }
+  if (line.starts_with("%%End") && !IsDataMark(line) && blocks_ > 0) --blocks_;
+  sink_->Write(line);
+}
+
+// Code without a frame: prolog of an older document, or the document itself.
+void DocumentFilter::CodeLine(const std::string &line) {
+  loose_prolog_ = LookAhead(source_, {}) == Ahead::Marked;
+  if (loose_prolog_) {
+    WriteProlog(false);
     sink_->Write(line);
   } else {
-    // Code without a frame: prolog of an older document, or the document itself.
-    const std::string first(line);
-    loose_prolog_ = PrologEndsAhead(source_);
-    if (loose_prolog_) {
-      WriteProlog(false);
-      sink_->Write(first);
-    } else {
-      WriteProlog(true);
-      WriteSetup(true);
-      BodyLine(first);
-    }
+    StartBody();
+    BodyLine(line);
   }
 }
 
@@ -262,6 +335,13 @@ void DocumentFilter::BodyLine(std::string_view line) {
   sink_->Write(IncludedFeature(model_, text.substr(1, blank - 1), choice));
 }
 
+// Puts all of the code in front of a document that shows no place for it.
+void DocumentFilter::StartBody() {
+  WriteProlog(true);
+  WriteSetup(true);
+  sink_->Write(code_.page_setup);
+}
+
 void DocumentFilter::WriteProlog(bool with_frame) {
   if (prolog_written_ || code_.prolog.empty()) return;
   prolog_written_ = true;
@@ -295,23 +375,26 @@ DocumentCode CodeOfDocument(const JobSettings &settings) {
   return code;
 }
 
-void FilterPostScript(const JobSettings &settings, const JobIdentity &identity, JobSource *source,
-                      JobSink *sink) {
+std::string FilterPostScript(const JobSettings &settings, const JobIdentity &identity,
+                             JobSource *source, JobSink *sink) {
   const DocumentCode code = CodeOfDocument(settings);
+  bool in_place = true;
   // More than one turn for a job that holds several documents with job control between them.
   for (;;) {
     const JobControl control = TakeJobControl(source);
     if (source->Peek(1).empty() || sink->Error() != 0) break;
     if (source->Peek(kUel.size()) == kUel) continue;
-    const bool other = !control.language.empty() && !control.language.starts_with("POSTSCRIPT");
+    const bool other = !control.language.empty() && !EntersPostScript(control);
     sink->Write(JobControlHeader(settings, identity, control.settings,
                                  other ? control.language : "POSTSCRIPT"));
     if (other) {
       source->CopyRest(sink);
     } else {
-      DocumentFilter(settings.Model(), code, source, sink).Run();
+      in_place = DocumentFilter(settings.Model(), code, source, sink).Run() && in_place;
     }
     sink->Write(JobControlTrailer(settings.Model()));
   }
   sink->Flush();
+  return in_place ? ""
+                  : "the job's prolog is not marked as ended: options and copies may not count";
 }

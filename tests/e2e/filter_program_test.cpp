@@ -163,6 +163,17 @@ TEST_F(Filtering, AnUnknownPrinterHasNoPpdAndStillPrints) {
   EXPECT_EQ(run.output, "%!\n[{\n<</NumCopies 2>>setpagedevice\n} stopped cleartomark\nshowpage\n");
 }
 
+TEST_F(Filtering, AJobThatShowsNoPlaceForTheOptionsIsPrintedWithAWarning) {
+  const std::string job = "%!PS-Adobe-3.0\n%%EndComments\n%%BeginProlog\n" +
+                          std::string(100000, '\n') + "showpage\n%%EOF\n";
+  const FilterRun run = Filter(call_, job);
+  EXPECT_EQ(run.status, 0);
+  EXPECT_NE(run.output.find("showpage\n%%EOF\n"), std::string::npos);
+  EXPECT_EQ(
+      run.errors,
+      "kpxfilter: the job's prolog is not marked as ended: options and copies may not count\n");
+}
+
 TEST_F(Filtering, AnUnknownTypeIsAnError) {
   call_.type = "raw";
   const FilterRun run = Filter(call_, "x");

@@ -105,6 +105,15 @@ TEST(RenderedJob, CopiesAreMade) {
   EXPECT_EQ(Render(Filter(Call("*NrCopies=3"), "%!\nshowpage\n").output).pages.size(), 3u);
 }
 
+TEST(RenderedJob, CopiesAreMadeOfAJobWhosePrologNeverEnds) {
+  for (const std::string begin : {"%%BeginProlog\n", "%%BeginProcSet: x\n"}) {
+    const FilterRun run = Filter(Call("*NrCopies=2"), "%!PS-Adobe-3.0 EPSF-3.0\n%%EndComments\n" +
+                                                          begin + "/x 1 def\nshowpage\n%%EOF\n");
+    EXPECT_EQ(run.errors, "");
+    EXPECT_EQ(Render(run.output).pages.size(), 2u);
+  }
+}
+
 TEST(RenderedJob, OptionsReachThePageDevice) {
   const std::string show =
       "%!\ncurrentpagedevice dup /PageSize get == /NumCopies get == showpage\n";

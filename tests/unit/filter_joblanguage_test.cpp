@@ -129,6 +129,30 @@ TEST_F(JobControlText, ThePclJobsOwnLanguageAndCommandsStay) {
   EXPECT_EQ(CountOf(output, "ENTER LANGUAGE"), 1u);
 }
 
+TEST_F(JobControlText, APostScriptJobOfAPclQueueGetsTheCodeOfOne) {
+  Set({{"*NrCopies", "2"}});
+  const std::string job = std::string(kUelText) +
+                          "@PJL SET TONER=1\r\n@PJL ENTER LANGUAGE=POSTSCRIPT\r\n"
+                          "%!PS-Adobe-3.0\n%%EndComments\n%%Page: 1 1\nshowpage\n";
+  const std::string output = RunOver(FilterPcl, settings_, job);
+  EXPECT_EQ(output, RunOver(FilterPostScript, settings_, job));
+  EXPECT_NE(output.find("<</NumCopies 2>>"), std::string::npos);
+}
+
+TEST(PclJob, OneCopyOnlyIsAWarningWhereThePrinterKnowsNoPjl) {
+  const PpdModel plain;
+  JobSettings settings(plain);
+  const auto warning = [&settings] {
+    const std::string job = "data";
+    JobSource source = TextSource(job);
+    JobSink sink([](std::string_view) { return true; });
+    return FilterPcl(settings, {}, &source, &sink);
+  };
+  EXPECT_EQ(warning(), "");
+  settings.Apply({{"*NrCopies", "2"}});
+  EXPECT_EQ(warning(), "one copy only: the printer description gives no way to ask for more");
+}
+
 TEST(PclJob, GoesUnchangedToAPrinterWithoutPjl) {
   const PpdModel plain;
   const JobSettings settings(plain);

@@ -154,6 +154,64 @@ TEST_F(PostScriptJob, AMarkRightBehindTheFirstLineEndsTheProlog) {
   }
 }
 
+// What the job's filtering has to say.
+std::string WarningOf(const JobSettings &settings, const std::string &job) {
+  JobSource source = TextSource(job);
+  JobSink sink([](std::string_view) { return true; });
+  return FilterPostScript(settings, {}, &source, &sink);
+}
+
+TEST_F(PostScriptJob, APrologOrBlockThatNeverEndsGetsTheCodeBeforeIt) {
+  Set({{"*NrCopies", "2"}, {"*Overlay", "True"}, {"*Stamp", "Draft"}});
+  for (const std::string body :
+       {"%%BeginProlog\n/x 1 def\n%%EndDocumentx\n0 0 moveto showpage\n%%Trailer\n%%EOF\n",
+        "%%BeginProcSet: x\n/x 1 def\nshowpage\n%%EOF\n",
+        "%%BeginProcSet: x\n%%BeginFile: y\n%%EndFile\nshowpage\n"}) {
+    const std::string job = "%!PS-Adobe-3.0 EPSF-3.0\n%%EndComments\n" + body;
+    const std::string document = Document(job);
+    EXPECT_TRUE(
+        Outline(document).starts_with("EndComments;BeginProlog;[Overlay]EndProlog;"
+                                      "BeginSetup;" +
+                                      std::string(kSetupCode) + "[copies]EndSetup;[Stamp]"))
+        << document;
+    EXPECT_TRUE(document.ends_with("cleartomark\n" + body)) << document;
+    EXPECT_EQ(WarningOf(settings_, job), "");
+    EXPECT_EQ(RunOver(FilterPostScript, settings_, job, 1),
+              RunOver(FilterPostScript, settings_, job));
+  }
+}
+
+TEST_F(PostScriptJob, ABlockEndsAtItsOwnMarkInAnyCaseOrWithTheProlog) {
+  for (const std::string block :
+       {"%%BeginProcSet: x\n/x 1 def\n%%EndProcset\n",
+        "%%BeginProcSet: x\n%%BeginBinary: 3\nabc\n%%EndBinary\n/x 1 def\n%%EndProcSet\n",
+        "%%BeginProcSet: x\n/x 1 def\n%%EndProlog\n"}) {
+    const std::string start = "%!PS-Adobe-3.0 EPSF-3.0\n%%EndComments\n" + block;
+    const std::string document = Document(start + "showpage\n%%EOF\n");
+    EXPECT_TRUE(document.starts_with(start + "%%BeginSetup\n")) << document;
+    EXPECT_TRUE(document.ends_with("%%EndSetup\nshowpage\n%%EOF\n")) << document;
+  }
+}
+
+TEST_F(PostScriptJob, ALongOneWhoseEndNeverComesIsAWarning) {
+  const std::string lines = std::string(100000, '\n');
+  for (const std::string begin : {"%%BeginProlog\n", "%%BeginProcSet: x\n"}) {
+    const std::string start = "%!PS-Adobe-3.0\n%%EndComments\n" + begin + lines;
+    EXPECT_EQ(WarningOf(settings_, start + "showpage\n%%EOF\n"),
+              "the job's prolog is not marked as ended: options and copies may not count");
+    EXPECT_EQ(WarningOf(settings_, start + "%%EndProlog\n%%Page: 1 1\nshowpage\n%%EOF\n"), "");
+    const PpdModel plain;
+    EXPECT_EQ(WarningOf(JobSettings(plain), start + "showpage\n%%EOF\n"), "");
+  }
+}
+
+TEST_F(PostScriptJob, CountedDataThatTakesTheWholeJobIsAWarning) {
+  const std::string start = "%!PS-Adobe-3.0\n%%EndComments\n%%BeginBinary: ";
+  const std::string rest = "\nabcdef\n%%EndBinary\n%%Page: 1 1\nshowpage\n%%EOF\n";
+  EXPECT_EQ(WarningOf(settings_, start + "6" + rest), "");
+  EXPECT_NE(WarningOf(settings_, start + "99999" + rest), "");
+}
+
 TEST_F(PostScriptJob, BinarySectionsGoThroughByteForByte) {
   std::string bytes = "%%EndBinary\n%%Page: 9 9\n%%BeginSetup\n" + std::string(kUelText);
   for (int i = 0; i < 256; ++i) bytes += static_cast<char>(i);
