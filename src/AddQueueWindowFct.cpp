@@ -1,5 +1,7 @@
 #include "AddQueueWindowFct.h"
 
+#include <string_view>
+
 #include "AddQueueWindow.h"
 #include "AdminWindowFct.h"
 #include "ComboWidget.h"
@@ -17,6 +19,14 @@ namespace {
 
 std::string EntryText(const char *name) {
   return gtk_entry_get_text(GTK_ENTRY(lookup_widget(G_AddQueueWindow_helper->window, name)));
+}
+
+// Where the user mends what the warning tells of.
+GtkWidget *FieldOf(std::string_view warning_key) {
+  const AddQueueWindowHelper &helper = *G_AddQueueWindow_helper;
+  if (warning_key == "KPXadminWarn001") return helper.printer_list;
+  const bool address = warning_key == "KPXadminWarn002";
+  return lookup_widget(helper.window, address ? "AddressEntry" : "QueueEntry");
 }
 
 std::string ComboEntryText(const char *name) {
@@ -81,7 +91,10 @@ int GetAndSaveUserDataAddQueue() {
                        ComboEntryText("QueueTypeCombo"), ComboEntryText("TransportCombo"),
                        EntryText("AddressEntry")};
   const AddQueueResult result = AddQueue(input);
-  if (result.warning_key != nullptr) ShowError(result.warning_key);
+  if (result.warning_key != nullptr) {
+    gtk_widget_grab_focus(FieldOf(result.warning_key));
+    ShowError(result.warning_key);
+  }
   if (!result.added) return 0;
   UnselectAllAndSelectOneInQueuesCList(AddItemInQueuesCListWidget(input.name.c_str()));
   return 1;

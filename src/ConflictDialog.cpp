@@ -79,6 +79,7 @@ void ResolvePressed(GtkButton *button, gpointer) {
   gtk_widget_hide(widget);
   gtk_widget_grab_focus(ok);
   if (!resolved) return;
+  gtk_widget_hide(lookup_widget(ok, "ErrorLabel1"));  // it told of the conflict, which is gone
   ShowResolved(resolved->feature);
   FocusInProperties(PlaceOf(resolved->feature));
 }

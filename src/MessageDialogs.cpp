@@ -20,8 +20,30 @@ namespace {
 constexpr int L_Spacing = 8;
 constexpr size_t L_MessageBuffer = 1023;
 constexpr int L_ErrorWidth = 60;  // characters
+constexpr int L_AroundText = 48;  // pixels of margins, scroll bar and window border beside a text
 
 int L_ExitOrReturn = kReturn;
+
+// Of the longest line, in the widget's font.
+int TextWidth(GtkWidget *widget, const std::string &text) {
+  PangoLayout *layout = gtk_widget_create_pango_layout(widget, text.c_str());
+  int width = 0;
+  pango_layout_get_pixel_size(layout, &width, nullptr);
+  g_object_unref(layout);
+  return width;
+}
+
+void AllowNarrower(GtkWidget *scrolled, gpointer) {
+  gtk_scrolled_window_set_min_content_width(GTK_SCROLLED_WINDOW(scrolled), -1);
+}
+
+// The window opens wide enough to show so much of a scrolled text, as far as the screen has room;
+// once it is open the user may make it narrower.
+void OpenAsWideAs(GtkWidget *scrolled, int width) {
+  gtk_scrolled_window_set_min_content_width(GTK_SCROLLED_WINDOW(scrolled),
+                                            std::min(width, RoomOnScreen().width - L_AroundText));
+  g_signal_connect_after(scrolled, "map", G_CALLBACK(AllowNarrower), nullptr);
+}
 
 std::string LinesOf(const CList *messages) {
   std::string lines;
@@ -107,9 +129,11 @@ GtkWidget *create_HelpWindow(const std::string &text) {
   const LogScope log("create_HelpWindow");
   const Dialog dialog = NewDialog("KPXHelpDialog", "DEF_WND_HELP_TITLE");
   gtk_window_set_default_size(GTK_WINDOW(dialog.window), 480, 360);
-  gtk_box_pack_start(GTK_BOX(dialog.box),
-                     NewScrolledText(dialog.window, "HelpScrolledwindow", "HelpText", text), TRUE,
-                     TRUE, 0);
+  GtkWidget *scrolled = NewScrolledText(dialog.window, "HelpScrolledwindow", "HelpText", text);
+  gtk_box_pack_start(GTK_BOX(dialog.box), scrolled, TRUE, TRUE, 0);
+  GtkWidget *area = lookup_widget(dialog.window, "HelpText");
+  gtk_text_view_set_wrap_mode(GTK_TEXT_VIEW(area), GTK_WRAP_NONE);
+  OpenAsWideAs(scrolled, TextWidth(area, text) + L_AroundText);
   AddOkButton(dialog, "OKButton", nullptr);
   return dialog.window;
 }

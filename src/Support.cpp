@@ -148,6 +148,8 @@ GtkWidget *NewScrolledList(GtkWidget *window, const char *name, GtkWidget *list)
   gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_AUTOMATIC,
                                  GTK_POLICY_AUTOMATIC);
   gtk_scrolled_window_set_shadow_type(GTK_SCROLLED_WINDOW(scrolled), GTK_SHADOW_IN);
+  // A bar that shows only under the pointer would hide that there are more rows.
+  gtk_scrolled_window_set_overlay_scrolling(GTK_SCROLLED_WINDOW(scrolled), FALSE);
   // A window opens wide enough for all columns and tall enough for some rows.
   gtk_scrolled_window_set_propagate_natural_width(GTK_SCROLLED_WINDOW(scrolled), TRUE);
   gtk_scrolled_window_set_min_content_height(GTK_SCROLLED_WINDOW(scrolled), L_ListHeight);

@@ -154,8 +154,10 @@ void ShowQueues() {
   const ToolWindowHelper &helper = *G_QueuesWindow_helper;
   ComboFill(helper.queue_combo, entries);
   ComboSetRow(helper.queue_combo, entries.empty() ? -1 : 0);
-  for (GtkWidget *button : {helper.print_button, helper.lpr_button, helper.properties_button}) {
-    gtk_widget_set_sensitive(button, entries.empty() ? FALSE : TRUE);
+  for (GtkWidget *widget :
+       {helper.queue_combo, helper.print_button, helper.lpr_button, helper.properties_button}) {
+    gtk_widget_set_sensitive(widget, entries.empty() ? FALSE : TRUE);
+    gtk_widget_set_tooltip_text(widget, entries.empty() ? G_Translate("TOOL_NO_QUEUE") : nullptr);
   }
 }
 

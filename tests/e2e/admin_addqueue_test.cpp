@@ -187,6 +187,7 @@ TEST_F(AddQueueDialog, NamesOfTheSpoolerAreTakenWhoeverTheyBelongTo) {
   app.FillAddQueue({.name = "foreign"});
   app.Click("AddQueueWindow/OKButton");
   app.ExpectErrorBox("KPXadminWarn004");
+  EXPECT_EQ("AddQueueWindow/QueueEntry", app.Focus());
   for (const char *taken : {"mine", "foreign"}) {
     app.TypeInto("QueueEntry", taken);
     app.Click("ApplyButton");

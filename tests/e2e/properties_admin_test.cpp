@@ -157,6 +157,9 @@ TEST_F(AdminProperties, AConflictKeepsTheWindowOpenAndCanBeSetRight) {
       app.Text("ErrorLabel2"));
   app.Click("ErrorDialog/ResolveButton");
   EXPECT_EQ("\"Two-sided printing\" has been set to \"One-sided\".", app.Text("ErrorLabel2"));
+  for (const std::string &shown : app.ShownTexts()) {
+    EXPECT_FALSE(shown.ends_with("\t" + CatalogueText("CONSTR_Dlg_Label"))) << shown;
+  }
   app.Key("Return");
   app.WaitGone("ErrorDialog");
   EXPECT_EQ("Transparencies", ShownOption(app, "PaperType"));

@@ -83,6 +83,21 @@ TEST_F(MessageDialogs, TheHelpBoxShowsTheBlock) {
   ShowAndCloseWithReturn(dialog, "KPXHelpDialog");
 }
 
+TEST_F(MessageDialogs, TheHelpBoxIsAsWideAsItsLongestLineAndBreaksNone) {
+  const std::string line(90, 'w');
+  GtkWidget *dialog = create_HelpWindow("short\n" + line + "\n");
+  gtk_widget_show(dialog);
+  RunPending();
+  GtkWidget *area = lookup_widget(dialog, "HelpText");
+  EXPECT_TRUE(RunUntil([&] { return gtk_widget_get_allocated_width(area) > 90; }));
+  GtkAdjustment *place = gtk_scrolled_window_get_hadjustment(
+      GTK_SCROLLED_WINDOW(lookup_widget(dialog, "HelpScrolledwindow")));
+  EXPECT_GT(gtk_adjustment_get_page_size(place), 480);
+  EXPECT_LE(gtk_adjustment_get_upper(place), gtk_adjustment_get_page_size(place));
+  EXPECT_EQ(GTK_WRAP_NONE, gtk_text_view_get_wrap_mode(GTK_TEXT_VIEW(area)));
+  gtk_widget_destroy(dialog);
+}
+
 TEST_F(MessageDialogs, AMissingHelpBlockShowsItsName) {
   testing::internal::CaptureStderr();
   ShowHelp("KPX_NOWHERE_BEGIN");

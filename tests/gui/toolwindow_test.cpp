@@ -138,6 +138,12 @@ TEST_F(ToolWindow, WithoutQueuesNothingCanBePrinted) {
   EXPECT_EQ("", ComboText(Widget("QueueCombo")));
   EXPECT_FALSE(IsSensitive("PrintButton"));
   EXPECT_FALSE(IsSensitive("LprCommandButton"));
+  EXPECT_FALSE(IsSensitive("QueueCombo"));
+  for (const char *name : {"QueueCombo", "PrintButton"}) {
+    gchar *tip = gtk_widget_get_tooltip_text(Widget(name));
+    EXPECT_EQ(CatalogueText("TOOL_NO_QUEUE"), tip == nullptr ? "" : tip) << name;
+    g_free(tip);
+  }
 }
 
 TEST_F(ToolWindow, DeleteIsInsensitiveWhileNoRowIsSelected) {

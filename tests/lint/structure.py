@@ -3,7 +3,9 @@
 
 Compares the source lists of src/CMakeLists.txt with the tables of docs/ARCHITECTURE.md and with the
 files of src/, and the #include lines with the layers: a module of the core includes neither the
-toolkit nor a module that has windows. Prints one line a fault; ends with 1 when there are any.
+toolkit nor a module that has windows. Looks for headers of one name in two directories, and for
+types of one name that two files define: programs and tests link several of the libraries. Prints
+one line a fault; ends with 1 when there are any.
 
 Usage: structure.py ROOT
 """
@@ -14,6 +16,10 @@ import sys
 
 TOOLKIT = re.compile(r"<(gtk|gdk|gdk-pixbuf|glib|gio|pango|cairo|atk|X11)[/.-]|<(glib-unix|gmodule)\.h>")
 INCLUDE = re.compile(r'^\s*#\s*include\s+(<[^>]+>|"[^"]+")')
+PROGRAMS = ("src", "filter", "transport", "pixmaps", "tests")
+SCOPE = re.compile(r"^(namespace(?: [\w:]+)?) \{|^\}  // namespace")
+TYPE = re.compile(r"^(?:class|struct|union|enum(?: class| struct)?) (\w+)\b(?!.*;$|.*\()|"
+                  r"^(?:class|struct|union|enum(?: class| struct)?) (\w+)\b[^;(]*\{")
 
 
 def subsystem_lists(text):
@@ -90,6 +96,35 @@ def layer_faults(src, core, gui):
                     yield f"src/{path.name}: the core includes {name}, a module with windows"
 
 
+def defined_types(text):
+    """The types that a file defines outside of functions and of namespaces without a name."""
+    scopes = []
+    for line in text.splitlines():
+        scope, found = SCOPE.match(line), TYPE.match(line)
+        if scope and scope.group(1):
+            scopes.append(scope.group(1)[len("namespace"):].strip())
+        elif scope:
+            scopes = scopes[:-1]
+        elif found and "" not in scopes:
+            yield "::".join([*scopes, found.group(1) or found.group(2)])
+
+
+def name_faults(root):
+    headers, types = {}, {}
+    sources = (path for name in PROGRAMS for path in sorted((root / name).rglob("*"))
+               if path.suffix in (".h", ".cpp"))
+    for path in sources:
+        place = str(path.relative_to(root))
+        if path.suffix == ".h":
+            headers.setdefault(path.name, []).append(place)
+        for name in set(defined_types(path.read_text(encoding="utf-8"))):
+            types.setdefault(name, []).append(place)
+    for kind, names in (("header", headers), ("type", types)):
+        for name, places in sorted(names.items()):
+            if len(places) > 1:
+                yield f"{', '.join(places)}: more than one {kind} {name}"
+
+
 def main():
     root = pathlib.Path(sys.argv[1])
     src = root / "src"
@@ -101,7 +136,7 @@ def main():
     if not core or not gui or len(documented) != 12:
         sys.exit("structure.py: the lists or the map cannot be read any more")
     faults = [*map_faults(numbers, documented), *file_faults(src, numbers),
-              *layer_faults(src, core, gui)]
+              *layer_faults(src, core, gui), *name_faults(root)]
     for fault in faults:
         print(fault)
     return 1 if faults else 0

@@ -20,12 +20,20 @@ add_executable(program main.cpp)
 """
 
 SOURCES = {
-    "log.cpp": '#include "log.h"\n#include <gtk/gtk.h>\n',
-    "log.h": '#include "Window.h"\n',
+    "log.cpp": '#include "log.h"\n#include <gtk/gtk.h>\n'
+               "namespace {\nstruct Own {};\n}  // namespace\n",
+    "log.h": '#include "Window.h"\n'
+             "struct Line {\n  int size;\n};\nstruct Later;\nenum class Kind { A };\n",
     "words.cpp": "#include <string>\n",
     "Window.cpp": '#include <gtk/gtk.h>\n#include "log.h"\n',
     "main.cpp": '#include "Window.h"\n',
     "stray.cpp": "",
+}
+
+FILTER = {
+    "log.h": "enum class Kind {\n  B\n};\nstruct Later {};\n"
+             "namespace job {\nstruct Line {};\n}  // namespace job\n",
+    "line.cpp": "struct Own {};\nstruct Line FirstLine();\nclass Line : public Base {\n};\n",
 }
 
 EXPECTED = """docs/ARCHITECTURE.md: subsystem 1 does not show gone
@@ -35,6 +43,9 @@ src/CMakeLists.txt: there is no src/gone.cpp
 src/CMakeLists.txt: stray.cpp is in no list
 src/log.cpp: the core includes the toolkit's gtk/gtk.h
 src/log.h: the core includes Window.h, a module with windows
+src/log.h, filter/log.h: more than one header log.h
+src/log.h, filter/log.h: more than one type Kind
+src/log.h, filter/line.cpp: more than one type Line
 """
 
 
@@ -44,13 +55,15 @@ def main():
     with tempfile.TemporaryDirectory() as name:
         root = pathlib.Path(name)
         (root / "src").mkdir()
+        (root / "filter").mkdir()
         (root / "docs").mkdir()
         (root / "src/CMakeLists.txt").write_text(LISTS)
         (root / "docs/ARCHITECTURE.md").write_text("\n".join(
             f"### {n} Part\n\n| `{modules[n]}` | text |\n" if n in modules else f"### {n} Part\n"
             for n in range(1, 13)))
-        for file, text in SOURCES.items():
-            (root / "src" / file).write_text(text)
+        for directory, files in (("src", SOURCES), ("filter", FILTER)):
+            for file, text in files.items():
+                (root / directory / file).write_text(text)
         run = subprocess.run([checker, root], capture_output=True, text=True, check=False)
     if (run.returncode, run.stdout) != (1, EXPECTED):
         sys.exit(f"status {run.returncode}, expected 1; found:\n{run.stdout}{run.stderr}\n"

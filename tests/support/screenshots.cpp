@@ -37,7 +37,7 @@ constexpr Language kTranslations[] = {{"de_DE.UTF-8", "de/"},
                                       {"pt_BR.UTF-8", "pt_BR/"}};
 
 // The addresses are those kept for examples.
-const std::vector<NewQueue> kQueues = {
+const std::vector<QueueToAdd> kQueues = {
     {"accounts", "Vek Norvel 4110ES", 0, "192.0.2.21"},
     {"drawings", "Vek Norvel 4121", 0, "192.0.2.22"},
     {"notes", "Vek Norvel 4105", 1, "192.0.2.25"},
@@ -78,7 +78,7 @@ class Album {
   void TakePrintTool() {
     GuiApp app(Program("KPXtool"));
     OpenPrintTool(app, "office");
-    for (const char *file : {"/tmp/annual report.ps", "/tmp/floor plan.ps", "/tmp/letter.ps"}) {
+    for (const char *file : {"/tmp/annual-report.ps", "/tmp/floor-plan.ps", "/tmp/letter.ps"}) {
       std::ofstream(file) << "%!PS\nshowpage\n";
       AddFile(app, file);
     }
@@ -167,7 +167,7 @@ class Album {
 void MakeQueues() {
   GuiApp admin({.program = "/usr/bin/KPXadmin"});
   admin.WaitWindow("AdminWindow");
-  for (const NewQueue &queue : kQueues) {
+  for (const QueueToAdd &queue : kQueues) {
     FillNewQueue(admin, queue);
     TakeNewQueue(admin);
   }

@@ -198,6 +198,7 @@ inline constexpr MessageKey kMessageKeys[] = {
     {"PAFNotFoundError", "s"},
     {"SAVE_CREATING", "dds"},
     {"SAVE_REMOVING", "dds"},
+    {"TOOL_NO_QUEUE", ""},
     {"UseAppSetting", ""},
     {"WARN_QUEUE_LIST_RESTORED", "s"},
     {"WARN_QUEUE_SCRIPT_CHANGED", "s"},

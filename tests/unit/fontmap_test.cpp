@@ -168,6 +168,12 @@ TEST_F(FontMap, RandomLinesAreRead) {
       if (random() % 20 == 0) text += static_cast<char>(random());
     }
     Read(text);
+    // Whatever the lines hold: behind every font and style of the table stands a name.
+    for (const auto [font, styles] : Pairs<CHash>(G_Fonts_hash.get())) {
+      EXPECT_FALSE(HashIsEmpty(styles)) << font;
+      for (const auto [style, afm_name] : Pairs<CString>(styles)) {
+        EXPECT_EQ(Afm(font, style), fGet_CString_Value_Function(afm_name));
+      }
+    }
   }
-  SUCCEED() << "no crash, no leak";
 }

@@ -7,3 +7,8 @@ add_test(NAME lint_shell COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/lint/shell ${PROJEC
 add_test(NAME lint_format COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/lint/format ${PROJECT_SOURCE_DIR})
 set_tests_properties(lint_structure lint_structure_checker lint_shell lint_format
                      PROPERTIES LABELS lint)
+if(KPX_LONG)
+  add_test(NAME lint_tidy
+           COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/lint/tidy ${PROJECT_SOURCE_DIR} ${CMAKE_BINARY_DIR})
+  set_tests_properties(lint_tidy PROPERTIES LABELS lint TIMEOUT 3600)
+endif()
