@@ -49,7 +49,7 @@ bool RowIter(GtkWidget *list, int row, GtkTreeIter *iter) {
 std::string TextAt(GtkWidget *list, GtkTreeIter *iter, int model_column) {
   gchar *text = nullptr;
   gtk_tree_model_get(ModelOf(list), iter, model_column, &text, -1);
-  const std::string result = text == nullptr ? "" : text;
+  std::string result = text == nullptr ? "" : text;
   g_free(text);
   return result;
 }

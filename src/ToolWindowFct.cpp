@@ -31,7 +31,7 @@ CSelection *RecordOfRow(int row) {
 // A path as the window can show it: file names may be in any encoding.
 std::string DisplayName(const std::string &path) {
   gchar *name = g_filename_display_name(path.c_str());
-  const std::string shown = name;
+  std::string shown = name;
   g_free(name);
   return shown;
 }

@@ -18,7 +18,7 @@ namespace {
 constexpr size_t L_Piece = 2048;
 constexpr size_t L_MaxErrorText = 1023;
 // Short and fixed on purpose: the tool must never wait at start-up for input that will not come.
-constexpr timespec L_Pause = {.tv_sec = 0, .tv_nsec = 50 * 1000};
+constexpr timespec L_Pause = {.tv_sec = 0, .tv_nsec = 50L * 1000};
 
 bool InputWaits() {
   pollfd input = {.fd = STDIN_FILENO, .events = POLLIN, .revents = 0};

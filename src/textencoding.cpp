@@ -40,6 +40,7 @@ std::string LocaleBytes(std::string_view text) {
   const char *charset = nl_langinfo(CODESET);
   if (std::strcmp(charset, "UTF-8") == 0) return std::string(text);
   iconv_t converter = iconv_open(charset, "UTF-8");
+  // As iconv_open(3) says.  NOLINTNEXTLINE(performance-no-int-to-ptr)
   if (converter == reinterpret_cast<iconv_t>(-1)) return std::string(text);
   std::string in(text);
   std::string result;
