@@ -66,7 +66,7 @@ void ShowMeasure(GtkWidget *spin, GtkWidget *label, int unit, double value, cons
   std::string range_text;
   BuildRange(min.c_str(), max.c_str(), unit, range_text);
   gtk_label_set_text(GTK_LABEL(label), range_text.c_str());
-  const MeasureRange range = RangeIn(unit, min.c_str(), max.c_str());
+  const MeasureRange range = EnterableRange(unit, min.c_str(), max.c_str());
   auto *button = GTK_SPIN_BUTTON(spin);
   gtk_spin_button_set_digits(button, static_cast<guint>(UnitDecimals(unit)));
   gtk_spin_button_set_increments(button, UnitStep(unit), L_PageSteps * UnitStep(unit));

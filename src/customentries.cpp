@@ -1,5 +1,7 @@
 #include "customentries.h"
 
+#include <algorithm>
+
 #include "ccmtparams.h"
 #include "ccpsparams.h"
 #include "cfeature.h"
@@ -10,6 +12,7 @@ namespace {
 
 constexpr int L_MostPapers = 8;
 constexpr int L_MostMedias = 100;
+constexpr double L_LeastMeasure = 1;  // pels
 
 // What a message about a name says, by kind.
 struct NameMessages {
@@ -83,7 +86,8 @@ std::vector<std::string> CustomRow(CustomKind kind, const char *name) {
 }
 
 void AddCustomPaper(const std::string &name, double width, double length) {
-  HashPut(G_QueueCustomPapers_hash, name.c_str(), CreateCpsParams(width, length));
+  HashPut(G_QueueCustomPapers_hash, name.c_str(),
+          CreateCpsParams(std::max(L_LeastMeasure, width), std::max(L_LeastMeasure, length)));
 }
 
 void AddCustomMedia(const std::string &name) {

@@ -49,6 +49,7 @@ CustomButtons CustomButtonsFor(CustomKind kind, int defined, int selected);
 // and in inches.
 std::vector<std::string> CustomRow(CustomKind kind, const char *name);
 
-// Files an entry under `name`. The paper's measures are in pels.
+// Files an entry under `name`. The paper's measures are in pels; what is below 1 counts as 1,
+// because a size of 0 would make the queue list unreadable.
 void AddCustomPaper(const std::string &name, double width, double length);
 void AddCustomMedia(const std::string &name);

@@ -1,5 +1,6 @@
 #include "customsizes.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 
@@ -72,6 +73,12 @@ std::string MeasureText(int unit, double value) {
 MeasureRange RangeIn(int unit, const char *min_pels, const char *max_pels) {
   return {ConvertMetrics(kPels, unit, NumberOf(min_pels)),
           ConvertMetrics(kPels, unit, NumberOf(max_pels))};
+}
+
+MeasureRange EnterableRange(int unit, const char *min_pels, const char *max_pels) {
+  const MeasureRange limits = RangeIn(unit, min_pels, max_pels);
+  const double min = std::max(limits.min, ConvertMetrics(kPels, unit, 1));
+  return {min, std::max(limits.max, min)};
 }
 
 int BuildRange(const char *min_pels, const char *max_pels, int unit, std::string &out) {

@@ -27,12 +27,16 @@ std::string MeasureText(int unit, double value);
 // millimetres. 1.
 int BuildRange(const char *min_pels, const char *max_pels, int unit, std::string &out);
 
-// What a spin button takes: the limits, given in pels, in the unit.
+// Limits, given in pels, in the unit.
 struct MeasureRange {
   double min = 0;
   double max = 0;
 };
 MeasureRange RangeIn(int unit, const char *min_pels, const char *max_pels);
+
+// What a spin button takes between those limits: never less than one pel, since a size without
+// extent would make the queue list unreadable, and never an upturned range.
+MeasureRange EnterableRange(int unit, const char *min_pels, const char *max_pels);
 
 // A limit of the current printer ("MinWidth", "MaxWidth", "MinLength", "MaxLength") in pels, lent;
 // null without it.

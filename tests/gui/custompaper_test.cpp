@@ -1,6 +1,8 @@
 // The dialog of custom paper sizes: names, units, ranges, what OK stores.
 #include "ccpsparams.h"
 #include "customstest.h"
+#include "queuelistreader.h"
+#include "queuelistwriter.h"
 
 namespace {
 
@@ -317,6 +319,34 @@ TEST_F(CustomPaper, TypedMeasuresOutOfRangeAreBroughtBackIntoIt) {
   TypeInto(Dialog().length_spin, "1");
   Key("Return");
   EXPECT_EQ("864 360", Stored("Wide"));
+}
+
+TEST_F(CustomPaper, APrinterWithoutALeastSizeTakesOnePelAndTheListCanBeReadAgain) {
+  CHash *limits = Printer()->custom_paper.get();
+  HashPutText(limits, "MinWidth", "0");
+  HashPutText(limits, "MinLength", "0.3");
+  OpenTab();
+  OpenAdd();
+  EXPECT_EQ("( 0 - 864 pels )", Range(Dialog().width_range));
+  EXPECT_EQ("1 1", Measures());
+  ClickOn(Unit("InchesRadiobutton"));
+  TypeInto(Dialog().width_spin, "0");
+  ClickOn(Unit("MillimetersRadiobutton"));
+  TypeInto(Dialog().length_spin, "0");
+  TypeInto(Dialog().name_entry, "Least");
+  EXPECT_EQ("0.4 0.4", Measures());
+  Key("Return");
+  EXPECT_EQ("1 1", Stored("Least"));
+  ClickOn(Named("OKButton"));
+  ASSERT_EQ(nullptr, G_PropertiesWindow_helper);
+  int left_out = 0;
+  const std::string list = QueueListText(G_Queues_hash, &left_out);
+  EXPECT_NE(std::string::npos,
+            list.find("Least\n#custom_paper_width\n1\n#custom_paper_length\n1\n"))
+      << list;
+  const Owned<CHash> read = CreateHash();
+  EXPECT_FALSE(ReadQueueList(list, read.get()));
+  EXPECT_NE(nullptr, HashFind(read.get(), "lp1"));
 }
 
 TEST_F(CustomPaper, ArrowAndPageKeysStepByTheUnitsStep) {

@@ -186,3 +186,11 @@ TEST_F(CustomEntriesTest, AnAddedEntryIsFiledUnderItsName) {
   ASSERT_NE(nullptr, media);
   EXPECT_EQ("Foil", TextOrNull(fGetGuiName_Function(media)));
 }
+
+TEST_F(CustomEntriesTest, APaperIsNeverFiledWithLessThanOnePel) {
+  AddCustomPaper("Nothing", 0, 0.4);
+  const auto *paper = HashValue<CCpsParams>(G_QueueCustomPapers_hash, "Nothing");
+  ASSERT_NE(nullptr, paper);
+  EXPECT_EQ(1, paper->width);
+  EXPECT_EQ(1, paper->length);
+}

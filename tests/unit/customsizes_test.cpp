@@ -149,6 +149,31 @@ TEST(RangeIn, ConvertsTheLimitsFromPels) {
   EXPECT_DOUBLE_EQ(355.6, range.max);
 }
 
+TEST(EnterableRange, IsThatOfTheLimitsInTheUnit) {
+  const MeasureRange range = EnterableRange(kInches, "288", "1008");
+  EXPECT_DOUBLE_EQ(4, range.min);
+  EXPECT_DOUBLE_EQ(14, range.max);
+}
+
+TEST(EnterableRange, BeginsAtOnePelWhereTheLimitIsLess) {
+  for (const char *limit : {"0", "0.3", "-5", "", "wide"}) {
+    for (const int unit : {kPels, kInches, kMillimetres}) {
+      const MeasureRange range = EnterableRange(unit, limit, "1008");
+      EXPECT_EQ(1, ConvertMetrics(unit, kPels, range.min)) << limit << " in unit " << unit;
+      EXPECT_DOUBLE_EQ(ConvertMetrics(kPels, unit, 1008), range.max);
+    }
+  }
+}
+
+TEST(EnterableRange, IsNeverUpturned) {
+  for (const char *limit : {"0", "0.3", "100"}) {
+    const MeasureRange range = EnterableRange(kPels, "288", limit);
+    EXPECT_EQ(288, range.min);
+    EXPECT_EQ(288, range.max) << limit;
+  }
+  EXPECT_EQ(1, EnterableRange(kPels, "0", "0").max);
+}
+
 TEST(PrinterLimit, ComesFromTheCurrentPrinterAndIsMissingWithoutCustomSizes) {
   const Owned<CPrinter> printer = CreatePrinter("printer.paf");
   SetCurrentPrinter(printer.get());
