@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "cmessages.h"
+#include "debug.h"
 #include "optionstate.h"
 #include "textencoding.h"
 
@@ -95,6 +96,7 @@ std::string PunchMessage(std::string_view punch_unit, const std::string &display
 std::string BuildConstraintMessage(const char *feature1, const char *option1,
                                    const std::string &display1, const char *feature2,
                                    const char *option2, const std::string &display2) {
+  const LogScope log("BuildConstraintMessage");
   const std::string_view one = feature1;
   const std::string_view two = feature2;
   if (one == "*Punch" && two == "*OptionPunch") return PunchMessage(option2, display1, display2);
@@ -125,6 +127,10 @@ std::string ConflictReason(const SettingsConflict &conflict) {
 
 std::string ConflictReason(const char *feature1, const char *option1, const std::string &display1,
                            const char *feature2, const char *option2, const std::string &display2) {
+  // The message of this order is about another pair and lacks a text; the opposite one names both.
+  if (std::string_view(feature1) == "*OptionHCF" && std::string_view(feature2) == "*InputSlot") {
+    return ConflictReason(feature2, option2, display2, feature1, option1, display1);
+  }
   std::string message =
       BuildConstraintMessage(feature1, option1, display1, feature2, option2, display2);
   return message.empty() ? G_Message("CONSTR_Reason", {display1, display2}) : message;

@@ -16,8 +16,9 @@ std::string BuildConstraintMessage(const char *feature1, const char *option1,
 // custom paper or media by its name).
 std::string ConflictMessage(const SettingsConflict &conflict);
 
-// Why a choice conflicts with a setting of the queue, in words for every pair: the message above or
-// else one that names both display texts.
+// Why a choice conflicts with a setting of the queue, in words for every pair: the message above,
+// of the feeder and a paper source always that of ("*InputSlot", "*OptionHCF"), or else one that
+// names both display texts.
 std::string ConflictReason(const SettingsConflict &conflict);
 
 // The same where the display texts are at hand.

@@ -125,6 +125,17 @@ TEST_F(InstallableLists, EveryRowOfAConflictingOptionIsMarkedAndSaysWhy) {
   EXPECT_EQ("", ListTip(available_, 0));
 }
 
+TEST_F(InstallableLists, TheTipOfTheFeederIsAWholeSentenceThatNamesItAndThePaperSource) {
+  Keep({"*OptionHCF"});
+  printer_->Set("*InputSlot", "HCF");
+  G_FillInstallableCLists();
+  ASSERT_EQ(Cells{"!   High-capacity feeder"}, Column(available_));
+  const std::string why = ListTip(available_, 0);
+  EXPECT_NE(std::string::npos, why.find('"' + OptionDisplayText("*InputSlot", "HCF") + '"')) << why;
+  EXPECT_NE(std::string::npos, why.find("high-capacity feeder")) << why;
+  EXPECT_TRUE(why.ends_with(".")) << why;
+}
+
 TEST_F(InstallableLists, RefillingReplacesRowsAndTheirData) {
   G_FillInstallableCLists();
   ListSelectRow(available_, 1);

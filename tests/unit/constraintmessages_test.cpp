@@ -181,4 +181,15 @@ TEST_F(ConstraintMessages, TheReasonOfAnyOtherPairNamesBothTexts) {
   EXPECT_EQ(ConflictReason({"*Jog", "On", "*Duplex", "Long"}), "reason <Offset> <Long edge>");
 }
 
+TEST_F(ConstraintMessages, TheReasonOfFeederAndPaperSourceIsTheSameInBothOrders) {
+  options_.Feature({"*InputSlot", "Auto", {{"HCF", "Feeder tray"}}});
+  options_.Installable({"*OptionHCF", "False", {{"True", "Yes"}, {"False", "No"}}});
+  const std::string reason = "PaperSource_HCF <Feeder tray> <>";
+  EXPECT_EQ(ConflictReason({"*InputSlot", "HCF", "*OptionHCF", "False"}), reason);
+  EXPECT_EQ(ConflictReason({"*OptionHCF", "False", "*InputSlot", "HCF"}), reason);
+  EXPECT_EQ(ConflictMessage({"*OptionHCF", "False", "*InputSlot", "HCF"}),
+            "OutputTray_Staple <Feeder tray> <>")
+      << "the message of a refused OK stays as it is";
+}
+
 }  // namespace

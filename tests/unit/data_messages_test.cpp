@@ -7,6 +7,7 @@
 #include "cmessages.h"
 #include "data_files.h"
 #include "data_message_keys.h"
+#include "textformat.h"
 
 namespace {
 
@@ -62,6 +63,17 @@ TEST_P(ShippedCatalogue, HasTextsThatFitALineAndAreNotEmpty) {
     EXPECT_EQ(line.find('\r'), std::string::npos) << line;
   }
   for (const auto &[key, text] : Catalogue(GetParam())) EXPECT_FALSE(text.empty()) << key;
+}
+
+// One pair of features fills a message for two texts with one of them.
+TEST_P(ShippedCatalogue, HasConstraintMessagesThatAreWholeSentencesThoughATextIsMissing) {
+  for (const auto &[key, text] : Catalogue(GetParam())) {
+    if (!key.starts_with("CONSTR_Dlg_Message_")) continue;
+    const std::string shown = FormatMessage(text, {"ONE"});
+    EXPECT_TRUE(shown.ends_with(".")) << key << ": " << shown;
+    EXPECT_EQ(shown.find(" ."), std::string::npos) << key << ": " << shown;
+    EXPECT_EQ(shown.find(" ,"), std::string::npos) << key << ": " << shown;
+  }
 }
 
 TEST_P(ShippedCatalogue, EndsInALineFeedAndDefinesNoKeyTwice) {
