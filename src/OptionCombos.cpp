@@ -84,11 +84,20 @@ void ShowDependents(const char *feature, const std::string &option) {
   }
 }
 
+void LogFilling(const char *feature) {
+  if (G_DebugLevel == 0) return;  // this runs sixteen times a choice
+  const size_t number = NumberOf(feature);
+  if (number == ListedFeatures().size()) return;
+  Log(3, std::string("Fill the ") + ListedFeatures()[number].name + " Combo");
+}
+
 void FillCombo(GtkWidget *combo, const char *feature, std::optional<SettingsSnapshot> &snapshot) {
+  const LogScope log("G_FillComboWithOptions");
+  LogFilling(feature);
   const std::optional<OptionList> list =
       GetOptionsForFeature(G_PrinterFeatures_hash, feature, snapshot);
   if (!list) {
-    Log(1, std::string("The options_glist is empty for feature >>") + feature + "<<");
+    Log(2, std::string("The options_glist is empty for feature >>") + feature + "<<");
     return;
   }
   std::vector<ComboRow> rows;
@@ -96,7 +105,7 @@ void FillCombo(GtkWidget *combo, const char *feature, std::optional<SettingsSnap
   for (const OptionListRow &row : list->rows) rows.push_back({row.text, row.reason});
   ComboFillRows(combo, rows);
   if (list->current_text.empty() || list->current_option.empty()) {
-    Log(1, std::string("The translation for the default option for feature >>") + feature +
+    Log(2, std::string("The translation for the default option for feature >>") + feature +
                "<< was not founded");
     ComboForgetRow(combo);
   } else {
@@ -175,7 +184,6 @@ GtkWidget *OptionPicture(const char *feature) {
 }
 
 void G_FillComboWithOptions(GtkWidget *combo, GtkWidget *, const char *feature) {
-  const LogScope log("G_FillComboWithOptions");
   std::optional<SettingsSnapshot> snapshot;
   FillCombo(combo, feature, snapshot);
 }

@@ -34,7 +34,7 @@ DefaultsResult SetToDefaults(const std::vector<DefaultRow> &rows) {
   for (const DefaultRow &row : rows) {
     const DefaultResult one = SetToDefault(row.feature);
     if (one == DefaultResult::kNoDefault) {
-      Log(1, std::string("Unable to load the default option for ") + row.log_name);
+      Log(2, std::string("Unable to load the default option for ") + row.log_name);
       return DefaultsResult::kStopped;
     }
     if (one == DefaultResult::kSame) continue;
@@ -45,9 +45,13 @@ DefaultsResult SetToDefaults(const std::vector<DefaultRow> &rows) {
   return result;
 }
 
-void RefillAfterDefaults() {
-  G_FillAllComboWithOptions();
+void RefillInstallableLists() {
   if (G_OptionChangeHooks.refill_installables != nullptr) {
     G_OptionChangeHooks.refill_installables();
   }
+}
+
+void RefillAfterDefaults() {
+  G_FillAllComboWithOptions();
+  RefillInstallableLists();
 }

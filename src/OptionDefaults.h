@@ -32,5 +32,8 @@ enum class DefaultsResult { kSame, kChanged, kStopped };
 // default ends it there with a line in the log.
 DefaultsResult SetToDefaults(const std::vector<DefaultRow> &rows);
 
-// Refills every option list and the lists of installable options.
+// Refills the lists of installable options: the two of the administration, or the print tool's one.
+void RefillInstallableLists();
+
+// Refills every option list, then the lists of installable options.
 void RefillAfterDefaults();

@@ -202,10 +202,8 @@ void EmailAddressEntryText(GtkEditable *entry, const gchar *text, gint length, g
 void ButtonDestinationDefaultsPressed() {
   const LogScope log("ButtonDestinationDefaultsPressed");
   bool changed = false;
-  const bool complete = SetDestinationDefaults(&changed);
-  // Also when it stopped half-way: the lists show what is set.
+  if (!SetDestinationDefaults(&changed)) return;
   if (changed) G_FillAllComboWithOptions();
-  if (!complete) return;
   // Kept on purpose: the PIN's entry keeps its text.
   for (const TextField &field : {L_JobName, L_UserName, L_Address, L_Message}) {
     FillDestinationTextEntry(*G_PropTabDestination_helper.*field.entry, field.feature);

@@ -134,7 +134,7 @@ bool SetInstallablesToDefaults(ChangedInstallables &changed) {
     const char *usual = fGet_CString_Value_Function(
         G_GetPPDDefaultOptionForFeature(G_PrinterInstallableOptions_hash, feature.c_str()));
     if (usual == nullptr) {
-      Log(1, "Unable to load the default option for " + feature);
+      Log(2, "Unable to load the default option for " + feature);
       return false;
     }
     const char *value = HashText(G_QueueInstallableOptions_hash, feature.c_str());

@@ -279,7 +279,7 @@ void G_RedrawMultipleNupOrdersPixmaps() {
   const LogScope log("G_RedrawMultipleNupOrdersPixmaps");
   if (!HasButtons()) return;
   if (QueueFeatureValue("*Nup").empty()) {
-    Log(1, "NUP not defined! There is no need for redrawing!");
+    Log(2, "NUP not defined! There is no need for redrawing!");
     return;
   }
   RedrawOrders(L_Orders.size());
@@ -289,6 +289,7 @@ void ButtonOptionsDefaultsPressed() {
   const LogScope log("ButtonOptionsDefaultsPressed");
   const DefaultsResult result = SetToDefaults(RowsWithDefaults());
   if (result == DefaultsResult::kStopped) return;
+  // The lists of installable options too: a resolution can conflict with what is installed.
   if (result == DefaultsResult::kChanged) RefillAfterDefaults();
   if (!HasButtons()) {
     ChooseMultipleUp("1");

@@ -33,7 +33,8 @@ void ButtonOutputDefaultsPressed() {
                                                {"*Punch", "Punch"},
                                                {"*EdgeToEdge", "EdgeToEdge"}});
   if (result != DefaultsResult::kChanged) return;
+  G_FillAllComboWithOptions();
   const bool administration = G_ProgName == kModeAdministration;
   Log(2, administration ? "Refill the 2 Installable CLists" : "Refill the Features CList");
-  RefillAfterDefaults();
+  RefillInstallableLists();
 }

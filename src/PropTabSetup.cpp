@@ -5,11 +5,11 @@
 
 #include "OptionCombos.h"
 #include "OptionDefaults.h"
+#include "PropTabSetupFct.h"
 #include "PropertiesWindow.h"
 #include "Support.h"
 #include "cmessages.h"
 #include "debug.h"
-#include "globals.h"
 #include "optionstate.h"
 
 std::unique_ptr<PropTabSetupHelper> G_PropTabSetup_helper;
@@ -52,25 +52,4 @@ GtkWidget *create_PropTabSetup() {
   AddCopiesRow(window, grid, 5);
   AddDefaultsButton(tab, "DefaultSetupButton", ButtonSetupDefaultsPressed);
   return tab.page;
-}
-
-void ButtonSetupDefaultsPressed() {
-  const LogScope log("ButtonSetupDefaultsPressed");
-  const DefaultsResult result = SetToDefaults({{"*PageSize", "Paper size"},
-                                               {"*MediaType", "Paper type"},
-                                               {"*InputSlot", "Paper source"},
-                                               {"*Collate", "Collation"},
-                                               {"*Duplex", "Duplex"}});
-  if (result == DefaultsResult::kStopped) return;
-  if (result == DefaultsResult::kChanged) RefillAfterDefaults();
-  if (G_ProgName == kModePrintTool) {
-    gtk_spin_button_set_value(GTK_SPIN_BUTTON(G_PropTabSetup_helper->copies), 1);
-  }
-}
-
-int CopiesOfSetupTab() {
-  auto *spin = GTK_SPIN_BUTTON(G_PropTabSetup_helper->copies);
-  // What is still being typed counts too.
-  gtk_spin_button_update(spin);
-  return gtk_spin_button_get_value_as_int(spin);
 }

@@ -13,9 +13,3 @@ extern std::unique_ptr<PropTabSetupHelper> G_PropTabSetup_helper;
 
 // Builds and fills the page; floating.
 GtkWidget *create_PropTabSetup();
-
-// "clicked" handler of Defaults.
-void ButtonSetupDefaultsPressed();
-
-// The number of copies that the tab shows.
-int CopiesOfSetupTab();

@@ -14,6 +14,7 @@
 #include "PropTabOptions.h"
 #include "PropTabOutput.h"
 #include "PropTabSetup.h"
+#include "PropTabSetupFct.h"
 #include "PropTabTextOptions.h"
 #include "PropertiesPages.h"
 #include "PropertiesWindow.h"
@@ -74,8 +75,10 @@ int SaveIdentity() {
   const QueueIdentity identity = ReadIdentity();
   const IdentityFault fault = CheckIdentity(identity);
   if (fault != IdentityFault::kNone) {
+    // Kept on purpose: a transport that is refused shows nothing at all.
+    if (WarningKey(fault) == nullptr) return 0;
     FocusIdentity(fault);
-    if (WarningKey(fault) != nullptr) ShowError(WarningKey(fault));
+    ShowError(WarningKey(fault));
     return 0;
   }
   ButtonKPXDeletePressed(0);
@@ -104,7 +107,7 @@ void ButtonApplyPropertiesPressed() {
   if (!HasNoConflict()) return;
   RemoveDefaultSettings();
   if (GetAndSaveUserDataProperties() != 1) {
-    Log(1, "Function GetAndSaveUserDataProperties() returns with error");
+    Log(2, "Function GetAndSaveUserDataProperties() returns with error");
   }
   AddDefaultSettings();
 }

@@ -23,6 +23,7 @@ ComparedChoice AsCompared(const char *feature, const char *option) {
 
 int G_IsInvalidCombination(const CString *feature1, const CString *option1, const CString *feature2,
                            const CString *option2) {
+  const LogScope log("G_IsInvalidCombination");
   const char *feature1_text = fGet_CString_Value_Function(feature1);
   const char *option1_text = fGet_CString_Value_Function(option1);
   const char *feature2_text = fGet_CString_Value_Function(feature2);

@@ -80,7 +80,7 @@ bool StoreNotification(DestinationEntries &entries) {
 bool SetDefault(const char *feature, const char *called, bool *changed) {
   const DefaultResult result = SetToDefault(feature);
   if (result == DefaultResult::kNoDefault) {
-    Log(1, std::string("Unable to load the default option for ") + called);
+    Log(2, std::string("Unable to load the default option for ") + called);
     return false;
   }
   if (result == DefaultResult::kChanged) *changed = true;

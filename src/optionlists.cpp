@@ -160,7 +160,7 @@ std::optional<OptionList> GetOptionsForFeature(const CHash *features, const char
                                                std::optional<SettingsSnapshot> &snapshot) {
   const LogScope log("G_GetOptionsForFeature");
   if (features == nullptr || feature == nullptr) {
-    Log(1, "The features or the feature are missing");
+    Log(2, "The features or the feature are missing");
     std::exit(5);
   }
   const CFeature *record = HashValue<CFeature>(features, feature);
@@ -178,10 +178,12 @@ std::optional<OptionList> GetOptionsForFeature(const CHash *features, const char
 }
 
 const CString *G_GetPPDDefaultOptionForFeature(const CHash *features, const char *feature) {
+  const LogScope log("G_GetPPDDefaultOptionForFeature");
   return fGet_Default_Function(HashValue<CFeature>(features, feature));
 }
 
 int G_SetStringWithConstrain(std::string_view text, std::string &out, int mark) {
+  const LogScope log("G_SetStringWithConstrain");
   if (mark == 0 || mark == 1) out.reserve(kMarkLength + text.size());
   if (mark == 0) out = kFreeMark;
   if (mark == 1) out = kConflictMark;

@@ -64,12 +64,13 @@ std::string G_GetPixmapNameFor(const char *feature, const std::string &option) {
 }
 
 std::string GetPPDNo(const std::string &name) {
+  const LogScope log("GetPPDNo");
   const size_t slash = name.rfind('/');
   const std::string file = slash == std::string::npos ? name : name.substr(slash + 1);
   // The first piece, as a text is split at dots: dots in front of it are skipped.
   const size_t start = file.find_first_not_of('.');
   if (start == std::string::npos) {
-    Log(1, "PPD name not in a correct format");
+    Log(2, "PPD name not in a correct format");
     return "";
   }
   const std::string piece = file.substr(start, file.find('.', start) - start);

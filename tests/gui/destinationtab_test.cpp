@@ -356,7 +356,7 @@ TEST_F(DestinationTab, DefaultsWithoutADefaultNotificationStopThere) {
   OpenTab({{"*Delivery", "ArchiveToDocumentServer"}, {"*JobName", "Report"}}, kDelivery);
   ClickOn(Named("DefaultDestinationButton"));
   EXPECT_EQ(QueueFeatureValue("*Delivery"), "PrintImmediately");
-  EXPECT_EQ(Text("DeliveryComboEntry"), "    At once") << "the list shows what is set";
+  EXPECT_EQ(Text("DeliveryComboEntry"), "    Archive") << "as on every tab nothing is filled again";
   EXPECT_EQ(Text("JobNameEntry"), "Report");
   EXPECT_EQ(QueueFeatureValue("*JobName"), "Report");
 }

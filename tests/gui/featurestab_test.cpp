@@ -304,7 +304,7 @@ TEST_F(FeaturesTab, DefaultsStopAtAnOptionWithoutDefault) {
   OpenTab({{"*OptionBypassTray", "True"}, {"*OptionHCF", "True"}});
   HashRemove(G_PrinterInstallableOptions_hash, "*OptionFinisher");
   testing::internal::CaptureStderr();
-  G_DebugLevel = 1;
+  G_DebugLevel = 2;
   ButtonFeaturesDefaultsPressed();
   G_DebugLevel = 0;
   EXPECT_EQ(testing::internal::GetCapturedStderr(),

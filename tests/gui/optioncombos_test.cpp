@@ -4,6 +4,7 @@
 
 #include "cfeature.h"
 #include "constraintmessages.h"
+#include "debug.h"
 #include "optionrows.h"
 
 namespace {
@@ -81,6 +82,38 @@ TEST_F(OptionCombos, AllCombosAreFilledInTheirOrderWhateverTheOrderTheyWereMadeI
   std::vector<std::string> expected;
   for (const ListedFeature &listed : ListedFeatures()) expected.push_back(listed.feature);
   EXPECT_EQ(expected, g_filled);
+}
+
+TEST_F(OptionCombos, TheLogNamesEveryComboThatIsFilledInOrder) {
+  ShowRows();
+  testing::internal::CaptureStderr();
+  G_DebugLevel = 3;
+  G_FillAllComboWithOptions();
+  G_DebugLevel = 0;
+  std::string expected;
+  for (const ListedFeature &listed : ListedFeatures()) {
+    expected += std::string("Fill the ") + listed.name + " Combo\n";
+  }
+  EXPECT_EQ(expected, testing::internal::GetCapturedStderr());
+}
+
+TEST_F(OptionCombos, ARefillLogsTheFillingOfEveryCombo) {
+  ShowRows({"*PageSize", "*Jog"});
+  testing::internal::CaptureStderr();
+  G_DebugLevel = 4;
+  G_FillAllComboWithOptions();
+  G_DebugLevel = 0;
+  const std::string log = testing::internal::GetCapturedStderr();
+  int fillings = 0;
+  for (size_t at = log.find("BEGIN G_FillComboWithOptions() function"); at != std::string::npos;
+       at = log.find("BEGIN G_FillComboWithOptions() function", at + 1)) {
+    ++fillings;
+  }
+  EXPECT_EQ(2, fillings) << log;
+  for (const char *routine : {"G_GetPPDDefaultOptionForFeature", "G_SetStringWithConstrain"}) {
+    EXPECT_NE(std::string::npos, log.find(std::string("BEGIN ") + routine + "() function"));
+    EXPECT_NE(std::string::npos, log.find(std::string("END   ") + routine + "() function"));
+  }
 }
 
 TEST_F(OptionCombos, AMarkedRowSaysWhyInItsTooltip) {

@@ -101,6 +101,49 @@ TEST_F(PropertiesOk, AnAddressThatWasEmptiedCannotBeAcceptedAtAll) {
   EXPECT_TRUE(IsSensitive("OKButton"));
 }
 
+TEST_F(PropertiesOk, AnotherTransportMakesOkAndApplyDoNothingVisible) {
+  OpenWithAddress("10.0.0.1");
+  SetText("TransportComboEntry", "ipx");
+  SwitchTo(kSetupPage);
+  RunPending();
+  Choose("Duplex", "    Two-sided, long edge");
+  ASSERT_TRUE(HasFocus("DuplexComboEntry"));
+  for (const char *button : {"OKButton", "ApplyButton"}) {
+    // A click would take the focus along.
+    gtk_button_clicked(GTK_BUTTON(Named(button)));
+    RunPending();
+    ASSERT_NE(nullptr, G_PropertiesWindow_helper) << button;
+    EXPECT_EQ(TakeError(), "(none)") << button;
+    EXPECT_EQ(Page(), kSetupPage) << button;
+    EXPECT_TRUE(HasFocus("DuplexComboEntry")) << button;
+    EXPECT_EQ(Stored("*Duplex"), "(none)") << button;
+  }
+  EXPECT_EQ(QueueFeatureValue("*Duplex"), "DuplexNoTumble") << "the work copy keeps the choice";
+}
+
+TEST_F(PropertiesOk, AConflictWithoutMessageBlocksSavingUnderItsTitleAlone) {
+  MakePrinter(PafFeature("*Duplex", {{"None", "Off"}, {"Long", "Long edge"}}) +
+              PafFeature("*Jog", {{"None", "Off"}, {"Set", "Offset"}}) +
+              "#ccc\n#f1\n*Duplex\n#o1\nLong\n#f2\n*Jog\n#o2\nSet\n#end_ccc\n");
+  Open(kSetupPage, {{"*Duplex", "Long"}, {"*Jog", "Set"}});
+  Paste("NrCopiesSpinbutton", "7");
+  for (const char *button : {"OKButton", "ApplyButton"}) {
+    ClickOn(Named(button));
+    ASSERT_NE(nullptr, G_PropertiesWindow_helper) << button;
+    GtkWidget *box = WindowNamed("ErrorDialog");
+    ASSERT_NE(nullptr, box) << button;
+    const auto shown = [box](const char *label) {
+      return std::string(gtk_label_get_text(GTK_LABEL(lookup_widget(box, label))));
+    };
+    EXPECT_EQ(shown("ErrorLabel1"), CatalogueText("CONSTR_Dlg_Label")) << button;
+    EXPECT_EQ(shown("ErrorLabel2"), "") << button;
+    gtk_widget_destroy(box);
+    FocusWindowOf(window_);
+    RunPending();
+    EXPECT_EQ(Stored("*NrCopies"), "(none)") << button;
+  }
+}
+
 TEST_F(PropertiesOk, EmailAddressesOfSixtyFourCharactersAreAccepted) {
   const std::string longest = std::string(59, 'a') + "@b.cd";
   ASSERT_EQ(longest.size(), 64U);

@@ -146,7 +146,7 @@ class SetupTab : public PropertiesTest {
       TakeDefaultAway(feature);
       Open(page, AllOther(rows));
       EmptyCombo();
-      EXPECT_EQ(LogOfPressing(button, 1), std::string("Unable to load the default option for ") +
+      EXPECT_EQ(LogOfPressing(button, 2), std::string("Unable to load the default option for ") +
                                               rows.at(without).log_name + "\n");
       for (size_t i = 0; i < N; ++i) {
         EXPECT_EQ(QueueFeatureValue(rows.at(i).feature),
@@ -357,15 +357,17 @@ TEST_F(OutputTab, StapleAndPunchAreRedrawnForTheirOptionsWhenStapleHasNoDefault)
 TEST_F(OutputTab, TheLogNamesTheListsThatAreFilledAgain) {
   Open(kOutputPage, {{"*Jog", "EndOfSet"}});
   std::string log = LogOfPressing("DefaultOutputButton", 4);
-  ExpectInOrder(log, {"Refill the Features CList\n", Begin("G_FillFeaturesCList")});
-  EXPECT_TRUE(Says(log, Begin("G_FillAllComboWithOptions")));
+  ExpectInOrder(log,
+                {Begin("G_FillAllComboWithOptions"), "END   G_FillAllComboWithOptions() function\n",
+                 "Refill the Features CList\n", Begin("G_FillFeaturesCList")});
   EXPECT_FALSE(Says(log, "Installable CLists"));
   ButtonCancelPropertiesPressed();
   G_ProgName = kModeAdministration;
   Open(kOutputPage, {{"*Jog", "EndOfSet"}});
   log = LogOfPressing("DefaultOutputButton", 4);
-  ExpectInOrder(log, {"Refill the 2 Installable CLists\n", Begin("G_FillInstallableCLists")});
-  EXPECT_TRUE(Says(log, Begin("G_FillAllComboWithOptions")));
+  ExpectInOrder(log,
+                {Begin("G_FillAllComboWithOptions"), "END   G_FillAllComboWithOptions() function\n",
+                 "Refill the 2 Installable CLists\n", Begin("G_FillInstallableCLists")});
   EXPECT_FALSE(Says(log, "Features CList"));
 }
 

@@ -310,7 +310,7 @@ TEST_F(Destination, WithoutADefaultDeliveryDefaultsStopAtOnce) {
     Set("*EmailNotification", "JobCompleted");
     Set("*JobName", "stored");
     unsetenv("KPXDEBUG");
-    G_DebugLevel = 1;
+    G_DebugLevel = 2;
     bool changed = true;
     if (SetDestinationDefaults(&changed) || changed) _exit(1);
     if (Settings() != Strings{"*EmailNotification=JobCompleted", "*JobName=stored"}) _exit(2);
@@ -325,7 +325,7 @@ TEST_F(Destination, WithoutADefaultNotificationDefaultsStopBehindTheDelivery) {
     Set("*Delivery", "ArchiveToDocumentServer");
     Set("*JobName", "stored");
     unsetenv("KPXDEBUG");
-    G_DebugLevel = 1;
+    G_DebugLevel = 2;
     bool changed = false;
     if (SetDestinationDefaults(&changed) || !changed) _exit(1);
     if (Settings() != Strings{"*Delivery=Print", "*JobName=stored"}) _exit(2);

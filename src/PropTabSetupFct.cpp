@@ -1,0 +1,27 @@
+#include "PropTabSetupFct.h"
+
+#include "OptionDefaults.h"
+#include "PropTabSetup.h"
+#include "debug.h"
+#include "globals.h"
+
+void ButtonSetupDefaultsPressed() {
+  const LogScope log("ButtonSetupDefaultsPressed");
+  const DefaultsResult result = SetToDefaults({{"*PageSize", "Paper size"},
+                                               {"*MediaType", "Paper type"},
+                                               {"*InputSlot", "Paper source"},
+                                               {"*Collate", "Collation"},
+                                               {"*Duplex", "Duplex"}});
+  if (result == DefaultsResult::kStopped) return;
+  if (result == DefaultsResult::kChanged) RefillAfterDefaults();
+  if (G_ProgName == kModePrintTool) {
+    gtk_spin_button_set_value(GTK_SPIN_BUTTON(G_PropTabSetup_helper->copies), 1);
+  }
+}
+
+int CopiesOfSetupTab() {
+  auto *spin = GTK_SPIN_BUTTON(G_PropTabSetup_helper->copies);
+  // What is still being typed counts too.
+  gtk_spin_button_update(spin);
+  return gtk_spin_button_get_value_as_int(spin);
+}
