@@ -112,7 +112,7 @@ void ButtonSavePressed() {
   const Owned<CList> errors = CreateList();
   const SaveResult result = SaveWithProgress(errors.get());
   if (result == SaveResult::ListNotWritable) {
-    Log(1, "Cannot open for writting the queues.paf file");
+    Log(2, "Cannot open for writting the queues.paf file");
     ButtonCancelPressed();
   } else if (fIsEmpty_CList_Function(errors.get()) == 1) {
     ButtonCancelPressed();
