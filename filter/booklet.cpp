@@ -4,7 +4,7 @@
 #include <cerrno>
 #include <string>
 
-#include "constraints.h"
+#include "ppdconstraints.h"
 
 namespace {
 

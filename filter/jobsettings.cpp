@@ -32,13 +32,13 @@ std::optional<CustomPaper> PaperOf(std::string_view width, std::string_view leng
 
 JobSettings::JobSettings(const PpdModel &model) : model_(model) {}
 
-void JobSettings::ApplyQueue(const std::vector<Setting> &settings) {
+void JobSettings::ApplyQueue(const std::vector<JobOption> &settings) {
   // The definitions stand behind the settings that name them.
-  for (const Setting &setting : settings) Define(setting);
+  for (const JobOption &setting : settings) Define(setting);
   Apply(settings);
 }
 
-void JobSettings::Define(const Setting &setting) {
+void JobSettings::Define(const JobOption &setting) {
   if (setting.key == kMediaKey) {
     const size_t mark = setting.value.find("::");
     if (mark != std::string::npos) {
@@ -61,13 +61,13 @@ void JobSettings::Define(const Setting &setting) {
   }
 }
 
-void JobSettings::Apply(const std::vector<Setting> &settings) {
-  for (const Setting &setting : settings) {
+void JobSettings::Apply(const std::vector<JobOption> &settings) {
+  for (const JobOption &setting : settings) {
     if (setting.key != kPaperKey && setting.key != kMediaKey) ApplyOne(setting);
   }
 }
 
-void JobSettings::ApplyOne(const Setting &setting) {
+void JobSettings::ApplyOne(const JobOption &setting) {
   if (setting.key == "*NrCopies") {
     const auto copies = NumberOf<int>(setting.value);
     if (copies && *copies >= 1 && *copies <= kMostCopies) {

@@ -52,11 +52,12 @@ std::optional<std::string> TakeWord(std::string_view *options) {
   return word;
 }
 
-std::optional<Setting> SettingOf(std::string_view text) {
+std::optional<JobOption> SettingOf(std::string_view text) {
   const size_t sign = text.find('=');
   if (sign == std::string_view::npos || sign == 0) return std::nullopt;
   const std::string_view value = text.substr(sign + 1);
-  return Setting{std::string(text.substr(0, sign)), std::string(value.substr(0, value.find('=')))};
+  return JobOption{std::string(text.substr(0, sign)),
+                   std::string(value.substr(0, value.find('=')))};
 }
 
 // Everything behind an open descriptor, which is closed; nothing with errno. Files larger than any
@@ -109,8 +110,8 @@ OptionFile NotOpened(const std::string &path, const std::string &login, int erro
 
 }  // namespace
 
-std::vector<Setting> ParseOptionFile(std::string_view text) {
-  std::vector<Setting> settings;
+std::vector<JobOption> ParseOptionFile(std::string_view text) {
+  std::vector<JobOption> settings;
   LineReader reader(text);
   while (const std::optional<std::string> line = reader.Next()) {
     if (IsCommentOrEmpty(*line)) continue;
@@ -119,8 +120,8 @@ std::vector<Setting> ParseOptionFile(std::string_view text) {
   return settings;
 }
 
-std::vector<Setting> ParseOptionWords(std::string_view options) {
-  std::vector<Setting> settings;
+std::vector<JobOption> ParseOptionWords(std::string_view options) {
+  std::vector<JobOption> settings;
   while (std::optional<std::string> word = TakeWord(&options)) {
     if (!word->starts_with('*')) continue;
     if (word->ends_with(',')) word->pop_back();

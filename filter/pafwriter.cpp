@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "constraints.h"
 #include "decimal.h"
 #include "pafformat.h"
+#include "ppdconstraints.h"
 
 namespace {
 

@@ -20,7 +20,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   }();
   const std::string_view text = InputText(data, size);
   for (const auto &settings : {ParseOptionFile(text), ParseOptionWords(text)}) {
-    for (const Setting &setting : settings) {
+    for (const JobOption &setting : settings) {
       Require(IsValidUtf8(setting.key) && IsValidUtf8(setting.value));
     }
     JobSettings job(model);

@@ -24,7 +24,7 @@ void TabTo(GuiApp &app, const std::string &widget) {
 
 }  // namespace
 
-void FillNewQueue(GuiApp &admin, const NewQueue &queue) {
+void FillNewQueue(GuiApp &admin, const QueueToAdd &queue) {
   admin.Click("AddButton");
   admin.WaitWindow("AddQueueWindow");
   TabTo(admin, "QueueEntry");

@@ -5,7 +5,7 @@
 
 #include "guiapp.h"
 
-struct NewQueue {
+struct QueueToAdd {
   std::string name;
   std::string printer;
   int type_row = 0;  // in the list of types
@@ -14,7 +14,7 @@ struct NewQueue {
 
 // Opens the dialog for a new queue and fills it in, going from field to field with the keyboard.
 // Throws std::runtime_error when there is no such printer.
-void FillNewQueue(GuiApp &admin, const NewQueue &queue);
+void FillNewQueue(GuiApp &admin, const QueueToAdd &queue);
 
 // Closes the dialog with its OK button.
 void TakeNewQueue(GuiApp &admin);

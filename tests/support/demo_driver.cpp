@@ -142,7 +142,7 @@ class Demo {
     Say("  set one copy, print quality High and a font of 18 points");
   }
 
-  void AddQueue(GuiApp &admin, const NewQueue &queue) const {
+  void AddQueue(GuiApp &admin, const QueueToAdd &queue) const {
     FillNewQueue(admin, queue);
     Picture(admin, "0-add-queue-" + queue.name);
     Say("  " + queue.name + ": " + queue.printer + ", " + admin.Text("QueueTypeComboEntry"));

@@ -15,7 +15,7 @@ struct PpdOption {
   std::string code;
 };
 
-struct PpdFeature {
+struct CompiledFeature {
   bool is_jcl = false;
   bool is_installable = false;
   std::string type;
@@ -29,7 +29,7 @@ struct PpdFeature {
 };
 
 struct Ppd {
-  std::map<std::string, PpdFeature> features;       // by keyword without the asterisk
+  std::map<std::string, CompiledFeature> features;  // by keyword without the asterisk
   std::map<std::string, std::string> attributes;    // plain ones, by keyword
   std::vector<std::vector<std::string>> conflicts;  // words of a constraint, asterisks kept
 };
@@ -47,7 +47,7 @@ inline Ppd ReadPpd(const std::filesystem::path &path) {
     if (line.starts_with("*OpenGroup: ")) group = line.substr(12, line.find('/') - 12);
     if (line.starts_with("*CloseGroup: ")) group.clear();
     if (std::regex_match(line, found, open)) {
-      PpdFeature &feature = ppd.features[found[2]];
+      CompiledFeature &feature = ppd.features[found[2]];
       feature.is_jcl = found[1].matched;
       feature.is_installable = group == "InstallableOptions";
       feature.type = found[3];

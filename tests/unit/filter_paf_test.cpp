@@ -5,11 +5,11 @@
 
 #include "cconstrain.h"
 #include "cfeature.h"
-#include "constraints.h"
 #include "pafformat.h"
 #include "pafreader.h"
 #include "pafwriter.h"
 #include "ppdadaptor.h"
+#include "ppdconstraints.h"
 #include "textencoding.h"
 
 namespace {

@@ -12,9 +12,9 @@
 
 namespace {
 
-std::string Joined(const std::vector<Setting> &settings) {
+std::string Joined(const std::vector<JobOption> &settings) {
   std::string text;
-  for (const Setting &setting : settings) text += setting.key + "=" + setting.value + ";";
+  for (const JobOption &setting : settings) text += setting.key + "=" + setting.value + ";";
   return text;
 }
 

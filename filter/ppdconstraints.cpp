@@ -1,4 +1,4 @@
-#include "constraints.h"
+#include "ppdconstraints.h"
 
 #include <optional>
 #include <set>
