@@ -180,10 +180,7 @@ PpdPageSize PageInForce(const JobSettings &settings) {
   const PpdChoice *size = settings.Chosen("PageSize");
   if (size != nullptr) {
     const auto found = settings.Model().page_sizes.find(size->keyword);
-    if (found != settings.Model().page_sizes.end() && found->second.width > 0 &&
-        found->second.length > 0) {
-      return found->second;
-    }
+    if (found != settings.Model().page_sizes.end()) return found->second;
   }
   return {595, 842, 0, 0, 595, 842};  // A4
 }

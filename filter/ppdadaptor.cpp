@@ -13,12 +13,16 @@
 #include <cmath>
 #include <cstring>
 #include <memory>
+#include <tuple>
+#include <utility>
 
 #include "ppdtext.h"
 #include "textencoding.h"
 #include "writeall.h"
 
 namespace {
+
+constexpr float kLongestSide = 1e5F;  // of a paper, points
 
 struct ClosePpd {
   void operator()(ppd_file_t *ppd) const { ppdClose(ppd); }
@@ -234,13 +238,26 @@ void FillJcl(ppd_file_t *ppd, PpdModel *model) {
   model->pjl_utf8 = charset != nullptr && SameKeyword(TextOf(charset->value), "UTF-8");
 }
 
+// The part of `end` points that can be printed on: all of it where the PPD names none of it.
+std::pair<double, double> PrintableOf(float from, float to, double end) {
+  if (!std::isfinite(from) || !std::isfinite(to)) return {0, end};
+  const double first = std::clamp(static_cast<double>(from), 0.0, end);
+  const double last = std::clamp(static_cast<double>(to), 0.0, end);
+  return first < last ? std::pair(first, last) : std::pair(0.0, end);
+}
+
 void FillSizes(ppd_file_t *ppd, PpdModel *model) {
+  // Also keeps out what is no number.
+  const auto is_side = [](float points) { return points > 0 && points <= kLongestSide; };
   for (int i = 0; i < ppd->num_sizes; ++i) {
     const ppd_size_t &size = ppd->sizes[i];
-    model->page_sizes[size.name] = {
-        static_cast<double>(size.width), static_cast<double>(size.length),
-        static_cast<double>(size.left),  static_cast<double>(size.bottom),
-        static_cast<double>(size.right), static_cast<double>(size.top)};
+    if (!is_side(size.width) || !is_side(size.length)) continue;
+    PpdPageSize page;
+    page.width = static_cast<double>(size.width);
+    page.length = static_cast<double>(size.length);
+    std::tie(page.left, page.right) = PrintableOf(size.left, size.right, page.width);
+    std::tie(page.bottom, page.top) = PrintableOf(size.bottom, size.top, page.length);
+    model->page_sizes[size.name] = page;
   }
   for (ppd_attr_t *attr = ppdFindAttr(ppd, "RequiresPageRegion", nullptr); attr != nullptr;
        attr = ppdFindNextAttr(ppd, "RequiresPageRegion", nullptr)) {

@@ -60,7 +60,8 @@ struct PpdCustomLimits {
   double min_width = 0, max_width = 0, min_length = 0, max_length = 0;
 };
 
-// A page size, in points: the paper, and the corners of its printable area.
+// A page size, in points: the paper (sides above 0, at most 1e5), and the corners of its printable
+// area, which lies on it and is not empty.
 struct PpdPageSize {
   double width = 0, length = 0, left = 0, bottom = 0, right = 0, top = 0;
 };

@@ -123,6 +123,40 @@ TEST(PpdReading, CustomSizesKeepTheirOrderNumberAndParameters) {
   EXPECT_EQ(custom.parameters[4].min, 1);
 }
 
+PpdModel ReadSizes(const std::string &sizes) {
+  PpdError error;
+  return ReadPpd(SmallPpd("*OpenUI *PageSize: PickOne\n*DefaultPageSize: S\n*PageSize S: \"s\"\n"
+                          "*PageSize T: \"t\"\n*CloseUI: *PageSize\n" +
+                          sizes),
+                 &error)
+      .value_or(PpdModel{});
+}
+
+TEST(PpdReading, PageSizesThatAreNoneAreLeftOut) {
+  for (const char *size :
+       {"1e30 1e30", "1e300 842", "nan 842", "842 inf", "0 842", "595 -1", "595 100001"}) {
+    const PpdModel model = ReadSizes("*PaperDimension S: \"" + std::string(size) +
+                                     "\"\n*PaperDimension T: \"595 100000\"\n");
+    EXPECT_EQ(model.page_sizes.count("S"), 0u) << size;
+    EXPECT_EQ(model.page_sizes.count("T"), 1u) << size;
+    EXPECT_NE(model.FindFeature("PageSize")->FindChoice("S"), nullptr) << size;
+  }
+}
+
+TEST(PpdReading, APrintableAreaLiesOnThePaper) {
+  const auto area = [](const std::string &text) {
+    const PpdModel model = ReadSizes("*PaperDimension S: \"595 842\"\n" + text);
+    const PpdPageSize &page = model.page_sizes.at("S");
+    return std::vector{page.left, page.bottom, page.right, page.top};
+  };
+  const std::vector<double> whole = {0, 0, 595, 842};
+  EXPECT_EQ(area("*ImageableArea S: \"12 18 583 824\"\n"), (std::vector<double>{12, 18, 583, 824}));
+  EXPECT_EQ(area("*ImageableArea S: \"-5 10 600 842.5\"\n"),
+            (std::vector<double>{0, 10, 595, 842}));
+  EXPECT_EQ(area("*ImageableArea S: \"400 1e30 300 1e300\"\n"), whole);
+  EXPECT_EQ(area(""), whole);
+}
+
 TEST(PpdReading, TheEndOfAValueWithoutBeginningIsDropped) {
   const std::string stray =
       SmallPpd("") + "@PJL SET HOLD = ON\n@PJL SET HOLDTYPE = PRIVATE\"\n*End\n";

@@ -5,6 +5,7 @@
 #include "filterjob.h"
 #include "glyphnames.h"
 #include "sheets.h"
+#include "temporarydirectory.h"
 #include "textjob.h"
 
 namespace {
@@ -97,6 +98,17 @@ TEST_F(TextJob, VeryLongLinesKeepTheirCharactersWhole) {
   for (int i = 0; i < 20000; ++i) line += "é";
   EXPECT_EQ(CountOf(Pages(line), "/eacute"), 20000u);
   EXPECT_EQ(Pages(line, 1), Pages(line));
+}
+
+TEST(TextOnPaper, ThatNoPrinterHasIsSetAsOnA4) {
+  std::string ppd = ContentOf(std::string(KPX_TEST_DATA) + "/data/ppd/office.ppd");
+  const std::string size = "*PaperDimension A4/A4: \"595 842\"";
+  ppd.replace(ppd.find(size), size.size(), "*PaperDimension A4/A4: \"1e30 1e30\"");
+  PpdError error;
+  const PpdModel model = ReadPpd(ppd, &error).value();
+  const std::string output = RunOver(FilterText, JobSettings(model), Lines(64));
+  EXPECT_EQ(CountOf(output, "%%Page: "), 1u);
+  EXPECT_EQ(CountOf(output, "/N 80 def\n"), 1u);
 }
 
 TEST_F(TextJob, AnEmptyJobGivesNothing) { EXPECT_EQ(Pages(""), ""); }
