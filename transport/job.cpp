@@ -120,6 +120,8 @@ std::optional<Outcome> Carrier::PauseAndRetry(const std::string &failure) {
 }
 
 std::optional<Outcome> Carrier::AfterBreak(const SendResult &sent, bool at_once) {
+  // It was reached after all; how often it may take the job anew is bounded by itself.
+  if (sent.acknowledged > 0 && !at_once) failures_ = 0;
   if (sent.whole_job && !at_once) {
     return GiveUp("the printer took all " + Bytes(sent.acknowledged) +
                   " but the connection did not end in order (" + sent.reason + ")");

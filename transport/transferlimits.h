@@ -10,7 +10,8 @@ struct Limits {
   std::chrono::milliseconds first_pause{std::chrono::seconds{1}};
   // ... up to this.
   std::chrono::milliseconds longest_pause{std::chrono::seconds{60}};
-  // From the first failure on: once it has passed there is no further attempt.
+  // From the first failure on, or the first since the printer took data: once it has passed there
+  // is no further attempt.
   std::chrono::milliseconds give_up{std::chrono::minutes{10}};
   // One attempt to connect to one address.
   std::chrono::milliseconds connect{std::chrono::seconds{30}};

@@ -235,6 +235,27 @@ TEST(TransportJob, AJobOfWhichAPartWasTakenStaysInDoubtWhenThePrinterIsGoneAfter
   ExpectWords(transfer, "Connection refused); the printer may be busy or switched off (no success");
 }
 
+TEST(TransportJob, TheTimeForFurtherAttemptsBeginsAnewOnceThePrinterTookData) {
+  Listener printer;
+  Limits limits = ShortLimits();
+  limits.give_up = std::chrono::seconds{1};
+  limits.progress = limits.give_up + milliseconds{200};
+  Pipe pipe = MakePipe();
+  Transfer transfer({"127.0.0.1", printer.port()}, std::move(pipe.reading), limits);
+  ASSERT_TRUE(WriteTestData(pipe.writing.get(), 1000));
+  ASSERT_TRUE(transfer.words().Await("switched off; trying again in"));
+  printer.Listen();
+  Descriptor connection = printer.Accept();
+  ASSERT_TRUE(transfer.words().Await("the printer has taken 1000 bytes so far"));
+  Reset(std::move(connection));
+  ASSERT_TRUE(transfer.words().Await("broke after 1000 bytes"));
+  pipe.writing = Descriptor();
+  connection = printer.Accept();
+  EXPECT_EQ(Receive(connection.get()).count, 1000U);
+  shutdown(connection.get(), SHUT_RDWR);
+  EXPECT_EQ(transfer.Wait(), Outcome::kAccepted);
+}
+
 TEST(TransportJob, AProgressWordTellsHowMuchThePrinterHasTaken) {
   Listener printer;
   printer.Listen();
