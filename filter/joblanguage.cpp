@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "featurecode.h"
+#include "textencoding.h"
 
 namespace {
 
@@ -51,7 +52,7 @@ bool TakeCommand(std::string_view line, JobControl *control) {
   return false;
 }
 
-// `text` between the quotes of a PJL command.
+// `text` (UTF-8) between the quotes of a PJL command.
 std::string PjlText(std::string_view text, bool utf8) {
   std::string result;
   for (const char c : text) {
@@ -65,9 +66,8 @@ std::string PjlText(std::string_view text, bool utf8) {
     } else if (!continuation) {
       result += '?';
     }
-    if (result.size() >= kLongestText && !continuation) break;
   }
-  return result;
+  return std::string(Utf8Prefix(result, kLongestText));
 }
 
 class CommandList {
@@ -144,7 +144,13 @@ JobControl ReadJobControl(std::string_view start, bool whole) {
       const size_t end = std::min(rest.find('\n'), rest.size());
       if (end == rest.size() && !whole) break;
       at += std::min(end + 1, rest.size());
-      if (TakeCommand(rest.substr(0, end), &control)) break;
+      if (!TakeCommand(rest.substr(0, end), &control)) continue;
+      // A document is only one of the conventions when its first line is the first.
+      while (EntersPostScript(control) && at < start.size() &&
+             (start[at] == '\r' || start[at] == '\n')) {
+        ++at;
+      }
+      break;
     } else {
       break;
     }

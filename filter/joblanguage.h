@@ -22,8 +22,9 @@ struct JobControl {
 };
 
 // Reads the job control at the beginning of `start`: leading end-of-transmission characters, then
-// language switches (kUel) and PJL lines up to the one that enters a language. `whole` says that
-// the job ends where `start` ends, and with it a last line without line feed.
+// language switches (kUel) and PJL lines up to the one that enters a language, with the empty lines
+// behind it when that is PostScript. `whole` says that the job ends where `start` ends, and with it
+// a last line without line feed.
 JobControl ReadJobControl(std::string_view start, bool whole);
 
 // What goes before a job in `language` ("POSTSCRIPT", "PCLXL", "PCL"); empty where the printer

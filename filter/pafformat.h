@@ -1,4 +1,4 @@
-// What a line of a PAF printer description can carry. The reader is fFillFromPaf.
+// What a line of a PAF printer description can carry. The reader is ReadPaf.
 #pragma once
 
 #include <string>

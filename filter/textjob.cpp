@@ -306,7 +306,9 @@ int FilterBooklet(const TextJob &job) {
 
 std::string FilterText(const JobSettings &settings, const JobIdentity &identity, JobSource *source,
                        JobSink *sink) {
+  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
   int error = 0;
+  if (source->Peek(kByteOrderMark.size()) == kByteOrderMark) source->Skip(kByteOrderMark.size());
   if (!source->Peek(1).empty()) {
     if (IsBooklet(settings)) {
       error = FilterBooklet({BookletSettings(settings), identity, source, sink});

@@ -64,6 +64,20 @@ TEST_F(JobControlText, TextsCannotBreakOutOfTheirQuotes) {
   EXPECT_NE(Header({"", "", "Jürgen"}).find("USERNAME=\"Jürgen\"\n"), std::string::npos);
 }
 
+TEST_F(JobControlText, LongTextsEndWithAWholeCharacter) {
+  std::string title = "x";
+  for (int i = 0; i < 200; ++i) title += "é";
+  const auto name_in = [](const std::string &header) {
+    const size_t start = header.find("JOBNAME=\"") + 9;
+    return header.substr(start, header.find('"', start) - start);
+  };
+  EXPECT_EQ(name_in(Header({title, "", ""})), "x" + std::string(200, '?'));
+  EXPECT_EQ(name_in(Header({title + title, "", ""})).size(), 255u);
+  model_.pjl_utf8 = true;
+  EXPECT_EQ(name_in(Header({title, "", ""})), title.substr(0, 255));
+  EXPECT_EQ(name_in(Header({"x" + title, "", ""})), "x" + title.substr(0, 253));
+}
+
 TEST_F(JobControlText, CopiesArePostScriptsBusinessInAPostScriptJob) {
   Set({{"*NrCopies", "2"}});
   EXPECT_EQ(Header().find("COPIES"), std::string::npos);
@@ -94,6 +108,15 @@ TEST(JobControlReading, TakesSettingsAndLanguageAndLeavesTheFrame) {
   EXPECT_EQ(start.substr(control.length), "%!PS");
   EXPECT_EQ(control.settings, "@pjl set copies=3\n@PJL COMMENT y\n");
   EXPECT_EQ(control.language, "POSTSCRIPT");
+}
+
+TEST(JobControlReading, TakesEmptyLinesInFrontOfPostScriptOnly) {
+  const std::string enter = std::string(kUelText) + "@PJL ENTER LANGUAGE=";
+  const std::string job = enter + "POSTSCRIPT\r\n\r\n\n%!PS-Adobe-3.0\n";
+  EXPECT_EQ(job.substr(ReadJobControl(job, true).length), "%!PS-Adobe-3.0\n");
+  const std::string pcl = enter + "PCL\r\n\r\n\033E";
+  EXPECT_EQ(pcl.substr(ReadJobControl(pcl, true).length), "\r\n\033E");
+  EXPECT_EQ(ReadJobControl(enter + "POSTSCRIPT\n\n", true).length, enter.size() + 12);
 }
 
 TEST(JobControlReading, AJobWithoutHasNone) {

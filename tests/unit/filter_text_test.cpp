@@ -48,6 +48,12 @@ TEST_F(TextJob, ALineThatIsNotUtf8IsLatin1) {
   EXPECT_EQ(Pages("\xE9\né\n"), Page(1, "0 0 [/eacute] T\n0 1 [/eacute] T\n"));
 }
 
+TEST_F(TextJob, AByteOrderMarkAtTheStartIsNotPrinted) {
+  EXPECT_EQ(Pages("\xEF\xBB\xBFé\n"), Page(1, "0 0 [/eacute] T\n"));
+  EXPECT_EQ(Pages("\xEF\xBB\xBFx", 1), Page(1, "0 0 (x) T\n"));
+  EXPECT_EQ(Pages("\xEF\xBB\xBF"), "");
+}
+
 TEST_F(TextJob, AFormFeedBeginsANewPage) {
   EXPECT_EQ(Pages("a\fb\n\f"), Page(1, "0 0 (a) T\n") + Page(2, "0 0 (b) T\n"));
 }
