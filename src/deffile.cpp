@@ -86,7 +86,7 @@ std::string QueueDefFileText(const CPrintQueue *queue) {
 void OverlayDefFile(std::string_view text, CHash *options) {
   LineReader lines(text);
   while (const std::optional<std::string> line = lines.Next()) {
-    if (line->empty() || line->starts_with("##")) continue;
+    if (IsCommentOrEmpty(*line)) continue;
     const size_t equals = line->find('=');
     if (equals == 0 || equals == std::string::npos) continue;
     const size_t value = equals + 1;

@@ -148,10 +148,8 @@ const Keyword *FindKeyword(std::string_view line) {
   return nullptr;
 }
 
-bool IsSkipped(std::string_view line) { return line.empty() || line.starts_with("##"); }
-
 void ReadLine(Reader &reader, const std::string &line) {
-  if (IsSkipped(line)) return;
+  if (IsCommentOrEmpty(line)) return;
   if (const Keyword *keyword = FindKeyword(line)) {
     reader.keyword = keyword->at_plain_line == nullptr ? nullptr : keyword;
     if (keyword->at_keyword != nullptr) keyword->at_keyword(reader);
@@ -184,5 +182,5 @@ std::optional<std::string> ReadOptionValue(LineReader &lines) {
 }
 
 bool CanStandAsListValue(std::string_view text) {
-  return !IsSkipped(text) && FindKeyword(text) == nullptr;
+  return !IsCommentOrEmpty(text) && FindKeyword(text) == nullptr;
 }

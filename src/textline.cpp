@@ -8,6 +8,8 @@
 
 #include "textencoding.h"
 
+bool IsCommentOrEmpty(std::string_view line) { return line.empty() || line.starts_with("##"); }
+
 void AppendTextLine(std::string &text, std::string_view line) {
   const size_t start = text.size();
   text += Utf8Prefix(line, kMaxLine);

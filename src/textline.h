@@ -4,6 +4,9 @@
 #include <string>
 #include <string_view>
 
+// True for the lines that the readers skip: empty ones and those that begin with "##".
+bool IsCommentOrEmpty(std::string_view line);
+
 // Appends `line` (UTF-8) and a line feed to `text`. A line feed inside becomes one blank, since a
 // line cannot carry it, and what goes beyond the longest line that the readers take as one is cut.
 void AppendTextLine(std::string &text, std::string_view line);

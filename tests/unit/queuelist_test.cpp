@@ -3,6 +3,8 @@
 
 #include <ctime>
 
+#include "childprocess.h"
+#include "debug.h"
 #include "queuelistreader.h"
 #include "queuelistwriter.h"
 #include "queuesupport.h"
@@ -386,6 +388,22 @@ TEST(ReadQueueList, TimeGrowsHardlyFasterThanTheNumberOfQueues) {
   const double large = SecondsToRead(10000);
   // Four times the queues: about 4.7 times the work by n log n, 16 times by n squared.
   EXPECT_LT(large, 9 * small) << small << " s for 2,500 queues, " << large << " s for 10,000";
+}
+
+TEST(ReadQueueList, LogsTheNameOfEachCustomMediaTypeAtLevel4Only) {
+  const std::string text =
+      Entry("lp1", Medias("#custom_paper_type_params\nGloss\n#custom_paper_type_gui_name\n"
+                          "Glossy paper\n#end_custom_paper_type_params\n"));
+  const auto logged = [&](int level) {
+    return RunInChild([&] {
+             unsetenv("KPXDEBUG");
+             G_DebugLevel = level;
+             Read(text);
+           })
+        .errors;
+  };
+  EXPECT_NE(logged(4).find("CUSTOMMEDIAPARAMS : Gloss\n"), std::string::npos);
+  EXPECT_EQ(logged(3).find("CUSTOMMEDIAPARAMS"), std::string::npos);
 }
 
 }  // namespace

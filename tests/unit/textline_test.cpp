@@ -33,6 +33,13 @@ TEST(AppendTextLine, NeverCutsInsideACharacter) {
   EXPECT_EQ(Line(head + "\xC3\xA4" + "tail"), head + "\n");
 }
 
+TEST(IsCommentOrEmpty, IsTrueOfNothingAndOfTwoNumberSignsAtTheStart) {
+  for (const char *line : {"", "##", "## text"}) EXPECT_TRUE(IsCommentOrEmpty(line)) << line;
+  for (const char *line : {" ", " ##", "#", "#queue", "a##"}) {
+    EXPECT_FALSE(IsCommentOrEmpty(line)) << line;
+  }
+}
+
 TEST(WholeNumber, RoundsToTheNearestWholeNumber) {
   EXPECT_EQ(WholeNumber(209.6), "210");
   EXPECT_EQ(WholeNumber(209.4), "209");
