@@ -42,6 +42,12 @@ const CHash *ExistingQueues(const CPrintQueues *collection) {
   return queues;
 }
 
+// The old queues go, an empty dictionary comes.
+void StartEmpty(CPrintQueues *collection) {
+  if (collection->queues != nullptr) L_DroppedQueues.push_back(std::move(collection->queues));
+  collection->queues = CreateHash();
+}
+
 // What happens when the list cannot be read. The administrator gets a new one, but only when there
 // is none: a list that is there and cannot be read just now is not emptied.
 void MissingList(const char *path, int create, int error) {
@@ -108,16 +114,21 @@ int fWriteAllToDef_Function(const CPrintQueues *collection, CList *errors) {
 int fFillFromPaf_Function_(CPrintQueues *collection, int create) {
   const LogScope log("fFillFromPaf_Function_");
   if (collection == nullptr) return 0;
-  if (collection->queues != nullptr) L_DroppedQueues.push_back(std::move(collection->queues));
-  collection->queues = CreateHash();
   const char *path = PathOf(collection);
-  const std::optional<std::string> text = ReadWholeFile(path);
-  if (!text) {
-    MissingList(path, create, errno);
-    return 0;
+  if (const std::optional<std::string> text = ReadWholeFile(path)) {
+    return FillQueuesFromText(collection, *text, path);
   }
-  if (const auto error = ReadQueueList(*text, collection->queues.get())) {
-    Log(1, std::string(path) + ":" + std::to_string(error->line_number) + ": " + error->reason);
+  const int error = errno;
+  StartEmpty(collection);
+  MissingList(path, create, error);
+  return 0;
+}
+
+int FillQueuesFromText(CPrintQueues *collection, std::string_view text, const std::string &path) {
+  const LogScope log("FillQueuesFromText");
+  StartEmpty(collection);
+  if (const auto error = ReadQueueList(text, collection->queues.get())) {
+    Log(1, path + ":" + std::to_string(error->line_number) + ": " + error->reason);
     G_Fatal(3, "ERR_FILE_CORRUPTED", {path, error->line});
   }
   return 1;

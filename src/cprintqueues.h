@@ -1,6 +1,9 @@
 // CPrintQueues: every queue that the program manages, kept in the queue list file.
 #pragma once
 
+#include <string>
+#include <string_view>
+
 #include "cprintqueue.h"
 
 inline constexpr char CPrintQueuesClassName[] = "CPrintQueues";
@@ -48,6 +51,9 @@ int fWriteAllToDef_Function(const CPrintQueues *collection, CList *errors = null
 // (a message on standard error, but with `create` 1 a missing file is made, holding its header
 // alone). An incomplete entry ends the process with status 3.
 int fFillFromPaf_Function_(CPrintQueues *collection, int create);
+
+// The same from `text`, the content of the file `path`; 1.
+int FillQueuesFromText(CPrintQueues *collection, std::string_view text, const std::string &path);
 
 // Overlays the calling user's option files on all queues; 1. A collection without a dictionary
 // ends the process with status 5.

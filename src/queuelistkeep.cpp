@@ -12,6 +12,7 @@
 #include "debug.h"
 #include "textencoding.h"
 #include "textfile.h"
+#include "textline.h"
 
 namespace {
 
@@ -19,7 +20,9 @@ constexpr char L_KeptSuffix[] = ".save";
 constexpr char L_LockSuffix[] = ".lock";
 constexpr std::string_view L_QueueEnd = "#end_queue";
 
-bool IsCommentOrEmpty(std::string_view line) { return line.empty() || line.starts_with("##"); }
+// How often a list that is not whole is read although there is no kept copy: a save that ended
+// between the two looks has left a whole list and taken its copy away.
+constexpr int L_Readings = 5;
 
 // The last line that is neither empty nor a comment; empty when there is none.
 std::string LastLine(std::string_view text) {
@@ -31,11 +34,22 @@ std::string LastLine(std::string_view text) {
   return last;
 }
 
-// Whether the last save left its copy and no list that could be used.
-bool IsKeptCopyNeeded(const std::string &list_path) {
-  if (access(KeptQueueListPath(list_path).c_str(), F_OK) != 0) return false;
-  const std::optional<std::string> list = ReadWholeFile(list_path);
-  return !list || !IsWholeQueueList(*list);
+// The list file's text when all of a whole list was read: no save empties it meanwhile.
+std::optional<std::string> ReadWholeQueueList(const std::string &list_path) {
+  std::optional<std::string> list = ReadWholeFile(list_path);
+  struct stat status = {};
+  if (!list || stat(list_path.c_str(), &status) != 0 ||
+      static_cast<size_t>(status.st_size) != list->size() || !IsWholeQueueList(*list)) {
+    return std::nullopt;
+  }
+  return list;
+}
+
+bool WriteKeptCopy(const std::string &list_path, const std::string &kept_path) {
+  struct stat status = {};
+  if (stat(list_path.c_str(), &status) != 0) return errno == ENOENT;
+  const std::optional<std::string> content = ReadWholeFile(list_path);
+  return content && ReplaceFileDurably(kept_path, *content, status);
 }
 
 }  // namespace
@@ -53,13 +67,9 @@ std::string KeptQueueListPath(const std::string &list_path) { return list_path +
 
 int KeepQueueList(const std::string &list_path, CList *errors) {
   const LogScope log("KeepQueueList");
-  if (IsKeptCopyNeeded(list_path)) return 1;
-  struct stat status = {};
-  const bool has_status = stat(list_path.c_str(), &status) == 0;
-  if (!has_status && errno == ENOENT) return 1;
-  const std::optional<std::string> content = ReadWholeFile(list_path);
   const std::string kept = KeptQueueListPath(list_path);
-  if (has_status && content && ReplaceFileDurably(kept, *content, status)) return 1;
+  const bool is_needed = access(kept.c_str(), F_OK) == 0 && !ReadWholeQueueList(list_path);
+  if (is_needed ? ReadWholeFile(kept).has_value() : WriteKeptCopy(list_path, kept)) return 1;
   G_Report(errors, "ERR_UNABLE_TO_WRITE_FILE", {kept});
   return 0;
 }
@@ -79,15 +89,19 @@ bool IsWholeQueueList(std::string_view text) {
 int LoadQueueList(CPrintQueues *collection, int create, CList *messages) {
   const LogScope log("LoadQueueList");
   const std::string list_path = fGet_CString_Value_Function(fGetPafFile_Function(collection));
-  if (!IsKeptCopyNeeded(list_path)) return fFillFromPaf_Function_(collection, create);
-  CString *path = fGetPafFile_Function(collection);
-  fSet_CString_Value_Function(path, KeptQueueListPath(list_path).c_str());
-  const int result = fFillFromPaf_Function_(collection, 0);
-  fSet_CString_Value_Function(path, list_path.c_str());
-  // A save that ended meanwhile has taken the copy away and left a whole list.
-  if (result == 0 && !IsKeptCopyNeeded(list_path)) {
-    return fFillFromPaf_Function_(collection, create);
+  const std::string kept_path = KeptQueueListPath(list_path);
+  for (int reading = 0; reading < L_Readings; ++reading) {
+    if (const std::optional<std::string> list = ReadWholeQueueList(list_path)) {
+      return FillQueuesFromText(collection, *list, list_path);
+    }
+    if (const std::optional<std::string> kept = ReadWholeFile(kept_path)) {
+      if (create == 1) G_Report(messages, "WARN_QUEUE_LIST_RESTORED", {list_path});
+      return FillQueuesFromText(collection, *kept, kept_path);
+    }
+    if (errno != ENOENT) {
+      G_Report(messages, "ERR_UNABLE_TO_READ_FILE", {kept_path});
+      break;
+    }
   }
-  G_Report(messages, "WARN_QUEUE_LIST_RESTORED", {list_path});
-  return result;
+  return fFillFromPaf_Function_(collection, create);
 }

@@ -18,7 +18,8 @@ std::string KeptQueueListPath(const std::string &list_path);
 
 // Writes the list file's content to the kept copy, with the list's owner and mode, flushed to disk
 // before it is renamed into place. A kept copy that a start would still need is left as it is. 1,
-// also when there is no list; 0, reported to `errors`, when it cannot be written.
+// also when there is no list; 0, reported to `errors`, when it cannot be written, or is needed and
+// cannot be read.
 int KeepQueueList(const std::string &list_path, CList *errors);
 
 // Removes the kept copy.
@@ -29,5 +30,6 @@ void DropKeptQueueList(const std::string &list_path);
 bool IsWholeQueueList(std::string_view text);
 
 // Fills the collection as fFillFromPaf_Function_ does, from the kept copy when the last save did
-// not end and left no whole list; that is said in `messages` (null in the print tool).
+// not end, or still goes on, and there is no whole list. `messages` (may be null) are told that,
+// with `create` 1 only, and of a kept copy that is there and cannot be read.
 int LoadQueueList(CPrintQueues *collection, int create, CList *messages);

@@ -3,8 +3,13 @@
 #include "savequeues.h"
 
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 
@@ -70,6 +75,15 @@ class Save : public testing::Test {
   }
   std::vector<std::string> Errors() { return Texts(errors_.get()); }
 
+  // The number of each step that was told, "!" behind it when a command follows.
+  std::string Steps() const {
+    std::string text;
+    for (const SaveStep &step : steps_) {
+      text += std::to_string(step.number) + (step.runs_command ? "! " : " ");
+    }
+    return text;
+  }
+
   const std::string kept_ = KeptQueueListPath(kQueuesFile);
   SpoolerStandIn spooler_;
   ProgramMessages messages_;
@@ -96,23 +110,32 @@ TEST_F(Save, TellsEachQueueBeforeItIsHandled) {
   steps_.clear();
   HashRemove(G_Queues_hash, "lp1");
   SaveAll({"lp1"});
-  ASSERT_GE(steps_.size(), 2U);
+  ASSERT_GE(steps_.size(), 3U);
   EXPECT_STREQ(steps_[0].text_key, "SAVE_REMOVING");
   EXPECT_EQ(steps_[0].queue, "lp1");
   EXPECT_EQ(steps_[0].number, 1);
-  EXPECT_STREQ(steps_[1].text_key, "SAVE_CREATING");
-  EXPECT_EQ(steps_[1].queue, "lp2");
-  EXPECT_EQ(steps_[1].number, 2);
-  EXPECT_EQ(steps_[1].total, 2);
+  EXPECT_STREQ(steps_[2].text_key, "SAVE_CREATING");
+  EXPECT_EQ(steps_[2].queue, "lp2");
+  EXPECT_EQ(steps_[2].number, 2);
+  EXPECT_EQ(steps_[2].total, 2);
 }
 
-TEST_F(Save, TellsAQueueAgainBetweenTheCommandsThatMakeIt) {
+TEST_F(Save, TellsAQueueAgainBeforeEachOfTheSixCommandsThatMakeIt) {
   Put("lp1");
   Put("lp2");
   SaveAll();
-  std::vector<int> numbers;
-  for (const SaveStep &step : steps_) numbers.push_back(step.number);
-  EXPECT_EQ(numbers, (std::vector<int>{1, 1, 1, 1, 1, 1, 2, 2, 2, 2, 2, 2}));
+  EXPECT_EQ(Steps(), "1 1! 1! 1! 1! 1! 1! 2 2! 2! 2! 2! 2! 2! ");
+}
+
+TEST_F(Save, TellsThatNoCommandIsRunForAQueueThatNeedsNone) {
+  for (const char *name : {"lp1", "lp2", "lp3", "lp4"}) Put(name);
+  SaveAll();
+  Start();
+  steps_.clear();
+  HashRemove(G_Queues_hash, "lp2");
+  fSet_Address_Function(HashValue<CPrintQueue>(G_Queues_hash, "lp3"), Text("new.host").get());
+  SaveAll({"lp2", "never-saved"});
+  EXPECT_EQ(Steps(), "1 1! 2 3 4 4! 5 ");
 }
 
 TEST_F(Save, TheKeptCopyStaysWhenAnOptionFileCouldNotBeWritten) {
@@ -213,6 +236,81 @@ TEST_F(Save, ThePrintToolReadsTheKeptListWithoutChangingAnything) {
   EXPECT_EQ(Keys(fGetPrintQueues_Function(queues.get())), std::vector<std::string>{"lp1"});
   EXPECT_EQ(ContentOf(kQueuesFile), "");
   EXPECT_TRUE(fs::exists(kept_));
+}
+
+// Its user cannot save.
+TEST_F(Save, ThePrintToolDoesNotSayThatAListWasRestored) {
+  Put("lp1");
+  SaveAll();
+  fs::rename(kQueuesFile, kept_);
+  std::ofstream{kQueuesFile};
+  const ChildResult start = RunInChild([] {
+    const Owned<CPrintQueues> queues = CreatePrintQueues(kQueuesFile);
+    LoadQueueList(queues.get(), 0, nullptr);
+    _exit(HashIsEmpty(fGetPrintQueues_Function(queues.get())) ? 1 : 0);
+  });
+  EXPECT_EQ(start.errors, "");
+  EXPECT_EQ(start.status, 0);
+}
+
+TEST_F(Save, AKeptListThatCannotBeReadIsReportedAndNothingIsCalledRestored) {
+  fs::create_directory(kept_);
+  for (const char *left : {"", "#queue\n"}) {
+    std::ofstream(kQueuesFile) << left;
+    errors_ = CreateList();
+    Start();
+    EXPECT_EQ(Errors(), std::vector<std::string>{"read <" + kept_ + ">"});
+    EXPECT_TRUE(Keys(G_Queues_hash).empty());
+  }
+  fs::remove(kept_);
+}
+
+TEST_F(Save, AKeptListThatIsNeededAndCannotBeReadIsNeitherOverwrittenNorDropped) {
+  std::ofstream{kQueuesFile};
+  fs::create_directory(kept_);
+  Start();
+  errors_ = CreateList();
+  Put("lp1");
+  EXPECT_EQ(SaveAll(), SaveResult::Ended);
+  EXPECT_EQ(Errors(), std::vector<std::string>{"write <" + kept_ + ">"});
+  EXPECT_TRUE(fs::is_directory(kept_));
+  EXPECT_EQ(ContentOf(kQueuesFile), "");
+  EXPECT_FALSE(SpoolerStandIn::HasQueue("lp1"));
+  fs::remove(kept_);
+}
+
+TEST_F(Save, AStartAtAnyMomentOfASaveFindsEveryQueue) {
+  constexpr int kQueues = 40;
+  for (int i = 0; i < kQueues; ++i) Put("lp" + std::to_string(i));
+  ASSERT_EQ(1, fWriteToPaf_Function(G_Queues.get(), errors_.get()));
+  const pid_t saver = fork();
+  if (saver == 0) {
+    // What a save does to the list, again and again.
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    for (;;) {
+      KeepQueueList(kQueuesFile, nullptr);
+      if (truncate(kQueuesFile, 0) != 0) _exit(1);
+      usleep(200);
+      fWriteToPaf_Function(G_Queues.get(), nullptr);
+      DropKeptQueueList(kQueuesFile);
+      usleep(200);
+    }
+  }
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(3);
+  int starts = 0;
+  int incomplete = 0;
+  while (std::chrono::steady_clock::now() < end) {
+    const Owned<CPrintQueues> queues = CreatePrintQueues(kQueuesFile);
+    LoadQueueList(queues.get(), 0, nullptr);
+    ++starts;
+    if (Keys(fGetPrintQueues_Function(queues.get())).size() != kQueues) ++incomplete;
+  }
+  kill(saver, SIGKILL);
+  int status = 0;
+  waitpid(saver, &status, 0);
+  EXPECT_TRUE(WIFSIGNALED(status)) << "the saves did not go on";
+  EXPECT_GT(starts, 100);
+  EXPECT_EQ(incomplete, 0) << "of " << starts << " starts";
 }
 
 TEST_F(Save, AWholeListIsPreferredToTheKeptOne) {
