@@ -43,8 +43,10 @@ SaveProgressWindow::~SaveProgressWindow() {
 void SaveProgressWindow::Show(const SaveStep &step) {
   const gint64 now = g_get_monotonic_time();
   if (now - start_ < L_QuietTime) return;
-  // The same again only now and then, because drawing waits for the screen.
-  if (step.number == number_shown_ && now - drawn_ < L_DrawTime) return;
+  // Drawing waits for the screen, which is worth it only now and then, and for a queue whose
+  // command may take long.
+  const bool is_awaited = step.runs_command && step.number != number_shown_;
+  if (window_ != nullptr && now - drawn_ < L_DrawTime && !is_awaited) return;
   if (window_ == nullptr) Create();
   const std::string text = G_Message(step.text_key, {step.number, step.total, step.queue});
   gtk_label_set_text(GTK_LABEL(label_), text.c_str());

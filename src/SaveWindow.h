@@ -15,7 +15,8 @@ class SaveProgressWindow {
   SaveProgressWindow(const SaveProgressWindow &) = delete;
   SaveProgressWindow &operator=(const SaveProgressWindow &) = delete;
 
-  // Shows the step that begins now, when it is time.
+  // Shows the step that begins now, when it is time: what is shown while a command runs is its
+  // queue, the queues that need none are passed over.
   void Show(const SaveStep &step);
 
  private:

@@ -4,6 +4,12 @@
 #include <string>
 #include <vector>
 
+// A command that asks the spooler for something.
+struct SpoolerCommand {
+  std::string reported_name;  // how a failure's message calls it
+  std::string command;
+};
+
 struct CommandRecord {
   std::string command;
   int status;  // as RunCommand returned it

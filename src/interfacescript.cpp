@@ -2,10 +2,11 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <utility>
 
 #include "cmessages.h"
-#include "command.h"
 #include "debug.h"
 #include "paths.h"
 #include "porting.h"
@@ -19,8 +20,15 @@ constexpr std::string_view L_AddressVariable = "NETWORK_ADDRESS";
 // The port on which the printers take data.
 constexpr char L_Port[] = "2501";
 
+// Program and new value of what makes a script the spooler's.
+constexpr std::pair<const char *, const char *> L_OwnerCommands[] = {
+    {"/bin/chmod", "755"}, {"/bin/chgrp", "bin"}, {"/bin/chown", "lp"}};
+
+// An address ends at its first control character: behind a tab or a line feed the shell would see
+// a command.
 std::string AddressLine(std::string_view address) {
-  return std::string(L_AddressVariable) + "=" + std::string(address) + "\n";
+  const auto end = std::find_if(address.begin(), address.end(), IsControlCharacter);
+  return std::string(L_AddressVariable) + "=" + std::string(address.begin(), end) + "\n";
 }
 
 // The lines that turn the file "$1" into printer data.
@@ -93,10 +101,21 @@ std::optional<std::string> WithNetworkAddress(std::string_view script, std::stri
   return found ? std::optional(std::move(result)) : std::nullopt;
 }
 
+std::vector<SpoolerCommand> ScriptOwnerCommands(const std::string &script_path) {
+  std::vector<SpoolerCommand> commands;
+  for (const auto &[program, value] : L_OwnerCommands) {
+    commands.push_back({program, JoinWords({program, value, script_path, kDiscardOutput})});
+  }
+  return commands;
+}
+
 std::string ScriptOwnerCommand(const std::string &script_path) {
-  return JoinWords({"/bin/chmod", "755", script_path, kDiscardOutput, ";",  //
-                    "/bin/chgrp", "bin", script_path, kDiscardOutput, ";",  //
-                    "/bin/chown", "lp", script_path, kDiscardOutput});
+  std::vector<std::string> words;
+  for (const SpoolerCommand &step : ScriptOwnerCommands(script_path)) {
+    if (!words.empty()) words.emplace_back(";");
+    words.push_back(step.command);
+  }
+  return JoinWords(words);
 }
 
 int ChangeAddressInInterface(const char *name, const char *address, CList *errors) {

@@ -4,8 +4,10 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "clist.h"
+#include "command.h"
 
 // What the block says. The texts stand in it unquoted.
 struct InterfaceBlock {
@@ -29,7 +31,8 @@ int WriteToInterfaceFile(const char *script_path, const char *queue_type, const 
 // and every other byte as it was; nothing when there is no such line.
 std::optional<std::string> WithNetworkAddress(std::string_view script, std::string_view address);
 
-// The command that makes a rewritten script the spooler's again.
+// The commands that make a script the spooler's, in order, and all of them in one.
+std::vector<SpoolerCommand> ScriptOwnerCommands(const std::string &script_path);
 std::string ScriptOwnerCommand(const std::string &script_path);
 
 // Puts `address` into the interface script of the queue `name`: 1; 0 when the script stays as it

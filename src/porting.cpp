@@ -55,10 +55,14 @@ void RestoreQueue(const char *name) {
 
 }  // namespace
 
+bool IsControlCharacter(char c) {
+  const auto byte = static_cast<unsigned char>(c);
+  return byte < 0x20 || byte == 0x7F;
+}
+
 bool IsCommandSafeName(std::string_view name) {
   return !name.empty() && name.front() != '-' && std::none_of(name.begin(), name.end(), [](char c) {
-    const auto byte = static_cast<unsigned char>(c);
-    return byte < 0x20 || byte == 0x7F || c == L_ShellWildcard ||
+    return IsControlCharacter(c) || c == L_ShellWildcard ||
            kNotInQueueNames.find(c) != std::string_view::npos;
   });
 }
@@ -129,8 +133,9 @@ int DeleteQueuesSysV(const CList *names, CList *errors, const QueueObserver &obs
   int result = 1;
   for (const CString *element : Elements<CString>(names)) {
     const char *name = fGet_CString_Value_Function(element);
-    if (observer) observer(name);
+    if (observer) observer(name, false);
     if (OurQueueExistsSysV(name, errors) == 0) continue;
+    if (observer) observer(name, true);
     if (DeleteQueueSysV(name, errors) == 1) {
       G_DeleteAllUsersDefForQueue(name);
     } else {

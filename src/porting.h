@@ -13,6 +13,9 @@ inline constexpr char kMarkerLine[] = "# the following lines are inserted by KPX
 // The characters that no queue name may hold, because the shell or a path gives them a meaning.
 inline constexpr std::string_view kNotInQueueNames = "/\\.,;: '`*@#$=!&|()\"~%^[]{}<>";
 
+// True for the control characters of ASCII.
+bool IsControlCharacter(char c);
+
 // True when `name` can stand in a command unquoted: not empty, no option, and without
 // those characters, "?" and control characters.
 bool IsCommandSafeName(std::string_view name);
@@ -43,9 +46,9 @@ std::string DeleteQueueCommand(const std::string &name);
 // name cannot stand in a command.
 int DeleteQueueSysV(const char *name, CList *errors);
 
-// Told the name of each queue before the spooler is asked to do something about it, and again
-// between the commands for one queue; may be empty.
-using QueueObserver = std::function<void(const char *name)>;
+// Told the name of each queue when its turn comes, with `runs_command` false, and again, with true,
+// before each command that is run for it; may be empty.
+using QueueObserver = std::function<void(const char *name, bool runs_command)>;
 
 // Removes those of `names` (CString) that are ours from the spooler and their users' option files
 // from the disk. A queue that the spooler keeps comes back into G_Queues_hash as it was at start.

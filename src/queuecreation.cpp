@@ -1,7 +1,8 @@
 #include "queuecreation.h"
 
+#include <utility>
+
 #include "cmessages.h"
-#include "command.h"
 #include "cprintqueue.h"
 #include "debug.h"
 #include "deffile.h"
@@ -28,11 +29,13 @@ std::string PpdPath(const char *ppd_file) {
 }
 
 // Rewrites the script when the address is no longer that of the start.
-void UpdateAddress(const char *name, CPrintQueue *queue, CList *errors) {
+void UpdateAddress(const char *name, CPrintQueue *queue, CList *errors,
+                   const QueueObserver &observer) {
   const CPrintQueue *original = HashValue<CPrintQueue>(G_OrgQueues_hash, name);
   const CString *old_address = fGet_Address_Function(original);
   const CString *new_address = fGet_Address_Function(queue);
   if (original == nullptr || fIsEqual_CString_Value_Function(old_address, new_address) == 1) return;
+  if (observer) observer(name, true);
   if (ChangeAddressInInterface(name, TextOf(new_address), errors) == 1) return;
   // The saved list tells the address that the spooler really uses.
   fSet_Address_Function(queue, old_address);
@@ -70,23 +73,23 @@ int BringInLine(const char *name, ScriptValues &values, CList *errors,
   if (OurQueueExistsSysV(name, errors) == 0) {
     return CreateQueue(name, queue, values, errors, observer);
   }
-  UpdateAddress(name, queue, errors);
+  UpdateAddress(name, queue, errors, observer);
   return 1;
 }
 
 }  // namespace
 
-std::vector<QueueCommand> CreateQueueCommands(const std::string &name, const std::string &model) {
-  const std::string script = InterfacePath(name);
-  return {
+std::vector<SpoolerCommand> CreateQueueCommands(const std::string &name, const std::string &model) {
+  std::vector<SpoolerCommand> commands = {
       {"lpadmin", JoinWords({std::string(kLpadmin) + " -p", name,
-                             "-v /dev/null -I any -o nobanner -m", model, kDiscardOutput})},
-      {"/bin/chmod", JoinWords({"/bin/chmod", "755", script, kDiscardOutput})},
-      {"/bin/chgrp", JoinWords({"/bin/chgrp", "bin", script, kDiscardOutput})},
-      {"/bin/chown", JoinWords({"/bin/chown", "lp", script, kDiscardOutput})},
-      {kAccept, JoinWords({kAccept, name, kDiscardOutput})},
-      {kEnable, JoinWords({kEnable, name, kDiscardOutput})},
-  };
+                             "-v /dev/null -I any -o nobanner -m", model, kDiscardOutput})}};
+  for (SpoolerCommand &step : ScriptOwnerCommands(InterfacePath(name))) {
+    commands.push_back(std::move(step));
+  }
+  for (const char *program : {kAccept, kEnable}) {
+    commands.push_back({program, JoinWords({program, name, kDiscardOutput})});
+  }
+  return commands;
 }
 
 int AddQueueSysV(const char *name, const char *model, CList *errors,
@@ -94,8 +97,8 @@ int AddQueueSysV(const char *name, const char *model, CList *errors,
   const LogScope log("AddQueueSysV");
   if (model == nullptr || !CheckCommandSafeName("lpadmin", name, errors)) return 0;
   bool exists = false;
-  for (const QueueCommand &step : CreateQueueCommands(name, model)) {
-    if (exists && observer) observer(name);
+  for (const SpoolerCommand &step : CreateQueueCommands(name, model)) {
+    if (observer) observer(name, true);
     if (RunCommand(step.command) != 0) {
       G_Report(errors, "ERR_CMD_FOR_QUEUE", {step.reported_name, name});
       if (!exists) return 0;
@@ -115,7 +118,7 @@ int AddQueuesSysV(CList *errors, const QueueObserver &observer) {
   int result = 1;
   ScriptValues values;
   for (const CString *name : Elements<CString>(names.get())) {
-    if (observer) observer(TextOf(name));
+    if (observer) observer(TextOf(name), false);
     if (BringInLine(TextOf(name), values, errors, observer) == 0) result = 0;
   }
   return result;

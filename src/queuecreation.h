@@ -5,19 +5,15 @@
 #include <vector>
 
 #include "clist.h"
+#include "command.h"
 #include "porting.h"
 
-struct QueueCommand {
-  std::string reported_name;  // how a failure's message calls the command
-  std::string command;
-};
-
 // The commands that make a spooler queue, in order. When the first fails there is no queue.
-std::vector<QueueCommand> CreateQueueCommands(const std::string &name, const std::string &model);
+std::vector<SpoolerCommand> CreateQueueCommands(const std::string &name, const std::string &model);
 
 // Makes the queue in the spooler from the interface of `model`: 1 once it exists; 0 when the first
 // command fails or the name cannot stand in a command. Every failed command is reported to
-// `errors`. The `observer` is told the queue between the commands too.
+// `errors`. The `observer` is told of each command.
 int AddQueueSysV(const char *name, const char *model, CList *errors,
                  const QueueObserver &observer = {});
 

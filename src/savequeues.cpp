@@ -28,10 +28,9 @@ class Steps {
   Steps(const SaveObserver &observer, int total) : observer_(observer), total_(total) {}
 
   QueueObserver Counting(const char *text_key) {
-    return [this, text_key, last = std::string()](const char *queue) mutable {
-      if (last != queue) ++number_;
-      last = queue;
-      if (observer_) observer_({text_key, number_, total_, queue});
+    return [this, text_key](const char *queue, bool runs_command) {
+      if (!runs_command) ++number_;
+      if (observer_) observer_({text_key, number_, total_, queue, runs_command});
     };
   }
 

@@ -7,12 +7,13 @@
 
 #include "clist.h"
 
-// One step of a save, told before it begins and again between its commands.
+// One queue of a save, told when its turn comes and again before each command that is run for it.
 struct SaveStep {
   const char *text_key;  // takes number, total and queue
   int number;            // from 1
   int total;
   std::string queue;
+  bool runs_command;  // false: nothing slow may come of it
 };
 using SaveObserver = std::function<void(const SaveStep &step)>;
 

@@ -41,13 +41,14 @@ TEST(PrinterModels, AnyOtherNameIsUnknown) {
     EXPECT_STREQ(model.spooler_model, "Unknown_printer") << name;
     EXPECT_EQ(model.ppd_file, nullptr);
     EXPECT_EQ(model.transport_parameter, nullptr);
+    EXPECT_EQ(model.number, 0);
   }
 }
 
 TEST(CreateQueueCommands, AreTheSixInTheirOrder) {
   Strings commands;
   Strings names;
-  for (const QueueCommand &step : CreateQueueCommands("lp1", "vek4105")) {
+  for (const SpoolerCommand &step : CreateQueueCommands("lp1", "vek4105")) {
     commands.push_back(step.command);
     names.push_back(step.reported_name);
   }
