@@ -93,18 +93,13 @@ void ButtonKPXDeletePressed(int flag) {
     return;
   }
   GtkWidget *list = G_KPXadminWindow_helper->queues_list;
-  CNodeList *position = fGetHeadPosition_CList_Function(G_QueuesSelections.get());
-  while (position != nullptr) {
-    CNodeList *current = position;
-    const auto *record =
-        ObjectCast<CSelection>(fGetNext_CList_Function(G_QueuesSelections.get(), &position));
-    if (record == nullptr || fIsSelected_CSelection_Function(record) == 0) continue;
-    const std::string name = fGet_CSelection_Value_Function(record);
-    ListRemove(list, ListFindData(list, current));
-    HashRemove(G_Queues_hash, name.c_str());
-    if (flag != 0) RememberDeleted(name.c_str());
-    fRemoveAt_CList_Function(G_QueuesSelections.get(), current);
-  }
+  RemoveSelectedRecords(G_QueuesSelections.get(),
+                        [=](const CNodeList *position, const CSelection &record) {
+                          const std::string name = fGet_CSelection_Value_Function(&record);
+                          ListRemove(list, ListFindData(list, position));
+                          HashRemove(G_Queues_hash, name.c_str());
+                          if (flag != 0) RememberDeleted(name.c_str());
+                        });
 }
 
 void ButtonSavePressed() {

@@ -54,17 +54,12 @@ bool RemoveSelected(CustomKind kind, const std::function<void(const std::string 
     return false;
   }
   GtkWidget *list = CustomList(kind).list;
-  CNodeList *position = fGetHeadPosition_CList_Function(selections);
-  while (position != nullptr) {
-    CNodeList *current = position;
-    const auto *record = ObjectCast<CSelection>(fGetNext_CList_Function(selections, &position));
-    if (record == nullptr || fIsSelected_CSelection_Function(record) == 0) continue;
-    const std::string name = fGet_CSelection_Value_Function(record);
-    ListRemove(list, ListFindData(list, record));
+  RemoveSelectedRecords(selections, [&](const CNodeList *, const CSelection &record) {
+    const std::string name = fGet_CSelection_Value_Function(&record);
+    ListRemove(list, ListFindData(list, &record));
     HashRemove(CustomEntries(kind), name.c_str());
     removed(name);
-    fRemoveAt_CList_Function(selections, current);
-  }
+  });
   return true;
 }
 

@@ -65,3 +65,14 @@ std::string SelectedText(const CList *selections) {
   }
   return "";
 }
+
+void RemoveSelectedRecords(CList *selections, const SelectionVisitor &before) {
+  CNodeList *position = fGetHeadPosition_CList_Function(selections);
+  while (position != nullptr) {
+    CNodeList *current = position;
+    const auto *record = ObjectCast<CSelection>(fGetNext_CList_Function(selections, &position));
+    if (record == nullptr || fIsSelected_CSelection_Function(record) == 0) continue;
+    before(current, *record);
+    fRemoveAt_CList_Function(selections, current);
+  }
+}

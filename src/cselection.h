@@ -1,6 +1,7 @@
 // CSelection: a text with a selected flag, the record behind a list row.
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "clist.h"
@@ -48,3 +49,8 @@ int fIsSelected_CSelection_Function(const CSelection *record);
 
 // The text of the first selected record of `selections`; empty without one.
 std::string SelectedText(const CList *selections);
+
+// Takes every selected record out of `selections` (may be null), in order, each after `before` was
+// called with its position and the record, which must stay in the list.
+using SelectionVisitor = std::function<void(const CNodeList *position, const CSelection &record)>;
+void RemoveSelectedRecords(CList *selections, const SelectionVisitor &before);

@@ -135,14 +135,9 @@ void RemoveCapturedFile() {
 
 void RemoveSelectedFiles(const std::function<void(const CNodeList *position)> &before) {
   const LogScope log("RemoveSelectedFiles");
-  CList *files = G_FilesList.get();
-  CNodeList *position = fGetHeadPosition_CList_Function(files);
-  while (position != nullptr) {
-    CNodeList *current = position;
-    const auto *record = ObjectCast<CSelection>(fGetNext_CList_Function(files, &position));
-    if (record == nullptr || fIsSelected_CSelection_Function(record) == 0) continue;
-    before(current);
-    if (IsCapturedFile(record)) RemoveCapturedFile();
-    fRemoveAt_CList_Function(files, current);
-  }
+  RemoveSelectedRecords(G_FilesList.get(),
+                        [&before](const CNodeList *position, const CSelection &record) {
+                          before(position);
+                          if (IsCapturedFile(&record)) RemoveCapturedFile();
+                        });
 }

@@ -41,3 +41,26 @@ TEST(Selection, AnswersTheHeaderOperations) {
   EXPECT_EQ(fDelete_CSelection_Function(nullptr), 1);
   EXPECT_EQ(fClone_CSelection_Function(nullptr), nullptr);
 }
+
+TEST(Selection, TakesTheSelectedRecordsOutInOrderAndTellsEachBefore) {
+  const Owned<CList> list = CreateList();
+  for (const auto &[text, flag] : {std::pair("a", 1), {"b", 0}, {"c", 1}, {"d", 1}, {"e", 0}}) {
+    fAddTail_CList_Function(list.get(), CreateSelection(text, flag));
+  }
+  fAddTail_CList_Function(list.get(), CreateStringWithValue("of another class"));
+  std::string told;
+  RemoveSelectedRecords(list.get(), [&](const CNodeList *position, const CSelection &record) {
+    EXPECT_EQ(fGetAt_CList_Function(list.get(), position), &record);
+    told += fGet_CSelection_Value_Function(&record);
+  });
+  EXPECT_EQ(told, "acd");
+  std::string left;
+  for (const CSelection *record : Elements<CSelection>(list.get())) {
+    left += record == nullptr ? "?" : fGet_CSelection_Value_Function(record);
+  }
+  EXPECT_EQ(left, "be?");
+}
+
+TEST(Selection, TakesNothingOutOfNoList) {
+  RemoveSelectedRecords(nullptr, [](const CNodeList *, const CSelection &) { FAIL(); });
+}
