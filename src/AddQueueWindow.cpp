@@ -81,7 +81,7 @@ void AddFields(Form &form) {
   AddRow(form, "QueueLabel", "DEF_LBL_QUEUE", name, name);
   AddPrinterList(form);
   AddCombo(form, "QueueType", "DEF_LBL_TYPE", TypeTexts(), nullptr);
-  AddCombo(form, "Transport", "DEF_LBL_TRANSPORT", {G_Translate("tcpip")}, nullptr);
+  AddCombo(form, "Transport", "DEF_LBL_TRANSPORT", {G_Translate(kTcpIpTransport)}, nullptr);
   GtkWidget *address = NewEntry(form, "AddressEntry", L_AddressLength);
   FilterAsAddress(address);
   AddRow(form, "AddressLabel", "DEF_LBL_IPADDRESS", address, address);

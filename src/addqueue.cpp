@@ -12,7 +12,6 @@ const std::vector<const char *> G_QueueTypes = {"postscript", "text", "pcl6", "r
 
 namespace {
 
-constexpr char L_Transport[] = "tcpip";
 constexpr char L_PrintingSystem[] = "SystemV";
 
 // The type whose translation `text` is, or null.
@@ -30,7 +29,7 @@ Owned<CPrintQueue> NewRecord(const NewQueue &input, const char *type) {
   };
   set(fSet_PrinterName_Function, input.printer.c_str());
   set(fSet_Language_Function, type);
-  set(fSet_AddressType_Function, L_Transport);
+  set(fSet_AddressType_Function, kTcpIpTransport);
   set(fSet_Address_Function, input.address.c_str());
   set(fSet_PrintingSystem_Function, L_PrintingSystem);
   set(fSet_DefFile_Function, (input.name + ".def").c_str());
@@ -46,17 +45,43 @@ Owned<CPrintQueue> NewRecord(const NewQueue &input, const char *type) {
 
 }  // namespace
 
+IdentityFault CheckIdentity(const QueueIdentity &identity) {
+  const LogScope log("CheckIdentity");
+  if (identity.name.empty()) return IdentityFault::kNoName;
+  const Owned<CList> errors = CreateList();
+  if (G_CheckUniqueQueueName(identity.name.c_str(), errors.get()) == 0) {
+    return IdentityFault::kNameTaken;
+  }
+  if (identity.transport != G_Translate(kTcpIpTransport)) return IdentityFault::kTransport;
+  return identity.address.empty() ? IdentityFault::kNoAddress : IdentityFault::kNone;
+}
+
+const char *WarningKey(IdentityFault fault) {
+  switch (fault) {
+    case IdentityFault::kNoName:
+      return "KPXadminWarn003";
+    case IdentityFault::kNameTaken:
+      return "KPXadminWarn004";
+    case IdentityFault::kNoAddress:
+      return "KPXadminWarn002";
+    case IdentityFault::kNone:
+    case IdentityFault::kTransport:
+      break;
+  }
+  return nullptr;
+}
+
 AddQueueResult AddQueue(const NewQueue &input) {
   const LogScope log("AddQueue");
-  const Owned<CList> errors = CreateList();
-  if (input.name.empty()) return {false, "KPXadminWarn003"};
-  if (G_CheckUniqueQueueName(input.name.c_str(), errors.get()) == 0) {
-    return {false, "KPXadminWarn004"};
+  const IdentityFault fault = CheckIdentity({input.name, input.transport, input.address});
+  // Printer and type are looked at between the name and the other two.
+  if (fault == IdentityFault::kNoName || fault == IdentityFault::kNameTaken) {
+    return {false, WarningKey(fault)};
   }
   if (input.printer.empty()) return {false, "KPXadminWarn001"};
   const char *type = TypeFromText(input.type);
-  if (type == nullptr || input.transport != G_Translate(L_Transport)) return {false, nullptr};
-  if (input.address.empty()) return {false, "KPXadminWarn002"};
+  if (type == nullptr) return {false, nullptr};
+  if (fault != IdentityFault::kNone) return {false, WarningKey(fault)};
   HashPut(G_Queues_hash, input.name.c_str(), NewRecord(input, type));
   return {true, nullptr};
 }

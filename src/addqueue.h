@@ -8,6 +8,24 @@
 // name.
 extern const std::vector<const char *> G_QueueTypes;
 
+// The only transport there is; also the catalogue key of its name.
+inline constexpr char kTcpIpTransport[] = "tcpip";
+
+// What a queue is known by and how its printer is reached, as shown in a window (UTF-8).
+struct QueueIdentity {
+  std::string name;
+  std::string transport;
+  std::string address;
+};
+
+// The first fault of an identity, in this order.
+enum class IdentityFault { kNone, kNoName, kNameTaken, kTransport, kNoAddress };
+IdentityFault CheckIdentity(const QueueIdentity &identity);
+
+// The catalogue key of what to tell the user; null for kNone and kTransport, which is silent (kept
+// on purpose).
+const char *WarningKey(IdentityFault fault);
+
 // What the add-queue dialog holds, as shown (UTF-8).
 struct NewQueue {
   std::string name;

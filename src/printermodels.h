@@ -8,6 +8,7 @@ struct PrinterModel {
   const char *spooler_model;        // the spooler's name of the interface
   const char *ppd_file;             // bare file name; null when unknown
   const char *transport_parameter;  // third argument of the transport program; null when unknown
+  int number;                       // by which windows and pictures tell it, from 1; 0 when unknown
 };
 
 // The first row that fits, or the row of all other printers.

@@ -1,6 +1,5 @@
 #include "properties.h"
 
-#include <array>
 #include <string_view>
 #include <utility>
 
@@ -14,25 +13,12 @@
 #include "globals.h"
 #include "optionlists.h"
 #include "optionstate.h"
-#include "queuenames.h"
+#include "printermodels.h"
 #include "textencoding.h"
 
 namespace {
 
-constexpr char L_Transport[] = "tcpip";
 constexpr size_t L_HelpBuffer = 10239;
-
-struct ModelRow {
-  std::string_view prefix;
-  int model;
-};
-
-constexpr std::array<ModelRow, 6> L_Models = {{{"Vek Norvel 4105", 1},
-                                               {"Vek Norvel 4120ES", 6},
-                                               {"Vek Norvel 4121", 2},
-                                               {"Vek Norvel 4100ES", 3},
-                                               {"Vek Norvel 4102ES", 4},
-                                               {"Vek Norvel 4110ES", 5}}};
 
 bool IsAdministration() { return G_ProgName == kModeAdministration; }
 
@@ -114,11 +100,8 @@ std::vector<const char *> PageHelp(int page) {
 void getPrinterModel(const char *printer_name) {
   const LogScope log("getPrinterModel");
   if (printer_name == nullptr) return;
-  for (const ModelRow &row : L_Models) {
-    if (!std::string_view(printer_name).starts_with(row.prefix)) continue;
-    G_PrinterModel = row.model;
-    return;
-  }
+  const int number = FindPrinterModel(printer_name).number;
+  if (number != 0) G_PrinterModel = number;
 }
 
 std::string SelectedQueueName(const CList *selections) { return SelectedText(selections); }
@@ -194,35 +177,9 @@ void PutBackForPrinting(int copies) {
   HashPut(G_Queues_hash, name.c_str(), CloneOf(G_CurrentQueue.get()));
 }
 
-IdentityFault CheckIdentity(const QueueIdentity &identity) {
-  const LogScope log("CheckIdentity");
-  if (identity.name.empty()) return IdentityFault::kNoName;
-  const Owned<CList> further_names = CreateList();
-  if (G_CheckUniqueQueueName(identity.name.c_str(), further_names.get()) == 0) {
-    return IdentityFault::kNameTaken;
-  }
-  if (identity.transport != G_Translate(L_Transport)) return IdentityFault::kTransport;
-  return identity.address.empty() ? IdentityFault::kNoAddress : IdentityFault::kNone;
-}
-
-const char *WarningKey(IdentityFault fault) {
-  switch (fault) {
-    case IdentityFault::kNoName:
-      return "KPXadminWarn003";
-    case IdentityFault::kNameTaken:
-      return "KPXadminWarn004";
-    case IdentityFault::kNoAddress:
-      return "KPXadminWarn002";
-    case IdentityFault::kNone:
-    case IdentityFault::kTransport:
-      break;
-  }
-  return nullptr;
-}
-
 void PutBackIdentity(const QueueIdentity &identity) {
   CPrintQueue *queue = G_CurrentQueue.get();
-  fSet_AddressType_Function(queue, CreateStringWithValue(L_Transport).get());
+  fSet_AddressType_Function(queue, CreateStringWithValue(kTcpIpTransport).get());
   fSet_Address_Function(queue, CreateStringWithValue(identity.address.c_str()).get());
   fSet_DefFile_Function(queue, CreateStringWithValue((identity.name + ".def").c_str()).get());
   G_CurrentQueue_name = CreateStringWithValue(identity.name.c_str());

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "addqueue.h"
 #include "clist.h"
 #include "constraints.h"
 
@@ -45,22 +46,9 @@ void RemoveMultipleUpSettings();
 // G_Queues_hash.
 void PutBackForPrinting(int copies);
 
-// Administration: what the General tab says. A fault: nothing is stored.
-struct QueueIdentity {
-  std::string name;
-  std::string transport;  // as shown
-  std::string address;
-};
-enum class IdentityFault { kNone, kNoName, kNameTaken, kTransport, kNoAddress };
-IdentityFault CheckIdentity(const QueueIdentity &identity);
-
-// The catalogue key of what to tell the user; null for kNone and kTransport, which is silent (kept
-// on purpose).
-const char *WarningKey(IdentityFault fault);
-
-// Sets the work copy's transport, address and option file, makes `identity.name` the current name
-// and puts a copy of the work copy into G_Queues_hash under it. The entry under the old name must
-// have been removed.
+// Administration: sets the work copy's transport, address and option file, makes `identity.name`
+// the current name and puts a copy of the work copy into G_Queues_hash under it. The entry under
+// the old name must have been removed.
 void PutBackIdentity(const QueueIdentity &identity);
 
 // The catalogue key of the window's title on the notebook's page, from 0; empty past the last.
