@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <cstring>
 
-#include "writeall.h"
+#include "textfile.h"
 
 namespace {
 
@@ -115,5 +115,5 @@ JobSource DescriptorSource(int fd) {
 }
 
 JobSink DescriptorSink(int fd) {
-  return JobSink([fd](std::string_view bytes) { return WriteAll(fd, bytes); });
+  return JobSink([fd](std::string_view bytes) { return WriteWhole(fd, bytes); });
 }

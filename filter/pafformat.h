@@ -4,9 +4,6 @@
 #include <string>
 #include <string_view>
 
-// Whether the reader would take `line` for a keyword, a comment or a separator instead of a value.
-bool IsPafKeywordLine(std::string_view line);
-
 // `text` (UTF-8 on one line) as a value line: one blank is put before a text that would be a
 // keyword or comment, and what goes past the reader's line is cut off between two characters.
 // `substitute` (itself a valid value) stands for an empty text.

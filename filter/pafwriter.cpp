@@ -4,6 +4,7 @@
 
 #include "decimal.h"
 #include "pafformat.h"
+#include "pafreader.h"
 #include "ppdconstraints.h"
 
 namespace {

@@ -18,7 +18,7 @@
 
 #include "ppdtext.h"
 #include "textencoding.h"
-#include "writeall.h"
+#include "textfile.h"
 
 namespace {
 
@@ -35,7 +35,7 @@ std::string TextOf(const char *text) { return text == nullptr ? std::string() : 
 int DescriptorOf(std::string_view text) {
   const int fd = memfd_create("ppd", MFD_CLOEXEC);
   if (fd < 0) return -1;
-  if (!WriteAll(fd, text)) {
+  if (!WriteWhole(fd, text)) {
     const int saved = errno;
     close(fd);
     errno = saved;

@@ -5,7 +5,7 @@
 #include <tuple>
 #include <utility>
 
-#include "pafformat.h"
+#include "pafreader.h"
 
 namespace {
 

@@ -4,12 +4,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <string_view>
 
 #include "debug.h"
+#include "textfile.h"
 
 namespace {
 
@@ -17,16 +16,6 @@ std::vector<CommandRecord> L_Records;
 
 // Linux starts no program with one argument of this many bytes or more (execve(2)).
 constexpr size_t L_ArgumentLimit = 128UL * 1024;
-
-bool WriteWhole(int file, std::string_view text) {
-  while (!text.empty()) {
-    const ssize_t count = write(file, text.data(), text.size());
-    if (count < 0 && errno == EINTR) continue;
-    if (count <= 0) return false;
-    text.remove_prefix(static_cast<size_t>(count));
-  }
-  return true;
-}
 
 // Has the shell read the command from a file in memory: the way for one too long for an argument.
 int RunFromFile(const std::string &command) {

@@ -48,6 +48,8 @@ class PafParser {
  public:
   PafParser();
 
+  static bool IsKeyword(std::string_view line) { return FindKeyword(line) != nullptr; }
+
   // Does what the line says; a value line goes where the state says.
   void TakeLine(std::string_view line);
 
@@ -71,6 +73,7 @@ class PafParser {
     Routine routine = nullptr;
   };
   static const Keyword L_Keywords[];
+  static const Keyword *FindKeyword(std::string_view line);
 
   State Fail(const char *reason);
   // A record of the line's text.
@@ -150,19 +153,23 @@ PafParser::PafParser() {
   content_.constraints = CreateList();
 }
 
+const PafParser::Keyword *PafParser::FindKeyword(std::string_view line) {
+  if (line.size() < 2 || line[0] != '#') return nullptr;
+  // The second character tells most keywords apart.
+  const auto begins = [&line](const Keyword &keyword) {
+    return line[1] == keyword.text[1] && line.starts_with(keyword.text);
+  };
+  const auto *found = std::find_if(std::begin(L_Keywords), std::end(L_Keywords), begins);
+  return found == std::end(L_Keywords) ? nullptr : found;
+}
+
 void PafParser::TakeLine(std::string_view line) {
   if (line.empty()) {
     state_ = State::None;
     return;
   }
-  // The second character tells most keywords apart.
-  const auto begins = [&line](const Keyword &keyword) {
-    return line.size() > 1 && line[1] == keyword.text[1] && line.starts_with(keyword.text);
-  };
-  const auto keyword = line[0] != '#'
-                           ? std::end(L_Keywords)
-                           : std::find_if(std::begin(L_Keywords), std::end(L_Keywords), begins);
-  if (keyword == std::end(L_Keywords)) {
+  const Keyword *keyword = FindKeyword(line);
+  if (keyword == nullptr) {
     TakeValue(line);
   } else {
     state_ = keyword->routine == nullptr ? keyword->next : (this->*keyword->routine)(line);
@@ -348,6 +355,8 @@ std::variant<PafContent, PafError> ReadPaf(LineReader &lines) {
   if (parser.Error() != nullptr) return PafError{"", lines.LineNumber(), parser.Error()};
   return std::move(parser.Content());
 }
+
+bool IsPafKeywordLine(std::string_view line) { return line.empty() || PafParser::IsKeyword(line); }
 
 std::string PafHeaderText(std::string_view line) {
   const size_t first = line.find(':');

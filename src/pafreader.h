@@ -29,6 +29,9 @@ struct PafError {
 // from one call to the next.
 std::variant<PafContent, PafError> ReadPaf(LineReader &lines);
 
+// Whether the reader takes `line` for a keyword, a comment or a separator instead of a value.
+bool IsPafKeywordLine(std::string_view line);
+
 // The text between the first and the second ":" of a header line ("##Name:", "##PPD:"), untrimmed;
 // up to the end when there is no second one.
 std::string PafHeaderText(std::string_view line);

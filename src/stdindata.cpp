@@ -12,6 +12,7 @@
 #include "cmessages.h"
 #include "debug.h"
 #include "textencoding.h"
+#include "textfile.h"
 
 namespace {
 
@@ -84,7 +85,7 @@ class Capture {
       RemoveFileOnSignal(path_);
       file_ = CreatePrivateFile(path_);
     }
-    return file_ >= 0 && write(file_, bytes, count) == static_cast<ssize_t>(count);
+    return file_ >= 0 && WriteWhole(file_, {bytes, count});
   }
 
   bool Close() {

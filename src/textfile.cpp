@@ -26,15 +26,7 @@ class OpenFile {
   bool IsOpen() const { return descriptor_ != -1; }
   int Descriptor() const { return descriptor_; }
 
-  bool Write(std::string_view text) const {
-    while (!text.empty()) {
-      const ssize_t count = write(descriptor_, text.data(), text.size());
-      if (count < 0 && errno == EINTR) continue;
-      if (count < 0) return false;
-      text.remove_prefix(static_cast<size_t>(count));
-    }
-    return true;
-  }
+  bool Write(std::string_view text) const { return WriteWhole(descriptor_, text); }
 
   // Some file systems report a full disk only here.
   bool Close() { return close(std::exchange(descriptor_, -1)) == 0; }
@@ -49,10 +41,10 @@ bool GiveToGroup(int descriptor, const char *name) {
   return entry != nullptr && fchown(descriptor, static_cast<uid_t>(-1), entry->gr_gid) == 0;
 }
 
-bool FillNewFile(OpenFile &file, std::string_view text, const FileAccess &access) {
+bool FillNewFile(const OpenFile &file, std::string_view text, const FileAccess &access) {
   const bool as_wanted = access.group == nullptr || GiveToGroup(file.Descriptor(), access.group);
   const mode_t mode = as_wanted ? access.mode : access.mode_without_group;
-  return file.Write(text) && fchmod(file.Descriptor(), mode) == 0 && file.Close();
+  return file.Write(text) && fchmod(file.Descriptor(), mode) == 0;
 }
 
 // Makes a new file beside `path`, has it filled and closed, and renames it into place.
@@ -71,15 +63,25 @@ bool ReplaceWith(const std::string &path, const std::function<bool(OpenFile &)> 
   return false;
 }
 
-// Makes renames in the directory last.
+// Makes renames in the directory last, on the file systems that can do more for that.
 bool SyncDirectoryOf(const std::string &path) {
   const std::string directory = path.substr(0, path.rfind('/') + 1);
   const OpenFile file(
       open(directory.empty() ? "." : directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  return file.IsOpen() && fsync(file.Descriptor()) == 0;
+  return file.IsOpen() && (fsync(file.Descriptor()) == 0 || errno == EINVAL);
 }
 
 }  // namespace
+
+bool WriteWhole(int descriptor, std::string_view text) {
+  while (!text.empty()) {
+    const ssize_t count = write(descriptor, text.data(), text.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return false;
+    text.remove_prefix(static_cast<size_t>(count));
+  }
+  return true;
+}
 
 bool OverwriteFile(const std::string &path, std::string_view text, mode_t mode) {
   const bool is_new = access(path.c_str(), F_OK) != 0;
@@ -113,7 +115,15 @@ NewFile WriteNewFile(const std::string &path, std::string_view text, mode_t mode
 }
 
 bool ReplaceFile(const std::string &path, std::string_view text, const FileAccess &access) {
-  return ReplaceWith(path, [&](OpenFile &file) { return FillNewFile(file, text, access); });
+  return ReplaceWith(
+      path, [&](OpenFile &file) { return FillNewFile(file, text, access) && file.Close(); });
+}
+
+bool ReplaceFileDurably(const std::string &path, std::string_view text, const FileAccess &access) {
+  const auto fill = [&](OpenFile &file) {
+    return FillNewFile(file, text, access) && fsync(file.Descriptor()) == 0 && file.Close();
+  };
+  return ReplaceWith(path, fill) && SyncDirectoryOf(path);
 }
 
 bool ReplaceFileDurably(const std::string &path, std::string_view text, const struct stat &like) {

@@ -9,6 +9,9 @@
 #include <string>
 #include <string_view>
 
+// Writes all of `text`, however many calls it takes. False, with errno, when that failed.
+bool WriteWhole(int descriptor, std::string_view text);
+
 // OverwriteFile, AppendToFile and ReplaceFile return true when all of the text arrived and the
 // file was closed in order; else false and errno.
 
@@ -38,8 +41,9 @@ struct FileAccess {
 // flushed to the disk.
 bool ReplaceFile(const std::string &path, std::string_view text, const FileAccess &access);
 
-// The same, with the owner, group and mode of `like`, and flushed to the disk before and after the
-// renaming: whatever ends the machine, the old text or the new one is there.
+// The same, flushed to the disk before and after the renaming: whatever ends the machine, the old
+// text or the new one is there. With `like`, the file has the owner, group and mode of that one.
+bool ReplaceFileDurably(const std::string &path, std::string_view text, const FileAccess &access);
 bool ReplaceFileDurably(const std::string &path, std::string_view text, const struct stat &like);
 
 // The content of a regular file that the effective user or the superuser owns; nothing for any

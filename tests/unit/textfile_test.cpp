@@ -144,6 +144,25 @@ TEST(ReplaceFile, AGroupThatIsNotThereGivesTheOtherMode) {
   EXPECT_EQ(ModeOf(directory.Path("file")), 0644u);
 }
 
+TEST(ReplaceFileDurably, GivesTheAccessAskedForAndLeavesNothingBeside) {
+  const TemporaryDirectory directory;
+  directory.Write("file.paf", "older");
+  EXPECT_TRUE(ReplaceFileDurably(directory.Path("file.paf"), "text", kPrivate));
+  EXPECT_EQ(ContentOf(directory.Path("file.paf")), "text");
+  EXPECT_EQ(ModeOf(directory.Path("file.paf")), kPrivate.mode);
+  EXPECT_EQ(NamesIn(directory.Path()), std::vector<std::string>{"file.paf"});
+}
+
+TEST(ReplaceFileDurably, AFullDiskLeavesTheOldFileAndNothingBeside) {
+  const TemporaryDirectory directory;
+  const SmallDisk disk(directory.Path(), 8192);
+  directory.Write("file.paf", "older");
+  EXPECT_FALSE(ReplaceFileDurably(directory.Path("file.paf"), kTooMuch, kPrivate));
+  EXPECT_EQ(errno, ENOSPC);
+  EXPECT_EQ(ContentOf(directory.Path("file.paf")), "older");
+  EXPECT_EQ(NamesIn(directory.Path()), std::vector<std::string>{"file.paf"});
+}
+
 TEST(ReadOwnFile, ReadsTheUsersOwnFile) {
   const TemporaryDirectory directory;
   EXPECT_EQ(ReadOwnFile(directory.Write("file", "text")), "text");
