@@ -6,6 +6,7 @@
 
 #include "featurecode.h"
 #include "textencoding.h"
+#include "textscan.h"
 
 namespace {
 
@@ -17,13 +18,6 @@ std::string Upper(std::string_view text) {
   std::transform(upper.begin(), upper.end(), upper.begin(),
                  [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
   return upper;
-}
-
-std::string_view Trimmed(std::string_view text) {
-  constexpr std::string_view kBlank = " \t\r\n";
-  const size_t first = text.find_first_not_of(kBlank);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(kBlank) - first + 1);
 }
 
 // Whether `line` is the command "@PJL <word>"; `rest` is then what stands behind the word.

@@ -32,13 +32,13 @@ std::optional<CustomPaper> PaperOf(std::string_view width, std::string_view leng
 
 JobSettings::JobSettings(const PpdModel &model) : model_(model) {}
 
-void JobSettings::ApplyQueue(const std::vector<JobOption> &settings) {
+void JobSettings::ApplyQueue(const std::vector<KeyValue> &settings) {
   // The definitions stand behind the settings that name them.
-  for (const JobOption &setting : settings) Define(setting);
+  for (const KeyValue &setting : settings) Define(setting);
   Apply(settings);
 }
 
-void JobSettings::Define(const JobOption &setting) {
+void JobSettings::Define(const KeyValue &setting) {
   if (setting.key == kMediaKey) {
     const size_t mark = setting.value.find("::");
     if (mark != std::string::npos) {
@@ -61,13 +61,13 @@ void JobSettings::Define(const JobOption &setting) {
   }
 }
 
-void JobSettings::Apply(const std::vector<JobOption> &settings) {
-  for (const JobOption &setting : settings) {
+void JobSettings::Apply(const std::vector<KeyValue> &settings) {
+  for (const KeyValue &setting : settings) {
     if (setting.key != kPaperKey && setting.key != kMediaKey) ApplyOne(setting);
   }
 }
 
-void JobSettings::ApplyOne(const JobOption &setting) {
+void JobSettings::ApplyOne(const KeyValue &setting) {
   if (setting.key == "*NrCopies") {
     const auto copies = NumberOf<int>(setting.value);
     if (copies && *copies >= 1 && *copies <= kMostCopies) {

@@ -22,11 +22,11 @@ class JobSettings {
   // Lays the settings of a queue over the present ones. Only a queue defines custom paper sizes
   // ("*CustomPaperSize=name''width''length") and media types ("*CustomMediaType=name::display
   // name").
-  void ApplyQueue(const std::vector<JobOption> &settings);
+  void ApplyQueue(const std::vector<KeyValue> &settings);
 
   // Lays a user's or a job's settings over the present ones. A value that the printer does not
   // offer changes nothing and is added to the warnings.
-  void Apply(const std::vector<JobOption> &settings);
+  void Apply(const std::vector<KeyValue> &settings);
 
   const PpdModel &Model() const { return model_; }
 
@@ -49,8 +49,8 @@ class JobSettings {
   const std::vector<std::string> &Warnings() const { return warnings_; }
 
  private:
-  void ApplyOne(const JobOption &setting);
-  void Define(const JobOption &setting);
+  void ApplyOne(const KeyValue &setting);
+  void Define(const KeyValue &setting);
 
   const PpdModel &model_;
   std::map<std::string, std::string, std::less<>> features_;  // keyword -> choice or custom name

@@ -52,14 +52,6 @@ std::optional<std::string> TakeWord(std::string_view *options) {
   return word;
 }
 
-std::optional<JobOption> SettingOf(std::string_view text) {
-  const size_t sign = text.find('=');
-  if (sign == std::string_view::npos || sign == 0) return std::nullopt;
-  const std::string_view value = text.substr(sign + 1);
-  return JobOption{std::string(text.substr(0, sign)),
-                   std::string(value.substr(0, value.find('=')))};
-}
-
 // Everything behind an open descriptor, which is closed; nothing with errno. Files larger than any
 // option file are refused with EFBIG.
 std::optional<std::string> ReadAndClose(int fd) {
@@ -110,22 +102,12 @@ OptionFile NotOpened(const std::string &path, const std::string &login, int erro
 
 }  // namespace
 
-std::vector<JobOption> ParseOptionFile(std::string_view text) {
-  std::vector<JobOption> settings;
-  LineReader reader(text);
-  while (const std::optional<std::string> line = reader.Next()) {
-    if (IsCommentOrEmpty(*line)) continue;
-    if (auto setting = SettingOf(*line)) settings.push_back(std::move(*setting));
-  }
-  return settings;
-}
-
-std::vector<JobOption> ParseOptionWords(std::string_view options) {
-  std::vector<JobOption> settings;
+std::vector<KeyValue> ParseOptionWords(std::string_view options) {
+  std::vector<KeyValue> settings;
   while (std::optional<std::string> word = TakeWord(&options)) {
     if (!word->starts_with('*')) continue;
     if (word->ends_with(',')) word->pop_back();
-    if (auto setting = SettingOf(DecodeLine(*word))) settings.push_back(std::move(*setting));
+    if (auto setting = KeyValueOf(DecodeLine(*word))) settings.push_back(std::move(*setting));
   }
   return settings;
 }
@@ -145,7 +127,7 @@ OptionFile ReadQueueOptions(const std::string &path) {
   if (fd < 0 && errno == ENOENT) return {};
   const auto text = fd < 0 ? std::nullopt : ReadAndClose(fd);
   if (!text) return Failure(path, std::strerror(errno));
-  return {ParseOptionFile(*text), {}, {}};
+  return {KeyValuesOf(*text), {}, {}};
 }
 
 OptionFile ReadUserOptions(const std::string &path, std::string_view user) {
@@ -160,5 +142,5 @@ OptionFile ReadUserOptions(const std::string &path, std::string_view user) {
   }
   const auto text = ReadAndClose(fd);
   if (!text) return Failure(path, std::strerror(errno));
-  return {ParseOptionFile(*text), {}, {}};
+  return {KeyValuesOf(*text), {}, {}};
 }

@@ -1,24 +1,17 @@
-// Where the settings of a job come from: option files and the spooler's option words.
+// Where the settings of a job come from: option files and the spooler's option words. Keys have
+// their leading asterisk, texts are UTF-8.
 #pragma once
 
 #include <string>
 #include <string_view>
 #include <vector>
 
-// A key with its leading asterisk and its value, UTF-8.
-struct JobOption {
-  std::string key, value;
-};
-
-// The "key=value" lines of an option file. Lines that begin with "##", empty lines and lines
-// without
-// "=" are left out. A value ends at a second "=", as the programs that keep these files read it.
-std::vector<JobOption> ParseOptionFile(std::string_view text);
+#include "textline.h"
 
 // The words of the form "*key=value" among the spooler's options, which are separated by blanks. A
 // backslash takes the next character as it is, and quotes keep blanks together. One comma behind a
 // word is no part of it.
-std::vector<JobOption> ParseOptionWords(std::string_view options);
+std::vector<KeyValue> ParseOptionWords(std::string_view options);
 
 // The user's option file of a queue: "users/<user>:<file name>" beside the queue's. Of a user on
 // another host ("host!user") the part behind the "!" counts. Empty for a user or a file without a
@@ -27,7 +20,7 @@ std::string UserOptionFile(const std::string &queue_file, std::string_view user)
 
 // What became of reading an option file.
 struct OptionFile {
-  std::vector<JobOption> settings;
+  std::vector<KeyValue> settings;
   std::string warning;  // why the file does not count
   std::string error;    // why the job cannot be printed as its settings say
 };

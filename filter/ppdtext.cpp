@@ -6,18 +6,12 @@
 
 #include "ppdmodel.h"
 #include "textencoding.h"
+#include "textscan.h"
 
 namespace {
 
 constexpr std::string_view kEncodingKeyword = "*LanguageEncoding:";
 constexpr std::string_view kVersionKeyword = "*PPD-Adobe:";
-
-std::string_view Trimmed(std::string_view text) {
-  constexpr std::string_view kBlank = " \t\r";
-  const size_t first = text.find_first_not_of(kBlank);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(kBlank) - first + 1);
-}
 
 // Calls `use(offset, line)` for every line, without its end (LF, CR LF or CR), until it gives
 // false.
@@ -40,12 +34,6 @@ std::string DeclaredEncoding(std::string_view ppd) {
     return false;
   });
   return encoding;
-}
-
-int HexValue(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  const int lower = std::tolower(static_cast<unsigned char>(c));
-  return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
 }
 
 }  // namespace

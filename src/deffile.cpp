@@ -5,7 +5,6 @@
 #include "cmessages.h"
 #include "debug.h"
 #include "paths.h"
-#include "textencoding.h"
 #include "textfile.h"
 #include "textline.h"
 #include "utils.h"
@@ -62,10 +61,10 @@ bool WriteOwnFile(const std::string &path, const std::string &text, const FileAc
   return false;
 }
 
-void PutOption(CHash *options, const std::string &key, const std::string &value) {
-  if (key == "*Booklet") HashRemove(options, "*Nup");
-  if (key == "*Nup") HashRemove(options, "*Booklet");
-  HashPutText(options, key.c_str(), value.c_str());
+void PutOption(CHash *options, const KeyValue &setting) {
+  if (setting.key == "*Booklet") HashRemove(options, "*Nup");
+  if (setting.key == "*Nup") HashRemove(options, "*Booklet");
+  HashPutText(options, setting.key.c_str(), setting.value.c_str());
 }
 
 }  // namespace
@@ -84,15 +83,7 @@ std::string QueueDefFileText(const CPrintQueue *queue) {
 }
 
 void OverlayDefFile(std::string_view text, CHash *options) {
-  LineReader lines(text);
-  while (const std::optional<std::string> line = lines.Next()) {
-    if (IsCommentOrEmpty(*line)) continue;
-    const size_t equals = line->find('=');
-    if (equals == 0 || equals == std::string::npos) continue;
-    const size_t value = equals + 1;
-    const size_t end = line->find('=', value);
-    PutOption(options, line->substr(0, equals), line->substr(value, end - value));
-  }
+  for (const KeyValue &setting : KeyValuesOf(text)) PutOption(options, setting);
 }
 
 std::string QueueDefFilePath(const std::string &def_file) {

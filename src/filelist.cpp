@@ -9,17 +9,10 @@
 #include "cselection.h"
 #include "debug.h"
 #include "globals.h"
+#include "textscan.h"
 #include "utils.h"
 
 namespace {
-
-// The value of a hexadecimal digit, -1 for another character.
-int HexValue(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  return -1;
-}
 
 // A path whose "%xx" are decoded. Nothing for a broken escape, and for an encoded NUL or "/", which
 // no file name can contain.
@@ -67,13 +60,6 @@ std::optional<std::string> PathFromFileUri(std::string_view uri) {
     return std::nullopt;
   }
   return PercentDecoded(path);
-}
-
-std::string_view Trimmed(std::string_view text) {
-  constexpr char kBlanks[] = " \t\r";
-  const size_t first = text.find_first_not_of(kBlanks);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(kBlanks) + 1 - first);
 }
 
 bool IsPresentAndNoDirectory(const std::string &path) {

@@ -8,6 +8,7 @@
 #include "debug.h"
 #include "globals.h"
 #include "paths.h"
+#include "textscan.h"
 
 namespace {
 
@@ -30,12 +31,6 @@ constexpr Field L_Fields[] = {
     {"AFM_FontName", &Entry::afm_name},
 };
 
-std::string_view Trimmed(std::string_view text) {
-  const size_t first = text.find_first_not_of(" \t");
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(" \t") + 1 - first);
-}
-
 void TakeField(std::string_view text, Entry &entry) {
   for (const Field &field : L_Fields) {
     if (!text.starts_with(field.keyword)) continue;
@@ -53,7 +48,7 @@ Entry ParseLine(std::string_view line) {
   Entry entry;
   while (!line.empty()) {
     const std::string_view field = line.substr(0, line.find('|'));
-    TakeField(Trimmed(field), entry);
+    TakeField(Trimmed(field, " \t"), entry);
     line.remove_prefix(std::min(line.size(), field.size() + 1));
   }
   return entry;

@@ -19,8 +19,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     return pjl;
   }();
   const std::string_view text = InputText(data, size);
-  for (const auto &settings : {ParseOptionFile(text), ParseOptionWords(text)}) {
-    for (const JobOption &setting : settings) {
+  for (const auto &settings : {KeyValuesOf(text), ParseOptionWords(text)}) {
+    for (const KeyValue &setting : settings) {
       Require(IsValidUtf8(setting.key) && IsValidUtf8(setting.value));
     }
     JobSettings job(model);

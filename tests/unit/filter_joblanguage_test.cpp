@@ -14,7 +14,7 @@ class JobControlText : public testing::Test {
   std::string Header(const JobIdentity &identity = {"Title", "Event", "anna"}) const {
     return JobControlHeader(settings_, identity, "", "POSTSCRIPT");
   }
-  void Set(const std::vector<JobOption> &settings) { settings_.Apply(settings); }
+  void Set(const std::vector<KeyValue> &settings) { settings_.Apply(settings); }
 
   PpdModel model_ = TestPpd("office.ppd");
   JobSettings settings_{model_};

@@ -40,7 +40,7 @@ class PostScriptJob : public testing::Test {
     return outline;
   }
 
-  void Set(const std::vector<JobOption> &settings) { settings_.ApplyQueue(settings); }
+  void Set(const std::vector<KeyValue> &settings) { settings_.ApplyQueue(settings); }
 
   const PpdModel model_ = TestPpd("office.ppd");
   JobSettings settings_{model_};

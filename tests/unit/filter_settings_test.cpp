@@ -12,9 +12,9 @@
 
 namespace {
 
-std::string Joined(const std::vector<JobOption> &settings) {
+std::string Joined(const std::vector<KeyValue> &settings) {
   std::string text;
-  for (const JobOption &setting : settings) text += setting.key + "=" + setting.value + ";";
+  for (const KeyValue &setting : settings) text += setting.key + "=" + setting.value + ";";
   return text;
 }
 
@@ -24,18 +24,6 @@ std::string ChoiceOf(const JobSettings &settings, const char *keyword) {
 }
 
 std::string OwnName() { return getpwuid(geteuid())->pw_name; }
-
-TEST(OptionFiles, CommentsAndEmptyLinesAreLeftOut) {
-  EXPECT_EQ(Joined(ParseOptionFile("## note\n\n*A=1\nno sign\n=x\n*B=2")), "*A=1;*B=2;");
-}
-
-TEST(OptionFiles, AValueEndsAtASecondEqualsSign) {
-  EXPECT_EQ(Joined(ParseOptionFile("*A=a=b\n")), "*A=a;");
-}
-
-TEST(OptionFiles, LinesAreUtf8OrLatin1) {
-  EXPECT_EQ(Joined(ParseOptionFile("*A=\xE9\n*B=é\n")), "*A=é;*B=é;");
-}
 
 TEST(OptionWords, OnlyWordsWithAnAsteriskCount) {
   EXPECT_EQ(Joined(ParseOptionWords("nobanner *NrCopies=2 media=A4  *Duplex=None -x")),

@@ -55,4 +55,22 @@ TEST(NumberFromText, ReadsTheNumberAtTheStart) {
   EXPECT_EQ(NumberFromText(""), 0);
 }
 
+std::string Joined(const std::vector<KeyValue> &settings) {
+  std::string text;
+  for (const KeyValue &setting : settings) text += setting.key + "=" + setting.value + ";";
+  return text;
+}
+
+TEST(KeyValues, CommentsAndEmptyLinesAreLeftOut) {
+  EXPECT_EQ(Joined(KeyValuesOf("## note\n\n*A=1\nno sign\n=x\n*B=2")), "*A=1;*B=2;");
+}
+
+TEST(KeyValues, AValueEndsAtASecondEqualsSign) {
+  EXPECT_EQ(Joined(KeyValuesOf("*A=a=b\n")), "*A=a;");
+}
+
+TEST(KeyValues, LinesAreUtf8OrLatin1) {
+  EXPECT_EQ(Joined(KeyValuesOf("*A=\xE9\n*B=é\n")), "*A=é;*B=é;");
+}
+
 }  // namespace
