@@ -157,7 +157,7 @@ TEST_F(AdminFailures, AScriptThatCannotBeAppendedToIsToldAndTheQueueStays) {
 TEST_F(AdminFailures, AnUnwritableListEndsTheProgramBeforeTheSpoolerIsTouched) {
   AddAndSave({kLp1});
   const auto before = SavedState();
-  AdminApp app({.arguments = {"-verbose", "1"}});
+  AdminApp app({.arguments = {"-verbose", "2"}});
   app.SelectQueues({0});
   app.Click("DeleteButton");
   app.AddQueue(kLp2);
