@@ -337,10 +337,10 @@ TEST_F(CustomPaper, APrinterWithoutALeastSizeTakesOnePelAndTheListCanBeReadAgain
   EXPECT_EQ("0.4 0.4", Measures());
   Key("Return");
   EXPECT_EQ("1 1", Stored("Least"));
-  ClickOn(Named("OKButton"));
-  ASSERT_EQ(nullptr, G_PropertiesWindow_helper);
+  const Owned<CHash> queues = CreateHash();
+  HashPut(queues.get(), "lp1", CloneOf(G_CurrentQueue.get()));
   int left_out = 0;
-  const std::string list = QueueListText(G_Queues_hash, &left_out);
+  const std::string list = QueueListText(queues.get(), &left_out);
   EXPECT_NE(std::string::npos,
             list.find("Least\n#custom_paper_width\n1\n#custom_paper_length\n1\n"))
       << list;
