@@ -1,6 +1,8 @@
 #include "PropTabFeatures.h"
 
+#include <algorithm>
 #include <string>
+#include <vector>
 
 #include "InstallableLists.h"
 #include "ListWidget.h"
@@ -119,32 +121,8 @@ void Move(FeaturesListHelper &half,
   ShowInstallableChange(feature);
 }
 
-struct ChangedInstallables {
-  bool any = false;
-  bool feeder = false;
-  bool punch_unit = false;
-};
-
-// Sets every installable option that the work copy holds to the printer's default; one without ends
-// it there. What was changed is in `changed`.
-bool SetInstallablesToDefaults(ChangedInstallables &changed) {
-  const Owned<CList> keys = fGetKeys_CHash_Function(G_QueueInstallableOptions_hash);
-  for (const CString *key : Elements<CString>(keys.get())) {
-    const std::string feature = fGet_CString_Value_Function(key);
-    const char *usual = fGet_CString_Value_Function(
-        G_GetPPDDefaultOptionForFeature(G_PrinterInstallableOptions_hash, feature.c_str()));
-    if (usual == nullptr) {
-      Log(2, "Unable to load the default option for " + feature);
-      return false;
-    }
-    const char *value = HashText(G_QueueInstallableOptions_hash, feature.c_str());
-    if (value != nullptr && std::string(value) == usual) continue;
-    SetQueueValue(G_QueueInstallableOptions_hash, feature.c_str(), usual);
-    changed.any = true;
-    changed.feeder |= feature == L_Feeder;
-    changed.punch_unit |= feature == L_PunchUnit;
-  }
-  return true;
+bool Holds(const std::vector<std::string> &features, const char *feature) {
+  return std::find(features.begin(), features.end(), feature) != features.end();
 }
 
 }  // namespace
@@ -205,11 +183,11 @@ void ButtonFeaturesRemovePressed() {
 
 void ButtonFeaturesDefaultsPressed() {
   const LogScope log("ButtonFeaturesDefaultsPressed");
-  ChangedInstallables changed;
-  if (!SetInstallablesToDefaults(changed) || !changed.any) return;
+  const InstallableDefaults defaults = SetInstallablesToDefaults();
+  if (!defaults.is_complete || defaults.changed.empty()) return;
   G_FillInstallableCLists();
   // Kept on purpose: finisher and trays leave the picture as it is here.
-  if (changed.feeder) RedrawFeaturesPixmaps();
+  if (Holds(defaults.changed, L_Feeder)) RedrawFeaturesPixmaps();
   G_FillAllComboWithOptions();
-  if (changed.punch_unit) RedrawOptionPicture("*Punch");
+  if (Holds(defaults.changed, L_PunchUnit)) RedrawOptionPicture("*Punch");
 }

@@ -11,6 +11,7 @@
 #include "cmessages.h"
 #include "debug.h"
 #include "multipleup.h"
+#include "optionlists.h"
 #include "optionstate.h"
 #include "properties.h"
 
@@ -44,9 +45,6 @@ constexpr std::array<NupButtonFacts, 4> L_Orders = {{
     {"NupBack", "DEF_BTN_BACK_TITLE", "Back", "NUP_BACK"},
 }};
 constexpr size_t L_LeftAndRight = 2;  // the first of L_Orders
-// The printer models whose resolution can be chosen.
-constexpr int L_FirstModelWithResolutions = 3;
-constexpr int L_LastModelWithResolutions = 6;
 
 bool HasButtons() {
   return G_PropTabOptions_helper != nullptr &&
@@ -220,10 +218,7 @@ void AddNupFrame(const OptionTab &tab) {
 
 std::vector<DefaultRow> RowsWithDefaults() {
   std::vector<DefaultRow> rows;
-  if (G_PrinterModel >= L_FirstModelWithResolutions &&
-      G_PrinterModel <= L_LastModelWithResolutions) {
-    rows.push_back({"*Resolution", "Resolution"});
-  }
+  if (HaveDefaultsResolution()) rows.push_back({"*Resolution", "Resolution"});
   rows.push_back({"*OutputMode", "Print quality"});
   rows.push_back({"*HalfTone", "Halftone"});
   return rows;

@@ -18,7 +18,6 @@
 #include "globals.h"
 #include "multipleup.h"
 #include "optionlists.h"
-#include "optionstate.h"
 #include "properties.h"
 
 namespace {
@@ -103,16 +102,6 @@ void ForgetPages(GtkWidget *, gpointer) {
   L_Tabs.clear();
 }
 
-// What building all pages changes in the work copy, in their order: so it does not matter which
-// page is built when.
-void CompleteSettings() {
-  for (const char *feature : {"*PageSize", "*MediaType"}) {
-    if (HashFind(G_PrinterFeatures_hash, feature) == nullptr) continue;
-    G_GetOptionsForFeature(G_PrinterFeatures_hash, feature);
-  }
-  AddDefaultMultipleUpSettings();
-}
-
 void AddTab(const PropertiesWindowHelper &helper, const Tab &tab) {
   GtkWidget *place = gtk_scrolled_window_new(nullptr, nullptr);
   gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(place), GTK_POLICY_AUTOMATIC,
@@ -141,7 +130,10 @@ void AddPropertiesPages() {
   const LogScope log("AddPropertiesPages");
   const PropertiesWindowHelper &helper = *G_PropertiesWindow_helper;
   L_Tabs = TabsOfProgram();
-  CompleteSettings();
+  // What building all pages changes in the work copy, in their order: so it does not matter which
+  // page is built when.
+  RepairCustomChoices();
+  AddDefaultMultipleUpSettings();
   for (const Tab &tab : L_Tabs) AddTab(helper, tab);
   NeedPropertiesPage(0);
   g_signal_connect(helper.window, "destroy", G_CALLBACK(ForgetPages), nullptr);

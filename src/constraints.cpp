@@ -1,7 +1,5 @@
 #include "constraints.h"
 
-#include <cstring>
-
 #include "debug.h"
 #include "optionstate.h"
 
@@ -15,8 +13,7 @@ struct ComparedChoice {
 // What a choice is compared as: a custom paper or media has no constraints of its own name.
 ComparedChoice AsCompared(const char *feature, const char *option) {
   if (!IsCustomChoice(feature, option)) return {feature, option};
-  if (std::strcmp(feature, "*PageSize") == 0) return {"*CustomPageSize", "True"};
-  return {"*CustomMediaType", "True"};
+  return {CustomFactsOf(feature)->compared, "True"};
 }
 
 }  // namespace

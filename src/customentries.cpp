@@ -6,7 +6,6 @@
 #include "ccpsparams.h"
 #include "cfeature.h"
 #include "customsizes.h"
-#include "optionstate.h"
 
 namespace {
 
@@ -43,13 +42,9 @@ std::string SizeText(const CCpsParams *params, int unit) {
 
 }  // namespace
 
-const char *CustomFeature(CustomKind kind) {
-  return kind == CustomKind::kPaper ? "*PageSize" : "*MediaType";
-}
+const char *CustomFeature(CustomKind kind) { return CustomFactsOf(kind).feature; }
 
-CHash *CustomEntries(CustomKind kind) {
-  return kind == CustomKind::kPaper ? G_QueueCustomPapers_hash : G_QueueCustomMedias_hash;
-}
+CHash *CustomEntries(CustomKind kind) { return *CustomFactsOf(kind).entries; }
 
 int CustomLimit(CustomKind kind) {
   return kind == CustomKind::kPaper ? L_MostPapers : L_MostMedias;

@@ -7,8 +7,7 @@
 #include <vector>
 
 #include "chash.h"
-
-enum class CustomKind { kPaper, kMedia };
+#include "optionstate.h"
 
 // The feature that offers the entries beside the printer's own options.
 const char *CustomFeature(CustomKind kind);

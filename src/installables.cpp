@@ -95,6 +95,27 @@ std::vector<InstallableRow> InstallableRows() {
   return rows;
 }
 
+InstallableDefaults SetInstallablesToDefaults() {
+  const LogScope log("SetInstallablesToDefaults");
+  InstallableDefaults result;
+  const Owned<CList> keys = fGetKeys_CHash_Function(G_QueueInstallableOptions_hash);
+  for (const CString *key : Elements<CString>(keys.get())) {
+    const std::string feature = fGet_CString_Value_Function(key);
+    const char *usual = fGet_CString_Value_Function(
+        G_GetPPDDefaultOptionForFeature(G_PrinterInstallableOptions_hash, feature.c_str()));
+    if (usual == nullptr) {
+      Log(2, "Unable to load the default option for " + feature);
+      result.is_complete = false;
+      return result;
+    }
+    const char *value = HashText(G_QueueInstallableOptions_hash, feature.c_str());
+    if (value != nullptr && std::strcmp(value, usual) == 0) continue;
+    SetQueueValue(G_QueueInstallableOptions_hash, feature.c_str(), usual);
+    result.changed.push_back(feature);
+  }
+  return result;
+}
+
 std::string ValueThatInstalls(const std::string &feature, const std::string &display) {
   const CFeature *record = Installable(feature);
   if (IsBoolean(record)) return "True";

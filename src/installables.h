@@ -18,6 +18,14 @@ struct InstallableRow {
 // "*InstalledMemory" is left out.
 std::vector<InstallableRow> InstallableRows();
 
+// Sets every installable option that the work copy holds to the printer's default, in order; one
+// without a default ends it there with a line in the log.
+struct InstallableDefaults {
+  bool is_complete = true;
+  std::vector<std::string> changed;  // identifiers
+};
+InstallableDefaults SetInstallablesToDefaults();
+
 // The value that installs what a row stands for: "True", or the option whose display text is
 // `display`. Empty when there is none.
 std::string ValueThatInstalls(const std::string &feature, const std::string &display);

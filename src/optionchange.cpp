@@ -1,7 +1,5 @@
 #include "optionchange.h"
 
-#include <cstring>
-
 #include "cfeature.h"
 #include "conflictresolution.h"
 #include "debug.h"
@@ -16,25 +14,15 @@ struct Choice {
   bool is_custom = false;
 };
 
-// The queue's own sizes or media that the feature's list offers too; null for other features.
-const CHash *CustomEntriesOf(const char *feature) {
-  if (std::strcmp(feature, "*PageSize") == 0) return G_QueueCustomPapers_hash;
-  if (std::strcmp(feature, "*MediaType") == 0) return G_QueueCustomMedias_hash;
-  return nullptr;
-}
-
-bool TakesCustomEntries(const char *feature) {
-  return std::strcmp(feature, "*PageSize") == 0 || std::strcmp(feature, "*MediaType") == 0;
-}
-
 std::optional<Choice> ChoiceWithText(const char *feature, const std::string &text) {
   const CFeature *record = HashValue<CFeature>(G_PrinterFeatures_hash, feature);
   for (const auto [option, display] : Pairs<CString>(fGet_Options_Function(record))) {
     const char *shown = fGet_CString_Value_Function(display);
     if (shown != nullptr && text == shown) return Choice{option};
   }
-  if (!TakesCustomEntries(feature)) return std::nullopt;
-  if (HashFind(CustomEntriesOf(feature), text.c_str()) != nullptr) return Choice{text, true};
+  const CustomFacts *custom = CustomFactsOf(feature);
+  if (custom == nullptr) return std::nullopt;
+  if (HashFind(*custom->entries, text.c_str()) != nullptr) return Choice{text, true};
   const char *usual =
       fGet_CString_Value_Function(G_GetPPDDefaultOptionForFeature(G_PrinterFeatures_hash, feature));
   if (usual == nullptr) return std::nullopt;
@@ -70,9 +58,8 @@ std::optional<OptionChange> ChangeOption(const char *feature, const std::string 
 }
 
 std::string PictureOfChoice(const char *feature, const std::string &option, bool is_custom) {
-  if (is_custom && std::strcmp(feature, "*PageSize") == 0) return "cps.xpm";
-  if (is_custom && std::strcmp(feature, "*MediaType") == 0) return "cmt.xpm";
-  return G_GetPixmapNameFor(feature, option);
+  const CustomFacts *custom = CustomFactsOf(feature);
+  return is_custom && custom != nullptr ? custom->picture : G_GetPixmapNameFor(feature, option);
 }
 
 bool ChangesInstallableMarks(const char *feature) { return !IsExemptFeature(feature); }

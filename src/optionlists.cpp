@@ -10,30 +10,11 @@
 #include "debug.h"
 #include "optionstate.h"
 
-bool G_CustomPaperIsCurrent = false;
-bool G_CustomMediaIsCurrent = false;
-
 namespace {
 
-constexpr char L_PageSize[] = "*PageSize";
-constexpr char L_MediaType[] = "*MediaType";
-
-// The two features whose lists also offer what the queue defines itself.
-struct CustomKind {
-  const CHash *entries;          // names of the queue's own
-  bool *is_current;              // one of them is the current choice
-  const char *compared_feature;  // what they count as in constraints, with the option "True"
-};
-
-std::optional<CustomKind> CustomKindOf(const char *feature) {
-  if (std::strcmp(feature, L_PageSize) == 0) {
-    return CustomKind{G_QueueCustomPapers_hash, &G_CustomPaperIsCurrent, "*CustomPageSize"};
-  }
-  if (std::strcmp(feature, L_MediaType) == 0) {
-    return CustomKind{G_QueueCustomMedias_hash, &G_CustomMediaIsCurrent, "*CustomMediaType"};
-  }
-  return std::nullopt;
-}
+// The printer models whose resolution Defaults sets.
+constexpr int L_FirstModelWithResolutions = 3;
+constexpr int L_LastModelWithResolutions = 6;
 
 // Fills one list.
 class ListBuilder {
@@ -43,7 +24,7 @@ class ListBuilder {
       : options_(fGet_Options_Function(record)),
         feature_(feature),
         exempt_(IsExemptFeature(feature)),
-        custom_(CustomKindOf(feature)),
+        custom_(CustomFactsOf(feature)),
         snapshot_(snapshot),
         list_(list) {}
 
@@ -59,15 +40,15 @@ class ListBuilder {
       const bool is_choice = choice != choices.end() && order == 0;
       const Setting *conflict = is_choice ? snapshot_.ConflictOf(choice->second) : nullptr;
       const bool is_current = Add(option, display == nullptr ? option : display, conflict);
-      if (is_current && custom_) *custom_->is_current = false;
+      if (is_current && custom_ != nullptr) *custom_->is_current = false;
     }
   }
 
   void AddCustomEntries() {
-    if (!custom_) return;
+    if (custom_ == nullptr) return;
     // One question for all of them: they count as the same choice. Only the names matter here.
-    const Setting *conflict = snapshot_.ConflictOf(custom_->compared_feature, "True");
-    for (const auto [name, entry] : Pairs<CCpsParams>(custom_->entries)) {
+    const Setting *conflict = snapshot_.ConflictOf(custom_->compared, "True");
+    for (const auto [name, entry] : Pairs<CCpsParams>(*custom_->entries)) {
       if (Add(name, name, conflict)) *custom_->is_current = true;
     }
   }
@@ -96,7 +77,7 @@ class ListBuilder {
   const CHash *options_;
   const char *feature_;
   bool exempt_;
-  std::optional<CustomKind> custom_;
+  const CustomFacts *custom_;  // null: the queue has no entries of its own for the feature
   const SettingsSnapshot &snapshot_;
   OptionList &list_;
   const Setting *explained_ = nullptr;  // the setting whose display text is at hand
@@ -112,9 +93,9 @@ std::string CurrentOption(const CHash *features, const char *feature,
       fGet_CString_Value_Function(G_GetPPDDefaultOptionForFeature(features, feature));
   const char *current = chosen != nullptr ? chosen : usual;
   if (current == nullptr) return "";
-  const std::optional<CustomKind> custom = CustomKindOf(feature);
-  const bool is_known = !custom || IsOptionOf(features, feature, current) ||
-                        HashFind(custom->entries, current) != nullptr;
+  const CustomFacts *custom = CustomFactsOf(feature);
+  const bool is_known = custom == nullptr || IsOptionOf(features, feature, current) ||
+                        HashFind(*custom->entries, current) != nullptr;
   if (is_known || usual == nullptr) return current;
   const std::string repaired = usual;
   SetQueueValue(G_QueueFeatures_hash, feature, repaired);
@@ -149,6 +130,20 @@ const std::vector<ListedFeature> &ListedFeatures() {
 
 bool IsListFilled(const char *feature) {
   return std::strcmp(feature, "*Resolution") != 0 || (G_PrinterModel != 1 && G_PrinterModel != 2);
+}
+
+bool HaveDefaultsResolution() {
+  return G_PrinterModel >= L_FirstModelWithResolutions &&
+         G_PrinterModel <= L_LastModelWithResolutions;
+}
+
+void RepairCustomChoices() {
+  const LogScope log("RepairCustomChoices");
+  for (const CustomKind kind : {CustomKind::kPaper, CustomKind::kMedia}) {
+    const char *feature = CustomFactsOf(kind).feature;
+    std::optional<SettingsSnapshot> snapshot;
+    CurrentOption(G_PrinterFeatures_hash, feature, snapshot);
+  }
 }
 
 std::optional<OptionList> G_GetOptionsForFeature(const CHash *features, const char *feature) {

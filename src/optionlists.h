@@ -39,6 +39,13 @@ const std::vector<ListedFeature> &ListedFeatures();
 // left alone on models 1 and 2.
 bool IsListFilled(const char *feature);
 
+// Whether Defaults of the Options tab sets the resolution: on models 3 to 6.
+bool HaveDefaultsResolution();
+
+// Replaces a stored page size or media type that neither the printer nor the queue knows by the
+// printer's default, as filling the feature's list does.
+void RepairCustomChoices();
+
 // The list of one feature of `features` (main keyword to CFeature; the options in the dictionary's
 // order, then the queue's own sizes or media); nothing, after one line on standard error, when
 // there is no such feature. A stored page size or media type that neither the printer nor the queue
@@ -60,8 +67,3 @@ int G_SetStringWithConstrain(std::string_view text, std::string &out, int mark);
 
 // A display string without its mark; empty when it is nothing but a mark or shorter.
 std::string TextWithoutMark(const std::string &display_string);
-
-// Whether the current page size or media type is one of the queue's own, as the lists filled last
-// found it.
-extern bool G_CustomPaperIsCurrent;
-extern bool G_CustomMediaIsCurrent;

@@ -22,11 +22,20 @@ CHash *G_PrinterInstallableOptions_hash = nullptr;
 CHash *G_PrinterCpsParam_hash = nullptr;
 CList *G_PrinterConstraints_list = nullptr;
 int G_PrinterModel = 0;
+bool G_CustomPaperIsCurrent = false;
+bool G_CustomMediaIsCurrent = false;
 
 namespace {
 
 constexpr std::array<std::string_view, 6> L_ExemptFeatures = {
     "*Orientation", "*EdgeToEdge", "*OutputMode", "*HalfTone", "*Delivery", "*EmailNotification"};
+
+constexpr std::array<CustomFacts, 2> L_Customs = {{
+    {CustomKind::kPaper, "*PageSize", "*CustomPageSize", "cps.xpm", &G_QueueCustomPapers_hash,
+     &G_CustomPaperIsCurrent},
+    {CustomKind::kMedia, "*MediaType", "*CustomMediaType", "cmt.xpm", &G_QueueCustomMedias_hash,
+     &G_CustomMediaIsCurrent},
+}};
 
 }  // namespace
 
@@ -63,11 +72,20 @@ bool IsOptionOf(const CHash *features, const char *feature, const char *option) 
   return HashFind(options, option) != nullptr;
 }
 
-bool IsCustomChoice(const char *feature, const char *option) {
-  if (feature == nullptr || option == nullptr) return false;
-  if (std::strcmp(feature, "*PageSize") != 0 && std::strcmp(feature, "*MediaType") != 0) {
-    return false;
+const CustomFacts &CustomFactsOf(CustomKind kind) {
+  return kind == CustomKind::kPaper ? L_Customs.front() : L_Customs.back();
+}
+
+const CustomFacts *CustomFactsOf(const char *feature) {
+  if (feature == nullptr) return nullptr;
+  for (const CustomFacts &facts : L_Customs) {
+    if (std::strcmp(feature, facts.feature) == 0) return &facts;
   }
+  return nullptr;
+}
+
+bool IsCustomChoice(const char *feature, const char *option) {
+  if (option == nullptr || CustomFactsOf(feature) == nullptr) return false;
   return !IsOptionOf(G_PrinterFeatures_hash, feature, option);
 }
 

@@ -48,8 +48,27 @@ const CFeature *PrinterFeature(const char *name);
 // Whether `option` is one of the options of `feature` in `features` (main keyword to CFeature).
 bool IsOptionOf(const CHash *features, const char *feature, const char *option);
 
-// Whether the choice is a custom paper size or media type: the feature is "*PageSize" or
-// "*MediaType", and the current printer's feature has no such option.
+// What the queue defines itself beside the printer's options.
+enum class CustomKind { kPaper, kMedia };
+struct CustomFacts {
+  CustomKind kind;
+  const char *feature;    // whose list offers the queue's own entries too
+  const char *compared;   // what they count as in constraints, with the option "True"
+  const char *picture;    // file that stands for them
+  CHash *const *entries;  // G_QueueCustomPapers_hash or G_QueueCustomMedias_hash
+  bool *is_current;       // G_CustomPaperIsCurrent or G_CustomMediaIsCurrent
+};
+const CustomFacts &CustomFactsOf(CustomKind kind);
+// Null for features without entries of the queue's own.
+const CustomFacts *CustomFactsOf(const char *feature);
+
+// Whether the current page size or media type is one of the queue's own, as the lists filled last
+// found it.
+extern bool G_CustomPaperIsCurrent;
+extern bool G_CustomMediaIsCurrent;
+
+// Whether the choice is a custom paper size or media type: the feature offers such entries, and the
+// current printer's feature has no such option.
 bool IsCustomChoice(const char *feature, const char *option);
 
 // The display text of a feature's option; an option that the feature lacks is shown as it is.

@@ -150,6 +150,35 @@ TEST_F(Installables, AnInstallableOptionConflictsWithAnother) {
   EXPECT_EQ(Rows(), (Strings{"+!   High-capacity feeder"}));
 }
 
+TEST_F(Installables, DefaultsChangeWhatDiffersAndSayWhat) {
+  Feeder();
+  Punch();
+  options_.SetInstalled("*OptionHCF", "True");
+  options_.SetInstalled("*OptionPunch", "None");
+  const InstallableDefaults defaults = SetInstallablesToDefaults();
+  EXPECT_TRUE(defaults.is_complete);
+  EXPECT_EQ(defaults.changed, Strings{"*OptionHCF"});
+  EXPECT_STREQ(HashText(G_QueueInstallableOptions_hash, "*OptionHCF"), "False");
+  EXPECT_EQ(SetInstallablesToDefaults().changed, Strings{});
+}
+
+TEST_F(Installables, DefaultsStopAtAnOptionThatThePrinterDoesNotKnow) {
+  Feeder();
+  Punch();
+  options_.SetInstalled("*OptionHCF", "True");
+  options_.SetInstalled("*OptionOld", "True");
+  options_.SetInstalled("*OptionPunch", "Punch2Hole");
+  G_DebugLevel = 2;
+  testing::internal::CaptureStderr();
+  const InstallableDefaults defaults = SetInstallablesToDefaults();
+  G_DebugLevel = 0;
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "Unable to load the default option for *OptionOld\n");
+  EXPECT_FALSE(defaults.is_complete);
+  EXPECT_EQ(defaults.changed, Strings{"*OptionHCF"});
+  EXPECT_STREQ(HashText(G_QueueInstallableOptions_hash, "*OptionPunch"), "Punch2Hole");
+}
+
 TEST_F(Installables, ValuesThatInstallAndRemove) {
   Feeder();
   Punch();

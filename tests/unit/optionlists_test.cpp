@@ -107,6 +107,37 @@ TEST_F(OptionLists, AnUnknownMediaTypeBecomesThePrintersDefaultInTheSettings) {
   EXPECT_FALSE(G_CustomMediaIsCurrent);
 }
 
+TEST_F(OptionLists, UnknownSizesAndTypesAreRepairedWithoutTheirLists) {
+  options_.Set("*PageSize", "Ledger");
+  options_.Set("*MediaType", "Papyrus");
+  options_.Set("*OutputBin", "Mailbox");
+  RepairCustomChoices();
+  EXPECT_EQ(QueueFeatureValue("*PageSize"), "A4");
+  EXPECT_EQ(QueueFeatureValue("*MediaType"), "Plain");
+  EXPECT_EQ(QueueFeatureValue("*OutputBin"), "Mailbox");
+}
+
+TEST_F(OptionLists, KnownSizesAndTypesNeedNoRepairAndAPrinterWithoutThemGivesNone) {
+  options_.Paper("Ticket");
+  options_.Set("*PageSize", "Ticket");
+  options_.Set("*MediaType", "Papyrus");
+  HashRemove(G_PrinterFeatures_hash, "*MediaType");
+  RepairCustomChoices();
+  EXPECT_EQ(QueueFeatureValue("*PageSize"), "Ticket");
+  EXPECT_EQ(QueueFeatureValue("*MediaType"), "Papyrus");
+}
+
+TEST_F(OptionLists, DefaultsSetTheResolutionOfModelsThreeToSix) {
+  for (const int model : {3, 4, 5, 6}) {
+    G_PrinterModel = model;
+    EXPECT_TRUE(HaveDefaultsResolution()) << model;
+  }
+  for (const int model : {0, 1, 2, 7}) {
+    G_PrinterModel = model;
+    EXPECT_FALSE(HaveDefaultsResolution()) << model;
+  }
+}
+
 TEST_F(OptionLists, ACustomMediaIsNoPageSizeAndTheOtherWayRound) {
   options_.Media("Ticket");
   options_.Paper("Gloss");
