@@ -6,12 +6,14 @@
 #include "AddQueueWindowFct.h"
 #include "ComboWidget.h"
 #include "EntryHandlers.h"
+#include "FieldGrid.h"
 #include "ListWidget.h"
 #include "MessageDialogs.h"
 #include "Support.h"
 #include "addqueue.h"
 #include "cmessages.h"
 #include "debug.h"
+#include "entryfilters.h"
 
 std::unique_ptr<AddQueueWindowHelper> G_AddQueueWindow_helper;
 
@@ -20,27 +22,22 @@ namespace {
 constexpr int L_Border = 10;
 constexpr int L_Spacing = 8;
 constexpr int L_FirstRowOffset = 4;  // of the text in a list's first row
-constexpr int L_NameLength = 128;
-constexpr int L_AddressLength = 64;
 
 // The form: a grid of labels and fields, filled from the top.
 struct Form {
   GtkWidget *window;
-  GtkWidget *grid;
+  GtkGrid *grid;
   int rows;
 };
 
 // Adds a row; the label is stored under `label_name`.
 void AddRow(Form &form, const char *label_name, const char *label_key, GtkWidget *field,
             GtkWidget *target) {
-  GtkWidget *label = NewLabel(form.window, label_name, G_Translate(label_key), target);
+  GtkWidget *label =
+      AddField(form.window, form.grid, form.rows++, {label_name, label_key}, field, target);
   const bool beside_list = field != target;
   gtk_widget_set_valign(label, beside_list ? GTK_ALIGN_START : GTK_ALIGN_CENTER);
   if (beside_list) gtk_widget_set_margin_top(label, L_FirstRowOffset);
-  gtk_widget_set_hexpand(field, TRUE);
-  gtk_grid_attach(GTK_GRID(form.grid), label, 0, form.rows, 1, 1);
-  gtk_grid_attach(GTK_GRID(form.grid), field, 1, form.rows, 1, 1);
-  ++form.rows;
 }
 
 GtkWidget *NewEntry(const Form &form, const char *name, int max_length) {
@@ -76,20 +73,20 @@ std::vector<std::string> TypeTexts() {
 }
 
 void AddFields(Form &form) {
-  GtkWidget *name = NewEntry(form, "QueueEntry", L_NameLength);
+  GtkWidget *name = NewEntry(form, "QueueEntry", kQueueNameLength);
   FilterAsQueueName(name);
   AddRow(form, "QueueLabel", "DEF_LBL_QUEUE", name, name);
   AddPrinterList(form);
   AddCombo(form, "QueueType", "DEF_LBL_TYPE", TypeTexts(), nullptr);
   AddCombo(form, "Transport", "DEF_LBL_TRANSPORT", {G_Translate(kTcpIpTransport)}, nullptr);
-  GtkWidget *address = NewEntry(form, "AddressEntry", L_AddressLength);
+  GtkWidget *address = NewEntry(form, "AddressEntry", kAddressLength);
   FilterAsAddress(address);
   AddRow(form, "AddressLabel", "DEF_LBL_IPADDRESS", address, address);
   AddCombo(form, "PrintingSystem", "DEF_LBL_PRN_SYS", {"SystemV"}, PrnSysComboBoxOptionChanged);
   GtkWidget *about = NewButtonBox(form.window, GTK_ORIENTATION_HORIZONTAL, "AboutHbuttonbox");
   gtk_button_box_set_layout(GTK_BUTTON_BOX(about), GTK_BUTTONBOX_END);
   NewButton(form.window, about, "AboutButton", "DEF_BTN_ABOUT_TITLE", G_ButtonAboutPressed);
-  gtk_grid_attach(GTK_GRID(form.grid), about, 1, form.rows, 1, 1);
+  gtk_grid_attach(form.grid, about, 1, form.rows, 1, 1);
 }
 
 void AddButtons(GtkWidget *window, GtkWidget *parent) {
@@ -122,10 +119,8 @@ GtkWidget *create_AddQueueWindow() {
   GtkWidget *box = gtk_box_new(GTK_ORIENTATION_VERTICAL, L_Spacing);
   gtk_container_set_border_width(GTK_CONTAINER(box), L_Border);
   gtk_container_add(GTK_CONTAINER(window), box);
-  Form form{window, gtk_grid_new(), 0};
-  gtk_grid_set_row_spacing(GTK_GRID(form.grid), L_Spacing);
-  gtk_grid_set_column_spacing(GTK_GRID(form.grid), L_Spacing);
-  gtk_box_pack_start(GTK_BOX(box), form.grid, TRUE, TRUE, 0);
+  Form form{window, NewFieldGrid(), 0};
+  gtk_box_pack_start(GTK_BOX(box), GTK_WIDGET(form.grid), TRUE, TRUE, 0);
   AddFields(form);
   gtk_box_pack_start(GTK_BOX(box), gtk_separator_new(GTK_ORIENTATION_HORIZONTAL), FALSE, FALSE, 0);
   AddButtons(window, box);

@@ -4,12 +4,12 @@
 
 #include "CustomDialog.h"
 #include "DialogFrame.h"
-#include "EntryHandlers.h"
+#include "FieldGrid.h"
+#include "FilteredEntry.h"
 #include "MessageDialogs.h"
 #include "PropTabCustomsFct.h"
 #include "Support.h"
 #include "ccmtparams.h"
-#include "cmessages.h"
 #include "debug.h"
 #include "entryfilters.h"
 
@@ -25,9 +25,8 @@ void AddFields(GtkWidget *box) {
   CmtParamWindowHelper &helper = *G_CmtParamWindow_helper;
   helper.name_entry = NewNameEntry(helper.window, "CmtNameEntry", CmtName_EntryText);
   GetAndPutCmtParams();
-  GtkWidget *label =
-      NewLabel(helper.window, "CmtNameLabel", G_Translate("DEF_LBL_CMT_NAME"), helper.name_entry);
-  AttachField(NewFieldGrid(box), 0, label, helper.name_entry, nullptr);
+  AddField(helper.window, AddFieldGrid(box), 0, {"CmtNameLabel", "DEF_LBL_CMT_NAME"},
+           helper.name_entry);
 }
 
 }  // namespace
@@ -51,7 +50,8 @@ void GetAndPutCmtParams() {
   const std::string name = SelectedCustomName(CustomKind::kMedia);
   const auto *params = HashValue<CCmtParams>(CustomEntries(CustomKind::kMedia), name.c_str());
   const char *shown = fGet_CString_Value_Function(fGetGuiName_Function(params));
-  ShowName(G_CmtParamWindow_helper->name_entry, shown == nullptr ? "" : shown, CmtName_EntryText);
+  ShowPastFilter(G_CmtParamWindow_helper->name_entry, shown == nullptr ? "" : shown,
+                 CmtName_EntryText);
 }
 
 int CheckUniqueCmtName(const char *name) {
@@ -96,6 +96,6 @@ void ButtonHelpCmtPressed() {
 void CmtName_EntryText(GtkEditable *entry, const gchar *text, gint length, gint *position,
                        gpointer data) {
   const LogScope log("CmtName_EntryText");
-  InsertFiltered(entry, G_CALLBACK(CmtName_EntryText),
-                 FilterCustomMediaName(InsertedText(text, length)), position, data);
+  InsertFiltered(entry, CmtName_EntryText, FilterCustomMediaName(InsertedText(text, length)),
+                 position, data);
 }

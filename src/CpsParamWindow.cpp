@@ -5,7 +5,8 @@
 
 #include "CustomDialog.h"
 #include "DialogFrame.h"
-#include "EntryHandlers.h"
+#include "FieldGrid.h"
+#include "FilteredEntry.h"
 #include "MessageDialogs.h"
 #include "PropTabCustomsFct.h"
 #include "Support.h"
@@ -20,7 +21,6 @@ std::unique_ptr<CpsParamWindowHelper> G_CpsParamWindow_helper;
 namespace {
 
 constexpr int L_Edit = 1;
-constexpr int L_Spacing = 8;
 constexpr int L_MeasureWidth = 7;  // characters
 constexpr int L_PageSteps = 10;    // steps of a spin button that one page is
 
@@ -100,8 +100,8 @@ void RunWhenOn(GtkToggleButton *button, gpointer pressed) {
 GtkWidget *NewUnitFrame(GtkWidget *window) {
   GtkWidget *frame = gtk_frame_new(G_Translate("DEF_LBL_CPS_UNITS"));
   StoreWidget(window, frame, "CpsUnitsFrame");
-  GtkWidget *box = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 2 * L_Spacing);
-  gtk_container_set_border_width(GTK_CONTAINER(box), L_Spacing);
+  GtkWidget *box = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 2 * kFieldSpacing);
+  gtk_container_set_border_width(GTK_CONTAINER(box), kFieldSpacing);
   gtk_container_add(GTK_CONTAINER(frame), box);
   GtkRadioButton *group = nullptr;
   for (const UnitButton &unit : L_UnitButtons) {
@@ -134,21 +134,18 @@ void AddMeasureRow(GtkGrid *grid, int row, const std::string &name, const char *
   gtk_spin_button_set_numeric(GTK_SPIN_BUTTON(*spin), TRUE);
   gtk_entry_set_width_chars(GTK_ENTRY(*spin), L_MeasureWidth);
   *range = NewLabel(window, (name + "RangeLabel").c_str(), "", nullptr);
-  GtkWidget *label = NewLabel(window, (name + "Label").c_str(), G_Translate(label_key), *spin);
-  AttachField(grid, row, label, *spin, *range);
+  AddField(window, grid, row, {name + "Label", label_key}, NewDescribedField(*spin, *range), *spin);
 }
 
 void AddFields(GtkWidget *box) {
   CpsParamWindowHelper &helper = *G_CpsParamWindow_helper;
   const std::string name =
       L_AddOrEdit == L_Edit ? SelectedCustomName(CustomKind::kPaper) : std::string();
-  GtkGrid *grid = NewFieldGrid(box);
+  GtkGrid *grid = AddFieldGrid(box);
   helper.name_entry = NewNameEntry(helper.window, "CpsNameEntry", CpsName_EntryText);
-  ShowName(helper.name_entry, name, CpsName_EntryText);
-  GtkWidget *label =
-      NewLabel(helper.window, "CpsNameLabel", G_Translate("DEF_LBL_CPS_NAME"), helper.name_entry);
-  AttachField(grid, 0, label, helper.name_entry, nullptr);
-  gtk_grid_attach(grid, NewUnitFrame(helper.window), 0, 1, 3, 1);
+  ShowPastFilter(helper.name_entry, name, CpsName_EntryText);
+  AddField(helper.window, grid, 0, {"CpsNameLabel", "DEF_LBL_CPS_NAME"}, helper.name_entry);
+  gtk_grid_attach(grid, NewUnitFrame(helper.window), 0, 1, 2, 1);
   AddMeasureRow(grid, 2, "CpsWidth", "DEF_LBL_CPS_WIDTH", &helper.width_spin, &helper.width_range);
   AddMeasureRow(grid, 3, "CpsLength", "DEF_LBL_CPS_LENGTH", &helper.length_spin,
                 &helper.length_range);
@@ -236,6 +233,6 @@ void RadioButtonMillimetersPressed() {
 void CpsName_EntryText(GtkEditable *entry, const gchar *text, gint length, gint *position,
                        gpointer data) {
   const LogScope log("CpsName_EntryText");
-  InsertFiltered(entry, G_CALLBACK(CpsName_EntryText),
-                 FilterCustomPaperName(InsertedText(text, length)), position, data);
+  InsertFiltered(entry, CpsName_EntryText, FilterCustomPaperName(InsertedText(text, length)),
+                 position, data);
 }

@@ -1,5 +1,6 @@
 #include "CustomDialog.h"
 
+#include "FieldGrid.h"
 #include "MessageDialogs.h"
 #include "PropTabCustoms.h"
 #include "Support.h"
@@ -7,31 +8,15 @@
 
 namespace {
 
-constexpr int L_Spacing = 8;
 constexpr int L_NameLength = 128;  // characters
 constexpr int L_NameWidth = 30;
 
 }  // namespace
 
-GtkGrid *NewFieldGrid(GtkWidget *box) {
-  GtkWidget *grid = gtk_grid_new();
-  gtk_grid_set_row_spacing(GTK_GRID(grid), L_Spacing);
-  gtk_grid_set_column_spacing(GTK_GRID(grid), L_Spacing);
-  gtk_box_pack_start(GTK_BOX(box), grid, FALSE, FALSE, 0);
-  return GTK_GRID(grid);
-}
-
-void AttachField(GtkGrid *grid, int row, GtkWidget *label, GtkWidget *field,
-                 GtkWidget *description) {
-  gtk_grid_attach(grid, label, 0, row, 1, 1);
-  gtk_grid_attach(grid, field, 1, row, description == nullptr ? 2 : 1, 1);
-  if (description == nullptr) {
-    gtk_widget_set_hexpand(field, TRUE);
-    return;
-  }
-  gtk_grid_attach(grid, description, 2, row, 1, 1);
-  atk_object_add_relationship(gtk_widget_get_accessible(field), ATK_RELATION_DESCRIBED_BY,
-                              gtk_widget_get_accessible(description));
+GtkGrid *AddFieldGrid(GtkWidget *box) {
+  GtkGrid *grid = NewFieldGrid();
+  gtk_box_pack_start(GTK_BOX(box), GTK_WIDGET(grid), FALSE, FALSE, 0);
+  return grid;
 }
 
 GtkWidget *NewNameEntry(GtkWidget *window, const char *name, InsertHandler filter) {
@@ -42,13 +27,6 @@ GtkWidget *NewNameEntry(GtkWidget *window, const char *name, InsertHandler filte
   KeepOneLine(entry);
   g_signal_connect(entry, "insert-text", G_CALLBACK(filter), nullptr);
   return entry;
-}
-
-void ShowName(GtkWidget *entry, const std::string &name, InsertHandler filter) {
-  const auto function = reinterpret_cast<gpointer>(filter);
-  g_signal_handlers_block_by_func(entry, function, nullptr);
-  gtk_entry_set_text(GTK_ENTRY(entry), name.c_str());
-  g_signal_handlers_unblock_by_func(entry, function, nullptr);
 }
 
 std::string SelectedCustomName(CustomKind kind) { return SelectedText(CustomSelections(kind)); }

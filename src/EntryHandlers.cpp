@@ -1,6 +1,9 @@
 #include "EntryHandlers.h"
 
+#include <string>
+
 #include "AddQueueWindow.h"
+#include "FilteredEntry.h"
 #include "PropTabGeneral.h"
 #include "PropertiesWindow.h"
 #include "Support.h"
@@ -34,23 +37,10 @@ void SetSensitivity(GtkWidget *window, bool sensitive) {
 
 }  // namespace
 
-std::string_view InsertedText(const gchar *text, gint length) {
-  return length < 0 ? std::string_view(text) : std::string_view(text, static_cast<size_t>(length));
-}
-
-void InsertFiltered(GtkEditable *entry, GCallback handler, const std::string &filtered,
-                    gint *position, gpointer data) {
-  const auto function = reinterpret_cast<gpointer>(handler);
-  g_signal_handlers_block_by_func(entry, function, data);
-  gtk_editable_insert_text(entry, filtered.c_str(), static_cast<gint>(filtered.size()), position);
-  g_signal_handlers_unblock_by_func(entry, function, data);
-  g_signal_stop_emission_by_name(entry, "insert-text");
-}
-
 void G_QueueNameEntryText(GtkEditable *entry, const gchar *text, gint length, gint *position,
                           gpointer data) {
   const LogScope log("G_QueueNameEntryText");
-  InsertFiltered(entry, G_CALLBACK(G_QueueNameEntryText),
+  InsertFiltered(entry, G_QueueNameEntryText,
                  FilterQueueName(InsertedText(text, length), *position), position, data);
   G_Toggle_Ok_Apply_Sensitivity();
 }
@@ -64,8 +54,8 @@ void G_QueueNameDeleteText(GtkEditable *entry, gint start, gint end, gpointer da
 void G_IPAddressEntryText(GtkEditable *entry, const gchar *text, gint length, gint *position,
                           gpointer data) {
   const LogScope log("G_IPAddressEntryText");
-  InsertFiltered(entry, G_CALLBACK(G_IPAddressEntryText), FilterAddress(InsertedText(text, length)),
-                 position, data);
+  InsertFiltered(entry, G_IPAddressEntryText, FilterAddress(InsertedText(text, length)), position,
+                 data);
   G_Toggle_Ok_Apply_Sensitivity();
 }
 

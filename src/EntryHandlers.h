@@ -1,18 +1,8 @@
-// The handlers that filter what is typed, pasted or dropped into an entry.
+// The handlers that filter what is typed, pasted or dropped into the entries of a queue's name and
+// address.
 #pragma once
 
 #include <gtk/gtk.h>
-
-#include <string>
-#include <string_view>
-
-// What an "insert-text" handler was called with; a negative length means up to the NUL.
-std::string_view InsertedText(const gchar *text, gint length);
-
-// Replaces the insertion that `handler`, running for "insert-text", was called for by that of
-// `filtered`.
-void InsertFiltered(GtkEditable *entry, GCallback handler, const std::string &filtered,
-                    gint *position, gpointer data);
 
 // "insert-text" and "delete-text" handlers of a queue name entry.
 void G_QueueNameEntryText(GtkEditable *entry, const gchar *text, gint length, gint *position,

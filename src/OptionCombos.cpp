@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "ComboWidget.h"
+#include "FieldGrid.h"
 #include "Pixmaps.h"
 #include "Support.h"
-#include "cmessages.h"
 #include "constraints.h"
 #include "cprintqueue.h"
 #include "debug.h"
@@ -145,12 +145,8 @@ void AddOptionRow(GtkWidget *window, GtkGrid *grid, int row, const char *feature
   widgets.combo = NewCombo(window, (name + "Combo").c_str(), (name + "ComboEntry").c_str(),
                            [&listed] { G_ComboBoxOptionChanged(listed.feature); });
   widgets.entry = lookup_widget(window, (name + "ComboEntry").c_str());
-  GtkWidget *label =
-      NewLabel(window, (name + "Label").c_str(), G_Translate(label_key), widgets.combo);
-  gtk_widget_set_hexpand(widgets.combo, TRUE);
+  GtkWidget *label = AddField(window, grid, row, {name + "Label", label_key}, widgets.combo);
   gtk_widget_set_valign(widgets.combo, GTK_ALIGN_CENTER);
-  gtk_grid_attach(grid, label, 0, row, 1, 1);
-  gtk_grid_attach(grid, widgets.combo, 1, row, 1, 1);
   const bool offered = HashFind(G_PrinterFeatures_hash, feature) != nullptr;
   if (with_picture) {
     widgets.picture =

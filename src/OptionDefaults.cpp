@@ -3,6 +3,7 @@
 #include <cstring>
 #include <string>
 
+#include "FieldGrid.h"
 #include "OptionCombos.h"
 #include "PropertiesWindow.h"
 #include "Support.h"
@@ -13,9 +14,7 @@ OptionTab NewOptionTab(const char *name) {
   GtkWidget *page = gtk_box_new(GTK_ORIENTATION_VERTICAL, kTabSpacing);
   gtk_container_set_border_width(GTK_CONTAINER(page), kTabBorder);
   StoreWidget(G_PropertiesWindow_helper->window, page, name);
-  GtkWidget *grid = gtk_grid_new();
-  gtk_grid_set_row_spacing(GTK_GRID(grid), kTabSpacing);
-  gtk_grid_set_column_spacing(GTK_GRID(grid), kTabSpacing);
+  GtkWidget *grid = GTK_WIDGET(NewFieldGrid());
   gtk_box_pack_start(GTK_BOX(page), grid, FALSE, FALSE, 0);
   return {page, grid};
 }

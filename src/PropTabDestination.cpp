@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <string>
 
-#include "EntryHandlers.h"
+#include "FieldGrid.h"
+#include "FilteredEntry.h"
 #include "OptionCombos.h"
 #include "OptionDefaults.h"
 #include "PropertiesWindow.h"
@@ -29,7 +30,7 @@ struct TextField {
   const char *label_key;
   const char *feature;
   int max_length;  // characters
-  void (*filter)(GtkEditable *, const gchar *, gint, gint *, gpointer);
+  InsertHandler filter;
 };
 
 constexpr TextField L_JobName = {&Helper::job_name,         "JobNameEntry", "JobNameLabel",
@@ -53,14 +54,6 @@ std::string TextIn(GtkWidget *entry) {
   return entry == nullptr ? "" : gtk_entry_get_text(GTK_ENTRY(entry));
 }
 
-// The one text of an entry that is not typed: a translation may hold what the filter drops.
-void ShowApplicationsJobName(GtkWidget *entry) {
-  const auto filter = reinterpret_cast<gpointer>(Job_User_Message_EntryText);
-  g_signal_handlers_block_by_func(entry, filter, nullptr);
-  gtk_entry_set_text(GTK_ENTRY(entry), DestinationText("*JobName").c_str());
-  g_signal_handlers_unblock_by_func(entry, filter, nullptr);
-}
-
 GtkWidget *NewTextEntry(const TextField &field) {
   GtkWidget *entry = gtk_entry_new();
   StoreWidget(G_PropertiesWindow_helper->window, entry, field.name);
@@ -75,12 +68,8 @@ GtkWidget *NewTextEntry(const TextField &field) {
 
 // Attaches a row of the field's label and `content`, its entry or what that stands in.
 void AttachRow(GtkGrid *grid, int row, const TextField &field, GtkWidget *content) {
-  GtkWidget *label =
-      NewLabel(G_PropertiesWindow_helper->window, field.label_name, G_Translate(field.label_key),
-               *G_PropTabDestination_helper.*field.entry);
-  gtk_widget_set_hexpand(content, TRUE);
-  gtk_grid_attach(grid, label, 0, row, 1, 1);
-  gtk_grid_attach(grid, content, 1, row, 1, 1);
+  AddField(G_PropertiesWindow_helper->window, grid, row, {field.label_name, field.label_key},
+           content, *G_PropTabDestination_helper.*field.entry);
 }
 
 void AddTextRow(GtkGrid *grid, int row, const TextField &field) {
@@ -95,12 +84,7 @@ void AddPinRow(GtkGrid *grid, int row) {
   gtk_entry_set_input_purpose(GTK_ENTRY(entry), GTK_INPUT_PURPOSE_DIGITS);
   GtkWidget *range =
       NewLabel(G_PropertiesWindow_helper->window, "PinRangeLabel", "( 0000 - 9999 )", nullptr);
-  atk_object_add_relationship(gtk_widget_get_accessible(entry), ATK_RELATION_DESCRIBED_BY,
-                              gtk_widget_get_accessible(range));
-  GtkWidget *box = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, kTabSpacing);
-  gtk_box_pack_start(GTK_BOX(box), entry, FALSE, FALSE, 0);
-  gtk_box_pack_start(GTK_BOX(box), range, FALSE, FALSE, 0);
-  AttachRow(grid, row, L_Pin, box);
+  AttachRow(grid, row, L_Pin, NewDescribedField(entry, range));
 }
 
 // The entry with its label.
@@ -143,15 +127,13 @@ GtkWidget *NewNotificationFrame() {
   GtkWidget *window = G_PropertiesWindow_helper->window;
   GtkWidget *frame = gtk_frame_new(G_Translate("DEF_LBL_EMAILNOTIF_TITLE"));
   StoreWidget(window, frame, "EmailNotifFrame");
-  GtkWidget *grid = gtk_grid_new();
+  GtkGrid *grid = NewFieldGrid();
   gtk_container_set_border_width(GTK_CONTAINER(grid), kTabSpacing);
-  gtk_grid_set_row_spacing(GTK_GRID(grid), kTabSpacing);
-  gtk_grid_set_column_spacing(GTK_GRID(grid), kTabSpacing);
-  gtk_container_add(GTK_CONTAINER(frame), grid);
-  AddTextRow(GTK_GRID(grid), 1, L_Address);
-  AddTextRow(GTK_GRID(grid), 2, L_Message);
+  gtk_container_add(GTK_CONTAINER(frame), GTK_WIDGET(grid));
+  AddTextRow(grid, 1, L_Address);
+  AddTextRow(grid, 2, L_Message);
   NotificationShown(nullptr);
-  AddOptionRow(window, GTK_GRID(grid), 0, "*EmailNotification", "DEF_LBL_EMAILTYPE", false);
+  AddOptionRow(window, grid, 0, "*EmailNotification", "DEF_LBL_EMAILTYPE", false);
   return frame;
 }
 
@@ -172,7 +154,8 @@ GtkWidget *create_PropTabDestination() {
 void FillDestinationTextEntry(GtkWidget *entry, const char *feature) {
   const LogScope log("FillDestinationTextEntry");
   if (g_strcmp0(feature, L_JobName.feature) == 0 && UsesApplicationsJobName()) {
-    ShowApplicationsJobName(entry);
+    // The one text of an entry that is not typed: a translation may hold what the filter drops.
+    ShowPastFilter(entry, DestinationText(feature), Job_User_Message_EntryText);
   } else {
     gtk_entry_set_text(GTK_ENTRY(entry), DestinationText(feature).c_str());
   }
@@ -181,22 +164,21 @@ void FillDestinationTextEntry(GtkWidget *entry, const char *feature) {
 void PinEntryText(GtkEditable *entry, const gchar *text, gint length, gint *position,
                   gpointer data) {
   const LogScope log("PinEntryText");
-  InsertFiltered(entry, G_CALLBACK(PinEntryText), FilterDigits(InsertedText(text, length)),
-                 position, data);
+  InsertFiltered(entry, PinEntryText, FilterDigits(InsertedText(text, length)), position, data);
 }
 
 void Job_User_Message_EntryText(GtkEditable *entry, const gchar *text, gint length, gint *position,
                                 gpointer data) {
   const LogScope log("Job_User_Message_EntryText");
-  InsertFiltered(entry, G_CALLBACK(Job_User_Message_EntryText),
-                 FilterJobText(InsertedText(text, length)), position, data);
+  InsertFiltered(entry, Job_User_Message_EntryText, FilterJobText(InsertedText(text, length)),
+                 position, data);
 }
 
 void EmailAddressEntryText(GtkEditable *entry, const gchar *text, gint length, gint *position,
                            gpointer data) {
   const LogScope log("EmailAddressEntryText");
-  InsertFiltered(entry, G_CALLBACK(EmailAddressEntryText),
-                 FilterEmailAddress(InsertedText(text, length)), position, data);
+  InsertFiltered(entry, EmailAddressEntryText, FilterEmailAddress(InsertedText(text, length)),
+                 position, data);
 }
 
 void ButtonDestinationDefaultsPressed() {

@@ -4,6 +4,7 @@
 
 #include "ComboWidget.h"
 #include "EntryHandlers.h"
+#include "FieldGrid.h"
 #include "InstallableLists.h"
 #include "ListWidget.h"
 #include "MessageDialogs.h"
@@ -15,6 +16,7 @@
 #include "cmessages.h"
 #include "cprintqueue.h"
 #include "debug.h"
+#include "entryfilters.h"
 #include "optionstate.h"
 
 std::unique_ptr<PropTabGenNpmenuHelper> G_PropTabGenNpmenu_helper;
@@ -22,8 +24,6 @@ std::unique_ptr<PropTabGenPrntoolHelper> G_PropTabGenPrntool_helper;
 
 namespace {
 
-constexpr int L_NameLength = 128;
-constexpr int L_AddressLength = 64;
 constexpr int L_FeatureWidth = 220;  // pixels
 constexpr int L_ListHeight = 120;
 
@@ -34,10 +34,7 @@ class Rows {
       : window_(G_PropertiesWindow_helper->window), grid_(GTK_GRID(tab.grid)) {}
 
   void Add(const char *label_name, const char *label_key, GtkWidget *field) {
-    gtk_widget_set_hexpand(field, TRUE);
-    gtk_grid_attach(grid_, NewLabel(window_, label_name, G_Translate(label_key), field), 0, rows_,
-                    1, 1);
-    gtk_grid_attach(grid_, field, 1, rows_++, 1, 1);
+    AddField(window_, grid_, rows_++, {label_name, label_key}, field);
   }
 
   void AddText(const char *label_name, const char *label_key, const char *name,
@@ -116,7 +113,7 @@ GtkWidget *create_PropTabGenAdmin() {
   PropTabGenNpmenuHelper &helper = *G_PropTabGenNpmenu_helper;
   const OptionTab tab = NewOptionTab("GeneralVbox");
   Rows rows(tab);
-  helper.queue_entry = rows.AddEntry("QueueLabel", "DEF_LBL_QUEUE", "QueueEntry", L_NameLength);
+  helper.queue_entry = rows.AddEntry("QueueLabel", "DEF_LBL_QUEUE", "QueueEntry", kQueueNameLength);
   gtk_entry_set_text(GTK_ENTRY(helper.queue_entry), QueueName().c_str());
   FilterAsQueueName(helper.queue_entry);
   AddPrinterAndType(rows);
@@ -127,7 +124,7 @@ GtkWidget *create_PropTabGenAdmin() {
   gtk_widget_set_sensitive(helper.transport_combo, FALSE);
   rows.Add("TransportLabel", "DEF_LBL_TRANSPORT", helper.transport_combo);
   helper.address_entry =
-      rows.AddEntry("AddressLabel", "DEF_LBL_IPADDRESS", "AddressEntry", L_AddressLength);
+      rows.AddEntry("AddressLabel", "DEF_LBL_IPADDRESS", "AddressEntry", kAddressLength);
   gtk_entry_set_text(GTK_ENTRY(helper.address_entry), Address().c_str());
   FilterAsAddress(helper.address_entry);
   AddPrintingSystem(rows);

@@ -3,12 +3,12 @@
 #include <cstdlib>
 #include <string>
 
+#include "FieldGrid.h"
 #include "OptionCombos.h"
 #include "OptionDefaults.h"
 #include "PropTabSetupFct.h"
 #include "PropertiesWindow.h"
 #include "Support.h"
-#include "cmessages.h"
 #include "debug.h"
 #include "optionstate.h"
 
@@ -27,13 +27,9 @@ void AddCopiesRow(GtkWidget *window, GtkGrid *grid, int row) {
   gtk_spin_button_set_value(GTK_SPIN_BUTTON(spin), copies);
   G_PropTabSetup_helper->copies = spin;
 
-  GtkWidget *box = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, kTabSpacing);
-  gtk_box_pack_start(GTK_BOX(box), spin, FALSE, FALSE, 0);
-  gtk_box_pack_start(GTK_BOX(box), NewLabel(window, "NrCopiesRangeLabel", "( 1 - 32767 )", nullptr),
-                     FALSE, FALSE, 0);
-  gtk_grid_attach(grid, NewLabel(window, "NrCopiesLabel", G_Translate("DEF_LBL_COPIES"), spin), 0,
-                  row, 1, 1);
-  gtk_grid_attach(grid, box, 1, row, 1, 1);
+  GtkWidget *range = NewLabel(window, "NrCopiesRangeLabel", "( 1 - 32767 )", nullptr);
+  AddField(window, grid, row, {"NrCopiesLabel", "DEF_LBL_COPIES"}, NewDescribedField(spin, range),
+           spin);
 }
 
 }  // namespace

@@ -4,11 +4,11 @@
 #include <vector>
 
 #include "ComboWidget.h"
-#include "EntryHandlers.h"
+#include "FieldGrid.h"
+#include "FilteredEntry.h"
 #include "OptionDefaults.h"
 #include "PropertiesWindow.h"
 #include "Support.h"
-#include "cmessages.h"
 #include "debug.h"
 #include "entryfilters.h"
 #include "fontmap.h"
@@ -51,10 +51,7 @@ GtkWidget *AddCombo(GtkGrid *grid, int row, const std::string &name, const char 
   GtkWidget *window = G_PropertiesWindow_helper->window;
   GtkWidget *combo =
       NewCombo(window, (name + "Combo").c_str(), (name + "ComboEntry").c_str(), changed);
-  GtkWidget *label = NewLabel(window, (name + "Label").c_str(), G_Translate(label_key), combo);
-  gtk_widget_set_hexpand(combo, TRUE);
-  gtk_grid_attach(grid, label, 0, row, 1, 1);
-  gtk_grid_attach(grid, combo, 1, row, 1, 1);
+  AddField(window, grid, row, {name + "Label", label_key}, combo);
   return combo;
 }
 
@@ -127,8 +124,8 @@ void FontComboBoxOptionChanged() {
 void FontSize_EntryText(GtkEditable *entry, const gchar *text, gint length, gint *position,
                         gpointer data) {
   const LogScope log("FontSize_EntryText");
-  InsertFiltered(entry, G_CALLBACK(FontSize_EntryText), FilterDigits(InsertedText(text, length)),
-                 position, data);
+  InsertFiltered(entry, FontSize_EntryText, FilterDigits(InsertedText(text, length)), position,
+                 data);
 }
 
 gboolean FontSizeEntryFocusOut(GtkWidget *entry, GdkEventFocus *, gpointer) {

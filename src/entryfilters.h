@@ -5,6 +5,10 @@
 #include <string>
 #include <string_view>
 
+// The most characters of a queue name and of a printer's address.
+inline constexpr int kQueueNameLength = 128;
+inline constexpr int kAddressLength = 64;
+
 // `inserted` without the characters that a queue name may not hold; at position 0 also without its
 // leading digits, since a queue name never begins with one.
 std::string FilterQueueName(std::string_view inserted, int position);
