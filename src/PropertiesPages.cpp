@@ -43,7 +43,8 @@ struct PageSize {
 };
 constexpr PageSize L_Width = {100, 30};
 constexpr PageSize L_WidthWithPagesASheet = {285, 36};
-constexpr int L_Height = 486;  // of six rows with pictures, which are higher than texts
+// Of six rows with pictures, which are higher than texts, or of two lists in large text.
+constexpr int L_Height = 490;
 constexpr double L_UsualResolution = 96;
 constexpr double L_PointsPerInch = 72;
 
