@@ -12,6 +12,12 @@ endif()
 # Source names in the log and in assertions read "../src/main.cpp" wherever the tree lies.
 add_compile_options(-ffile-prefix-map=${CMAKE_SOURCE_DIR}/=../)
 
+# One program runs as root, one reads any user's jobs: an overflow ends them. The sanitizers have
+# checks of their own, and _FORTIFY_SOURCE needs the optimizer.
+add_compile_options(-fstack-protector-strong -fstack-clash-protection)
+add_compile_options($<$<AND:$<CONFIG:Release>,$<NOT:$<BOOL:${KPX_SANITIZE}>>>:-D_FORTIFY_SOURCE=2>)
+add_link_options(LINKER:-z,relro,-z,now)
+
 option(KPX_SANITIZE "build with AddressSanitizer, LeakSanitizer and UndefinedBehaviorSanitizer" OFF)
 if(KPX_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all
