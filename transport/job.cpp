@@ -154,8 +154,9 @@ std::optional<Outcome> Carrier::Send(const ConnectResult &link) {
       return Outcome::kAccepted;
     case SendEnd::kInputFailed:
       report_.Say("the job cannot be read on after " + Bytes(sent.acknowledged) + ": " +
-                  sent.reason);
-      return Outcome::kInputUnreadable;
+                  sent.reason +
+                  (taken_ ? "; the printer may have printed the job or a part of it" : ""));
+      return taken_ ? Outcome::kInDoubt : Outcome::kInputUnreadable;
     case SendEnd::kStopped:
       return Stopped();
     case SendEnd::kBroken:

@@ -13,7 +13,7 @@ enum class Outcome {
   kAccepted = EX_OK,        // the printer has the whole job (or there was none), closed in order
   kTryLater = EX_TEMPFAIL,  // the printer took nothing: the job can be sent again
   kInDoubt = EX_PROTOCOL,   // it took the job, or a part, and the end of it is not known
-  kInputUnreadable = EX_IOERR,  // the job's data could not be read
+  kInputUnreadable = EX_IOERR,  // the job's data could not be read; nothing was taken
 };
 
 // Sends the data of `input` (lent, read from its current position) to `destination`. `stop` is

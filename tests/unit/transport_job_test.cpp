@@ -235,6 +235,39 @@ TEST(TransportJob, AJobOfWhichAPartWasTakenStaysInDoubtWhenThePrinterIsGoneAfter
   ExpectWords(transfer, "Connection refused); the printer may be busy or switched off (no success");
 }
 
+TEST(TransportJob, AJobThatCannotBeReadOnIsInDoubtOnceThePrinterTookAPart) {
+  Listener printer;
+  printer.Listen();
+  Listener source;
+  source.Listen();
+  ConnectResult input = ConnectTo({"127.0.0.1", source.port()}, Limits{}, {});
+  ASSERT_EQ(input.end, ConnectEnd::kConnected) << input.reason;
+  Descriptor writing = source.Accept();
+  Transfer transfer({"127.0.0.1", printer.port()}, std::move(input.socket), ShortLimits());
+  ASSERT_TRUE(WriteTestData(writing.get(), 1000));
+  const Descriptor connection = printer.Accept();
+  EXPECT_EQ(Receive(connection.get(), 1000).count, 1000U);
+  Reset(std::move(writing));
+  EXPECT_EQ(transfer.Wait(), Outcome::kInDoubt);
+  ExpectWords(transfer,
+              "the job cannot be read on after 1000 bytes: Connection reset by peer; the "
+              "printer may have printed the job or a part of it\n");
+}
+
+TEST(TransportJob, AJobThatCannotBeReadAtAllIsNoMatterOfThePrinter) {
+  Listener printer;
+  printer.Listen();
+  Listener source;
+  source.Listen();
+  ConnectResult input = ConnectTo({"127.0.0.1", source.port()}, Limits{}, {});
+  ASSERT_EQ(input.end, ConnectEnd::kConnected) << input.reason;
+  Reset(source.Accept());
+  Transfer transfer({"127.0.0.1", printer.port()}, std::move(input.socket), ShortLimits());
+  EXPECT_EQ(transfer.Wait(), Outcome::kInputUnreadable);
+  ExpectWords(transfer, "the job cannot be read: Connection reset by peer");
+  EXPECT_FALSE(printer.HasCaller());
+}
+
 TEST(TransportJob, TheTimeForFurtherAttemptsBeginsAnewOnceThePrinterTookData) {
   Listener printer;
   Limits limits = ShortLimits();
