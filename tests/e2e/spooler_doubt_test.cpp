@@ -6,6 +6,7 @@
 #include <atomic>
 #include <thread>
 
+#include "changedfile.h"
 #include "interfacescript.h"
 #include "loopback.h"
 #include "spooler.h"
@@ -16,6 +17,7 @@ namespace {
 // Not that of the sandbox's printer.
 constexpr char kAddress[] = "127.0.0.2";
 constexpr std::uint16_t kPort = 2501;
+constexpr char kOptions[] = "/opt/orlan/data/lp1.def";
 
 // Takes up to `limit` bytes of every job and then resets the connection.
 class ResettingPrinter {
@@ -48,17 +50,17 @@ class ResettingPrinter {
   std::jthread thread_;
 };
 
-std::string RawBlock() {
-  return InterfaceBlockText({.queue_type = "raw",
-                             .ppd_path = "",
-                             .def_path = "",
+std::string Block(const std::string &type, const std::string &ppd_path = {}) {
+  return InterfaceBlockText({.queue_type = type,
+                             .ppd_path = ppd_path,
+                             .def_path = kOptions,
                              .address = kAddress,
                              .transport_parameter = "120"});
 }
 
-// Prints and waits until the job is held.
-void ExpectHeld(const TestQueue &queue, const std::string &data) {
-  queue.Append(RawBlock());
+// Prints with `block` and waits until the job is held in the transport's words. Returns the log.
+std::string ExpectHeld(const TestQueue &queue, const std::string &block, const std::string &data) {
+  queue.Append(block);
   SchedulerLog log;
   const std::string job = queue.Print({}, data);
   log.WaitFor("Backend returned status");
@@ -69,6 +71,7 @@ void ExpectHeld(const TestQueue &queue, const std::string &data) {
   EXPECT_NE(std::string::npos, state.find("may have printed the job or a part of it; the job is "
                                           "held (status 76)\n"))
       << state;
+  return log.Text();
 }
 
 }  // namespace
@@ -76,7 +79,7 @@ void ExpectHeld(const TestQueue &queue, const std::string &data) {
 TEST(BridgeDoubt, AJobThatThePrinterTookBeforeItResetIsHeldAfterAFewCopies) {
   const ResettingPrinter printer(UINT64_MAX);
   const TestQueue queue("lp1");
-  ExpectHeld(queue, "a small job\n");
+  ExpectHeld(queue, Block("raw"), "a small job\n");
   EXPECT_GE(printer.jobs(), 1);
   EXPECT_LE(printer.jobs(), 1 + Limits{}.restarts);
 }
@@ -85,6 +88,25 @@ TEST(BridgeDoubt, AJobOfWhichThePrinterTookAPartIsHeldWhenItCannotBeReadAgain) {
   // More than the transport keeps.
   const ResettingPrinter printer(4'000'000);
   const TestQueue queue("lp1");
-  ExpectHeld(queue, TestData(12'000'000));
+  ExpectHeld(queue, Block("raw"), TestData(12'000'000));
+  EXPECT_EQ(printer.jobs(), 1);
+}
+
+TEST(BridgeDoubt, AJobThatThePrinterBrokeOffIsHeldInTheWordsOfTheTransportNotOfTheFilter) {
+  const TemporaryDirectory directory;
+  std::filesystem::permissions(directory.Path(), std::filesystem::perms(0755));
+  const ChangedFile options(kOptions, "");
+  const ResettingPrinter printer(4'000'000);
+  const TestQueue queue("lp1");
+  // More than the transport and the system between them take in.
+  std::string job = "%!PS\n%%EndProlog\n";
+  while (job.size() < 32'000'000) job += "% a long page\n";
+  const std::string log =
+      ExpectHeld(queue,
+                 Block("postscript", directory.Write("a.ppd",
+                                                     "*PPD-Adobe: \"4.3\"\n"
+                                                     "*FormatVersion: \"4.3\"\n")),
+                 job + "showpage\n");
+  EXPECT_NE(std::string::npos, log.find("kpxfilter: standard output: Broken pipe"));
   EXPECT_EQ(printer.jobs(), 1);
 }

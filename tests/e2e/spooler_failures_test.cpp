@@ -93,6 +93,22 @@ TEST(BridgeFailures, AHeldJobTellsItsUserWhy) {
       << state;
 }
 
+TEST(BridgeFailures, AScriptWhoseStatusIsLostHoldsTheJobWhateverItSaid) {
+  const TestQueue queue("lp1");
+  // Its parent is the part of the backend that waits for its status.
+  queue.Append("echo '0.5 MB sent' >&2\nkill -KILL $PPID\n");
+  SchedulerLog log;
+  const std::string job = queue.Print({}, "data");
+  log.WaitFor("Backend returned status");
+  EXPECT_NE(std::string::npos, log.Text().find("Backend returned status 3 (hold job)"))
+      << log.Text();
+  EXPECT_TRUE(queue.Keeps(job));
+  const std::string state = RunProgram({"lpstat", "-l", "-p", "lp1"}).output;
+  EXPECT_NE(std::string::npos, state.find("0.5 MB sent; the job is held (how its interface script "
+                                          "ended is not known)\n"))
+      << state;
+}
+
 TEST(BridgeFailures, AHeldJobDoesNotStopTheNextOne) {
   const TestQueue queue("lp1");
   queue.Record(SetStatus(2));
@@ -164,14 +180,19 @@ TEST(BridgeFailures, AJobThatComesBeforeTheQueueIsSetUpCompletelyPrintsOnceItIs)
   log.WaitFor("[Job " + job + "] Job completed.");
 }
 
-TEST(BridgeFailures, AFilterThatFailsHoldsTheJob) {
+TEST(BridgeFailures, AFilterThatFailsHoldsTheJobAndTellsWhy) {
   const TestQueue queue("lp1");
   queue.Append(Block("postscript", "127.0.0.1"));
   SchedulerLog log;
   const std::string job = queue.Print({}, "%!PS\nshowpage\n");
   log.WaitFor("Backend returned status 3 (hold job)");
   EXPECT_TRUE(queue.Keeps(job));
-  EXPECT_NE(std::string::npos, log.Text().find("/nowhere.ppd")) << "the filter's words";
+  EXPECT_NE(std::string::npos, log.Text().find("kpxnbtrans: the job is empty"));
+  const std::string state = RunProgram({"lpstat", "-l", "-p", "lp1"}).output;
+  EXPECT_NE(std::string::npos,
+            state.find("kpxfilter: /nowhere.ppd: No such file or directory; the job is held "
+                       "(status 1)\n"))
+      << state;
 }
 
 TEST(BridgeFailures, CancellingAJobEndsItsScript) {
