@@ -45,29 +45,60 @@ enum class Ahead {
   Missing,  // the document ends without it
 };
 
+// What a look ahead shows, and how many bytes it took.
+struct Look {
+  Ahead what;
+  size_t bytes;
+};
+
+// How much a line "%%BeginBinary:" or "%%BeginData:" counts.
+struct DataCount {
+  size_t count = 0;
+  bool in_lines = false;
+};
+
+// The bytes of counted data at the front of `ahead`; 0 when they do not end in it.
+size_t DataLength(std::string_view ahead, const DataCount &data) {
+  if (!data.in_lines) return data.count <= ahead.size() ? data.count : 0;
+  size_t length = 0;
+  for (size_t lines = 0; lines < data.count; ++lines) {
+    const size_t end = ahead.find_first_of("\r\n", length);
+    if (end == std::string_view::npos) return 0;
+    length = end + (ahead.substr(end, 2) == "\r\n" ? 2 : 1);
+  }
+  return length;
+}
+
 // Looks ahead for a mark that ends a prolog or, when `block_end` is not empty, begins so. What an
-// included document or counted data holds says nothing about this one, so these end the search.
-Ahead LookAhead(JobSource *source, std::string_view block_end) {
+// included document or counted data holds says nothing about this one, so these end the search;
+// `data` comes next and is passed over, if it ends in what can be seen.
+Look LookAhead(JobSource *source, std::string_view block_end, const DataCount &data = {}) {
   constexpr size_t kSeen = JobSource::kCapacity / 2;
   std::string_view ahead = source->Peek(kSeen);
-  const size_t next_document = ahead.find(kUel);
-  const bool whole = ahead.size() < kSeen || next_document != std::string_view::npos;
-  ahead = ahead.substr(0, next_document);
-  for (bool begins_line = source->NextBeginsLine(); !ahead.empty(); begins_line = true) {
-    const auto begins = [&](std::string_view mark) { return ahead.starts_with(mark); };
+  const size_t size = ahead.size();
+  const size_t data_length = DataLength(ahead, data);
+  ahead.remove_prefix(data_length);
+  for (bool begins_line = data_length > 0 || source->NextBeginsLine(); !ahead.empty();
+       begins_line = true) {
+    std::string_view line = ahead.substr(0, ahead.find_first_of("\r\n"));
+    const size_t next_document = line.find(kUel);
+    line = line.substr(0, next_document);
+    const auto begins = [line](std::string_view mark) { return line.starts_with(mark); };
+    const auto result = [&](Ahead what) { return Look{what, size - ahead.size() + line.size()}; };
     if (begins_line && std::any_of(std::begin(kPrologEnds), std::end(kPrologEnds), begins)) {
-      return Ahead::Marked;
+      return result(Ahead::Marked);
     }
     if (begins_line && !block_end.empty() &&
-        SameKeyword(ahead.substr(0, block_end.size()), block_end)) {
-      return Ahead::Marked;
+        SameKeyword(line.substr(0, block_end.size()), block_end)) {
+      return result(Ahead::Marked);
     }
     if (begins_line && std::any_of(std::begin(kForeign), std::end(kForeign), begins)) {
-      return Ahead::Unseen;
+      return result(Ahead::Unseen);
     }
-    ahead.remove_prefix(std::min(ahead.find_first_of("\r\n"), ahead.size() - 1) + 1);
+    if (next_document != std::string_view::npos) return result(Ahead::Missing);
+    ahead.remove_prefix(std::min(line.size() + 1, ahead.size()));
   }
-  return whole ? Ahead::Missing : Ahead::Unseen;
+  return {size < kSeen ? Ahead::Missing : Ahead::Unseen, size};
 }
 
 // "%%End<name>" of a line "%%Begin<name>...".
@@ -100,12 +131,14 @@ class DocumentFilter {
   void HeaderLine(std::string_view line);
   void PreambleLine(std::string_view line);
   void BeginProlog(const std::string &line);
+  bool BlockEnds(const std::string &line);
   void BlockLine(std::string_view line);
   void CodeLine(const std::string &line);
   void PrologLine(std::string_view line);
   void BodyLine(std::string_view line);
-  void CountedData(std::string_view line);
+  void CountedData(const std::string &line);
   void StartBody();
+  void WriteFirstPageSetup();
   void WriteProlog(bool with_frame);
   void WriteSetup(bool with_frame);
 
@@ -117,9 +150,11 @@ class DocumentFilter {
   int documents_ = 0;  // depth of BeginDocument
   int blocks_ = 0;     // depth of other Begin/End pairs in the preamble
   bool prolog_written_ = false;
-  bool loose_prolog_ = false;  // prolog code without a frame goes on
-  bool late_ = false;          // the code came behind what may be pages
-  bool page_pending_ = false;  // the page setup code of the present page is still to come
+  bool loose_prolog_ = false;       // prolog code without a frame goes on
+  bool late_ = false;               // the code came behind what may be pages
+  bool page_pending_ = false;       // the page setup code of the present page is still to come
+  bool page_code_ahead_ = false;    // the page setup code of the first page is out
+  size_t passed_ = 0, looked_ = 0;  // bytes handed out, and looked at from the lines of blocks
 };
 
 bool DocumentFilter::Run() {
@@ -139,6 +174,7 @@ void DocumentFilter::Copy() {
     const std::string_view next = source_->Peek(kUel.size());
     if (next.empty() || next == kUel || sink_->Error() != 0) return;
     const std::string_view piece = source_->NextPiece();
+    passed_ += piece.size();
     if (source_->AtLineStart()) {
       Line(piece);
     } else {
@@ -163,9 +199,8 @@ void DocumentFilter::Unstructured(bool has_first_line) {
   }
   sink_->Write(code_.prolog);
   sink_->Write(code_.setup);
-  sink_->Write(code_.page_setup);
+  WriteFirstPageSetup();
   place_ = Place::Body;
-  page_pending_ = false;
 }
 
 void DocumentFilter::Line(std::string_view line) {
@@ -192,7 +227,7 @@ bool DocumentFilter::Verbatim(std::string_view line) {
   if (begins && documents_ == 0 && place_ != Place::Body && place_ != Place::Prolog) StartBody();
   if (begins) ++documents_;
   if (line.starts_with("%%BeginBinary:") || line.starts_with("%%BeginData:")) {
-    CountedData(line);
+    CountedData(std::string(line));
     return true;
   }
   if (documents_ == 0) return false;
@@ -201,19 +236,25 @@ bool DocumentFilter::Verbatim(std::string_view line) {
   return true;
 }
 
-// "%%BeginBinary: <bytes>" and "%%BeginData: <count> [<type> [Bytes | Lines]]".
-void DocumentFilter::CountedData(std::string_view line) {
-  const std::string_view text = AfterBlanks(line.substr(line.find(':') + 1));
-  size_t count = 0;
+// "%%BeginBinary: <bytes>" and "%%BeginData: <count> [<type> [Bytes | Lines]]". The data may be a
+// page of its own, so where it belongs to no prolog the code goes before it.
+void DocumentFilter::CountedData(const std::string &line) {
+  const std::string_view text = AfterBlanks(std::string_view(line).substr(line.find(':') + 1));
+  DataCount data;
   const bool number =
-      std::from_chars(text.data(), text.data() + text.size(), count).ec == std::errc();
-  const bool lines = WithoutEnd(text).find("Lines") != std::string_view::npos;
+      std::from_chars(text.data(), text.data() + text.size(), data.count).ec == std::errc();
+  data.in_lines = WithoutEnd(text).find("Lines") != std::string_view::npos;
+  const bool in_preamble = place_ == Place::Header || place_ == Place::Preamble;
+  if (number && in_preamble && documents_ == 0 && blocks_ == 0 && !loose_prolog_ &&
+      LookAhead(source_, {}, data).what != Ahead::Marked) {
+    StartBody();
+  }
   sink_->Write(line);
   if (!number) return;
-  if (lines) {
-    source_->CopyLines(count, sink_);
+  if (data.in_lines) {
+    source_->CopyLines(data.count, sink_);
   } else {
-    source_->CopyBytes(count, sink_);
+    source_->CopyBytes(data.count, sink_);
   }
   // A count that takes the rest of the job is wrong.
   late_ = late_ || (place_ != Place::Body && source_->Peek(1).empty());
@@ -259,7 +300,7 @@ void DocumentFilter::PreambleLine(std::string_view line) {
 }
 
 void DocumentFilter::BeginProlog(const std::string &line) {
-  if (LookAhead(source_, {}) == Ahead::Missing) {
+  if (LookAhead(source_, {}).what == Ahead::Missing) {
     StartBody();
     BodyLine(line);
     return;
@@ -270,11 +311,23 @@ void DocumentFilter::BeginProlog(const std::string &line) {
   loose_prolog_ = false;
 }
 
+// Whether the block that `line` begins has an end, as far as can be seen. Looks only so often that
+// all the looks together stay in proportion to the job: enough for blocks in blocks, not for a job
+// that is nothing but beginnings.
+bool DocumentFilter::BlockEnds(const std::string &line) {
+  constexpr size_t kFree = 8 * JobSource::kCapacity;
+  constexpr size_t kBlocksInBlocks = 4;
+  if (looked_ > kFree && looked_ / kBlocksInBlocks > passed_) return true;
+  const Look look = LookAhead(source_, BlockEnd(line));
+  looked_ += look.bytes;
+  return look.what != Ahead::Missing;
+}
+
 // A comment, or a line of a block or a prolog without frame.
 void DocumentFilter::BlockLine(std::string_view line) {
   if (line.starts_with("%%Begin") && !IsDataMark(line)) {
     const std::string first(line);
-    if (LookAhead(source_, BlockEnd(first)) == Ahead::Missing) {
+    if (!BlockEnds(first)) {
       StartBody();
       BodyLine(first);
     } else {
@@ -289,7 +342,7 @@ void DocumentFilter::BlockLine(std::string_view line) {
 
 // Code without a frame: prolog of an older document, or the document itself.
 void DocumentFilter::CodeLine(const std::string &line) {
-  loose_prolog_ = LookAhead(source_, {}) == Ahead::Marked;
+  loose_prolog_ = LookAhead(source_, {}).what == Ahead::Marked;
   if (loose_prolog_) {
     WriteProlog(false);
     sink_->Write(line);
@@ -325,7 +378,10 @@ void DocumentFilter::BodyLine(std::string_view line) {
     page_pending_ = false;
   }
   sink_->Write(line);
-  if (line.starts_with("%%Page:")) page_pending_ = !code_.page_setup.empty();
+  if (line.starts_with("%%Page:")) {
+    page_pending_ = !code_.page_setup.empty() && !page_code_ahead_;
+    page_code_ahead_ = false;
+  }
   if (!line.starts_with(kInclude)) return;
   const std::string_view text = WithoutEnd(AfterBlanks(line.substr(kInclude.size())));
   const size_t blank = text.find_first_of(" \t");
@@ -339,7 +395,13 @@ void DocumentFilter::BodyLine(std::string_view line) {
 void DocumentFilter::StartBody() {
   WriteProlog(true);
   WriteSetup(true);
+  WriteFirstPageSetup();
+}
+
+// Page setup code in front of the document holds for the page that comes first, marked or not.
+void DocumentFilter::WriteFirstPageSetup() {
   sink_->Write(code_.page_setup);
+  page_code_ahead_ = true;
 }
 
 void DocumentFilter::WriteProlog(bool with_frame) {

@@ -1,6 +1,8 @@
 // Where the settings' code goes in a PostScript job.
 #include <gtest/gtest.h>
 
+#include <ctime>
+
 #include "featurecode.h"
 #include "filterjob.h"
 #include "postscript.h"
@@ -202,6 +204,97 @@ TEST_F(PostScriptJob, ALongOneWhoseEndNeverComesIsAWarning) {
     EXPECT_EQ(WarningOf(settings_, start + "%%EndProlog\n%%Page: 1 1\nshowpage\n%%EOF\n"), "");
     const PpdModel plain;
     EXPECT_EQ(WarningOf(JobSettings(plain), start + "showpage\n%%EOF\n"), "");
+  }
+}
+
+// The processor time that a document of the conventions takes with `preamble`.
+std::clock_t TimeOf(const JobSettings &settings, const std::string &preamble) {
+  const std::clock_t start = std::clock();
+  WarningOf(settings, "%!PS-Adobe-3.0\n%%EndComments\n" + preamble + "showpage\n%%EOF\n");
+  return std::clock() - start;
+}
+
+TEST_F(PostScriptJob, ManyBlocksTakeTheTimeOfOtherLines) {
+  constexpr int kLines = 40000;
+  std::string comments, open, crossed, different;
+  for (int i = 0; i < kLines; ++i) {
+    comments += "%%Remark\n%%Remark\n";
+    open += "%%BeginX\n%%BeginX\n";
+    crossed += "%%BeginX\n%%EndY\n";
+    different += "%%BeginX" + std::to_string(i) + "\n%%EndY\n";
+  }
+  // Far above what is measured (5 times), far below a look of 32 KiB from each line (1000 times).
+  const std::clock_t most = 100 * std::max<std::clock_t>(TimeOf(settings_, comments), 2000);
+  EXPECT_LT(TimeOf(settings_, open), most);
+  EXPECT_LT(TimeOf(settings_, crossed), most);
+  EXPECT_LT(TimeOf(settings_, different), most);
+}
+
+TEST_F(PostScriptJob, ManyBlocksOfALongPrologWithoutFrameAreAllRecognised) {
+  std::string blocks;
+  for (int i = 0; i < 1000; ++i) {
+    blocks += "%%BeginProcSet: a\n%%BeginResource: b\n" + std::string(2000, '%') +
+              "\n%%EndResource\n%%EndProcSet\n";
+  }
+  const std::string start = "%!PS-Adobe-3.0 EPSF-3.0\n%%EndComments\n" + blocks;
+  const std::string body = "%%BeginProcSet: x\nshowpage\n%%EOF\n";
+  const std::string document = Document(start + body);
+  EXPECT_TRUE(document.starts_with(start + "%%BeginSetup\n"));
+  EXPECT_TRUE(document.ends_with("%%EndSetup\n" + body));
+}
+
+TEST_F(PostScriptJob, PageSetupCodeInFrontOfTheDocumentCountsForItsFirstPage) {
+  Set({{"*Stamp", "Draft"}});
+  const std::string header = "%!PS-Adobe-3.0\n%%EndComments\n";
+  std::string definitions;
+  while (definitions.size() < 40000) definitions += "/x 1 def\n";
+  for (const std::string &start :
+       {header + definitions + "%%EndProlog\n",
+        header + "%%BeginDocument: a.eps\n%%Page: 1 1\n%%EndDocument\n",
+        header + "%%BeginData: 1 ASCII Lines\nshowpage\n%%EndData\n" + definitions,
+        header + "save\n%%BeginBinary: 3\nabc\n%%EndBinary\n", std::string("%!\n")}) {
+    const std::string document = Document(
+        start + "%%Page: 1 1\n%%BeginPageSetup\n%%EndPageSetup\nshowpage\n%%Page: 2 2\nshowpage\n");
+    const std::string stamp = "*Stamp";
+    const size_t first = document.find("\n%%Page: 1 1\n%%BeginPageSetup\n");
+    EXPECT_LT(document.find(stamp), first) << document;
+    EXPECT_EQ(document.find(stamp, first), document.rfind(stamp));
+    EXPECT_GT(document.rfind(stamp), document.find("\n%%Page: 2 2\n"));
+    EXPECT_EQ(CountOf(document, stamp), 2u);
+  }
+  const std::string document = Document(header + definitions + "showpage\n");
+  EXPECT_EQ(CountOf(document, "*Stamp"), 1u);
+}
+
+TEST_F(PostScriptJob, CountedDataThatMayBeAPageGetsTheCodeBeforeIt) {
+  const std::string program = "100 100 moveto showpage\n";
+  const std::string marked = "%%EndProlog\n%%Page: 1 1\r\nshowpage\n";
+  const std::string lines = std::string(40000, '\n');
+  for (const std::string header :
+       {"%!PS-Adobe-3.0\n", "%!PS-Adobe-3.0\n%%EndComments\n",
+        "%!PS-Adobe-3.0\n%%EndComments\n%%BeginProcSet: x\n/x 1 def\n%%EndProcSet\n"}) {
+    for (const std::string &data :
+         {"%%BeginData: 1 ASCII Lines\n" + program + "%%EndData\n%%EOF\n",
+          "%%BeginData: 3 ASCII Lines\n" + marked + "%%EndData\n%%EOF\n",
+          "%%BeginBinary: " + std::to_string(marked.size()) + "\n" + marked + "%%EndBinary\n",
+          "%%BeginBinary: 24\n" + program,
+          "%%BeginBinary: 40000\n" + lines + "%%EndBinary\n%%Page: 1 1\n",
+          "%%BeginData: 40000 ASCII Lines\n" + lines + "%%EndData\n%%Page: 1 1\n"}) {
+      const std::string document = Document(header + data);
+      EXPECT_TRUE(document.starts_with(header + "%%BeginSetup\n")) << document;
+      EXPECT_TRUE(document.ends_with("%%EndSetup\n" + data)) << document;
+      EXPECT_EQ(WarningOf(settings_, header + data), "");
+      EXPECT_EQ(Document(header + data, 1), document);
+    }
+  }
+}
+
+TEST_F(PostScriptJob, CountedDataInFrontOfTheMarkOfAPrologStaysInFrontOfTheSetup) {
+  for (const std::string data :
+       {"%%BeginData: 2 ASCII Lines\n%%BeginDocument: x\r\n/x 1 def\n%%EndData\n",
+        "%%BeginBinary: 12\n%%BeginDataX%%EndBinary\n", "%%BeginBinary: x\n%%EndBinary\n"}) {
+    const std::string start = "%!PS-Adobe-3.0\n%%EndComments\n" + data + "%%BeginSetup\n";
+    EXPECT_TRUE(Document(start + "%%EndSetup\n").starts_with(start + "[{\n")) << data;
   }
 }
 
