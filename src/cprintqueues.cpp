@@ -112,20 +112,20 @@ int fWriteAllToDef_Function(const CPrintQueues *collection, CList *errors) {
 }
 
 int fFillFromPaf_Function_(CPrintQueues *collection, int create) {
-  const LogScope log("fFillFromPaf_Function_");
   if (collection == nullptr) return 0;
   const char *path = PathOf(collection);
   if (const std::optional<std::string> text = ReadWholeFile(path)) {
     return FillQueuesFromText(collection, *text, path);
   }
   const int error = errno;
+  const LogScope log("fFillFromPaf_Function_");
   StartEmpty(collection);
   MissingList(path, create, error);
   return 0;
 }
 
 int FillQueuesFromText(CPrintQueues *collection, std::string_view text, const std::string &path) {
-  const LogScope log("FillQueuesFromText");
+  const LogScope log("fFillFromPaf_Function_");  // wherever the text comes from
   StartEmpty(collection);
   if (const auto error = ReadQueueList(text, collection->queues.get())) {
     Log(1, path + ":" + std::to_string(error->line_number) + ": " + error->reason);

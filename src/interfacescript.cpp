@@ -120,7 +120,7 @@ std::string ScriptOwnerCommand(const std::string &script_path) {
 
 int ChangeAddressInInterface(const char *name, const char *address, CList *errors) {
   const LogScope log("ChangeAddressInInterface");
-  if (address == nullptr || !CheckCommandSafeName("/bin/chmod", name, errors)) return 0;
+  if (address == nullptr || !CheckCommandSafeName(name, errors)) return 0;
   const std::string path = InterfacePath(name);
   const std::string temporary = path + ".KPXadmin";
   const std::optional<std::string> script = ReadWholeFile(path);

@@ -184,13 +184,10 @@ GtkWidget *StartUp(CList *messages) {
 
 // Nothing here is drawn with OpenGL. Left to itself, the first GTK program on a display loads the
 // OpenGL drivers to rate the display's visuals, which costs as much time as all else up to the
-// window. The user's own setting is kept, and programs started from here do not inherit ours.
+// window. The user's own setting is kept; the commands started from here draw nothing.
 void InitialiseGtk(int *argc, char ***argv) {
-  constexpr char kVariable[] = "GDK_GL";
-  const bool ours = g_getenv(kVariable) == nullptr;
-  if (ours) g_setenv(kVariable, "disable", FALSE);
+  g_setenv("GDK_GL", "disable", FALSE);
   gtk_init(argc, argv);
-  if (ours) g_unsetenv(kVariable);
 }
 
 int Run(int argc, char **argv) {

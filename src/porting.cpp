@@ -67,9 +67,9 @@ bool IsCommandSafeName(std::string_view name) {
   });
 }
 
-bool CheckCommandSafeName(std::string_view command, const char *name, CList *errors) {
+bool CheckCommandSafeName(const char *name, CList *errors) {
   if (name != nullptr && IsCommandSafeName(name)) return true;
-  G_Report(errors, "ERR_CMD_FOR_QUEUE", {command, name});
+  G_Report(errors, "ERR_QUEUE_NAME", {name});
   return false;
 }
 
@@ -121,7 +121,7 @@ std::string DeleteQueueCommand(const std::string &name) {
 
 int DeleteQueueSysV(const char *name, CList *errors) {
   const LogScope log("DeleteQueueSysV");
-  if (!CheckCommandSafeName("lpadmin", name, errors)) return 0;
+  if (!CheckCommandSafeName(name, errors)) return 0;
   if (RunCommand(DeleteQueueCommand(name)) == 0) return 1;
   G_Report(errors, "ERR_CMD_FOR_QUEUE", {"lpadmin", name});
   return 0;

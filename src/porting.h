@@ -20,8 +20,8 @@ bool IsControlCharacter(char c);
 // those characters, "?" and control characters.
 bool IsCommandSafeName(std::string_view name);
 
-// IsCommandSafeName; a name that is not is reported to `errors` as the failure of `command`.
-bool CheckCommandSafeName(std::string_view command, const char *name, CList *errors);
+// IsCommandSafeName; a name that is not is reported to `errors` ("ERR_QUEUE_NAME").
+bool CheckCommandSafeName(const char *name, CList *errors);
 
 // The interface script of the queue `name`.
 std::string InterfacePath(const std::string &name);

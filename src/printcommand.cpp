@@ -102,7 +102,7 @@ std::vector<std::string> QueueEntries() {
 
 void PrintFiles(const std::string &queue, CList *errors) {
   const LogScope log("PrintFiles");
-  if (!CheckCommandSafeName("lp", queue.c_str(), errors)) return;
+  if (!CheckCommandSafeName(queue.c_str(), errors)) return;
   const auto *record = HashValue<CPrintQueue>(G_Queues_hash, queue.c_str());
   const std::string copies = CopiesToPrint(fGet_Options_Function(record));
   Log(2, "Write the features_hash in the .def file");

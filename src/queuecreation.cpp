@@ -95,7 +95,7 @@ std::vector<SpoolerCommand> CreateQueueCommands(const std::string &name, const s
 int AddQueueSysV(const char *name, const char *model, CList *errors,
                  const QueueObserver &observer) {
   const LogScope log("AddQueueSysV");
-  if (model == nullptr || !CheckCommandSafeName("lpadmin", name, errors)) return 0;
+  if (model == nullptr || !CheckCommandSafeName(name, errors)) return 0;
   bool exists = false;
   for (const SpoolerCommand &step : CreateQueueCommands(name, model)) {
     if (observer) observer(name, true);

@@ -70,7 +70,7 @@ int KeepQueueList(const std::string &list_path, CList *errors) {
   const std::string kept = KeptQueueListPath(list_path);
   const bool is_needed = access(kept.c_str(), F_OK) == 0 && !ReadWholeQueueList(list_path);
   if (is_needed ? ReadWholeFile(kept).has_value() : WriteKeptCopy(list_path, kept)) return 1;
-  G_Report(errors, "ERR_UNABLE_TO_WRITE_FILE", {kept});
+  G_Report(errors, is_needed ? "ERR_UNABLE_TO_READ_FILE" : "ERR_UNABLE_TO_WRITE_FILE", {kept});
   return 0;
 }
 

@@ -49,7 +49,7 @@ TEST_F(ManyQueues, ARowCanBeClickedWithinASecondOfTheListBeingRead) {
       return app.Stderr().find(line) != std::string::npos;
     });
   };
-  until_logged("END   FillQueuesFromText() function", [] {});
+  until_logged("END   fFillFromPaf_Function_() function", [] {});
   const double seconds = SecondsOf([&] {
     until_logged("BEGIN QueuesCListRowSelection() function",
                  [&] { XInputClick(list.x + 20, list.y + list.height / 2); });

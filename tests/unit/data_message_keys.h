@@ -174,6 +174,7 @@ inline constexpr MessageKey kMessageKeys[] = {
     {"ERR_HELP_NOT_FOUND", "s"},
     {"ERR_MKDIR", "s"},
     {"ERR_NO_FONT", ""},
+    {"ERR_QUEUE_NAME", "s"},
     {"ERR_REMOVE", "s"},
     {"ERR_TRANS_NOT_FOUND", "s"},
     {"ERR_UNABLE_TO_EXEC_FILE", "s"},

@@ -272,7 +272,7 @@ TEST_F(Save, AKeptListThatIsNeededAndCannotBeReadIsNeitherOverwrittenNorDropped)
   errors_ = CreateList();
   Put("lp1");
   EXPECT_EQ(SaveAll(), SaveResult::Ended);
-  EXPECT_EQ(Errors(), std::vector<std::string>{"write <" + kept_ + ">"});
+  EXPECT_EQ(Errors(), std::vector<std::string>{"read <" + kept_ + ">"});
   EXPECT_TRUE(fs::is_directory(kept_));
   EXPECT_EQ(ContentOf(kQueuesFile), "");
   EXPECT_FALSE(SpoolerStandIn::HasQueue("lp1"));
