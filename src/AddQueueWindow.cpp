@@ -68,6 +68,7 @@ void AddPrinterList(Form &form) {
 
 std::vector<std::string> TypeTexts() {
   std::vector<std::string> texts;
+  texts.reserve(G_QueueTypes.size());
   for (const char *type : G_QueueTypes) texts.emplace_back(G_Translate(type));
   return texts;
 }

@@ -55,7 +55,7 @@ void Keep(const OptionWidgets &widgets) {
 
 // The queue's choice or, failing that, the printer's default.
 std::string ChoiceOf(const char *feature) {
-  const std::string chosen = QueueFeatureValue(feature);
+  std::string chosen = QueueFeatureValue(feature);
   if (!chosen.empty()) return chosen;
   const char *usual =
       fGet_CString_Value_Function(G_GetPPDDefaultOptionForFeature(G_PrinterFeatures_hash, feature));

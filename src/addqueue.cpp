@@ -95,7 +95,7 @@ std::string CloneQueue(const char *name) {
   const LogScope log("CloneQueue");
   Owned<CPrintQueue> clone = CloneOf(HashValue<CPrintQueue>(G_Queues_hash, name));
   if (clone == nullptr) return "";
-  const std::string clone_name = BuildCloneName(name);
+  std::string clone_name = BuildCloneName(name);
   fSet_DefFile_Function(clone.get(), CreateStringWithValue((clone_name + ".def").c_str()).get());
   HashPut(G_Queues_hash, clone_name.c_str(), std::move(clone));
   return clone_name;

@@ -97,7 +97,7 @@ std::string CurrentOption(const CHash *features, const char *feature,
   const bool is_known = custom == nullptr || IsOptionOf(features, feature, current) ||
                         HashFind(*custom->entries, current) != nullptr;
   if (is_known || usual == nullptr) return current;
-  const std::string repaired = usual;
+  std::string repaired = usual;
   SetQueueValue(G_QueueFeatures_hash, feature, repaired);
   *custom->is_current = false;
   snapshot.reset();

@@ -57,7 +57,7 @@ std::string G_GetPixmapNameFor(const char *feature, const std::string &option) {
   const std::string base = plain + "_" + option + PunchHoles(feature, option) +
                            PagesASheet(feature) + OrientationLetter(feature);
   const char *ppd = fGet_CString_Value_Function(fGet_PpdFile_Function(G_CurrentQueue.get()));
-  const std::string of_model = base + "_" + GetPPDNo(ppd == nullptr ? "" : ppd) + ".xpm";
+  std::string of_model = base + "_" + GetPPDNo(ppd == nullptr ? "" : ppd) + ".xpm";
   if (IsPicture(of_model)) return of_model;
   if (IsPicture(base + ".xpm")) return base + ".xpm";
   return plain + ".xpm";
