@@ -1,6 +1,7 @@
 #include "canvas.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <new>
 
@@ -13,7 +14,7 @@ constexpr unsigned L_Opaque = 0x80;  // the least alpha of a pixel that counts a
 std::vector<std::uint32_t> Drawn(cairo_surface_t *surface, int width, int height) {
   cairo_surface_flush(surface);
   const unsigned char *data = cairo_image_surface_get_data(surface);
-  const int stride = cairo_image_surface_get_stride(surface);
+  const std::ptrdiff_t stride = cairo_image_surface_get_stride(surface);
   std::vector<std::uint32_t> pixels;
   pixels.reserve(static_cast<size_t>(width) * static_cast<size_t>(height));
   for (int y = 0; y < height; ++y) {
@@ -50,7 +51,9 @@ Image Canvas::Finish() const {
   const int width = cairo_image_surface_get_width(surface_.get());
   const int height = cairo_image_surface_get_height(surface_.get());
   const std::vector<std::uint32_t> drawn = Drawn(surface_.get(), width, height);
-  const auto at = [&](int x, int y) { return drawn[static_cast<size_t>(y * width + x)]; };
+  const auto at = [&](int x, int y) {
+    return drawn[static_cast<size_t>(static_cast<std::ptrdiff_t>(y) * width + x)];
+  };
   const auto is_opaque = [&](int x, int y) {
     return x >= 0 && x < width && y >= 0 && y < height && at(x, y) >> 24 >= L_Opaque;
   };

@@ -1,5 +1,6 @@
 #include "sheet.h"
 
+#include <cstddef>
 #include <cstdint>
 
 namespace {
@@ -19,11 +20,12 @@ Surface SurfaceOf(const Image &image) {
   Surface surface(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, image.width, image.height),
                   cairo_surface_destroy);
   unsigned char *data = cairo_image_surface_get_data(surface.get());
-  const int stride = cairo_image_surface_get_stride(surface.get());
+  const std::ptrdiff_t stride = cairo_image_surface_get_stride(surface.get());
   for (int y = 0; y < image.height; ++y) {
     auto *row = reinterpret_cast<std::uint32_t *>(data + y * stride);
     for (int x = 0; x < image.width; ++x) {
-      const unsigned pixel = image.pixels[static_cast<size_t>(y * image.width + x)];
+      const auto place = static_cast<std::ptrdiff_t>(y) * image.width + x;
+      const unsigned pixel = image.pixels[static_cast<size_t>(place)];
       row[x] = pixel == kTransparent ? 0 : 0xFF000000u | pixel;
     }
   }
