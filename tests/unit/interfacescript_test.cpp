@@ -286,7 +286,7 @@ TEST_F(InterfaceScript, AFailedOwnerCommandReportsTheTemporaryFileThatIsGoneAlre
 TEST_F(InterfaceScript, ANameThatTheShellWouldReadIsRefusedBeforeAnythingIsTouched) {
   spooler_.AddQueue("a;b", "NETWORK_ADDRESS=old\n");
   EXPECT_EQ(Change("a;b", "new.host"), 0);
-  EXPECT_EQ(Errors(), Strings{"command </bin/chmod> <a;b>"});
+  EXPECT_EQ(Errors(), Strings{"name <a;b>"});
   EXPECT_EQ(spooler_.Script("a;b"), "NETWORK_ADDRESS=old\n");
 }
 

@@ -256,7 +256,7 @@ TEST_F(QueueCreation, ANameThatTheShellWouldReadNeverBecomesACommand) {
   const size_t commands = CommandRecords().size();
   Put({.name = "a; touch x"});
   EXPECT_EQ(Add(), 0);
-  EXPECT_EQ(Errors(), Strings{"command <lpadmin> <a; touch x>"});
+  EXPECT_EQ(Errors(), Strings{"name <a; touch x>"});
   EXPECT_EQ(Keys(G_Queues_hash), Strings{});
   EXPECT_EQ(CommandRecords().size(), commands);
 }
