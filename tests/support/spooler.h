@@ -57,7 +57,7 @@ inline CommandResult RunProgram(const std::vector<std::string> &arguments,
 class SchedulerLog {
  public:
   SchedulerLog() : watch_(inotify_init1(IN_CLOEXEC | IN_NONBLOCK)), start_(Whole().size()) {
-    inotify_add_watch(watch_, kPath, IN_MODIFY);
+    inotify_add_watch(watch_, kDirectory, IN_MODIFY | IN_CREATE);
   }
   ~SchedulerLog() { close(watch_); }
   SchedulerLog(const SchedulerLog &) = delete;
@@ -87,9 +87,13 @@ class SchedulerLog {
   }
 
  private:
-  static constexpr char kPath[] = "/var/log/cups/error_log";
+  static constexpr char kDirectory[] = "/var/log/cups";
 
-  static std::string Whole() { return ContentOf(kPath); }
+  // A scheduler that starts puts a log of more than 1 MiB aside before it has read its settings.
+  static std::string Whole() {
+    const std::string path = std::string(kDirectory) + "/error_log";
+    return ContentOf(path + ".O") + ContentOf(path);
+  }
 
   int watch_;
   size_t start_;
