@@ -4,8 +4,10 @@
 
 #include <csignal>
 #include <cstring>
+#include <string_view>
 
 #include "joblanguage.h"
+#include "jobresult.h"
 #include "jobsettings.h"
 #include "jobsource.h"
 #include "pcljob.h"
@@ -42,11 +44,34 @@ std::string Describe(const char *end, int error) {
   return std::string(end) + ": " + std::strerror(error);
 }
 
+using FilterFunction = JobResult (*)(const JobSettings &, const JobIdentity &, JobSource *,
+                                     JobSink *);
+
+struct JobType {
+  std::string_view name;
+  FilterFunction filter;
+};
+
+constexpr JobType kJobTypes[] = {
+    {"postscript", FilterPostScript}, {"text", FilterText}, {"pcl6", FilterPcl}};
+
+// The filter of a job type; null for an unknown one.
+FilterFunction FilterOf(std::string_view type) {
+  for (const JobType &known : kJobTypes) {
+    if (type == known.name) return known.filter;
+  }
+  return nullptr;
+}
+
 }  // namespace
 
 std::string FilterJob(const FilterArguments &arguments) {
   // A reader of our output that goes away is an error to report, not an end without a word.
   std::signal(SIGPIPE, SIG_IGN);
+  const FilterFunction filter = FilterOf(arguments.type);
+  if (filter == nullptr) {
+    return "\"" + arguments.type + "\" is not a job type (postscript, text, pcl6)";
+  }
   PpdModel model;
   if (!arguments.ppd_file.empty()) {
     PpdError error;
@@ -55,25 +80,17 @@ std::string FilterJob(const FilterArguments &arguments) {
     model = std::move(*read);
   }
   JobSettings settings(model);
-  std::string problem = ApplyLayers(arguments, &settings);
+  const std::string problem = ApplyLayers(arguments, &settings);
   if (!problem.empty()) return problem;
 
   const JobIdentity identity{DecodeLine(arguments.title), DecodeLine(arguments.event),
                              DecodeLine(arguments.user)};
   JobSource source = DescriptorSource(STDIN_FILENO);
   JobSink sink = DescriptorSink(STDOUT_FILENO);
-  std::string warning;
-  if (arguments.type == "postscript") {
-    warning = FilterPostScript(settings, identity, &source, &sink);
-  } else if (arguments.type == "text") {
-    problem = FilterText(settings, identity, &source, &sink);
-  } else if (arguments.type == "pcl6") {
-    warning = FilterPcl(settings, identity, &source, &sink);
-  } else {
-    return "\"" + arguments.type + "\" is no job type (postscript, text, pcl6)";
-  }
-  if (!warning.empty()) Warn(warning);
+  const JobResult result = filter(settings, identity, &source, &sink);
+  for (const std::string &warning : result.warnings) Warn(warning);
+  if (result.Failed()) return result.failure;
   if (source.Error() != 0) return Describe("standard input", source.Error());
   if (sink.Error() != 0) return Describe("standard output", sink.Error());
-  return problem;
+  return {};
 }

@@ -14,14 +14,16 @@ std::string_view LanguageOf(std::string_view data) {
 
 }  // namespace
 
-std::string FilterPcl(const JobSettings &settings, const JobIdentity &identity, JobSource *source,
-                      JobSink *sink) {
+JobResult FilterPcl(const JobSettings &settings, const JobIdentity &identity, JobSource *source,
+                    JobSink *sink) {
+  JobResult result;
   if (!settings.Model().pjl) {
     source->CopyRest(sink);
     sink->Flush();
-    return settings.Copies() == 1
-               ? ""
-               : "one copy only: the printer description gives no way to ask for more";
+    if (settings.Copies() > 1) {
+      result.Warn("one copy only: the printer description gives no way to ask for more");
+    }
+    return result;
   }
   if (EntersPostScript(PeekJobControl(source))) {
     return FilterPostScript(settings, identity, source, sink);
@@ -35,5 +37,5 @@ std::string FilterPcl(const JobSettings &settings, const JobIdentity &identity, 
     sink->Write(JobControlTrailer(settings.Model()));
   }
   sink->Flush();
-  return {};
+  return result;
 }

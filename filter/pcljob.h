@@ -4,12 +4,13 @@
 #include <string>
 
 #include "joblanguage.h"
+#include "jobresult.h"
 #include "jobsettings.h"
 #include "jobsource.h"
 
 // Copies the job's data unchanged. For a printer that knows PJL the job control is put around it
 // (the job's own merged in), and a job whose control enters PostScript is filtered as such; for
-// another one nothing is added. Failures show in `source` and `sink`. Returns an empty text, or a
-// warning: what of the settings does not reach the printer.
-std::string FilterPcl(const JobSettings &settings, const JobIdentity &identity, JobSource *source,
-                      JobSink *sink);
+// another one nothing is added. What goes wrong with reading and writing shows in `source` and
+// `sink`.
+JobResult FilterPcl(const JobSettings &settings, const JobIdentity &identity, JobSource *source,
+                    JobSink *sink);

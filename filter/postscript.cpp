@@ -437,8 +437,8 @@ DocumentCode CodeOfDocument(const JobSettings &settings) {
   return code;
 }
 
-std::string FilterPostScript(const JobSettings &settings, const JobIdentity &identity,
-                             JobSource *source, JobSink *sink) {
+JobResult FilterPostScript(const JobSettings &settings, const JobIdentity &identity,
+                           JobSource *source, JobSink *sink) {
   const DocumentCode code = CodeOfDocument(settings);
   bool in_place = true;
   // More than one turn for a job that holds several documents with job control between them.
@@ -457,6 +457,9 @@ std::string FilterPostScript(const JobSettings &settings, const JobIdentity &ide
     sink->Write(JobControlTrailer(settings.Model()));
   }
   sink->Flush();
-  return in_place ? ""
-                  : "the job's prolog is not marked as ended: options and copies may not count";
+  JobResult result;
+  if (!in_place) {
+    result.Warn("the job's prolog is not marked as ended: options and copies may not count");
+  }
+  return result;
 }

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "joblanguage.h"
+#include "jobresult.h"
 #include "jobsettings.h"
 #include "jobsource.h"
 
@@ -18,7 +19,7 @@ DocumentCode CodeOfDocument(const JobSettings &settings);
 
 // Copies the job with its code. Job control that the job brings is merged into that of the printer,
 // or left out where the printer knows none; a job whose control enters another language than
-// PostScript goes through as it is. Takes any bytes. Failures show in `source` and `sink`. Returns
-// an empty text, or a warning: why the settings may not reach the printer.
-std::string FilterPostScript(const JobSettings &settings, const JobIdentity &identity,
-                             JobSource *source, JobSink *sink);
+// PostScript goes through as it is. Takes any bytes. What goes wrong with reading and writing shows
+// in `source` and `sink`.
+JobResult FilterPostScript(const JobSettings &settings, const JobIdentity &identity,
+                           JobSource *source, JobSink *sink);

@@ -304,8 +304,8 @@ int FilterBooklet(const TextJob &job) {
 
 }  // namespace
 
-std::string FilterText(const JobSettings &settings, const JobIdentity &identity, JobSource *source,
-                       JobSink *sink) {
+JobResult FilterText(const JobSettings &settings, const JobIdentity &identity, JobSource *source,
+                     JobSink *sink) {
   constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
   int error = 0;
   if (source->Peek(kByteOrderMark.size()) == kByteOrderMark) source->Skip(kByteOrderMark.size());
@@ -317,5 +317,6 @@ std::string FilterText(const JobSettings &settings, const JobIdentity &identity,
     }
   }
   sink->Flush();
-  return error == 0 ? "" : std::string("temporary file: ") + std::strerror(error);
+  if (error != 0) return Failure(std::string("temporary file: ") + std::strerror(error));
+  return {};
 }

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "joblanguage.h"
+#include "jobresult.h"
 #include "jobsettings.h"
 #include "jobsource.h"
 
@@ -15,7 +16,7 @@
 // and "*FontSize". A line has as many characters as Courier would have there; one that another font
 // makes wider is squeezed. "*Nup" and "*NupOrder" put several pages on a side of the paper; with
 // "*Booklet" the pages come two a side in the order of a booklet, once the whole job is read. An
-// empty job gives nothing. Failures show in `source` and `sink`; one of the file that keeps a
-// booklet's pages is returned as text, else an empty text.
-std::string FilterText(const JobSettings &settings, const JobIdentity &identity, JobSource *source,
-                       JobSink *sink);
+// empty job gives nothing. Fails when the file that keeps a booklet's pages does; what goes wrong
+// with reading and writing shows in `source` and `sink`.
+JobResult FilterText(const JobSettings &settings, const JobIdentity &identity, JobSource *source,
+                     JobSink *sink);

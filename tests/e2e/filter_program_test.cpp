@@ -178,7 +178,7 @@ TEST_F(Filtering, AnUnknownTypeIsAnError) {
   call_.type = "raw";
   const FilterRun run = Filter(call_, "x");
   EXPECT_EQ(run.status, 1);
-  EXPECT_EQ(run.errors, "kpxfilter: \"raw\" is no job type (postscript, text, pcl6)\n");
+  EXPECT_EQ(run.errors, "kpxfilter: \"raw\" is not a job type (postscript, text, pcl6)\n");
 }
 
 TEST_F(Filtering, AReaderThatGoesAwayIsAnError) {

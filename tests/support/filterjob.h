@@ -3,10 +3,12 @@
 
 #include <algorithm>
 #include <cstring>
+#include <stdexcept>
 #include <string>
 #include <utility>
 
 #include "joblanguage.h"
+#include "jobresult.h"
 #include "jobsettings.h"
 #include "jobsource.h"
 #include "ppdadaptor.h"
@@ -21,18 +23,43 @@ inline JobSource TextSource(const std::string &text, size_t step = 65536) {
   });
 }
 
-// Runs a filter function over `text`; gives what it writes.
+// What a filter function makes of `text`.
+struct FilteredJob {
+  std::string output;
+  JobResult result;
+};
+
 template <typename Function>
-std::string RunOver(Function function, const JobSettings &settings, const std::string &text,
-                    size_t step = 65536, const JobIdentity &identity = {"Title", "Event", "anna"}) {
+FilteredJob ResultOver(Function function, const JobSettings &settings, const std::string &text,
+                       size_t step = 65536,
+                       const JobIdentity &identity = {"Title", "Event", "anna"}) {
   std::string output;
   JobSource source = TextSource(text, step);
   JobSink sink([&output](std::string_view bytes) {
     output += bytes;
     return true;
   });
-  function(settings, identity, &source, &sink);
-  return output;
+  JobResult result = function(settings, identity, &source, &sink);
+  return {std::move(output), std::move(result)};
+}
+
+// What a filter function writes; throws when it fails.
+template <typename Function>
+std::string RunOver(Function function, const JobSettings &settings, const std::string &text,
+                    size_t step = 65536) {
+  FilteredJob job = ResultOver(function, settings, text, step);
+  if (job.result.Failed()) throw std::runtime_error(job.result.failure);
+  return std::move(job.output);
+}
+
+// The warnings of a filter function, each with a line feed; throws when it fails.
+template <typename Function>
+std::string WarningsOver(Function function, const JobSettings &settings, const std::string &text) {
+  const JobResult result = ResultOver(function, settings, text).result;
+  if (result.Failed()) throw std::runtime_error(result.failure);
+  std::string warnings;
+  for (const std::string &warning : result.warnings) warnings += warning + "\n";
+  return warnings;
 }
 
 inline PpdModel TestPpd(const std::string &name) {

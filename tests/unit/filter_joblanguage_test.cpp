@@ -165,15 +165,10 @@ TEST_F(JobControlText, APostScriptJobOfAPclQueueGetsTheCodeOfOne) {
 TEST(PclJob, OneCopyOnlyIsAWarningWhereThePrinterKnowsNoPjl) {
   const PpdModel plain;
   JobSettings settings(plain);
-  const auto warning = [&settings] {
-    const std::string job = "data";
-    JobSource source = TextSource(job);
-    JobSink sink([](std::string_view) { return true; });
-    return FilterPcl(settings, {}, &source, &sink);
-  };
+  const auto warning = [&settings] { return WarningsOver(FilterPcl, settings, "data"); };
   EXPECT_EQ(warning(), "");
   settings.Apply({{"*NrCopies", "2"}});
-  EXPECT_EQ(warning(), "one copy only: the printer description gives no way to ask for more");
+  EXPECT_EQ(warning(), "one copy only: the printer description gives no way to ask for more\n");
 }
 
 TEST(PclJob, GoesUnchangedToAPrinterWithoutPjl) {

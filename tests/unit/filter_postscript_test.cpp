@@ -158,9 +158,7 @@ TEST_F(PostScriptJob, AMarkRightBehindTheFirstLineEndsTheProlog) {
 
 // What the job's filtering has to say.
 std::string WarningOf(const JobSettings &settings, const std::string &job) {
-  JobSource source = TextSource(job);
-  JobSink sink([](std::string_view) { return true; });
-  return FilterPostScript(settings, {}, &source, &sink);
+  return WarningsOver(FilterPostScript, settings, job);
 }
 
 TEST_F(PostScriptJob, APrologOrBlockThatNeverEndsGetsTheCodeBeforeIt) {
@@ -200,7 +198,7 @@ TEST_F(PostScriptJob, ALongOneWhoseEndNeverComesIsAWarning) {
   for (const std::string begin : {"%%BeginProlog\n", "%%BeginProcSet: x\n"}) {
     const std::string start = "%!PS-Adobe-3.0\n%%EndComments\n" + begin + lines;
     EXPECT_EQ(WarningOf(settings_, start + "showpage\n%%EOF\n"),
-              "the job's prolog is not marked as ended: options and copies may not count");
+              "the job's prolog is not marked as ended: options and copies may not count\n");
     EXPECT_EQ(WarningOf(settings_, start + "%%EndProlog\n%%Page: 1 1\nshowpage\n%%EOF\n"), "");
     const PpdModel plain;
     EXPECT_EQ(WarningOf(JobSettings(plain), start + "showpage\n%%EOF\n"), "");

@@ -1,5 +1,6 @@
 // Text jobs as PostScript pages.
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include "booklet.h"
 #include "filterjob.h"
@@ -299,6 +300,19 @@ TEST_F(TextJob, ABookletKeepsPagesOfAnyLength) {
   std::string line;
   for (int i = 0; i < 20000; ++i) line += "é";
   EXPECT_EQ(CountOf(Pages(line), "/eacute"), 20000u);
+}
+
+TEST_F(TextJob, ABookletWhosePagesCannotBeKeptFailsAndGivesNothing) {
+  settings_.Apply({{"*Booklet", "1"}});
+  rlimit before{};
+  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
+  const rlimit none{0, before.rlim_max};
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+  const FilteredJob job = ResultOver(FilterText, settings_, "a");
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
+  EXPECT_EQ(job.result.failure, "temporary file: Too many open files");
+  EXPECT_TRUE(job.result.warnings.empty());
+  EXPECT_EQ(job.output, "");
 }
 
 TEST_F(TextJob, OfBookletAndPagesASheetTheLaterCounts) {
