@@ -9,12 +9,9 @@
 #include "constraintmessages.h"
 #include "debug.h"
 #include "optionstate.h"
+#include "printermodels.h"
 
 namespace {
-
-// The printer models whose resolution Defaults sets.
-constexpr int L_FirstModelWithResolutions = 3;
-constexpr int L_LastModelWithResolutions = 6;
 
 // Fills one list.
 class ListBuilder {
@@ -129,12 +126,12 @@ const std::vector<ListedFeature> &ListedFeatures() {
 }
 
 bool IsListFilled(const char *feature) {
-  return std::strcmp(feature, "*Resolution") != 0 || (G_PrinterModel != 1 && G_PrinterModel != 2);
+  return std::strcmp(feature, "*Resolution") != 0 ||
+         PrinterModelOfNumber(G_PrinterModel).lists_resolutions;
 }
 
 bool HaveDefaultsResolution() {
-  return G_PrinterModel >= L_FirstModelWithResolutions &&
-         G_PrinterModel <= L_LastModelWithResolutions;
+  return PrinterModelOfNumber(G_PrinterModel).defaults_set_resolution;
 }
 
 void RepairCustomChoices() {

@@ -8,6 +8,7 @@
 #include "debug.h"
 #include "optionstate.h"
 #include "paths.h"
+#include "printermodels.h"
 
 namespace {
 
@@ -21,9 +22,8 @@ bool IsOneOf(std::string_view feature, const std::array<std::string_view, N> &fe
   return false;
 }
 
-// Models 1 and 2 have pictures of each kind of punch unit.
 std::string PunchHoles(std::string_view feature, std::string_view option) {
-  if (G_PrinterModel != 1 && G_PrinterModel != 2) return "";
+  if (!PrinterModelOfNumber(G_PrinterModel).has_punch_unit_pictures) return "";
   if (feature != "*Punch" || option == "None") return "";
   const char *unit = HashText(G_QueueInstallableOptions_hash, "*OptionPunch");
   const std::string_view installed = unit == nullptr ? "" : unit;

@@ -1,4 +1,4 @@
-// The printer models that the spooler has an interface for.
+// The printer models that the spooler has an interface for; printermodels.inc holds their rows.
 #pragma once
 
 #include <string_view>
@@ -9,7 +9,13 @@ struct PrinterModel {
   const char *ppd_file;             // bare file name; null when unknown
   const char *transport_parameter;  // third argument of the transport program; null when unknown
   int number;                       // by which windows and pictures tell it, from 1; 0 when unknown
+  bool lists_resolutions;           // false: the list of resolutions is never filled anew
+  bool defaults_set_resolution;     // whether Defaults of the Options tab resets the resolution
+  bool has_punch_unit_pictures;     // whether a punching has a picture for each kind of unit
 };
 
 // The first row that fits, or the row of all other printers.
 const PrinterModel &FindPrinterModel(std::string_view printer_name);
+
+// The row of this number, or the row of all other printers.
+const PrinterModel &PrinterModelOfNumber(int number);
