@@ -1,5 +1,7 @@
 #include "deffile.h"
 
+#include <cerrno>
+
 #include "ccmtparams.h"
 #include "ccpsparams.h"
 #include "cmessages.h"
@@ -47,17 +49,12 @@ void AppendCustomSizes(std::string &text, const CPrintQueue *queue) {
   }
 }
 
-// The calling user's file for the queue; nothing when the user has no name.
-std::optional<std::string> CallersDefFilePath(const char *def_file) {
-  std::string name;
-  if (BuildUserDefFileName(nullptr, def_file, &name) == 0) return std::nullopt;
-  return UserDefFilePath(name);
-}
-
 bool WriteOwnFile(const std::string &path, const std::string &text, const FileAccess &access,
                   CList *errors) {
   if (ReplaceFile(path, text, access)) return true;
+  const int error = errno;
   G_Report(errors, "ERR_UNABLE_TO_WRITE_FILE", {path});
+  errno = error;
   return false;
 }
 
@@ -92,6 +89,12 @@ std::string QueueDefFilePath(const std::string &def_file) {
 
 std::string UserDefFilePath(const std::string &user_def_file) {
   return std::string(kUsersDir) + "/" + user_def_file;
+}
+
+std::optional<std::string> CallersDefFilePath(const char *def_file) {
+  std::string name;
+  if (BuildUserDefFileName(nullptr, def_file, &name) == 0) return std::nullopt;
+  return UserDefFilePath(name);
 }
 
 int fWriteDefFile_Function(const CPrintQueue *queue, int which, CList *errors) {

@@ -1,6 +1,7 @@
 // The option files: "key=value" lines, one file a queue and one a queue and user.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -20,3 +21,6 @@ void OverlayDefFile(std::string_view text, CHash *options);
 // The queue's own option file (bare name) and the user's ("<user>:<queue>.def").
 std::string QueueDefFilePath(const std::string &def_file);
 std::string UserDefFilePath(const std::string &user_def_file);
+
+// The calling user's file for a queue; nothing when `def_file` is null or the user has no name.
+std::optional<std::string> CallersDefFilePath(const char *def_file);

@@ -9,10 +9,10 @@
 #include "globals.h"
 #include "paths.h"
 #include "porting.h"
+#include "printsettings.h"
 
 namespace {
 
-constexpr char L_CopiesKey[] = "*NrCopies";
 constexpr char L_DefaultCopies[] = "1";
 constexpr size_t L_CommandStep = 10240;
 
@@ -20,7 +20,7 @@ constexpr size_t L_CommandStep = 10240;
 // is removed after printing, so the spooler has to copy it.
 std::string CommandStart(const std::string &queue, const std::string &copies, bool copy_files) {
   const std::string program = std::string(kLp) + (copy_files ? " -c -d" : " -d");
-  return FormatMessage("%s %s %s \"%s=%s,", {program, queue, "-o", L_CopiesKey, copies});
+  return FormatMessage("%s %s %s \"%s=%s,", {program, queue, "-o", kCopiesKey, copies});
 }
 
 void CloseQuotes(std::string &command) {
@@ -65,13 +65,13 @@ std::string PrintCommandText(const std::string &queue, const std::string &copies
 std::string DisplayedCommandText(const std::string &queue, const CHash *options, bool copy_files,
                                  const CList *files) {
   const LogScope log("DisplayedCommandText");
-  const char *copies = HashText(options, L_CopiesKey);
+  const char *copies = HashText(options, kCopiesKey);
   std::string command =
       CommandStart(queue, copies == nullptr ? L_DefaultCopies : copies, copy_files);
   // Kept on purpose: the comma after the copies stays before further pairs, which the command that
   // is run does not carry.
   for (const auto [key, value] : Pairs<CString>(options)) {
-    if (std::string_view(key) == L_CopiesKey) continue;
+    if (std::string_view(key) == kCopiesKey) continue;
     command += FormatMessage(" %s=%s", {key, fGet_CString_Value_Function(value)});
   }
   CloseQuotes(command);
@@ -81,10 +81,10 @@ std::string DisplayedCommandText(const std::string &queue, const CHash *options,
 
 std::string CopiesToPrint(CHash *options) {
   const LogScope log("CopiesToPrint");
-  const char *copies = HashText(options, L_CopiesKey);
+  const char *copies = HashText(options, kCopiesKey);
   if (copies != nullptr) return copies;
   Log(2, "The NRCOPIES feature was not founded in the features_hash. Put it with default 1");
-  HashPutText(options, L_CopiesKey, L_DefaultCopies);
+  HashPutText(options, kCopiesKey, L_DefaultCopies);
   return L_DefaultCopies;
 }
 
@@ -106,7 +106,7 @@ void PrintFiles(const std::string &queue, CList *errors) {
   const auto *record = HashValue<CPrintQueue>(G_Queues_hash, queue.c_str());
   const std::string copies = CopiesToPrint(fGet_Options_Function(record));
   Log(2, "Write the features_hash in the .def file");
-  fWriteDefFile_Function(record, 0);
+  if (!StoreSettings(queue, record, errors)) return;
   const std::string command =
       PrintCommandText(queue, copies, IsStdinDataToPrint() == 1, G_FilesList.get());
   Log(2, "The entire lpr_cmd is:");

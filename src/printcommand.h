@@ -7,6 +7,9 @@
 
 #include "chash.h"
 
+// The option that the command carries itself.
+inline constexpr char kCopiesKey[] = "*NrCopies";
+
 // The combo entry of a queue, "<name>    [ <printer> ]    <language>"; null texts count as empty.
 std::string QueueEntry(const char *name, const char *printer_name, const char *language);
 
@@ -29,8 +32,9 @@ std::string DisplayedCommandText(const std::string &queue, const CHash *options,
 // The number of copies among a queue's options; when it is missing, "1" is added to them.
 std::string CopiesToPrint(CHash *options);
 
-// Stores the options of the queue for its user, then prints the files of G_FilesList. A failed
-// command is reported on standard error and in `errors`.
+// Stores the options of the queue for its user, then prints the files of G_FilesList. Settings that
+// the job would miss (StoreSettings) and a failed command are reported on standard error and in
+// `errors`.
 void PrintFiles(const std::string &queue, CList *errors);
 
 // The command for the queue and the files of G_FilesList, to be shown. Changes and runs nothing.

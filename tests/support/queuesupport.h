@@ -19,6 +19,10 @@ inline constexpr char kQueueMessages[] =
     "#ERR_CMD_FOR_QUEUE\ncommand <%s> <%s>\n"
     "#ERR_QUEUE_NAME\nname <%s>\n"
     "#ERR_REMOVE\nremove <%s>\n"
+    "#ERR_SETTINGS_LOST\nlost <%s> <%s>\n"
+    "#ERR_SETTINGS_FOREIGN\nforeign <%s> <%s>\n"
+    "#ERR_SETTINGS_IN_THE_WAY\nin the way <%s>\n"
+    "#ERR_SETTINGS_REASON\nreason <%s>\n"
     "#WARN_QUEUE_SCRIPT_CHANGED\nchanged <%s>\n";
 
 inline Owned<CString> Text(const std::string &text) { return CreateStringWithValue(text.c_str()); }

@@ -6,8 +6,12 @@ kpx_add_test(NAME startup LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
   SOURCES e2e/startup_test.cpp)
 kpx_add_test(NAME print_tool LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full TIMEOUT 600
   SOURCES e2e/print_tool_test.cpp support/printerjobs.cpp)
-target_compile_definitions(test_print_tool PRIVATE KPX_MAKEQUEUES="$<TARGET_FILE:makequeues>")
-add_dependencies(test_print_tool makequeues)
+kpx_add_test(NAME print_settings LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full TIMEOUT 600
+  SOURCES e2e/print_settings_test.cpp support/printerjobs.cpp)
+foreach(test IN ITEMS test_print_tool test_print_settings)
+  target_compile_definitions(${test} PRIVATE KPX_MAKEQUEUES="$<TARGET_FILE:makequeues>")
+  add_dependencies(${test} makequeues)
+endforeach()
 
 # What ./demo runs, and all that it needs.
 add_executable(demo_driver support/demo_driver.cpp support/printerjobs.cpp
