@@ -1,10 +1,12 @@
 #include "cprintqueues.h"
 
 #include <cerrno>
+#include <set>
 #include <vector>
 
 #include "cmessages.h"
 #include "debug.h"
+#include "deffile.h"
 #include "paths.h"
 #include "queuelistreader.h"
 #include "queuelistwriter.h"
@@ -46,6 +48,24 @@ const CHash *ExistingQueues(const CPrintQueues *collection) {
 void StartEmpty(CPrintQueues *collection) {
   if (collection->queues != nullptr) L_DroppedQueues.push_back(std::move(collection->queues));
   collection->queues = CreateHash();
+}
+
+// Removes the option files in the data directory that belong to none of `queues`. One that cannot
+// be removed is in nobody's way, and goes at the next time.
+void RemoveOtherDefFiles(const CHash *queues) {
+  std::set<std::string> kept;
+  for (const auto [name, queue] : Pairs<CPrintQueue>(queues)) {
+    const char *def_file = fGet_CString_Value_Function(fGet_DefFile_Function(queue));
+    if (def_file != nullptr) kept.insert(def_file);
+  }
+  const Owned<CList> files = GetFilesFromDir(kDataDir);
+  const Owned<CList> stale = CreateList();
+  for (const CString *file : Elements<CString>(files.get())) {
+    const std::string_view name = file->value.View();
+    if (!name.ends_with(".def") || kept.contains(std::string(name))) continue;
+    fAddTail_CList_Function(stale.get(), CloneOf(file));
+  }
+  DeleteFilesFromDir(kDataDir, stale.get(), nullptr);
 }
 
 // What happens when the list cannot be read. The administrator gets a new one, but only when there
@@ -103,12 +123,9 @@ int fWriteToPaf_Function(const CPrintQueues *collection, CList *errors) {
 int fWriteAllToDef_Function(const CPrintQueues *collection, CList *errors) {
   const LogScope log("fWriteAllToDef_Function");
   const CHash *queues = ExistingQueues(collection);
-  DeleteFilesEndingIn(kDataDir, ".def");
-  int result = 1;
-  for (const auto [name, queue] : Pairs<CPrintQueue>(queues)) {
-    if (fWriteDefFile_Function(queue, 1, errors) == 0) result = 0;
-  }
-  return result;
+  const bool complete = WriteQueueDefFiles(queues, errors);
+  RemoveOtherDefFiles(queues);
+  return complete ? 1 : 0;
 }
 
 int fFillFromPaf_Function_(CPrintQueues *collection, int create) {

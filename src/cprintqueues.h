@@ -42,9 +42,9 @@ Owned<CPrintQueues> fClone_CPrintQueues_Function(const CPrintQueues *collection)
 // whole or there is no dictionary to write.
 int fWriteToPaf_Function(const CPrintQueues *collection, CList *errors = nullptr);
 
-// Removes every option file from the data directory and writes that of each queue: 1; 0, reported
-// to `errors` (may be null), when one could not be written. A collection without a dictionary ends
-// the process with status 5.
+// Writes the option file of each queue, durably, and then removes all others from the data
+// directory: no queue is ever without its file. 1; 0, reported to `errors` (may be null), when one
+// could not be written. A collection without a dictionary ends the process with status 5.
 int fWriteAllToDef_Function(const CPrintQueues *collection, CList *errors = nullptr);
 
 // Reads the list file into a new dictionary: 1; 0 and an empty dictionary when it cannot be read

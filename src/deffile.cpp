@@ -49,13 +49,17 @@ void AppendCustomSizes(std::string &text, const CPrintQueue *queue) {
   }
 }
 
-bool WriteOwnFile(const std::string &path, const std::string &text, const FileAccess &access,
-                  CList *errors) {
-  if (ReplaceFile(path, text, access)) return true;
+// `written`; a failure is reported, and errno stays.
+bool TellUnlessWritten(bool written, const std::string &path, CList *errors) {
+  if (written) return true;
   const int error = errno;
   G_Report(errors, "ERR_UNABLE_TO_WRITE_FILE", {path});
   errno = error;
   return false;
+}
+
+FileContent QueueDefFile(const CPrintQueue *queue, const char *def_file) {
+  return {QueueDefFilePath(def_file), QueueDefFileText(queue), L_QueueFileAccess};
 }
 
 void PutOption(CHash *options, const KeyValue &setting) {
@@ -83,6 +87,28 @@ void OverlayDefFile(std::string_view text, CHash *options) {
   for (const KeyValue &setting : KeyValuesOf(text)) PutOption(options, setting);
 }
 
+bool WriteQueueDefFiles(const CHash *queues, CList *errors, bool quiet) {
+  bool complete = true;
+  const auto fail = [&](const char *key, const char *argument) {
+    complete = false;
+    if (!quiet) G_Report(errors, key, {argument});
+  };
+  std::vector<FileContent> files;
+  for (const auto [name, queue] : Pairs<CPrintQueue>(queues)) {
+    const LogScope log("fWriteDefFile_Function");
+    const char *def_file = fGet_CString_Value_Function(fGet_DefFile_Function(queue));
+    if (def_file == nullptr) {
+      fail("ERR_UNEXPECTED2", "CPrintQueue");
+    } else {
+      files.push_back(QueueDefFile(queue, def_file));
+    }
+  }
+  for (const std::string &path : ReplaceFilesDurably(files)) {
+    fail("ERR_UNABLE_TO_WRITE_FILE", path.c_str());
+  }
+  return complete;
+}
+
 std::string QueueDefFilePath(const std::string &def_file) {
   return std::string(kDataDir) + "/" + def_file;
 }
@@ -105,11 +131,14 @@ int fWriteDefFile_Function(const CPrintQueue *queue, int which, CList *errors) {
     return 0;
   }
   if (which == 1) {
-    return WriteOwnFile(QueueDefFilePath(def_file), QueueDefFileText(queue), L_QueueFileAccess,
-                        errors);
+    const FileContent file = QueueDefFile(queue, def_file);
+    const bool written = ReplaceFileDurably(file.path, file.text, file.access);
+    return TellUnlessWritten(written, file.path, errors) ? 1 : 0;
   }
   const std::optional<std::string> path = CallersDefFilePath(def_file);
-  return path && WriteOwnFile(*path, UserDefFileText(queue), L_UserFileAccess, errors) ? 1 : 0;
+  if (!path) return 0;
+  const bool written = ReplaceFile(*path, UserDefFileText(queue), L_UserFileAccess);
+  return TellUnlessWritten(written, *path, errors) ? 1 : 0;
 }
 
 int fFillFromDefFile_Function(CPrintQueue *queue) {

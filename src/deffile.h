@@ -13,6 +13,11 @@ std::string UserDefFileText(const CPrintQueue *queue);
 // The lines of the queue's own file: options, installable features, custom papers, custom medias.
 std::string QueueDefFileText(const CPrintQueue *queue);
 
+// Writes the own option file of every queue of `queues`, durably, each in one step over the old
+// one: true; false, reported to `errors` (may be null) unless it is `quiet`, when one could not be
+// written or a record has no DefFile.
+bool WriteQueueDefFiles(const CHash *queues, CList *errors, bool quiet = false);
+
 // Puts every "key=value" line of `text` into `options`. Comments ("##"), empty lines and lines
 // without key or "=" are skipped; a value ends at a second "=". "*Booklet" and "*Nup" put each
 // other out.

@@ -1,6 +1,6 @@
 #include "interfacescript.h"
 
-#include <unistd.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -45,10 +45,16 @@ std::string FilterLines(const InterfaceBlock &block) {
          "    --deffile " + block.def_path + " <\"$1\"\n";
 }
 
-// Renames the rewritten script over the old one and gives it back to the spooler.
-bool InstallScript(const std::string &temporary, const std::string &path) {
-  return std::rename(temporary.c_str(), path.c_str()) == 0 &&
-         RunCommand(ScriptOwnerCommand(path)) == 0;
+// Beside the script, so that it can take the script's place in one step.
+std::string TemporaryScript(const std::string &path) { return path + kTemporaryScriptSuffix; }
+
+// The new address is written; what is left is to have it take the old one's place: 1 or 0.
+int InstallScript(const char *name, const std::string &temporary, const std::string &path,
+                  CList *errors) {
+  const bool renamed = RenameDurably(temporary, path);
+  if (renamed && RunCommand(ScriptOwnerCommand(path)) == 0) return 1;
+  if (!renamed) G_Report(errors, "ERR_ADDRESS_NOT_CHANGED", {name});
+  return 0;
 }
 
 }  // namespace
@@ -79,7 +85,7 @@ int WriteToInterfaceFile(const char *script_path, const char *queue_type, const 
   }
   const std::string text =
       InterfaceBlockText({queue_type, ppd_path, def_path, address, transport_parameter});
-  if (AppendToFile(script_path, text)) return 1;
+  if (AppendDurably(script_path, text, TemporaryScript(script_path))) return 1;
   G_Report(errors, "ERR_UNABLE_TO_WRITE_FILE", {script_path});
   return 0;
 }
@@ -99,6 +105,16 @@ std::optional<std::string> WithNetworkAddress(std::string_view script, std::stri
     script.remove_prefix(length);
   }
   return found ? std::optional(std::move(result)) : std::nullopt;
+}
+
+std::optional<std::string> NetworkAddressOf(std::string_view script) {
+  const std::string setting = std::string(L_AddressVariable) + "=";
+  std::optional<std::string> address;
+  LineReader lines(script);
+  while (const std::optional<std::string> line = lines.Next()) {
+    if (line->starts_with(setting)) address = line->substr(setting.size());
+  }
+  return address;
 }
 
 std::vector<SpoolerCommand> ScriptOwnerCommands(const std::string &script_path) {
@@ -122,16 +138,17 @@ int ChangeAddressInInterface(const char *name, const char *address, CList *error
   const LogScope log("ChangeAddressInInterface");
   if (address == nullptr || !CheckCommandSafeName(name, errors)) return 0;
   const std::string path = InterfacePath(name);
-  const std::string temporary = path + ".KPXadmin";
+  const std::string temporary = TemporaryScript(path);
+  struct stat like = {};
   const std::optional<std::string> script = ReadWholeFile(path);
-  if (!script) {
+  if (!script || stat(path.c_str(), &like) != 0) {
     G_Report(errors, "ERR_UNABLE_TO_READ_FILE", {path});
     return 0;
   }
   const std::optional<std::string> changed = WithNetworkAddress(*script, address);
-  switch (WriteNewFile(temporary, changed.value_or(*script), 0755)) {
+  switch (WriteNewFile(temporary, changed.value_or(*script), like)) {
     case NewFile::Written:
-      if (changed && InstallScript(temporary, path)) return 1;
+      if (changed && InstallScript(name, temporary, path, errors) == 1) return 1;
       break;
     case NewFile::NotWritten:
       G_Report(errors, "ERR_UNABLE_TO_WRITE_FILE", {temporary});

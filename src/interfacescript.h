@@ -9,6 +9,9 @@
 #include "clist.h"
 #include "command.h"
 
+// What a script's name is followed by while a new one is written beside it.
+inline constexpr char kTemporaryScriptSuffix[] = ".KPXadmin";
+
 // What the block says. The texts stand in it unquoted.
 struct InterfaceBlock {
   std::string queue_type;  // "raw" passes the files as they are, any other is the filter's type
@@ -21,8 +24,9 @@ struct InterfaceBlock {
 // The lines of the block.
 std::string InterfaceBlockText(const InterfaceBlock &block);
 
-// Appends the block to the script: 1; 0 silently when a text is null, and 0, reported to `errors`,
-// when it cannot be written (a part that was written is taken back).
+// Appends the block to the script, durably: whatever ends the machine, the script has all of the
+// block or nothing of it. 1; 0 silently when a text is null, and 0, reported to `errors`, when it
+// cannot be written.
 int WriteToInterfaceFile(const char *script_path, const char *queue_type, const char *ppd_path,
                          const char *def_path, const char *address, const char *transport_parameter,
                          CList *errors);
@@ -31,10 +35,14 @@ int WriteToInterfaceFile(const char *script_path, const char *queue_type, const 
 // and every other byte as it was; nothing when there is no such line.
 std::optional<std::string> WithNetworkAddress(std::string_view script, std::string_view address);
 
+// The address that the last such line of `script` sets; nothing when there is none.
+std::optional<std::string> NetworkAddressOf(std::string_view script);
+
 // The commands that make a script the spooler's, in order, and all of them in one.
 std::vector<SpoolerCommand> ScriptOwnerCommands(const std::string &script_path);
 std::string ScriptOwnerCommand(const std::string &script_path);
 
-// Puts `address` into the interface script of the queue `name`: 1; 0 when the script stays as it
-// was or, reported to `errors`, something failed.
+// Puts `address` into the interface script of the queue `name`, durably: whatever ends the machine,
+// the old script or the new one is there, whole. 1; 0 when the script sets no address and so stays
+// as it was or, reported to `errors`, something failed.
 int ChangeAddressInInterface(const char *name, const char *address, CList *errors);

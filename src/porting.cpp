@@ -3,6 +3,9 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <set>
+#include <utility>
 
 #include "cmessages.h"
 #include "command.h"
@@ -19,8 +22,12 @@ namespace {
 // The entry lets it through, but the shell would put the names of files in its place.
 constexpr char L_ShellWildcard = '?';
 
-// What the interface script says about a queue.
-enum class Script { Gone, Unreadable, NotOurs, Ours };
+// The queues of the list that are not shown because their scripts cannot be read.
+Owned<CHash> L_SetAside;
+std::set<std::string> L_TakenBack;
+
+// Only these two say that nothing is there; any other error says nothing about that.
+bool MeansMissing(int error) { return error == ENOENT || error == ENOTDIR; }
 
 bool HasMarkerLine(std::string_view script) {
   LineReader lines(script);
@@ -31,20 +38,15 @@ bool HasMarkerLine(std::string_view script) {
   return false;
 }
 
-// An unreadable script is reported to `errors`.
-Script LookAtScript(const char *name, CList *errors) {
-  if (name == nullptr) return Script::Gone;
-  const std::string path = InterfacePath(name);
-  struct stat status = {};
-  if (stat(path.c_str(), &status) != 0) return Script::Gone;
-  // Only a file is opened: a named pipe would hold the program up.
-  const std::optional<std::string> script =
-      S_ISREG(status.st_mode) ? ReadWholeFile(path) : std::nullopt;
-  if (!script) {
-    G_Report(errors, "ERR_UNABLE_TO_READ_FILE", {path});
-    return Script::Unreadable;
-  }
-  return HasMarkerLine(*script) ? Script::Ours : Script::NotOurs;
+QueueScript Unusable(ScriptState state, const std::string &path, CList *errors) {
+  G_Report(errors, "ERR_UNABLE_TO_READ_FILE", {path});
+  return {state, ""};
+}
+
+void SetAside(const char *name) {
+  if (L_SetAside == nullptr) L_SetAside = CreateHash();
+  Owned<CPrintQueue> queue = CloneOf(HashValue<CPrintQueue>(G_Queues_hash, name));
+  if (queue != nullptr) HashPut(L_SetAside.get(), name, std::move(queue));
 }
 
 // The queue comes back as it was when the program started.
@@ -77,10 +79,25 @@ std::string InterfacePath(const std::string &name) {
   return std::string(kSpoolInterfacesDir) + "/" + name;
 }
 
+QueueScript ReadQueueScript(const char *name, CList *errors) {
+  if (name == nullptr) return {ScriptState::Gone, ""};
+  const std::string path = InterfacePath(name);
+  struct stat status = {};
+  if (stat(path.c_str(), &status) != 0) {
+    if (MeansMissing(errno)) return {ScriptState::Gone, ""};
+    return Unusable(ScriptState::Unreadable, path, errors);
+  }
+  // Only a file is opened: a named pipe would hold the program up.
+  if (!S_ISREG(status.st_mode)) return Unusable(ScriptState::NotAFile, path, errors);
+  std::optional<std::string> script = ReadWholeFile(path);
+  if (!script) return Unusable(ScriptState::Unreadable, path, errors);
+  return {HasMarkerLine(*script) ? ScriptState::Ours : ScriptState::NotOurs, std::move(*script)};
+}
+
 Owned<CList> GetQueueNamesSysV(CList *our_names, CList *errors) {
   const LogScope log("GetQueueNamesSysV");
   struct stat status = {};
-  if (stat(kSpoolPrintersDir, &status) != 0) return nullptr;
+  if (stat(kSpoolPrintersDir, &status) != 0 && MeansMissing(errno)) return nullptr;
   const Owned<CList> entries = GetFilesFromDir(kSpoolPrintersDir);
   if (entries == nullptr) {
     G_Report(errors, "ERR_UNABLE_TO_READ_DIR", {kSpoolPrintersDir});
@@ -99,21 +116,34 @@ Owned<CList> GetQueueNamesSysV(CList *our_names, CList *errors) {
 
 int OurQueueExistsSysV(const char *name, CList *errors) {
   const LogScope log("OurQueueExistsSysV");
-  return LookAtScript(name, errors) == Script::Ours ? 1 : 0;
+  return ReadQueueScript(name, errors).state == ScriptState::Ours ? 1 : 0;
 }
 
 int RemoveInexistentSystemVQueues(CList *errors) {
   const LogScope log("RemoveInexistentSystemVQueues");
+  L_SetAside.reset();
+  L_TakenBack.clear();
   const Owned<CList> names = fGetKeys_CHash_Function(G_Queues_hash);
   for (const CString *element : Elements<CString>(names.get())) {
     const char *name = fGet_CString_Value_Function(element);
-    const Script script = LookAtScript(name, errors);
-    if (script == Script::Ours) continue;
-    if (script == Script::NotOurs) G_Report(errors, "WARN_QUEUE_SCRIPT_CHANGED", {name});
+    const ScriptState script = ReadQueueScript(name, errors).state;
+    if (script == ScriptState::Ours) continue;
+    if (script == ScriptState::NotOurs) G_Report(errors, "WARN_QUEUE_SCRIPT_CHANGED", {name});
+    if (script == ScriptState::Unreadable || script == ScriptState::NotAFile) SetAside(name);
     HashRemove(G_Queues_hash, name);
   }
   return 1;
 }
+
+void TakeBackQueuesSetAside() {
+  for (const auto [name, queue] : Pairs<CPrintQueue>(L_SetAside.get())) {
+    if (HashFind(G_Queues_hash, name) != nullptr) continue;
+    HashPut(G_Queues_hash, name, CloneOf(queue));
+    L_TakenBack.insert(name);
+  }
+}
+
+bool WasSetAside(const char *name) { return L_TakenBack.contains(name); }
 
 std::string DeleteQueueCommand(const std::string &name) {
   return JoinWords({std::string(kLpadmin) + " -x", name, kDiscardOutput});
@@ -134,7 +164,12 @@ int DeleteQueuesSysV(const CList *names, CList *errors, const QueueObserver &obs
   for (const CString *element : Elements<CString>(names)) {
     const char *name = fGet_CString_Value_Function(element);
     if (observer) observer(name, false);
-    if (OurQueueExistsSysV(name, errors) == 0) continue;
+    const ScriptState script = ReadQueueScript(name, errors).state;
+    if (script == ScriptState::Unreadable) {
+      RestoreQueue(name);
+      result = 0;
+    }
+    if (script != ScriptState::Ours) continue;
     if (observer) observer(name, true);
     if (DeleteQueueSysV(name, errors) == 1) {
       G_DeleteAllUsersDefForQueue(name);

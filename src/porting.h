@@ -26,6 +26,24 @@ bool CheckCommandSafeName(const char *name, CList *errors);
 // The interface script of the queue `name`.
 std::string InterfacePath(const std::string &name);
 
+// What stands in the place of a queue's interface script.
+enum class ScriptState {
+  Gone,
+  Unreadable,  // there may be a script, but the system did not show it: nothing may follow from
+               // that
+  NotAFile,
+  NotOurs,  // without the marker line
+  Ours,
+};
+struct QueueScript {
+  ScriptState state;
+  std::string text;  // empty unless it is NotOurs or Ours
+};
+
+// The interface script of the queue `name` (null: Gone). One that is Unreadable or NotAFile is
+// reported to `errors`.
+QueueScript ReadQueueScript(const char *name, CList *errors);
+
 // The names of all spooler queues (CString), the last directory entry first; copies of ours are
 // put at the head of `our_names`, which may be null. Null when there is no spooler (silently) or
 // its directory cannot be read (reported to `errors`).
@@ -36,8 +54,16 @@ Owned<CList> GetQueueNamesSysV(CList *our_names, CList *errors);
 int OurQueueExistsSysV(const char *name, CList *errors);
 
 // Drops from G_Queues_hash every queue that is not ours in the spooler: silently when its script is
-// gone, with a report to `errors` when the script has lost the marker or cannot be read. 1.
+// gone, with a report to `errors` when the script has lost the marker or cannot be read. Those
+// whose script cannot be read are set aside. 1.
 int RemoveInexistentSystemVQueues(CList *errors);
+
+// Puts the queues that were set aside back into G_Queues_hash, so that a save does not forget them;
+// one whose name has been taken meanwhile is left out.
+void TakeBackQueuesSetAside();
+
+// True for a queue that was taken back: no command may be run for it.
+bool WasSetAside(const char *name);
 
 // The command that removes the queue `name`.
 std::string DeleteQueueCommand(const std::string &name);
@@ -51,6 +77,7 @@ int DeleteQueueSysV(const char *name, CList *errors);
 using QueueObserver = std::function<void(const char *name, bool runs_command)>;
 
 // Removes those of `names` (CString) that are ours from the spooler and their users' option files
-// from the disk. A queue that the spooler keeps comes back into G_Queues_hash as it was at start.
+// from the disk. A queue that the spooler keeps comes back into G_Queues_hash as it was at start,
+// and so does one whose script cannot be read, for which nothing is run.
 // 1 when all removals succeeded; 0 after a failure and for a null list.
 int DeleteQueuesSysV(const CList *names, CList *errors, const QueueObserver &observer = {});

@@ -1,5 +1,6 @@
 #include "queuecreation.h"
 
+#include <optional>
 #include <utility>
 
 #include "cmessages.h"
@@ -28,17 +29,28 @@ std::string PpdPath(const char *ppd_file) {
   return std::string(kNlsDir) + "/" + G_GetNlsDirFromLang() + "/ppds/" + ppd_file;
 }
 
-// Rewrites the script when the address is no longer that of the start.
-void UpdateAddress(const char *name, CPrintQueue *queue, CList *errors,
+// Rewrites the script when it sets another address than the queue's, or the address is no longer
+// that of the start.
+void UpdateAddress(const char *name, CPrintQueue *queue, const std::string &script, CList *errors,
                    const QueueObserver &observer) {
-  const CPrintQueue *original = HashValue<CPrintQueue>(G_OrgQueues_hash, name);
-  const CString *old_address = fGet_Address_Function(original);
+  const CString *old_address =
+      fGet_Address_Function(HashValue<CPrintQueue>(G_OrgQueues_hash, name));
   const CString *new_address = fGet_Address_Function(queue);
-  if (original == nullptr || fIsEqual_CString_Value_Function(old_address, new_address) == 1) return;
+  const bool is_changed =
+      old_address != nullptr && fIsEqual_CString_Value_Function(old_address, new_address) == 0;
+  const std::optional<std::string> wanted = WithNetworkAddress(script, TextOf(new_address));
+  const bool is_other = wanted && *wanted != script;
+  if (!is_changed && !is_other) return;
   if (observer) observer(name, true);
   if (ChangeAddressInInterface(name, TextOf(new_address), errors) == 1) return;
+  // The save goes on as if nothing had failed, so this is told on standard error alone.
+  if (!wanted) G_Report(nullptr, "ERR_ADDRESS_NOT_CHANGED", {name});
   // The saved list tells the address that the spooler really uses.
-  fSet_Address_Function(queue, old_address);
+  if (is_changed) {
+    fSet_Address_Function(queue, old_address);
+  } else if (const std::optional<std::string> used = NetworkAddressOf(script)) {
+    fSet_Address_Function(queue, CreateStringWithValue(used->c_str()).get());
+  }
 }
 
 // Makes the queue and appends its block: 1, or 0 after any failure.
@@ -70,10 +82,11 @@ int BringInLine(const char *name, ScriptValues &values, CList *errors,
     G_Report(errors, "ERR_UNEXPECTED2", {"CPrintQueue"});
     return 0;
   }
-  if (OurQueueExistsSysV(name, errors) == 0) {
-    return CreateQueue(name, queue, values, errors, observer);
-  }
-  UpdateAddress(name, queue, errors, observer);
+  if (WasSetAside(name)) return 1;
+  const QueueScript script = ReadQueueScript(name, errors);
+  if (script.state == ScriptState::Unreadable) return 0;
+  if (script.state != ScriptState::Ours) return CreateQueue(name, queue, values, errors, observer);
+  UpdateAddress(name, queue, script.text, errors, observer);
   return 1;
 }
 

@@ -6,6 +6,7 @@
 #include "cmessages.h"
 #include "cprintqueues.h"
 #include "debug.h"
+#include "deffile.h"
 #include "globals.h"
 #include "porting.h"
 #include "queuecreation.h"
@@ -68,6 +69,10 @@ SaveResult SaveQueues(const CList *deleted, CList *errors, const SaveObserver &o
     G_Report(errors, "ERR_UNABLE_TO_WRITE_FILE", {list});
     return SaveResult::ListNotWritable;
   }
+  TakeBackQueuesSetAside();
+  // Before the first queue is made: no job ever runs without its queue's settings. What cannot be
+  // written is told when all are written once more at the end.
+  WriteQueueDefFiles(G_Queues_hash, errors, true);
   Steps steps(observer, CountOf(deleted) + CountOf(G_Queues_hash));
   const Owned<CList> none = CreateList();
   const CList *names = deleted == nullptr ? none.get() : deleted;

@@ -8,7 +8,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
-#include <functional>
+#include <memory>
+#include <span>
 #include <utility>
 
 namespace {
@@ -35,6 +36,18 @@ class OpenFile {
   int descriptor_;
 };
 
+std::optional<std::string> ReadToEnd(const OpenFile &file) {
+  std::string content;
+  char buffer[16384];
+  ssize_t count = 0;
+  while ((count = read(file.Descriptor(), buffer, sizeof buffer)) != 0) {
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return std::nullopt;
+    content.append(buffer, static_cast<size_t>(count));
+  }
+  return content;
+}
+
 // Gives the file to the named group if that can be done.
 bool GiveToGroup(int descriptor, const char *name) {
   const group *entry = getgrnam(name);
@@ -47,28 +60,107 @@ bool FillNewFile(const OpenFile &file, std::string_view text, const FileAccess &
   return file.Write(text) && fchmod(file.Descriptor(), mode) == 0;
 }
 
-// Makes a new file beside `path`, has it filled and closed, and renames it into place.
-bool ReplaceWith(const std::string &path, const std::function<bool(OpenFile &)> &fill) {
-  // The extension stays at the end: what a killed process leaves behind goes with the other files
-  // of its kind.
-  const size_t dot = std::min(path.find('.', path.rfind('/') + 1), path.size());
-  const std::string extension = path.substr(dot);
-  std::string temporary = path.substr(0, dot) + ".XXXXXX" + extension;
-  OpenFile file(mkostemps(temporary.data(), static_cast<int>(extension.size()), O_CLOEXEC));
-  if (!file.IsOpen()) return false;
-  if (fill(file) && rename(temporary.c_str(), path.c_str()) == 0) return true;
-  const int error = errno;
-  unlink(temporary.c_str());
-  errno = error;
-  return false;
+bool FillNewFile(const OpenFile &file, std::string_view text, const struct stat &like) {
+  // An owner that cannot be given, as on some network file systems, does not cost the text.
+  [[maybe_unused]] const int given = fchown(file.Descriptor(), like.st_uid, like.st_gid);
+  return file.Write(text) && fchmod(file.Descriptor(), like.st_mode & 07777) == 0;
 }
 
-// Makes renames in the directory last, on the file systems that can do more for that.
-bool SyncDirectoryOf(const std::string &path) {
-  const std::string directory = path.substr(0, path.rfind('/') + 1);
-  const OpenFile file(
-      open(directory.empty() ? "." : directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  return file.IsOpen() && (fsync(file.Descriptor()) == 0 || errno == EINVAL);
+// The extension stays at the end: what a killed process leaves behind goes with the other files of
+// its kind.
+std::string TemplateBeside(const std::string &path, size_t extension_size) {
+  return path.substr(0, path.size() - extension_size) + ".XXXXXX" +
+         path.substr(path.size() - extension_size);
+}
+
+size_t ExtensionSize(const std::string &path) {
+  return path.size() - std::min(path.find('.', path.rfind('/') + 1), path.size());
+}
+
+// A new file beside `path` that takes its place, or goes with this record.
+class Replacement {
+ public:
+  explicit Replacement(const std::string &path)
+      : path_(path),
+        temporary_(TemplateBeside(path, ExtensionSize(path))),
+        file_(mkostemps(temporary_.data(), static_cast<int>(ExtensionSize(path)), O_CLOEXEC)) {}
+  ~Replacement() {
+    if (!is_waiting_) return;
+    const int error = errno;
+    unlink(temporary_.c_str());
+    errno = error;
+  }
+  Replacement(const Replacement &) = delete;
+  Replacement &operator=(const Replacement &) = delete;
+
+  bool Fill(std::string_view text, const auto &access) {
+    is_waiting_ = file_.IsOpen();
+    return is_waiting_ && FillNewFile(file_, text, access);
+  }
+  // Has the disk begin to write, which the flush then waits for.
+  void StartFlush() const { sync_file_range(file_.Descriptor(), 0, 0, SYNC_FILE_RANGE_WRITE); }
+  bool Flush() const { return fsync(file_.Descriptor()) == 0; }
+  bool Install() {
+    if (!file_.Close() || rename(temporary_.c_str(), path_.c_str()) != 0) return false;
+    is_waiting_ = false;
+    return true;
+  }
+
+ private:
+  std::string path_;
+  std::string temporary_;
+  OpenFile file_;
+  bool is_waiting_ = false;
+};
+
+bool ReplaceDurably(const std::string &path, std::string_view text, const auto &access) {
+  Replacement file(path);
+  return file.Fill(text, access) && file.Flush() && file.Install() && SyncDirectoryOf(path);
+}
+
+// Whether the file that stands there needs no replacing.
+bool HasContent(const FileContent &wanted) {
+  struct stat status = {};
+  if (lstat(wanted.path.c_str(), &status) != 0 || status.st_uid != geteuid()) return false;
+  if ((status.st_mode & 07777) != wanted.access.mode) return false;
+  const group *entry = wanted.access.group == nullptr ? nullptr : getgrnam(wanted.access.group);
+  if (wanted.access.group != nullptr && (entry == nullptr || entry->gr_gid != status.st_gid)) {
+    return false;
+  }
+  return ReadOwnFile(wanted.path) == wanted.text;
+}
+
+// Writes all of the files before it flushes the first: the file system then needs its slow step
+// once for all of them.
+void ReplaceTogether(std::span<const FileContent> files, std::vector<std::string> &failed) {
+  std::vector<std::unique_ptr<Replacement>> written;
+  for (const FileContent &file : files) {
+    auto replacement = std::make_unique<Replacement>(file.path);
+    if (replacement->Fill(file.text, file.access)) {
+      replacement->StartFlush();
+    } else {
+      replacement.reset();
+    }
+    written.push_back(std::move(replacement));
+  }
+  for (size_t i = 0; i < files.size(); ++i) {
+    if (written[i] == nullptr || !written[i]->Flush() || !written[i]->Install()) {
+      failed.push_back(files[i].path);
+    }
+  }
+}
+
+// What stands at `path` and whose it is; nothing stands there in a place that has no file yet.
+std::optional<std::string> ReadForAppending(const std::string &path, struct stat &like) {
+  const OpenFile file(open(path.c_str(), O_RDWR | O_APPEND | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+  if (!file.IsOpen() && errno == ENOENT) {
+    like.st_uid = geteuid();
+    like.st_gid = getegid();
+    like.st_mode = 0644;
+    return "";
+  }
+  if (!file.IsOpen() || fstat(file.Descriptor(), &like) != 0) return std::nullopt;
+  return S_ISREG(like.st_mode) ? ReadToEnd(file) : std::nullopt;
 }
 
 }  // namespace
@@ -92,48 +184,67 @@ bool OverwriteFile(const std::string &path, std::string_view text, mode_t mode) 
   return file.Write(text) && file.Close();
 }
 
-bool AppendToFile(const std::string &path, std::string_view text) {
-  constexpr mode_t kNewFileMode = 0666;
-  OpenFile file(
-      open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_CLOEXEC, kNewFileMode));
-  struct stat before = {};
-  if (!file.IsOpen() || fstat(file.Descriptor(), &before) != 0) return false;
-  if (file.Write(text)) return file.Close();
+NewFile WriteNewFile(const std::string &path, std::string_view text, const struct stat &like) {
+  unlink(path.c_str());
+  OpenFile file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+  if (!file.IsOpen()) return NewFile::NotMade;
+  const bool written =
+      FillNewFile(file, text, like) && fsync(file.Descriptor()) == 0 && file.Close();
+  return written ? NewFile::Written : NewFile::NotWritten;
+}
+
+bool RenameDurably(const std::string &from, const std::string &to) {
+  return rename(from.c_str(), to.c_str()) == 0 && SyncDirectoryOf(to);
+}
+
+bool AppendDurably(const std::string &path, std::string_view text, const std::string &temporary) {
+  struct stat like = {};
+  const std::optional<std::string> before = ReadForAppending(path, like);
+  if (!before) return false;
+  const NewFile made = WriteNewFile(temporary, *before + std::string(text), like);
+  if (made == NewFile::Written && RenameDurably(temporary, path)) return true;
   const int error = errno;
-  // The write's failure is what gets reported, whether or not taking it back works too.
-  if (ftruncate(file.Descriptor(), before.st_size) != 0) errno = error;
+  if (made != NewFile::NotMade) unlink(temporary.c_str());
   errno = error;
   return false;
 }
 
-NewFile WriteNewFile(const std::string &path, std::string_view text, mode_t mode) {
-  unlink(path.c_str());
-  OpenFile file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode));
-  if (!file.IsOpen()) return NewFile::NotMade;
-  const bool written = fchmod(file.Descriptor(), mode) == 0 && file.Write(text) && file.Close();
-  return written ? NewFile::Written : NewFile::NotWritten;
-}
-
 bool ReplaceFile(const std::string &path, std::string_view text, const FileAccess &access) {
-  return ReplaceWith(
-      path, [&](OpenFile &file) { return FillNewFile(file, text, access) && file.Close(); });
+  Replacement file(path);
+  return file.Fill(text, access) && file.Install();
 }
 
 bool ReplaceFileDurably(const std::string &path, std::string_view text, const FileAccess &access) {
-  const auto fill = [&](OpenFile &file) {
-    return FillNewFile(file, text, access) && fsync(file.Descriptor()) == 0 && file.Close();
-  };
-  return ReplaceWith(path, fill) && SyncDirectoryOf(path);
+  return ReplaceDurably(path, text, access);
 }
 
 bool ReplaceFileDurably(const std::string &path, std::string_view text, const struct stat &like) {
-  const auto fill = [&](OpenFile &file) {
-    // An owner that cannot be given, as on some network file systems, does not cost the text.
-    [[maybe_unused]] const int given = fchown(file.Descriptor(), like.st_uid, like.st_gid);
-    return file.Write(text) && fchmod(file.Descriptor(), like.st_mode & 07777) == 0 &&
-           fsync(file.Descriptor()) == 0 && file.Close();
-  };
-  return ReplaceWith(path, fill) && SyncDirectoryOf(path);
+  return ReplaceDurably(path, text, like);
+}
+
+std::vector<std::string> ReplaceFilesDurably(const std::vector<FileContent> &files) {
+  // So many files are open at a time.
+  constexpr size_t kTogether = 64;
+  std::vector<FileContent> changed;
+  for (const FileContent &file : files) {
+    if (!HasContent(file)) changed.push_back(file);
+  }
+  std::vector<std::string> failed;
+  for (size_t first = 0; first < changed.size(); first += kTogether) {
+    const size_t count = std::min(kTogether, changed.size() - first);
+    ReplaceTogether(std::span(changed).subspan(first, count), failed);
+  }
+  if (changed.empty() || SyncDirectoryOf(changed.front().path)) return failed;
+  failed.clear();
+  for (const FileContent &file : files) failed.push_back(file.path);
+  return failed;
+}
+
+bool SyncDirectoryOf(const std::string &path) {
+  const std::string directory = path.substr(0, path.rfind('/') + 1);
+  const OpenFile file(
+      open(directory.empty() ? "." : directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  return file.IsOpen() && (fsync(file.Descriptor()) == 0 || errno == EINVAL);
 }
 
 std::optional<std::string> ReadOwnFile(const std::string &path) {
@@ -143,13 +254,5 @@ std::optional<std::string> ReadOwnFile(const std::string &path) {
   if (!file.IsOpen() || fstat(file.Descriptor(), &status) != 0) return std::nullopt;
   if (!S_ISREG(status.st_mode)) return std::nullopt;
   if (status.st_uid != geteuid() && status.st_uid != 0) return std::nullopt;
-  std::string content;
-  char buffer[16384];
-  ssize_t count = 0;
-  while ((count = read(file.Descriptor(), buffer, sizeof buffer)) != 0) {
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return std::nullopt;
-    content.append(buffer, static_cast<size_t>(count));
-  }
-  return content;
+  return ReadToEnd(file);
 }

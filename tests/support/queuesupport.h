@@ -17,6 +17,7 @@ inline constexpr char kQueueMessages[] =
     "#ERR_UNABLE_TO_READ_DIR\ndir <%s>\n"
     "#ERR_FILE_CORRUPTED\ncorrupted <%s> <%s>\n"
     "#ERR_CMD_FOR_QUEUE\ncommand <%s> <%s>\n"
+    "#ERR_ADDRESS_NOT_CHANGED\naddress <%s>\n"
     "#ERR_QUEUE_NAME\nname <%s>\n"
     "#ERR_REMOVE\nremove <%s>\n"
     "#ERR_SETTINGS_LOST\nlost <%s> <%s>\n"

@@ -2,6 +2,8 @@
 #include "cprintqueues.h"
 
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/resource.h>
 
 #include "deffile.h"
 #include "privateworld.h"
@@ -211,6 +213,24 @@ void EmptyDataDirectory() {
   }
 }
 
+// For its lifetime no file can be written beyond so many bytes, the one that standard error is
+// caught in included.
+class FileSizeLimit {
+ public:
+  explicit FileSizeLimit(rlim_t bytes) {
+    getrlimit(RLIMIT_FSIZE, &before_);
+    const rlimit limit = {bytes, before_.rlim_max};
+    signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &limit);
+  }
+  ~FileSizeLimit() { setrlimit(RLIMIT_FSIZE, &before_); }
+  FileSizeLimit(const FileSizeLimit &) = delete;
+  FileSizeLimit &operator=(const FileSizeLimit &) = delete;
+
+ private:
+  rlimit before_ = {};
+};
+
 void PutFile(const std::string &path, const std::string &content) {
   std::ofstream(path, std::ios::binary) << content;
 }
@@ -228,6 +248,23 @@ TEST_F(CPrintQueuesTest, EveryQueuesOptionFileIsWrittenAndAllOthersGo) {
   EXPECT_EQ(ContentOf("/opt/orlan/data/lp1.def"),
             QueueDefFileText(HashValue<CPrintQueue>(Queues(), "lp1")));
   EXPECT_EQ(ContentOf("/opt/orlan/data/lp2.def"), "");
+  EmptyDataDirectory();
+}
+
+TEST_F(CPrintQueuesTest, AnOptionFileThatCannotBeWrittenLeavesTheOldOne) {
+  EmptyDataDirectory();
+  FillCollection();
+  ASSERT_EQ(fWriteAllToDef_Function(Collection()), 1);
+  const std::string before = ContentOf("/opt/orlan/data/lp1.def");
+  HashPutText(HashValue<CPrintQueue>(Queues(), "lp1")->Options.get(), "*Nup", "2");
+  {
+    const FileSizeLimit limit(64);
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(fWriteAllToDef_Function(Collection()), 0);
+  }
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "write </opt/orlan/data/lp1.def>\n");
+  EXPECT_EQ(ContentOf("/opt/orlan/data/lp1.def"), before);
+  EXPECT_TRUE(fs::exists("/opt/orlan/data/lp2.def"));
   EmptyDataDirectory();
 }
 

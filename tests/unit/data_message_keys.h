@@ -164,6 +164,7 @@ inline constexpr MessageKey kMessageKeys[] = {
     {"DEF_WND_TOOL_PROP_OUTPUT_TITLE", ""},
     {"DEF_WND_TOOL_PROP_SETUP_TITLE", ""},
     {"DEF_WND_TOOL_TITLE", ""},
+    {"ERR_ADDRESS_NOT_CHANGED", "s"},
     {"ERR_ADMIN_RUNNING", ""},
     {"ERR_CHOWN", "dds"},
     {"ERR_CMD_FOR_QUEUE", "ss"},

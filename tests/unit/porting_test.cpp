@@ -173,6 +173,51 @@ TEST_F(Porting, AQueueWhoseScriptCannotBeReadDisappearsWithThatMessageAlone) {
   EXPECT_EQ(Errors(), Strings{"read <" + spooler_.ScriptPath("lp1") + ">"});
 }
 
+TEST_F(Porting, AScriptThatTheSystemDoesNotShowIsToldNotTakenForGone) {
+  AddOurs("lp1");
+  fs::remove(spooler_.ScriptPath("lp1"));
+  fs::create_symlink("lp1", spooler_.ScriptPath("lp1"));  // ELOOP
+  ErrorOutput([&] { RemoveInexistentSystemVQueues(List()); });
+  EXPECT_EQ(Errors(), Strings{"read <" + spooler_.ScriptPath("lp1") + ">"});
+}
+
+TEST_F(Porting, QueuesWhoseScriptsCannotBeReadAreTakenBackForTheSave) {
+  AddOurs("lp1");
+  AddOurs("lp2");
+  AddOurs("lp3");
+  for (const char *name : {"lp1", "lp2"}) {
+    fs::remove(spooler_.ScriptPath(name));
+    fs::create_symlink(name, spooler_.ScriptPath(name));
+  }
+  ErrorOutput([&] { RemoveInexistentSystemVQueues(List()); });
+  EXPECT_EQ(Keys(G_Queues_hash), Strings{"lp3"});
+  HashPut(G_Queues_hash, "lp2", MakeQueue({.name = "lp2", .address = "taken"}));
+  TakeBackQueuesSetAside();
+  EXPECT_EQ(Keys(G_Queues_hash), (Strings{"lp1", "lp2", "lp3"}));
+  EXPECT_EQ(TextOrNull(HashValue<CPrintQueue>(G_Queues_hash, "lp2")->Address.get()), "taken");
+  EXPECT_TRUE(WasSetAside("lp1"));
+  EXPECT_FALSE(WasSetAside("lp2"));
+  RemoveInexistentSystemVQueues(List());
+  EXPECT_FALSE(WasSetAside("lp1")) << "each start begins anew";
+}
+
+TEST_F(Porting, APrinterDirectoryThatTheSystemDoesNotShowIsReported) {
+  fs::remove_all(SpoolerStandIn::kPrinters);
+  fs::create_symlink("printers", SpoolerStandIn::kPrinters);
+  ErrorOutput([&] { EXPECT_EQ(GetQueueNamesSysV(nullptr, List()), nullptr); });
+  EXPECT_EQ(Errors(), Strings{std::string("dir <") + SpoolerStandIn::kPrinters + ">"});
+}
+
+TEST_F(Porting, AQueueToBeRemovedWhoseScriptIsNotShownComesBackAndNothingIsRun) {
+  AddOurs("lp1");
+  HashRemove(G_Queues_hash, "lp1");
+  fs::remove(spooler_.ScriptPath("lp1"));
+  fs::create_symlink("lp1", spooler_.ScriptPath("lp1"));
+  ErrorOutput([&] { EXPECT_EQ(DeleteQueuesSysV(ListOf({"lp1"}).get(), List()), 0); });
+  EXPECT_EQ(Keys(G_Queues_hash), Strings{"lp1"});
+  EXPECT_EQ(spooler_.Calls(), Strings{});
+}
+
 TEST_F(Porting, WithoutQueuesThereIsNothingToPrune) {
   EXPECT_EQ(RemoveInexistentSystemVQueues(List()), 1);
   G_Queues_hash = nullptr;

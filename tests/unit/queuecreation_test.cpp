@@ -2,6 +2,7 @@
 #include "queuecreation.h"
 
 #include <gtest/gtest.h>
+#include <sys/mount.h>
 
 #include "command.h"
 #include "interfacescript.h"
@@ -274,18 +275,43 @@ TEST_F(QueueCreation, AChangedAddressOfAnExistingQueueIsRewrittenAndNothingElse)
   EXPECT_EQ(Errors(), Strings{});
 }
 
-TEST_F(QueueCreation, AnUnchangedAddressOrAQueueOutsideTheSnapshotTouchesNothing) {
-  PutExisting(kOurScript, "same", "same");
+TEST_F(QueueCreation, AnAddressThatTheScriptSetsAlreadyTouchesNothing) {
+  PutExisting(kOurScript, "old", "old");
+  const size_t commands = CommandRecords().size();
   EXPECT_EQ(Add(), 1);
   HashRemove(G_OrgQueues_hash, "lp1");
   EXPECT_EQ(Add(), 1);
   EXPECT_EQ(spooler_.Script("lp1"), kOurScript);
+  EXPECT_EQ(CommandRecords().size(), commands);
+}
+
+// As an interrupted save leaves it.
+TEST_F(QueueCreation, AScriptThatSetsAnotherAddressThanTheQueueIsRewrittenWhateverTheSnapshotSays) {
+  PutExisting(kOurScript, "same", "same");
+  EXPECT_EQ(Add(), 1);
+  EXPECT_NE(spooler_.Script("lp1").find("\nNETWORK_ADDRESS=same\n"), std::string::npos);
+  HashRemove(G_OrgQueues_hash, "lp1");
+  Queue("lp1")->Address = Text("next");
+  EXPECT_EQ(Add(), 1);
+  EXPECT_NE(spooler_.Script("lp1").find("\nNETWORK_ADDRESS=next\n"), std::string::npos);
+  EXPECT_EQ(Errors(), Strings{});
+}
+
+TEST_F(QueueCreation, WhatCannotBeRewrittenGivesTheRecordTheScriptsOwnAddress) {
+  PutExisting(kOurScript, "same", "same");
+  fs::create_directory(spooler_.ScriptPath("lp1") + ".KPXadmin");
+  EXPECT_EQ(Add(), 1);
+  EXPECT_EQ(TextOrNull(Queue("lp1")->Address.get()), "old");
 }
 
 TEST_F(QueueCreation, AScriptWithoutAddressLineGivesTheRecordItsOldAddressBack) {
   const char script[] = "# the following lines are inserted by KPXadmin\n";
   PutExisting(script, "old", "new");
-  EXPECT_EQ(Add(), 1) << "the result is not changed by this";
+  const Owned<CList> errors = CreateList();
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(AddQueuesSysV(errors.get()), 1) << "the result is not changed by this";
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "address <lp1>\n");
+  EXPECT_EQ(Texts(errors.get()), Strings{}) << "nor does the save stop for it";
   EXPECT_EQ(spooler_.Script("lp1"), script);
   EXPECT_EQ(TextOrNull(Queue("lp1")->Address.get()), "old");
 }
@@ -296,6 +322,28 @@ TEST_F(QueueCreation, AFailedAddressChangeGivesTheRecordItsOldAddressBack) {
   EXPECT_EQ(Add(), 1);
   EXPECT_EQ(Errors(), Strings{"read <" + spooler_.ScriptPath("lp1") + ".KPXadmin>"});
   EXPECT_EQ(TextOrNull(Queue("lp1")->Address.get()), "old");
+}
+
+TEST_F(QueueCreation, AScriptThatCannotBeReplacedIsToldAndGivesTheRecordItsOldAddressBack) {
+  PutExisting(kOurScript, "old", "new");
+  const std::string script = spooler_.ScriptPath("lp1");
+  // What is mounted cannot be renamed over.
+  ASSERT_EQ(mount(script.c_str(), script.c_str(), nullptr, MS_BIND, nullptr), 0);
+  EXPECT_EQ(Add(), 1);
+  umount(script.c_str());
+  EXPECT_EQ(Errors(), Strings{"address <lp1>"});
+  EXPECT_EQ(spooler_.Script("lp1"), kOurScript);
+  EXPECT_EQ(TextOrNull(Queue("lp1")->Address.get()), "old");
+  EXPECT_EQ(NamesIn(SpoolerStandIn::kInterfaces), Strings{"lp1"});
+}
+
+TEST_F(QueueCreation, NoCommandIsRunForAQueueWhoseScriptTheSystemDoesNotShow) {
+  Put({.name = "lp1"});
+  fs::create_symlink("lp1", spooler_.ScriptPath("lp1"));  // ELOOP
+  EXPECT_EQ(Add(), 0);
+  EXPECT_EQ(Errors(), Strings{"read <" + spooler_.ScriptPath("lp1") + ">"});
+  EXPECT_EQ(spooler_.Calls(), Strings{});
+  EXPECT_EQ(Keys(G_Queues_hash), Strings{"lp1"});
 }
 
 TEST_F(QueueCreation, OtherSettingsOfAnExistingQueueNeverReachTheSpooler) {

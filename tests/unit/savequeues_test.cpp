@@ -17,6 +17,7 @@
 #include "cprintqueues.h"
 #include "globals.h"
 #include "paths.h"
+#include "porting.h"
 #include "queuelistkeep.h"
 #include "queuelistwriter.h"
 #include "queuesupport.h"
@@ -57,11 +58,12 @@ class Save : public testing::Test {
     G_OrgQueues_hash = nullptr;
   }
 
-  // What a start does: reads the list and takes the snapshot.
+  // What a start does: reads the list, looks for its queues, and takes the snapshot.
   void Start() {
     G_Queues = CreatePrintQueues(kQueuesFile);
     LoadQueueList(G_Queues.get(), 1, errors_.get());
     G_Queues_hash = fGetPrintQueues_Function(G_Queues.get());
+    RemoveInexistentSystemVQueues(errors_.get());
     G_OrgQueues = CloneOf(G_Queues.get());
     G_OrgQueues_hash = fGetPrintQueues_Function(G_OrgQueues.get());
   }
@@ -173,6 +175,40 @@ TEST_F(Save, TheListIsEmptyAndItsOldContentKeptWhileTheSpoolerWorks) {
   EXPECT_EQ(list, "");
   EXPECT_EQ(mode, 0640U);
   EXPECT_FALSE(fs::exists(kept_));
+}
+
+TEST_F(Save, EveryOptionFileIsThereBeforeTheFirstQueueIsMade) {
+  Put("lp1");
+  SaveAll();
+  Start();
+  Put("lp2");
+  HashPutText(HashValue<CPrintQueue>(G_Queues_hash, "lp1")->Options.get(), "*Nup", "2");
+  HashPutText(HashValue<CPrintQueue>(G_Queues_hash, "lp2")->Options.get(), "*Nup", "4");
+  const Owned<CList> none = CreateList();
+  int steps = 0;
+  SaveQueues(none.get(), errors_.get(), [&](const SaveStep &) {
+    ++steps;
+    EXPECT_EQ(ContentOf("/opt/orlan/data/lp1.def"), "*Nup=2\n");
+    EXPECT_EQ(ContentOf("/opt/orlan/data/lp2.def"), "*Nup=4\n");
+  });
+  EXPECT_GT(steps, 5);
+}
+
+TEST_F(Save, AQueueWhoseScriptCannotBeReadIsNotForgotten) {
+  Put("lp1");
+  Put("lp2");
+  SaveAll();
+  const std::string list = ContentOf(kQueuesFile);
+  fs::remove(SpoolerStandIn::ScriptPath("lp1"));
+  fs::create_symlink("lp1", SpoolerStandIn::ScriptPath("lp1"));  // ELOOP
+  Start();
+  EXPECT_EQ(Keys(G_Queues_hash), std::vector<std::string>{"lp2"});
+  const size_t calls = SpoolerStandIn::Calls().size();
+  SaveAll();
+  EXPECT_EQ(ContentOf(kQueuesFile), list);
+  EXPECT_TRUE(fs::exists("/opt/orlan/data/lp1.def"));
+  EXPECT_EQ(SpoolerStandIn::Calls().size(), calls);
+  EXPECT_EQ(Errors(), std::vector<std::string>{"read <" + SpoolerStandIn::ScriptPath("lp1") + ">"});
 }
 
 TEST_F(Save, AfterAFailedRemovalNothingIsCreatedButTheFilesAreWritten) {
@@ -318,6 +354,7 @@ TEST_F(Save, AWholeListIsPreferredToTheKeptOne) {
   SaveAll();
   fs::copy_file(kQueuesFile, kept_);
   Put("lp2");
+  spooler_.AddQueue("lp2", std::string(kMarkerLine) + "\n");
   WriteQueueList(kQueuesFile, G_Queues_hash);
   Start();
   EXPECT_EQ(Keys(G_Queues_hash), (std::vector<std::string>{"lp1", "lp2"}));

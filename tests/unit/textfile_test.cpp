@@ -2,6 +2,8 @@
 #include "textfile.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 
@@ -44,35 +46,79 @@ TEST(OverwriteFile, AMissingDirectoryIsAFailure) {
   EXPECT_EQ(errno, ENOENT);
 }
 
-TEST(AppendToFile, LeavesWhatWasThere) {
-  const TemporaryDirectory directory;
-  directory.Write("script", "one\n");
-  EXPECT_TRUE(AppendToFile(directory.Path("script"), "two\n"));
-  EXPECT_EQ(ContentOf(directory.Path("script")), "one\ntwo\n");
+// A script in a directory of its own, and what is appended to it.
+class AppendDurably : public testing::Test {
+ protected:
+  bool Append(const std::string &text) {
+    return ::AppendDurably(directory_.Path("script"), text, directory_.Path("script.new"));
+  }
+  std::string Script() const { return ContentOf(directory_.Path("script")); }
+
+  const TemporaryDirectory directory_;
+};
+
+TEST_F(AppendDurably, LeavesWhatWasThereItsOwnerAndItsMode) {
+  directory_.Write("script", std::string("one\n\0", 5));
+  fs::permissions(directory_.Path("script"), fs::perms(0750));
+  if (HasOrdinaryUsers()) {
+    ASSERT_EQ(chown(directory_.Path("script").c_str(), 7, 8), 0);
+  }
+  EXPECT_TRUE(Append("two\n"));
+  EXPECT_EQ(Script(), std::string("one\n\0two\n", 9));
+  EXPECT_EQ(ModeOf(directory_.Path("script")), 0750u);
+  struct stat status = {};
+  stat(directory_.Path("script").c_str(), &status);
+  if (HasOrdinaryUsers()) {
+    EXPECT_EQ(status.st_uid * 10 + status.st_gid, 78u);
+  }
+  EXPECT_EQ(NamesIn(directory_.Path()), std::vector<std::string>{"script"});
 }
 
-TEST(AppendToFile, NeverWritesThroughASymbolicLink) {
-  const TemporaryDirectory directory;
-  directory.Write("victim", "safe");
-  fs::create_symlink("victim", directory.Path("script"));
-  EXPECT_FALSE(AppendToFile(directory.Path("script"), "two\n"));
-  EXPECT_EQ(ContentOf(directory.Path("victim")), "safe");
+TEST_F(AppendDurably, WhoHasTheOldScriptOpenNeverSeesHalfOfTheNewOne) {
+  directory_.Write("script", "one\n");
+  fs::create_hard_link(directory_.Path("script"), directory_.Path("opened"));
+  EXPECT_TRUE(Append("two\n"));
+  EXPECT_EQ(ContentOf(directory_.Path("opened")), "one\n");
 }
 
-TEST(AppendToFile, ATextThatDoesNotFitIsTakenBack) {
-  const TemporaryDirectory directory;
-  const SmallDisk disk(directory.Path(), 8192);
-  directory.Write("script", "one\n");
-  EXPECT_FALSE(AppendToFile(directory.Path("script"), kTooMuch));
+TEST_F(AppendDurably, MakesAScriptThatIsMissing) {
+  EXPECT_TRUE(Append("two\n"));
+  EXPECT_EQ(Script(), "two\n");
+}
+
+TEST_F(AppendDurably, NeverWritesThroughASymbolicLink) {
+  directory_.Write("victim", "safe");
+  fs::create_symlink("victim", directory_.Path("script"));
+  EXPECT_FALSE(Append("two\n"));
+  fs::remove(directory_.Path("script"));
+  directory_.Write("script", "one\n");
+  fs::create_symlink("victim", directory_.Path("script.new"));
+  EXPECT_TRUE(Append("two\n"));
+  EXPECT_EQ(ContentOf(directory_.Path("victim")), "safe");
+}
+
+TEST_F(AppendDurably, ANamedPipeIsRefused) {
+  ASSERT_EQ(mkfifo(directory_.Path("script").c_str(), 0600), 0);
+  EXPECT_FALSE(Append("two\n"));
+}
+
+TEST_F(AppendDurably, ATextThatDoesNotFitLeavesTheScriptAndNothingBeside) {
+  const SmallDisk disk(directory_.Path(), 8192);
+  directory_.Write("script", "one\n");
+  EXPECT_FALSE(Append(kTooMuch));
   EXPECT_EQ(errno, ENOSPC);
-  EXPECT_EQ(ContentOf(directory.Path("script")), "one\n");
+  EXPECT_EQ(Script(), "one\n");
+  EXPECT_EQ(NamesIn(directory_.Path()), std::vector<std::string>{"script"});
 }
 
 TEST(WriteNewFile, ReplacesALinkAndGivesTheMode) {
   const TemporaryDirectory directory;
   directory.Write("victim", "safe");
   fs::create_symlink("victim", directory.Path("new"));
-  EXPECT_EQ(WriteNewFile(directory.Path("new"), "text", 0755), NewFile::Written);
+  struct stat like = {};
+  ASSERT_EQ(stat(directory.Write("like", "").c_str(), &like), 0);
+  like.st_mode = S_IFREG | 0755;
+  EXPECT_EQ(WriteNewFile(directory.Path("new"), "text", like), NewFile::Written);
   EXPECT_EQ(ContentOf(directory.Path("victim")), "safe");
   EXPECT_EQ(ContentOf(directory.Path("new")), "text");
   EXPECT_EQ(ModeOf(directory.Path("new")), 0755u);
@@ -82,8 +128,54 @@ TEST(WriteNewFile, TellsAFileThatCannotBeMadeFromOneThatCannotBeFilled) {
   const TemporaryDirectory directory;
   const SmallDisk disk(directory.Path(), 8192);
   fs::create_directory(directory.Path("taken"));
-  EXPECT_EQ(WriteNewFile(directory.Path("taken"), "text", 0755), NewFile::NotMade);
-  EXPECT_EQ(WriteNewFile(directory.Path("new"), kTooMuch, 0755), NewFile::NotWritten);
+  struct stat like = {};
+  ASSERT_EQ(stat(directory.Path().c_str(), &like), 0);
+  EXPECT_EQ(WriteNewFile(directory.Path("taken"), "text", like), NewFile::NotMade);
+  EXPECT_EQ(WriteNewFile(directory.Path("new"), kTooMuch, like), NewFile::NotWritten);
+}
+
+// Several files of one directory.
+class ReplaceFiles : public testing::Test {
+ protected:
+  // Files of those names, each holding its own name.
+  std::vector<FileContent> Files(const std::vector<std::string> &names) const {
+    std::vector<FileContent> files;
+    for (const std::string &name : names) files.push_back({directory_.Path(name), name, kPrivate});
+    return files;
+  }
+  ino_t Inode(const std::string &name) const {
+    struct stat status = {};
+    stat(directory_.Path(name).c_str(), &status);
+    return status.st_ino;
+  }
+
+  const TemporaryDirectory directory_;
+};
+
+TEST_F(ReplaceFiles, WritesEachOfMany) {
+  std::vector<std::string> names;
+  for (int i = 100; i < 300; ++i) names.push_back(std::to_string(i) + ".def");
+  EXPECT_TRUE(ReplaceFilesDurably(Files(names)).empty());
+  EXPECT_EQ(NamesIn(directory_.Path()), names);
+  for (const std::string &name : names) EXPECT_EQ(ContentOf(directory_.Path(name)), name);
+}
+
+TEST_F(ReplaceFiles, LeavesAloneWhatIsAsItShouldBe) {
+  ASSERT_TRUE(ReplaceFilesDurably(Files({"a", "b", "c"})).empty());
+  directory_.Write("b", "other");
+  fs::permissions(directory_.Path("c"), fs::perms(0644));
+  const ino_t a = Inode("a");
+  EXPECT_TRUE(ReplaceFilesDurably(Files({"a", "b", "c"})).empty());
+  EXPECT_EQ(Inode("a"), a);
+  EXPECT_EQ(ContentOf(directory_.Path("b")), "b");
+  EXPECT_EQ(ModeOf(directory_.Path("c")), 0600u);
+}
+
+TEST_F(ReplaceFiles, NamesThoseThatCannotBeWrittenAndWritesTheOthers) {
+  fs::create_directory(directory_.Path("b"));
+  EXPECT_EQ(ReplaceFilesDurably(Files({"a", "b", "c"})),
+            std::vector<std::string>{directory_.Path("b")});
+  EXPECT_EQ(NamesIn(directory_.Path()), (std::vector<std::string>{"a", "b", "c"}));
 }
 
 TEST(ReplaceFile, WritesTheTextAndLeavesNothingBeside) {
