@@ -20,24 +20,32 @@ namespace {
 
 void Warn(const std::string &text) { PrintErrorLine("kpxfilter: " + text); }
 
+// The user's settings for the job: those of the waiting request, where there are some, else those
+// for the queue.
+OptionFile OptionsOfUser(const FilterArguments &arguments) {
+  OptionFile file = ReadRequestOptions(arguments.def_file, arguments.user, arguments.request);
+  if (file.counts || !file.error.empty()) return file;
+  if (!file.warning.empty()) Warn(file.warning);
+  const std::string path = UserOptionFile(arguments.def_file, arguments.user);
+  return path.empty() ? OptionFile() : ReadUserOptions(path, arguments.user);
+}
+
 // The layers of settings over the printer's defaults: the queue's file, the user's, the job's
 // words. Returns an empty text, or what failed.
 std::string ApplyLayers(const FilterArguments &arguments, JobSettings *settings) {
   if (!arguments.def_file.empty()) {
-    const OptionFile queue = ReadQueueOptions(arguments.def_file);
+    const bool has_options = !settings->Model().features.empty();
+    const OptionFile queue = ReadQueueOptions(arguments.def_file, has_options);
     if (!queue.error.empty()) return queue.error;
     settings->ApplyQueue(queue.settings);
-    const std::string user_file = UserOptionFile(arguments.def_file, arguments.user);
-    if (!user_file.empty()) {
-      const OptionFile user = ReadUserOptions(user_file, arguments.user);
-      if (!user.error.empty()) return user.error;
-      if (!user.warning.empty()) Warn(user.warning);
-      settings->Apply(user.settings);
-    }
+    const OptionFile user = OptionsOfUser(arguments);
+    if (!user.error.empty()) return user.error;
+    if (!user.warning.empty()) Warn(user.warning);
+    settings->ApplyUser(user.settings);
   }
   settings->Apply(ParseOptionWords(arguments.options));
   for (const std::string &warning : settings->Warnings()) Warn(warning);
-  return {};
+  return DeliveryProblem(*settings);
 }
 
 std::string Describe(const char *end, int error) {

@@ -5,5 +5,6 @@
 
 #include "arguments.h"
 
-// Turns standard input into printer data on standard output. Returns an empty text, or what failed.
+// Turns standard input into printer data on standard output. Warnings go to standard error. Returns
+// an empty text, or what failed.
 std::string FilterJob(const FilterArguments &arguments);

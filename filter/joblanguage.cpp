@@ -4,6 +4,7 @@
 #include <cctype>
 #include <cstdint>
 
+#include "destination.h"
 #include "featurecode.h"
 #include "textencoding.h"
 #include "textscan.h"
@@ -86,15 +87,16 @@ bool IsPin(std::string_view text) {
          std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
 
-void AddDelivery(const JobSettings &settings, const JobIdentity &identity, CommandList *commands) {
+// The delivery in force when it is one that takes a PIN, else null.
+const PpdChoice *DeliveryWithPin(const JobSettings &settings) {
   const PpdChoice *delivery = settings.Chosen("Delivery");
+  return delivery != nullptr && TakesPin(delivery->keyword) ? delivery : nullptr;
+}
+
+void AddDelivery(const JobSettings &settings, const JobIdentity &identity, CommandList *commands) {
   const std::string pin = settings.Other("*DeliveryPIN");
   // Other deliveries keep an old PIN in the settings; it must not go out with them.
-  if (delivery != nullptr && IsPin(pin) &&
-      (delivery->keyword == "HoldJobUntilYouEnterPIN" ||
-       delivery->keyword == "ArchiveToDocumentServer")) {
-    commands->SetText("DELIVERYPIN", pin);
-  }
+  if (DeliveryWithPin(settings) != nullptr && IsPin(pin)) commands->SetText("DELIVERYPIN", pin);
   const PpdChoice *notification = settings.Chosen("EmailNotification");
   if (notification == nullptr || notification->keyword == "None") return;
   commands->SetText("EMAILADDRESS", settings.Other("*EmailAddress"));
@@ -107,8 +109,7 @@ std::string OwnCommands(const JobSettings &settings, const JobIdentity &identity
   CommandList commands(settings.Model().pjl_utf8);
   const std::string name = settings.Other("*JobName");
   commands.SetText("JOBNAME", name.empty() || name == "UseAppSetting" ? identity.title : name);
-  const std::string user = settings.Other("*UserName");
-  commands.SetText("USERNAME", user.empty() ? identity.user : user);
+  commands.SetText("USERNAME", settings.UserName(identity.user));
   AddDelivery(settings, identity, &commands);
   if (with_copies && settings.Copies() > 1) {
     commands.Add("COPIES", std::to_string(settings.Copies()));
@@ -174,6 +175,27 @@ std::string JobControlHeader(const JobSettings &settings, const JobIdentity &ide
   }
   if (!model.pjl) return header;
   return header + "@PJL ENTER LANGUAGE=" + std::string(language) + "\n";
+}
+
+std::string DeliveryProblem(const JobSettings &settings) {
+  constexpr char kNoWay[] = "cannot be asked for: the printer description has no ";
+  const std::string unknown = settings.Other("*Delivery");
+  if (TakesPin(unknown)) {
+    return "the delivery \"" + unknown + "\" " + kNoWay + "delivery of that name";
+  }
+  const PpdChoice *delivery = DeliveryWithPin(settings);
+  if (delivery == nullptr) return {};
+  const std::string pin = settings.Other("*DeliveryPIN");
+  // As in the window, where a job may be archived without a PIN.
+  if (pin.empty() && !NeedsPin(delivery->keyword)) return {};
+  const std::string name = "the delivery \"" + delivery->text + "\" ";
+  if (!IsPin(pin)) {
+    return name +
+           "needs a PIN of four digits, which is missing: set one on the page Destination of "
+           "the properties, or choose another delivery";
+  }
+  if (settings.Model().pjl) return {};
+  return name + kNoWay + "job commands (PJL) to send the PIN with";
 }
 
 bool EntersPostScript(const JobControl &control) {

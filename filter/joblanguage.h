@@ -35,6 +35,10 @@ JobControl ReadJobControl(std::string_view start, bool whole);
 std::string JobControlHeader(const JobSettings &settings, const JobIdentity &identity,
                              const std::string &job_commands, std::string_view language);
 
+// Why the delivery that is chosen cannot be asked for: it is to wait for a PIN, and there is no
+// valid one (four digits), or no way to send it. Empty when it can. Never names the PIN.
+std::string DeliveryProblem(const JobSettings &settings);
+
 // Whether the job control enters PostScript.
 bool EntersPostScript(const JobControl &control);
 

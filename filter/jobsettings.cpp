@@ -1,6 +1,9 @@
 #include "jobsettings.h"
 
+#include <algorithm>
 #include <charconv>
+
+#include "destination.h"
 
 namespace {
 
@@ -8,6 +11,7 @@ constexpr int kMostCopies = 32767;
 constexpr double kLongestSide = 1e5;  // points
 constexpr std::string_view kPaperKey = "*CustomPaperSize";
 constexpr std::string_view kMediaKey = "*CustomMediaType";
+constexpr char kUserKey[] = "*UserName";
 
 // The whole of `text` as a number, nothing when it is none.
 template <typename Number>
@@ -28,6 +32,13 @@ std::optional<CustomPaper> PaperOf(std::string_view width, std::string_view leng
   return CustomPaper{*w, *l};
 }
 
+// Whether a job of this user ("host!user" for one of another host) is anybody's. "anonymous" is
+// what the spooler calls the user of a job that names none.
+bool IsSomebody(std::string_view user) {
+  user.remove_prefix(std::min(user.rfind('!') + 1, user.size()));
+  return !user.empty() && user != "anonymous" && user != "nobody";
+}
+
 }  // namespace
 
 JobSettings::JobSettings(const PpdModel &model) : model_(model) {}
@@ -36,6 +47,14 @@ void JobSettings::ApplyQueue(const std::vector<KeyValue> &settings) {
   // The definitions stand behind the settings that name them.
   for (const KeyValue &setting : settings) Define(setting);
   Apply(settings);
+  queue_user_ = Other(kUserKey);
+  others_.erase(kUserKey);
+}
+
+void JobSettings::ApplyUser(const std::vector<KeyValue> &settings) {
+  for (const KeyValue &setting : settings) {
+    if (setting.key != kUserKey || setting.value != queue_user_) Apply({setting});
+  }
 }
 
 void JobSettings::Define(const KeyValue &setting) {
@@ -92,6 +111,10 @@ void JobSettings::ApplyOne(const KeyValue &setting) {
                       (feature->keyword == "MediaType" && medias_.contains(setting.value));
   if (choice != nullptr || custom) {
     features_[feature->keyword] = choice != nullptr ? choice->keyword : setting.value;
+    others_.erase(setting.key);
+  } else if (feature->keyword == "Delivery" && TakesPin(setting.value)) {
+    // Not to be ignored: see DeliveryProblem.
+    others_[setting.key] = setting.value;
   } else {
     warnings_.push_back("\"" + setting.key + "=" + setting.value +
                         "\" is no option of the printer, ignored");
@@ -121,6 +144,12 @@ std::optional<std::string> JobSettings::MediaName() const {
   const auto set = features_.find("MediaType");
   if (set == features_.end() || Chosen("MediaType") != nullptr) return std::nullopt;
   return set->second;
+}
+
+std::string JobSettings::UserName(const std::string &login) const {
+  const std::string own = Other(kUserKey);
+  if (!own.empty()) return own;
+  return IsSomebody(login) || queue_user_.empty() ? login : queue_user_;
 }
 
 std::string JobSettings::Other(std::string_view key) const {

@@ -24,8 +24,12 @@ class JobSettings {
   // name").
   void ApplyQueue(const std::vector<KeyValue> &settings);
 
-  // Lays a user's or a job's settings over the present ones. A value that the printer does not
-  // offer changes nothing and is added to the warnings.
+  // Lays the settings of a user's file over the present ones. A "*UserName" that is the queue's
+  // says nothing: the windows show the queue's and store what they show.
+  void ApplyUser(const std::vector<KeyValue> &settings);
+
+  // Lays a job's settings over the present ones. A value that the printer does not offer changes
+  // nothing and is added to the warnings.
   void Apply(const std::vector<KeyValue> &settings);
 
   const PpdModel &Model() const { return model_; }
@@ -44,6 +48,11 @@ class JobSettings {
   // The value of a key that is no feature of the printer ("*JobName"), or an empty text.
   std::string Other(std::string_view key) const;
 
+  // Whose name the printer gets for a job of the spooler's user `login`: the "*UserName" of the job
+  // or of its user, else the login name. That of the queue is for jobs that come without a user
+  // (none, "anonymous" or "nobody").
+  std::string UserName(const std::string &login) const;
+
   int Copies() const { return copies_; }
 
   const std::vector<std::string> &Warnings() const { return warnings_; }
@@ -57,6 +66,7 @@ class JobSettings {
   std::map<std::string, std::string, std::less<>> others_;
   std::map<std::string, CustomPaper, std::less<>> papers_;
   std::map<std::string, std::string, std::less<>> medias_;
+  std::string queue_user_;  // the queue's "*UserName"
   int copies_ = 1;
   std::vector<std::string> warnings_;
 };

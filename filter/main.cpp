@@ -4,18 +4,22 @@
 //   kpxfilter OPTIONS -JTITLE -eTITLE -LUSER --filter --type TYPE --ppdfile PPD --deffile DEF <FILE
 // Exit status: 0 done; 1 it could not be done, standard error says why; 2 wrong call.
 #include <clocale>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
 #include "arguments.h"
 #include "conversion.h"
 #include "filtering.h"
+#include "requestfile.h"
 #include "textencoding.h"
 
 int main(int argc, char **argv) {
   std::setlocale(LC_CTYPE, "");
-  const FilterArguments arguments =
+  FilterArguments arguments =
       ParseArguments(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc));
+  const char *request = std::getenv(kRequestVariable);
+  if (request != nullptr) arguments.request = request;
   std::string problem;
   switch (arguments.mode) {
     case FilterMode::None:

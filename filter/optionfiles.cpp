@@ -9,6 +9,7 @@
 #include <cstring>
 #include <optional>
 
+#include "requestfile.h"
 #include "textencoding.h"
 #include "textline.h"
 
@@ -68,12 +69,24 @@ std::optional<std::string> ReadAndClose(int fd) {
   return content;
 }
 
-OptionFile Failure(const std::string &path, const char *reason) {
-  return {{}, {}, path + ": " + reason};
+OptionFile Failed(const std::string &reason) {
+  return {.settings = {}, .warning = {}, .error = reason};
 }
 
 OptionFile Ignored(const std::string &path, const char *reason) {
-  return {{}, path + ": ignored: " + reason, {}};
+  return {.settings = {}, .warning = path + ": ignored: " + reason, .error = {}};
+}
+
+OptionFile Read(std::string_view text) {
+  return {.settings = KeyValuesOf(text), .warning = {}, .error = {}, .counts = true};
+}
+
+enum class Kind { File, Directory };
+
+bool IsKind(mode_t mode, Kind kind) { return kind == Kind::File ? S_ISREG(mode) : S_ISDIR(mode); }
+
+const char *WrongKind(Kind kind) {
+  return kind == Kind::File ? "it is no regular file" : "it is no directory";
 }
 
 bool BelongsTo(const struct stat &status, const std::string &login) {
@@ -82,22 +95,63 @@ bool BelongsTo(const struct stat &status, const std::string &login) {
   return entry != nullptr && entry->pw_uid == status.st_uid;
 }
 
-// Why a file of this status is not the option file of `login`; null when it is.
-const char *WhyNot(const struct stat &status, const std::string &login) {
+// Why what has this status is not the file or directory of `login`; null when it is.
+const char *WhyNot(const struct stat &status, const std::string &login, Kind kind) {
   if (S_ISLNK(status.st_mode)) return "it is a symbolic link";
-  if (!S_ISREG(status.st_mode)) return "it is no regular file";
+  if (!IsKind(status.st_mode, kind)) return WrongKind(kind);
   return BelongsTo(status, login) ? nullptr : "it belongs to another user";
 }
 
-// What a user's option file that does not open with `error` means. Anybody may put a file where it
-// would lie: only one that is the user's, or root's, may stop the job.
-OptionFile NotOpened(const std::string &path, const std::string &login, int error) {
-  if (error == ENOENT || error == ENOTDIR) return {};
+// Where a user's file or directory lies.
+struct Place {
+  std::string path;  // the whole, for messages
+  int directory;     // what `name` is relative to
+  std::string name;
+};
+
+// What a user's file or directory that does not open with `error` means. Anybody may put a file
+// where it would lie: only one that is the user's, or root's, may stop the job.
+OptionFile NotOpened(const Place &place, const std::string &login, Kind kind, int error) {
+  if (error == ENOENT) return {};
   struct stat status {};
-  const bool known = lstat(path.c_str(), &status) == 0;
-  if (!known && errno == ENOENT) return {};
-  const char *reason = known ? WhyNot(status, login) : nullptr;
-  return reason == nullptr ? Failure(path, std::strerror(error)) : Ignored(path, reason);
+  const bool known =
+      fstatat(place.directory, place.name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0;
+  if (!known && (errno == ENOENT || errno == ENOTDIR)) return {};
+  const char *reason = known ? WhyNot(status, login, kind) : nullptr;
+  return reason == nullptr ? Failed(place.path + ": " + std::strerror(error))
+                           : Ignored(place.path, reason);
+}
+
+// A descriptor on what is the file or directory of `login`, opened without following a link; -1
+// when there is none, and `result` says what that means.
+int OpenOwn(const Place &place, const std::string &login, Kind kind, OptionFile *result) {
+  // Of a directory no more than that its files can be opened.
+  const int how = kind == Kind::Directory ? O_PATH | O_DIRECTORY : O_RDONLY | O_NONBLOCK;
+  const int opened = openat(place.directory, place.name.c_str(), how | O_NOFOLLOW | O_CLOEXEC);
+  if (opened < 0) {
+    *result = NotOpened(place, login, kind, errno);
+    return opened;
+  }
+  struct stat status {};
+  const char *reason =
+      fstat(opened, &status) == 0 ? WhyNot(status, login, kind) : std::strerror(errno);
+  if (reason == nullptr) return opened;
+  close(opened);
+  *result = Ignored(place.path, reason);
+  return -1;
+}
+
+OptionFile ReadOwn(const Place &place, const std::string &login) {
+  OptionFile result;
+  const int file = OpenOwn(place, login, Kind::File, &result);
+  if (file < 0) return result;
+  const auto text = ReadAndClose(file);
+  return text ? Read(*text) : Failed(place.path + ": " + std::strerror(errno));
+}
+
+// The directory of the users' files beside the queue's file, without "/" at its end.
+std::string UsersDirectory(const std::string &queue_file) {
+  return queue_file.substr(0, queue_file.rfind('/') + 1) + "users";
 }
 
 }  // namespace
@@ -114,33 +168,41 @@ std::vector<KeyValue> ParseOptionWords(std::string_view options) {
 
 std::string UserOptionFile(const std::string &queue_file, std::string_view user) {
   const std::string login = LoginName(user);
-  const size_t slash = queue_file.rfind('/');
-  const std::string directory =
-      slash == std::string::npos ? std::string() : queue_file.substr(0, slash + 1);
-  const std::string name = slash == std::string::npos ? queue_file : queue_file.substr(slash + 1);
+  const std::string name = queue_file.substr(queue_file.rfind('/') + 1);
   if (login.empty() || name.empty() || login.find('/') != std::string::npos) return {};
-  return directory + "users/" + login + ":" + name;
+  return UsersDirectory(queue_file) + "/" + login + ":" + name;
 }
 
-OptionFile ReadQueueOptions(const std::string &path) {
+OptionFile ReadQueueOptions(const std::string &path, bool has_options) {
+  constexpr char kAdvice[] = ": save the queues in KPXadmin, which writes it again";
+  const std::string file = "the queue's option file " + path;
   const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  if (fd < 0 && errno == ENOENT) return {};
   const auto text = fd < 0 ? std::nullopt : ReadAndClose(fd);
-  if (!text) return Failure(path, std::strerror(errno));
-  return {KeyValuesOf(*text), {}, {}};
+  if (!text && errno == ENOENT) return Failed(file + " is missing" + kAdvice);
+  if (!text) return Failed(file + ": " + std::strerror(errno));
+  OptionFile result = Read(*text);
+  if (result.settings.empty() && has_options) return Failed(file + " is empty" + kAdvice);
+  return result;
 }
 
 OptionFile ReadUserOptions(const std::string &path, std::string_view user) {
-  const int fd = open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
-  if (fd < 0) return NotOpened(path, LoginName(user), errno);
-  struct stat status {};
-  const char *reason =
-      fstat(fd, &status) == 0 ? WhyNot(status, LoginName(user)) : std::strerror(errno);
-  if (reason != nullptr) {
-    close(fd);
-    return Ignored(path, reason);
+  return ReadOwn({path, AT_FDCWD, path}, LoginName(user));
+}
+
+OptionFile ReadRequestOptions(const std::string &queue_file, std::string_view user,
+                              std::string_view request) {
+  if (request.empty()) return {};
+  if (!IsRequestName(request)) {
+    return Ignored(kRequestVariable, "it does not name a request");
   }
-  const auto text = ReadAndClose(fd);
-  if (!text) return Failure(path, std::strerror(errno));
-  return {KeyValuesOf(*text), {}, {}};
+  const std::string login = LoginName(user);
+  const std::string path = RequestDirectory(UsersDirectory(queue_file), login);
+  if (path.empty()) return {};
+  OptionFile result;
+  const int directory = OpenOwn({path, AT_FDCWD, path}, login, Kind::Directory, &result);
+  if (directory < 0) return result;
+  const std::string name(request);
+  result = ReadOwn({path + "/" + name, directory, name}, login);
+  close(directory);
+  return result;
 }

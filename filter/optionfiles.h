@@ -23,12 +23,21 @@ struct OptionFile {
   std::vector<KeyValue> settings;
   std::string warning;  // why the file does not count
   std::string error;    // why the job cannot be printed as its settings say
+  bool counts = false;  // it is there and its settings were read
 };
 
-// The queue's option file. One that is not there is empty; one that cannot be read is an error.
-OptionFile ReadQueueOptions(const std::string &path);
+// The queue's option file. One that is not there or cannot be read is an error, and so is one
+// without any setting where `has_options` says that there is something to set: either would print
+// a job openly that the queue is to hold.
+OptionFile ReadQueueOptions(const std::string &path, bool has_options);
 
 // A user's option file. One that is not there is empty. It counts only when it is a regular file of
 // that user or of root, not reached through a symbolic link; else there is a warning. One that
 // counts and cannot be read is an error.
 OptionFile ReadUserOptions(const std::string &path, std::string_view user);
+
+// The settings of one waiting request (see requestfile.h), beside the queue's file `queue_file`.
+// What ReadUserOptions says holds for the file and for the directory it lies in. `request` may be
+// empty; what can name no file is ignored with a warning.
+OptionFile ReadRequestOptions(const std::string &queue_file, std::string_view user,
+                              std::string_view request);

@@ -108,6 +108,8 @@ bool TakesPin(const std::string &delivery_option) {
   return delivery_option == L_HoldForPin || delivery_option == L_Archive;
 }
 
+bool NeedsPin(const std::string &delivery_option) { return delivery_option == L_HoldForPin; }
+
 bool Notifies(const std::string &notification_option) {
   return notification_option != L_NoNotification;
 }

@@ -16,6 +16,9 @@ bool UsesApplicationsJobName();
 // What is typed for the delivery counts as a PIN only with one of the two deliveries that take one.
 bool TakesPin(const std::string &delivery_option);
 
+// Which of the two cannot do without one.
+bool NeedsPin(const std::string &delivery_option);
+
 // Address and message count for every notification but "None".
 bool Notifies(const std::string &notification_option);
 

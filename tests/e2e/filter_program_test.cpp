@@ -95,7 +95,7 @@ class Filtering : public testing::Test {
     std::filesystem::create_directory(directory_.Path("users"));
     call_.user = getpwuid(geteuid())->pw_name;
     call_.ppd_file = kOffice;
-    call_.def_file = directory_.Path("lp1.def");
+    call_.def_file = directory_.Write("lp1.def", "*Duplex=None\n");
   }
   void WriteUserFile(const std::string &text) {
     directory_.Write("users/" + call_.user + ":lp1.def", text);
@@ -121,6 +121,38 @@ TEST_F(Filtering, SettingsAreMergedFromDefaultsQueueUserAndOptions) {
   }
 }
 
+TEST_F(Filtering, AMissingOrEmptyQueueFileEndsTheJobBeforeAnyData) {
+  directory_.Write("lp1.def", "");
+  const FilterRun empty = Filter(call_, "%!\nshowpage\n");
+  EXPECT_EQ(empty.status, 1);
+  EXPECT_EQ(empty.output, "");
+  EXPECT_EQ(empty.errors, "kpxfilter: the queue's option file " + call_.def_file +
+                              " is empty: save the queues in KPXadmin, which writes it again\n");
+  std::filesystem::remove(call_.def_file);
+  const FilterRun missing = Filter(call_, "%!\nshowpage\n");
+  EXPECT_EQ(missing.status, 1);
+  EXPECT_EQ(missing.output, "");
+  EXPECT_EQ(missing.errors,
+            "kpxfilter: the queue's option file " + call_.def_file +
+                " is missing: save the queues in KPXadmin, which writes it again\n");
+}
+
+TEST_F(Filtering, AWaitingRequestHasItsOwnSettingsInsteadOfTheUsersForTheQueue) {
+  WriteUserFile("*NrCopies=3\n*Duplex=DuplexTumble\n");
+  std::filesystem::create_directory(directory_.Path("users/" + call_.user));
+  directory_.Write("users/" + call_.user + "/lp1-7", "*NrCopies=5\n");
+  ASSERT_EQ(setenv("KPX_REQUEST", "lp1-7", 1), 0);
+  const FilterRun own = Filter(call_, "%!\nshowpage\n");
+  ASSERT_EQ(setenv("KPX_REQUEST", "lp1-8", 1), 0);
+  const FilterRun other = Filter(call_, "%!\nshowpage\n");
+  ASSERT_EQ(unsetenv("KPX_REQUEST"), 0);
+  EXPECT_EQ(own.errors + other.errors, "");
+  EXPECT_NE(own.output.find("<</NumCopies 5>>"), std::string::npos);
+  EXPECT_NE(own.output.find("*Duplex None\n"), std::string::npos);
+  EXPECT_NE(other.output.find("<</NumCopies 3>>"), std::string::npos);
+  EXPECT_NE(other.output.find("*Duplex DuplexTumble\n"), std::string::npos);
+}
+
 TEST_F(Filtering, AnEmptyOptionsArgumentIsNone) {
   call_.options = "";
   EXPECT_EQ(Filter(call_, "%!\nshowpage\n").status, 0);
@@ -133,6 +165,22 @@ TEST_F(Filtering, ThePinIsInTheJobAloneAndNotInTheMessages) {
   EXPECT_NE(run.output.find("DELIVERYPIN=\"4711\""), std::string::npos);
   EXPECT_NE(run.errors.find("*Duplex=Wrong"), std::string::npos);
   EXPECT_EQ(run.errors.find("4711"), std::string::npos);
+}
+
+TEST_F(Filtering, ADeliveryThatWaitsForAMissingPinEndsTheJobBeforeAnyData) {
+  directory_.Write("lp1.def", "*Delivery=HoldJobUntilYouEnterPIN\n");
+  WriteUserFile("*DeliveryPIN=47119\n");
+  const FilterRun run = Filter(call_, "%!\nshowpage\n");
+  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(run.output, "");
+  EXPECT_NE(run.errors.find("needs a PIN of four digits"), std::string::npos) << run.errors;
+  EXPECT_EQ(run.errors.find("4711"), std::string::npos);
+}
+
+TEST_F(Filtering, TheQueuesUserNameLosesToTheSpoolersUser) {
+  directory_.Write("lp1.def", "*UserName=root\n");
+  call_.user = "anna";
+  EXPECT_NE(Filter(call_, "%!\nshowpage\n").output.find("USERNAME=\"anna\""), std::string::npos);
 }
 
 TEST_F(Filtering, AUserFileThatIsALinkIsIgnoredWithAMessage) {

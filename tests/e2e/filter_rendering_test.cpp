@@ -15,7 +15,6 @@ FilterCall Call(const std::string &options = "") {
   FilterCall call;
   call.options = options;
   call.ppd_file = kOffice;
-  call.def_file = "/nonexistent/lp1.def";
   return call;
 }
 

@@ -53,7 +53,6 @@ Flow Send(const JobShape &job, size_t size) {
   call.type = job.type;
   call.options = job.options;
   call.ppd_file = std::string(KPX_TEST_DATA) + "/data/ppd/office.ppd";
-  call.def_file = "/nonexistent/lp1.def";
   int in[2];
   int out[2];
   if (pipe2(in, O_CLOEXEC) != 0 || pipe2(out, O_CLOEXEC) != 0) return {};

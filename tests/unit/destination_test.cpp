@@ -122,6 +122,8 @@ TEST_F(Destination, PinAddressAndMessageShowNothingWithoutAValue) {
 TEST_F(Destination, TwoDeliveriesTakeAPin) {
   EXPECT_TRUE(TakesPin("HoldJobUntilYouEnterPIN"));
   EXPECT_TRUE(TakesPin("ArchiveToDocumentServer"));
+  EXPECT_TRUE(NeedsPin("HoldJobUntilYouEnterPIN"));
+  EXPECT_FALSE(NeedsPin("ArchiveToDocumentServer"));
   EXPECT_FALSE(TakesPin("PrintImmediately"));
   EXPECT_FALSE(TakesPin(""));
 }

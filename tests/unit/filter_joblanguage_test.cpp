@@ -51,6 +51,57 @@ TEST_F(JobControlText, APinThatIsNoneIsNotSent) {
   EXPECT_EQ(Header().find("PIN="), std::string::npos);
 }
 
+TEST_F(JobControlText, ADeliveryThatWaitsForAPinNeedsOneOfFourDigits) {
+  constexpr char kProblem[] =
+      "the delivery \"Hold\" needs a PIN of four digits, which is missing: set one on the page "
+      "Destination of the properties, or choose another delivery";
+  Set({{"*DeliveryPIN", "12345"}});
+  EXPECT_EQ(DeliveryProblem(settings_), "");
+  Set({{"*Delivery", "HoldJobUntilYouEnterPIN"}});
+  for (const char *pin : {"12345", "", "123", "12a4", " 1234", "１２３４"}) {
+    Set({{"*DeliveryPIN", pin}});
+    EXPECT_EQ(DeliveryProblem(settings_), kProblem) << pin;
+  }
+  Set({{"*DeliveryPIN", "0000"}});
+  EXPECT_EQ(DeliveryProblem(settings_), "");
+  Set({{"*DeliveryPIN", "1"}, {"*Delivery", "PrintImmediately"}});
+  EXPECT_EQ(DeliveryProblem(settings_), "");
+}
+
+TEST_F(JobControlText, AnArchivedJobMayHaveNoPinButNoWrongOne) {
+  for (PpdFeature &feature : model_.features) {
+    if (feature.keyword != "Delivery") continue;
+    feature.choices.push_back(
+        {"ArchiveToDocumentServer", "Archive", "@PJL SET DELIVERY=ARCHIVE\n"});
+  }
+  Set({{"*Delivery", "ArchiveToDocumentServer"}});
+  EXPECT_EQ(DeliveryProblem(settings_), "");
+  Set({{"*DeliveryPIN", "471"}});
+  EXPECT_NE(DeliveryProblem(settings_), "");
+  EXPECT_EQ(DeliveryProblem(settings_).find("471"), std::string::npos);
+}
+
+TEST_F(JobControlText, ADeliveryWithAPinThatCannotBeSentIsNotLeftOut) {
+  Set({{"*Delivery", "HoldJobUntilYouEnterPIN"}, {"*DeliveryPIN", "4711"}});
+  model_.pjl = false;
+  EXPECT_EQ(
+      DeliveryProblem(settings_),
+      "the delivery \"Hold\" cannot be asked for: the printer description has no job commands "
+      "(PJL) to send the PIN with");
+  Set({{"*Delivery", "ArchiveToDocumentServer"}});
+  const std::string unknown =
+      "the delivery \"ArchiveToDocumentServer\" cannot be asked for: the printer description has "
+      "no "
+      "delivery of that name";
+  EXPECT_EQ(DeliveryProblem(settings_), unknown);
+  Set({{"*Delivery", "PrintImmediately"}});
+  EXPECT_EQ(DeliveryProblem(settings_), "");
+  const PpdModel plain;
+  JobSettings settings(plain);
+  settings.Apply({{"*Delivery", "ArchiveToDocumentServer"}});
+  EXPECT_EQ(DeliveryProblem(settings), unknown);
+}
+
 TEST_F(JobControlText, MailTextsGoOnlyWithANotification) {
   Set({{"*EmailAddress", "a@b.cd"}, {"*EmailMessage", "Hello"}});
   EXPECT_EQ(Header().find("EMAIL"), std::string::npos);

@@ -144,9 +144,116 @@ TEST(UserOptionFiles, ThatAreNoRegularFilesDoNotStopTheJob) {
             directory.Path("fifo") + ": ignored: it is no regular file");
 }
 
-TEST(QueueOptionFiles, OneThatIsNotThereIsEmptyAndOneThatCannotBeReadAnError) {
-  EXPECT_EQ(ReadQueueOptions("/nonexistent/lp1.def").error, "");
-  EXPECT_EQ(ReadQueueOptions("/tmp").error, "/tmp: Is a directory");
+TEST(QueueOptionFiles, OneThatIsNotThereOrCannotBeReadIsAnError) {
+  EXPECT_EQ(ReadQueueOptions("/nonexistent/lp1.def", false).error,
+            "the queue's option file /nonexistent/lp1.def is missing: save the queues in KPXadmin, "
+            "which writes it again");
+  EXPECT_EQ(ReadQueueOptions("/tmp", false).error, "the queue's option file /tmp: Is a directory");
+}
+
+TEST(QueueOptionFiles, OneWithoutSettingsIsAnErrorWhereThereIsSomethingToSet) {
+  const TemporaryDirectory directory;
+  for (const char *text : {"", "\n", "##Name:x\n"}) {
+    const std::string path = directory.Write("lp1.def", text);
+    EXPECT_EQ(ReadQueueOptions(path, false).error, "") << text;
+    EXPECT_EQ(ReadQueueOptions(path, true).error,
+              "the queue's option file " + path +
+                  " is empty: save the queues in KPXadmin, which writes it again");
+  }
+}
+
+// A queue lp1 beside which users keep settings of waiting requests.
+class RequestFiles : public testing::Test {
+ protected:
+  RequestFiles() {
+    EXPECT_EQ(chmod(directory_.Path().c_str(), 0755), 0);
+    std::filesystem::create_directories(own_);
+    GiveTo("bin", own_);
+    GiveTo("bin", Write("lp1-7", "*A=1\n"));
+  }
+  std::string Write(const std::string &name, const std::string &text) const {
+    return directory_.Write("users/bin/" + name, text);
+  }
+  // Reads as the spooler does, which is not root.
+  OptionFile Read(const std::string &request, const std::string &user = "bin") const {
+    const uid_t self = geteuid();
+    EXPECT_EQ(seteuid(getpwnam("nobody")->pw_uid), 0);
+    OptionFile file = ReadRequestOptions(directory_.Path("lp1.def"), user, request);
+    EXPECT_EQ(seteuid(self), 0);
+    return file;
+  }
+  // Says that there are no settings, and why.
+  void ExpectIgnored(const std::string &request, const std::string &warning) const {
+    const OptionFile file = Read(request);
+    EXPECT_FALSE(file.counts);
+    EXPECT_TRUE(file.settings.empty());
+    EXPECT_EQ(file.warning, warning);
+    EXPECT_EQ(file.error, "");
+  }
+
+  void SetUp() override {
+    if (geteuid() != 0) GTEST_SKIP() << "gives files to other users, which only root can";
+  }
+
+  const TemporaryDirectory directory_;
+  const std::string own_ = directory_.Path("users/bin");
+};
+
+TEST_F(RequestFiles, HoldTheSettingsOfOneRequest) {
+  EXPECT_EQ(Joined(Read("lp1-7").settings), "*A=1;");
+  EXPECT_EQ(Joined(Read("lp1-7", "host!bin").settings), "*A=1;");
+  EXPECT_TRUE(Read("lp1-7").counts);
+  ExpectIgnored("lp1-8", "");
+  ExpectIgnored("", "");
+  EXPECT_FALSE(Read("lp1-7", "sys").counts);
+}
+
+TEST_F(RequestFiles, OneWithoutAnySettingCountsToo) {
+  GiveTo("bin", Write("lp1-8", ""));
+  EXPECT_TRUE(Read("lp1-8").counts);
+}
+
+TEST_F(RequestFiles, ARequestThatCanNameNoFileIsIgnored) {
+  for (const char *request : {"../bin/lp1-7", "lp1", "-7", "lp1-", "lp1-7x", "..", "a/b-1",
+                              "lp1\n-7", "\xE9-7", "lp1-7\x7F-1"}) {
+    ExpectIgnored(request, "KPX_REQUEST: ignored: it does not name a request");
+  }
+  ExpectIgnored(std::string(300, 'x') + "-1", "KPX_REQUEST: ignored: it does not name a request");
+  GiveTo("bin", Write("büro-7", "*A=1\n"));
+  EXPECT_TRUE(Read("büro-7").counts);
+}
+
+TEST_F(RequestFiles, DoNotCountWhenTheyOrTheirDirectoryBelongToAnotherUser) {
+  GiveTo("daemon", own_ + "/lp1-7");
+  ExpectIgnored("lp1-7", own_ + "/lp1-7: ignored: it belongs to another user");
+  GiveTo("root", own_ + "/lp1-7");
+  EXPECT_TRUE(Read("lp1-7").counts);
+  GiveTo("daemon", own_);
+  ExpectIgnored("lp1-7", own_ + ": ignored: it belongs to another user");
+  GiveTo("root", own_);
+  EXPECT_TRUE(Read("lp1-7").counts);
+}
+
+TEST_F(RequestFiles, AreNotReadThroughALinkNorFromWhatIsNoDirectory) {
+  ASSERT_EQ(symlink("lp1-7", (own_ + "/lp1-8").c_str()), 0);
+  ExpectIgnored("lp1-8", own_ + "/lp1-8: ignored: it is a symbolic link");
+  ASSERT_EQ(mkfifo((own_ + "/lp1-9").c_str(), 0600), 0);
+  GiveTo("bin", own_ + "/lp1-9");
+  ExpectIgnored("lp1-9", own_ + "/lp1-9: ignored: it is no regular file");
+  std::filesystem::rename(own_, directory_.Path("users/other"));
+  ASSERT_EQ(symlink("other", own_.c_str()), 0);
+  ExpectIgnored("lp1-7", own_ + ": ignored: it is a symbolic link");
+  std::filesystem::remove(own_);
+  directory_.Write("users/bin", "");
+  GiveTo("bin", own_);
+  ExpectIgnored("lp1-7", own_ + ": ignored: it is no directory");
+}
+
+TEST_F(RequestFiles, OnesOwnThatCannotBeReadIsAnError) {
+  ASSERT_EQ(chmod((own_ + "/lp1-7").c_str(), 0000), 0);
+  EXPECT_EQ(Read("lp1-7").error, own_ + "/lp1-7: Permission denied");
+  ASSERT_EQ(chmod(own_.c_str(), 0600), 0);
+  EXPECT_EQ(Read("lp1-7").error, own_ + "/lp1-7: Permission denied");
 }
 
 class Settings : public testing::Test {
@@ -222,6 +329,28 @@ TEST_F(Settings, BookletAndSeveralPagesASheetExcludeEachOther) {
   EXPECT_EQ(settings_.Other("*Booklet"), "");
   settings_.Apply({{"*Booklet", "1"}});
   EXPECT_EQ(settings_.Other("*Nup"), "");
+}
+
+TEST_F(Settings, TheQueuesUserNameIsForJobsThatComeWithoutAUser) {
+  EXPECT_EQ(settings_.UserName("anna"), "anna");
+  EXPECT_EQ(settings_.UserName("nobody"), "nobody");
+  settings_.ApplyQueue({{"*UserName", "root"}});
+  EXPECT_EQ(settings_.UserName("anna"), "anna");
+  EXPECT_EQ(settings_.UserName("host!anna"), "host!anna");
+  for (const char *nobody : {"", "anonymous", "nobody", "host!nobody"}) {
+    EXPECT_EQ(settings_.UserName(nobody), "root") << nobody;
+  }
+}
+
+TEST_F(Settings, AUserNameOfTheUserOrTheJobWins) {
+  settings_.ApplyQueue({{"*UserName", "root"}});
+  // As the windows store it that showed the queue's name.
+  settings_.ApplyUser({{"*UserName", "root"}});
+  EXPECT_EQ(settings_.UserName("anna"), "anna");
+  settings_.ApplyUser({{"*UserName", "Anna B"}});
+  EXPECT_EQ(settings_.UserName("anna"), "Anna B");
+  settings_.Apply({{"*UserName", "root"}});
+  EXPECT_EQ(settings_.UserName("anna"), "root");
 }
 
 TEST_F(Settings, ThePinNeverGetsIntoAWarning) {
