@@ -28,6 +28,29 @@ void FillTestData(std::vector<char> &buffer, std::uint64_t offset) {
   }
 }
 
+// For its lifetime no write to a descriptor waits.
+class NonBlocking {
+ public:
+  explicit NonBlocking(int descriptor)
+      : descriptor_(descriptor), flags_(fcntl(descriptor, F_GETFL)) {
+    fcntl(descriptor_, F_SETFL, flags_ | O_NONBLOCK);
+  }
+  ~NonBlocking() { fcntl(descriptor_, F_SETFL, flags_); }
+  NonBlocking(const NonBlocking &) = delete;
+  NonBlocking &operator=(const NonBlocking &) = delete;
+
+ private:
+  int descriptor_;
+  int flags_;
+};
+
+// False, with errno ETIMEDOUT, when `descriptor` had none of `events` in time.
+bool IsReady(int descriptor, short events) {
+  if (HasEvents(descriptor, events, Deadline(EventPatience()))) return true;
+  errno = ETIMEDOUT;
+  return false;
+}
+
 }  // namespace
 
 Listener::Listener(const std::string &address, std::uint16_t port) {
@@ -60,6 +83,10 @@ Listener &Listener::Listen() {
 Descriptor Listener::Accept(int receive_buffer) const {
   if (receive_buffer != 0) {
     setsockopt(socket_.get(), SOL_SOCKET, SO_RCVBUF, &receive_buffer, sizeof receive_buffer);
+  }
+  const Deadline deadline(EventPatience());
+  if (!HasEvents(socket_.get(), POLLIN, deadline)) {
+    throw deadline.Missed("a connection to port " + port());
   }
   Descriptor connection(accept4(socket_.get(), nullptr, nullptr, SOCK_CLOEXEC));
   if (!connection) Fail("accept");
@@ -95,6 +122,7 @@ std::string TestData(std::size_t count, std::uint64_t offset) {
 
 bool WriteTestData(int descriptor, std::uint64_t count) {
   signal(SIGPIPE, SIG_IGN);
+  const NonBlocking meanwhile(descriptor);
   std::vector<char> buffer;
   for (std::uint64_t offset = 0; offset < count;) {
     buffer.resize(std::min<std::uint64_t>(count - offset, std::uint64_t{1} << 18U));
@@ -102,7 +130,8 @@ bool WriteTestData(int descriptor, std::uint64_t count) {
     for (std::size_t written = 0; written < buffer.size();) {
       const ssize_t taken = write(descriptor, buffer.data() + written, buffer.size() - written);
       if (taken < 0 && errno == EINTR) continue;
-      if (taken < 0) return false;
+      if (taken < 0 && (errno != EAGAIN || !IsReady(descriptor, POLLOUT))) return false;
+      if (taken < 0) continue;
       written += static_cast<std::size_t>(taken);
     }
     offset += buffer.size();
@@ -115,7 +144,8 @@ Received Receive(int socket, std::uint64_t limit, std::size_t piece) {
   std::vector<char> buffer(piece);
   while (received.count < limit) {
     const std::size_t wanted = std::min<std::uint64_t>(piece, limit - received.count);
-    const ssize_t count = recv(socket, buffer.data(), wanted, 0);
+    const ssize_t count =
+        IsReady(socket, POLLIN) ? recv(socket, buffer.data(), wanted, 0) : ssize_t{-1};
     if (count == 0) break;
     if (count < 0) {
       received.error = errno;
@@ -133,6 +163,10 @@ std::string ReceiveText(int socket) {
   std::string text;
   std::array<char, 4096> buffer{};
   for (;;) {
+    const Deadline deadline(EventPatience());
+    if (!HasEvents(socket, POLLIN, deadline)) {
+      throw deadline.Missed("the end of a connection; it brought \"" + text + "\"");
+    }
     const ssize_t count = recv(socket, buffer.data(), buffer.size(), 0);
     if (count <= 0) return text;
     text.append(buffer.data(), static_cast<std::size_t>(count));
@@ -157,26 +191,37 @@ Descriptor TestFile(std::uint64_t count) {
   return file;
 }
 
-bool Words::ReadOn() {
+bool Words::ReadOn(const Deadline &deadline) {
   std::array<char, 4096> buffer{};
-  for (;;) {
+  while (HasEvents(reading_.get(), POLLIN, deadline)) {
     const ssize_t count = read(reading_.get(), buffer.data(), buffer.size());
     if (count < 0 && errno == EINTR) continue;
     if (count <= 0) return false;
     seen_.append(buffer.data(), static_cast<std::size_t>(count));
     return true;
   }
+  throw deadline.Missed("more words than\n" + seen_);
 }
+
+bool Words::AwaitMore() { return ReadOn(Deadline(EventPatience())); }
 
 bool Words::Await(const std::string &text) {
   while (seen_.find(text) == std::string::npos) {
-    if (!ReadOn()) return false;
+    if (!AwaitMore()) return false;
+  }
+  return true;
+}
+
+bool Words::ComesWithin(const std::string &text, std::chrono::milliseconds time) {
+  const Deadline deadline(time);
+  while (seen_.find(text) == std::string::npos) {
+    if (!HasEvents(reading_.get(), POLLIN, deadline) || !AwaitMore()) return false;
   }
   return true;
 }
 
 const std::string &Words::Rest() {
-  while (ReadOn()) {
+  while (AwaitMore()) {
   }
   return seen_;
 }

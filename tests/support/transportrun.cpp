@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <system_error>
+#include <utility>
 
 namespace {
 
@@ -63,13 +64,10 @@ void TransportRun::Send(int signal) const { kill(process_, signal); }
 Ended TransportRun::Wait() {
   Ended ended;
   ended.words = words_.Rest();
-  int status = 0;
   rusage usage{};
-  if (wait4(process_, &status, 0, &usage) == process_) {
-    ended.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    ended.peak_kilobytes = usage.ru_maxrss;
-  }
-  process_ = -1;
+  const int status = AwaitChild(std::exchange(process_, -1), kProgram, &usage);
+  ended.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  ended.peak_kilobytes = usage.ru_maxrss;
   return ended;
 }
 

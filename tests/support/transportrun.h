@@ -27,6 +27,7 @@ class TransportRun {
   // Its standard error.
   Words &words() { return words_; }
   void Send(int signal) const;
+  // Throws when it says nothing for EventPatience.
   Ended Wait();
 
  private:
