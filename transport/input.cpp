@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <sys/sendfile.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -128,6 +129,12 @@ MoveResult JobInput::MoveTo(int socket) {
   }
   const MoveResult read = Fill();
   return read.end == MoveEnd::kMoved ? SendBuffer(socket) : read;
+}
+
+bool JobInput::AtEnd() const {
+  int left = 0;
+  return sent_ == filled_ && between_ == 0 && Ready() && ioctl(descriptor_, FIONREAD, &left) == 0 &&
+         left == 0;
 }
 
 bool JobInput::Rewind() {

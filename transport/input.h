@@ -41,6 +41,10 @@ class JobInput {
   // Moves what goes without waiting. `socket` is non-blocking.
   MoveResult MoveTo(int socket);
 
+  // True when nothing more can come and everything went to the socket. Reads nothing; false while
+  // the input has not told its end.
+  bool AtEnd() const;
+
   // Makes the job's first byte the next one again; false when the input cannot give it again.
   bool Rewind();
 

@@ -37,6 +37,7 @@ class Carrier {
   std::optional<Outcome> Send(const ConnectResult &link);
   std::optional<Outcome> AfterBreak(const SendResult &sent, bool at_once);
   std::optional<Outcome> PauseAndRetry(const std::string &failure);
+  bool EndsNow();
   Outcome GiveUp(const std::string &failure) const;
   Outcome Stopped() const;
   Outcome Undone() const { return taken_ ? Outcome::kInDoubt : Outcome::kTryLater; }
@@ -119,19 +120,26 @@ std::optional<Outcome> Carrier::PauseAndRetry(const std::string &failure) {
   return std::nullopt;
 }
 
+// Whether what was sent is the whole job: its writer may be just about to close.
+bool Carrier::EndsNow() {
+  return AwaitUnlessStopped(stop_, input_.descriptor(), limits_.first_pause) && input_.AtEnd();
+}
+
 std::optional<Outcome> Carrier::AfterBreak(const SendResult &sent, bool at_once) {
-  // It was reached after all; how often it may take the job anew is bounded by itself.
-  if (sent.acknowledged > 0 && !at_once) failures_ = 0;
-  if (sent.whole_job && !at_once) {
+  // Even a reset at once may come after the printing: nothing tells a printer that was too busy to
+  // look at a short job from one that is done with it.
+  if (sent.whole_job || (sent.acknowledged > 0 && sent.caught_up && EndsNow())) {
     return GiveUp("the printer took all " + Bytes(sent.acknowledged) +
                   " but the connection did not end in order (" + sent.reason + ")");
   }
+  const bool may_have_printed = sent.acknowledged > 0 && !at_once;
+  // It was reached after all; how often it may take the job anew is bounded by itself.
+  if (may_have_printed) failures_ = 0;
   const std::string failure = "the connection to " + name_ + " broke after " +
                               Bytes(sent.acknowledged) + " (" + sent.reason + ")";
   if (!input_.Rewind()) {
     return GiveUp(failure + "; the data cannot be read a second time from here");
   }
-  const bool may_have_printed = sent.whole_job || (sent.acknowledged > 0 && !at_once);
   if (may_have_printed && ++restarts_ > limits_.restarts) {
     return GiveUp(failure + ", attempt " + std::to_string(restarts_));
   }

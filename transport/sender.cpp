@@ -65,7 +65,8 @@ class Sender {
 
   std::vector<char> drained_;
   Waiting waiting_ = Waiting::kNothing;
-  bool closing_ = false;      // our side is shut down: the job's end has been sent
+  bool closing_ = false;      // the input is at its end
+  bool end_sent_ = false;     // our side is shut down: the printer is told of the job's end
   bool peer_closed_ = false;  // the printer's end of data has come
   std::uint64_t sent_ = 0;
   SendResult result_;
@@ -121,7 +122,8 @@ void Sender::StopPumping(const MoveResult &move) {
 void Sender::StartClosing() {
   closing_ = true;
   last_progress_ = Clock::now();
-  if (shutdown(socket_, SHUT_WR) != 0) End(SendEnd::kBroken, ErrorText(errno));
+  end_sent_ = shutdown(socket_, SHUT_WR) == 0;
+  if (!end_sent_) End(SendEnd::kBroken, ErrorText(errno));
 }
 
 milliseconds Sender::Timeout() const {
@@ -179,13 +181,14 @@ int Sender::Account(tcp_info &info) {
     return errno;
   }
   // The end of our data counts as one byte until it is acknowledged.
-  const int missing = closing_ && queued > 0 ? queued - 1 : queued;
+  const int missing = end_sent_ && queued > 0 ? queued - 1 : queued;
   const std::uint64_t acknowledged = sent_ - std::min(sent_, static_cast<std::uint64_t>(missing));
   if (acknowledged > result_.acknowledged || (missing == 0 && !closing_)) {
     last_progress_ = Clock::now();
     next_words_ = limits_.usual_pause;
   }
   result_.acknowledged = acknowledged;
+  result_.caught_up = missing == 0;
   result_.whole_job = closing_ && missing == 0;
   return 0;
 }

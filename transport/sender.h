@@ -20,7 +20,8 @@ struct SendResult {
   std::string reason;              // in words, for kBroken and kInputFailed
   std::uint64_t acknowledged = 0;  // bytes that reached the printer
   std::uint64_t sent_back = 0;     // bytes that came from the printer; they are thrown away
-  bool whole_job = false;          // the input was at its end and all of it was acknowledged
+  bool caught_up = false;          // all that went out was acknowledged
+  bool whole_job = false;          // the same, and the input was at its end
 };
 
 // `socket` is a connected, non-blocking TCP socket with keep-alive on; it is lent, and after the

@@ -15,8 +15,8 @@ struct Limits {
   std::chrono::milliseconds give_up{std::chrono::minutes{10}};
   // One attempt to connect to one address.
   std::chrono::milliseconds connect{std::chrono::seconds{30}};
-  // A connection that breaks within this time of being made was refused by a busy printer. What the
-  // printer's system had already taken by then was most likely never looked at.
+  // A connection that breaks within this time of being made was refused by a busy printer. The part
+  // of the job that the printer's system had already taken by then was most likely never looked at.
   std::chrono::milliseconds at_once{std::chrono::seconds{1}};
   // How often a job is begun anew after the printer had already taken a part of it: each time may
   // print the same first pages once more.

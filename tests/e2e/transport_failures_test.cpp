@@ -81,13 +81,30 @@ TEST(Failures, ABusyPrinterThatResetsConnectionsAtOnceGetsTheJobLater) {
     Reset(printer.Accept());
     return Receive(printer.Accept().get());
   });
-  // A small job: the printer's system may have taken all of it before the reset.
-  const Ended ended = RunTransport({"127.0.0.1", printer.port(), "120"}, TestFile(10));
-  ExpectWords(ended, 0, "took all 10 bytes and closed the connection");
+  // A job that the printer's system cannot take whole before the reset.
+  const Ended ended = RunTransport({"127.0.0.1", printer.port(), "120"}, TestFile(50 * kMillion));
+  ExpectWords(ended, 0, "took all 50000000 bytes and closed the connection");
   // The reset may come before the connection counts as made or after it.
   EXPECT_EQ(Occurrences(ended.words, "the printer may be busy"), 2) << ended.words;
   EXPECT_EQ(Occurrences(ended.words, "; trying again in "), 2) << ended.words;
-  EXPECT_EQ(received.get().count, 10U);
+  EXPECT_EQ(received.get().count, 50 * kMillion);
+}
+
+TEST(Failures, APrinterThatTakesTheWholeJobAndResetsAtOnceGetsOneCopy) {
+  Listener printer;
+  printer.Listen();
+  auto received = std::async(std::launch::async, [&] {
+    Descriptor connection = printer.Accept();
+    const Received first = Receive(connection.get());
+    Reset(std::move(connection));
+    return first;
+  });
+  const Ended ended = RunTransport({"127.0.0.1", printer.port(), "120"}, TestFile(1000));
+  ExpectWords(ended, EX_PROTOCOL, "took all 1000 bytes but the connection did not end in order");
+  const Received first = received.get();
+  EXPECT_EQ(first.count, 1000U);
+  EXPECT_EQ(first.wrong, 0U);
+  EXPECT_FALSE(printer.HasCaller()) << "it was called again";
 }
 
 // Breaks the first connection after `first` bytes and takes the second job whole.
