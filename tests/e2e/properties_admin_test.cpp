@@ -152,8 +152,9 @@ TEST_F(AdminProperties, AConflictKeepsTheWindowOpenAndCanBeSetRight) {
   app.WaitWindow("ErrorDialog");
   EXPECT_EQ(CatalogueText("CONSTR_Dlg_Label"), app.Text("ErrorLabel1"));
   EXPECT_EQ(
-      "Paper of the type \"Transparencies\" cannot be printed on two sides (Two-sided, long "
-      "edge). Choose another paper type or one-sided printing.",
+      "Paper type \"Transparencies\" cannot be printed on both sides (Two-sided, long edge). "
+      "Choose "
+      "another paper type or one-sided printing.",
       app.Text("ErrorLabel2"));
   app.Click("ErrorDialog/ResolveButton");
   EXPECT_EQ("\"Two-sided printing\" has been set to \"One-sided\".", app.Text("ErrorLabel2"));

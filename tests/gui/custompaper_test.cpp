@@ -62,8 +62,8 @@ TEST_F(CustomPaper, AnAddDialogIsEmptyAndStartsWithTheSmallestSizeInPels) {
             gtk_window_get_title(GTK_WINDOW(Dialog().window)));
   EXPECT_EQ("", In(Dialog().name_entry));
   EXPECT_EQ("288 360", Measures());
-  EXPECT_EQ("( 288 - 864 pels )", Range(Dialog().width_range));
-  EXPECT_EQ("( 360 - 1296 pels )", Range(Dialog().length_range));
+  EXPECT_EQ("( 288 - 864 points )", Range(Dialog().width_range));
+  EXPECT_EQ("( 360 - 1296 points )", Range(Dialog().length_range));
   EXPECT_TRUE(gtk_window_get_modal(GTK_WINDOW(Dialog().window)));
 }
 
@@ -279,7 +279,7 @@ TEST_F(CustomPaper, UnitsConvertWhatIsShownThroughWholePels) {
   TypeInto(Dialog().length_spin, "8.27");  // 595.44 pels
   ClickOn(Unit("PelsRadiobutton"));
   EXPECT_EQ("612 595", Measures());
-  EXPECT_EQ("( 288 - 864 pels )", Range(Dialog().width_range));
+  EXPECT_EQ("( 288 - 864 points )", Range(Dialog().width_range));
 }
 
 TEST_F(CustomPaper, SizesInOtherUnitsAreStoredInWholePels) {
@@ -327,7 +327,7 @@ TEST_F(CustomPaper, APrinterWithoutALeastSizeTakesOnePelAndTheListCanBeReadAgain
   HashPutText(limits, "MinLength", "0.3");
   OpenTab();
   OpenAdd();
-  EXPECT_EQ("( 0 - 864 pels )", Range(Dialog().width_range));
+  EXPECT_EQ("( 0 - 864 points )", Range(Dialog().width_range));
   EXPECT_EQ("1 1", Measures());
   ClickOn(Unit("InchesRadiobutton"));
   TypeInto(Dialog().width_spin, "0");
