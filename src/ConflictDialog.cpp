@@ -11,7 +11,6 @@
 #include "PropTabGeneral.h"
 #include "PropertiesWindow.h"
 #include "Support.h"
-#include "cfeature.h"
 #include "cmessages.h"
 #include "conflictresolution.h"
 #include "constraintmessages.h"
@@ -22,18 +21,14 @@
 
 namespace {
 
-SettingsConflict L_Conflict;  // what the open box is about
+constexpr char L_ReasonLabel[] = "ConflictReasonLabel";
 
-std::string FeatureName(const std::string &feature) {
-  const char *name =
-      fGet_CString_Value_Function(fGet_Translation_Function(PrinterFeature(feature.c_str())));
-  return name == nullptr ? feature : name;
-}
+SettingsConflict L_Conflict;  // what the open box is about
 
 std::string ResultText(const std::optional<ResolvedConflict> &resolved) {
   if (!resolved) return G_Translate("CONSTR_Unresolved");
   return G_Message("CONSTR_Resolved",
-                   {FeatureName(resolved->feature),
+                   {FeatureDisplayText(resolved->feature.c_str()),
                     OptionDisplayText(resolved->feature.c_str(), resolved->option.c_str())});
 }
 
@@ -79,9 +74,21 @@ void ResolvePressed(GtkButton *button, gpointer) {
   gtk_widget_hide(widget);
   gtk_widget_grab_focus(ok);
   if (!resolved) return;
-  gtk_widget_hide(lookup_widget(ok, "ErrorLabel1"));  // it told of the conflict, which is gone
+  // They told of the conflict, which is gone.
+  gtk_widget_hide(lookup_widget(ok, "ErrorLabel1"));
+  GtkWidget *reason = lookup_widget(ok, L_ReasonLabel);
+  if (reason != nullptr) gtk_widget_hide(reason);
   ShowResolved(resolved->feature);
   FocusInProperties(PlaceOf(resolved->feature));
+}
+
+// Two features without a message of their own leave the box's labels without a word about them: the
+// reason stands in one of its own.
+GtkWidget *NewConflictBox(const SettingsConflict &conflict) {
+  const std::string message = ConflictMessage(conflict);
+  GtkWidget *window = create_ErrorWindow(message.c_str(), G_Translate("CONSTR_Dlg_Label"));
+  if (message.empty()) AddErrorLabel(window, L_ReasonLabel, ConflictReason(conflict));
+  return window;
 }
 
 }  // namespace
@@ -92,8 +99,7 @@ int G_CheckLinearConstraints(const CHash *settings) {
   if (!conflict) return 0;
   L_Conflict = *conflict;
   FocusInProperties(PlaceOf(*conflict));
-  GtkWidget *window =
-      create_ErrorWindow(ConflictMessage(*conflict).c_str(), G_Translate("CONSTR_Dlg_Label"));
+  GtkWidget *window = NewConflictBox(*conflict);
   if (!MayResolve(*conflict)) {
     gtk_widget_show(window);
     return 1;

@@ -105,22 +105,24 @@ GtkWidget *create_ErrorWindow(const char *detail, const std::string &text) {
   GtkWidget *data = gtk_box_new(GTK_ORIENTATION_VERTICAL, L_Spacing);
   gtk_box_pack_start(GTK_BOX(dialog.box), StoreWidget(dialog.window, data, "DataErrorVbox"), TRUE,
                      TRUE, 0);
-  const std::string texts[] = {text, detail == nullptr ? "" : detail};
-  const char *names[] = {"ErrorLabel1", "ErrorLabel2"};
-  for (int i = 0; i < 2; ++i) {
-    const std::string shown = DecodeLine(texts[i]);
-    GtkWidget *label = NewLabel(dialog.window, names[i], shown, nullptr);
-    gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
-    gtk_label_set_max_width_chars(GTK_LABEL(label), L_ErrorWidth);
-    // The box is never lower than the label wants to be at its smallest width.
-    const auto characters = static_cast<int>(g_utf8_strlen(shown.c_str(), -1));
-    gtk_label_set_width_chars(GTK_LABEL(label), std::min(characters, L_ErrorWidth));
-    gtk_label_set_selectable(GTK_LABEL(label), TRUE);
-    gtk_widget_set_can_focus(label, FALSE);
-    gtk_box_pack_start(GTK_BOX(data), label, TRUE, TRUE, 0);
-  }
+  AddErrorLabel(dialog.window, "ErrorLabel1", text);
+  AddErrorLabel(dialog.window, "ErrorLabel2", detail == nullptr ? "" : detail);
   AddOkButton(dialog, "OKButton", nullptr);
   return dialog.window;
+}
+
+void AddErrorLabel(GtkWidget *window, const char *name, const std::string &text) {
+  const std::string shown = DecodeLine(text);
+  GtkWidget *label = NewLabel(window, name, shown, nullptr);
+  gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
+  gtk_label_set_max_width_chars(GTK_LABEL(label), L_ErrorWidth);
+  // The box is never lower than the label wants to be at its smallest width.
+  const auto characters = static_cast<int>(g_utf8_strlen(shown.c_str(), -1));
+  gtk_label_set_width_chars(GTK_LABEL(label), std::min(characters, L_ErrorWidth));
+  gtk_label_set_selectable(GTK_LABEL(label), TRUE);
+  gtk_widget_set_can_focus(label, FALSE);
+  gtk_widget_show(label);
+  gtk_box_pack_start(GTK_BOX(lookup_widget(window, "DataErrorVbox")), label, TRUE, TRUE, 0);
 }
 
 void ShowError(const char *key) { gtk_widget_show(create_ErrorWindow(nullptr, G_Translate(key))); }

@@ -18,6 +18,9 @@ void G_ButtonAboutPressed();
 // The error box: `text`, and below it `detail` unless that is null.
 GtkWidget *create_ErrorWindow(const char *detail, const std::string &text);
 
+// Adds a label of that name below the texts of an error box.
+void AddErrorLabel(GtkWidget *window, const char *name, const std::string &text);
+
 // Builds the error box on one catalogue text and shows it.
 void ShowError(const char *key);
 

@@ -133,5 +133,8 @@ std::string ConflictReason(const char *feature1, const char *option1, const std:
   }
   std::string message =
       BuildConstraintMessage(feature1, option1, display1, feature2, option2, display2);
-  return message.empty() ? G_Message("CONSTR_Reason", {display1, display2}) : message;
+  if (!message.empty()) return message;
+  // An option's text alone, such as "Not installed", does not say which setting it belongs to.
+  return G_Message("CONSTR_Reason", {FeatureDisplayText(feature1), display1,
+                                     FeatureDisplayText(feature2), display2});
 }

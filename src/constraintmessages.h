@@ -18,7 +18,7 @@ std::string ConflictMessage(const SettingsConflict &conflict);
 
 // Why a choice conflicts with a setting of the queue, in words for every pair: the message above,
 // of the feeder and a paper source always that of ("*InputSlot", "*OptionHCF"), or else one that
-// names both display texts.
+// names both features of the current printer and both display texts.
 std::string ConflictReason(const SettingsConflict &conflict);
 
 // The same where the display texts are at hand.

@@ -89,6 +89,12 @@ bool IsCustomChoice(const char *feature, const char *option) {
   return !IsOptionOf(G_PrinterFeatures_hash, feature, option);
 }
 
+std::string FeatureDisplayText(const char *feature) {
+  const char *text =
+      fGet_CString_Value_Function(fGet_Translation_Function(PrinterFeature(feature)));
+  return text == nullptr || *text == '\0' ? feature : text;
+}
+
 std::string OptionDisplayText(const char *feature, const char *option) {
   const char *text = HashText(fGet_Options_Function(PrinterFeature(feature)), option);
   if (text != nullptr) return text;

@@ -71,6 +71,10 @@ extern bool G_CustomMediaIsCurrent;
 // current printer's feature has no such option.
 bool IsCustomChoice(const char *feature, const char *option);
 
+// The display text of a feature; one without a text, or that the current printer lacks, is shown as
+// it is.
+std::string FeatureDisplayText(const char *feature);
+
 // The display text of a feature's option; an option that the feature lacks is shown as it is.
 std::string OptionDisplayText(const char *feature, const char *option);
 

@@ -121,10 +121,29 @@ TEST_F(PropertiesOk, AnotherTransportMakesOkAndApplyDoNothingVisible) {
   EXPECT_EQ(QueueFeatureValue("*Duplex"), "DuplexNoTumble") << "the work copy keeps the choice";
 }
 
-TEST_F(PropertiesOk, AConflictWithoutMessageBlocksSavingUnderItsTitleAlone) {
-  MakePrinter(PafFeature("*Duplex", {{"None", "Off"}, {"Long", "Long edge"}}) +
-              PafFeature("*Jog", {{"None", "Off"}, {"Set", "Offset"}}) +
-              "#ccc\n#f1\n*Duplex\n#o1\nLong\n#f2\n*Jog\n#o2\nSet\n#end_ccc\n");
+// Two features without a message of their own.
+std::string PrinterWithAPlainConflict() {
+  return PafFeature("*Duplex", {{"None", "Off"}, {"Long", "Long edge"}}) +
+         PafFeature("*Jog", {{"None", "Off"}, {"Set", "Offset"}}) +
+         "#ccc\n#f1\n*Duplex\n#o1\nLong\n#f2\n*Jog\n#o2\nSet\n#end_ccc\n";
+}
+
+TEST_F(PropertiesOk, TheReasonGoesWithTheConflictThatWasSetRight) {
+  MakePrinter(PrinterWithAPlainConflict());
+  Open(kSetupPage, {{"*Duplex", "Long"}, {"*Jog", "Set"}});
+  ClickOn(Named("OKButton"));
+  GtkWidget *box = WindowNamed("ErrorDialog");
+  ASSERT_NE(nullptr, box);
+  GtkWidget *reason = lookup_widget(box, "ConflictReasonLabel");
+  ASSERT_NE(nullptr, reason);
+  ASSERT_TRUE(RunUntil([reason] { return gtk_widget_get_mapped(reason) != FALSE; }));
+  EXPECT_GT(OnScreen(reason).y, OnScreen(lookup_widget(box, "ErrorLabel2")).y);
+  ClickOn(lookup_widget(box, "ResolveButton"));
+  EXPECT_FALSE(gtk_widget_get_visible(reason));
+}
+
+TEST_F(PropertiesOk, AConflictWithoutMessageBlocksSavingUnderItsTitleAndReason) {
+  MakePrinter(PrinterWithAPlainConflict());
   Open(kSetupPage, {{"*Duplex", "Long"}, {"*Jog", "Set"}});
   Paste("NrCopiesSpinbutton", "7");
   for (const char *button : {"OKButton", "ApplyButton"}) {
@@ -137,6 +156,9 @@ TEST_F(PropertiesOk, AConflictWithoutMessageBlocksSavingUnderItsTitleAlone) {
     };
     EXPECT_EQ(shown("ErrorLabel1"), CatalogueText("CONSTR_Dlg_Label")) << button;
     EXPECT_EQ(shown("ErrorLabel2"), "") << button;
+    EXPECT_EQ(shown("ConflictReasonLabel"),
+              CatalogueText("CONSTR_Reason", {"Duplex", "Long edge", "Jog", "Offset"}))
+        << button << ": in a label of its own";
     gtk_widget_destroy(box);
     FocusWindowOf(window_);
     RunPending();

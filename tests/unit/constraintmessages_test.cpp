@@ -32,7 +32,7 @@ std::string Catalogue() {
         "Hct_Tray7"}) {
     text += std::string("#CONSTR_Dlg_Message_") + key + "\n" + key + " <%s> <%s>\n";
   }
-  return text + "#CONSTR_Reason\nreason <%s> <%s>\n";
+  return text + "#CONSTR_Reason\nreason <%s: %s> <%s: %s>\n";
 }
 
 class ConstraintMessages : public testing::Test {
@@ -175,10 +175,16 @@ TEST_F(ConstraintMessages, TheReasonOfAMarkIsTheMessageOfThePair) {
             "PaperSize_Duplex <Ticket> <Long edge>");
 }
 
-TEST_F(ConstraintMessages, TheReasonOfAnyOtherPairNamesBothTexts) {
-  options_.Feature({"*Duplex", "None", {{"Long", "Long edge"}}});
-  options_.Feature({"*Jog", "None", {{"On", "Offset"}}});
-  EXPECT_EQ(ConflictReason({"*Jog", "On", "*Duplex", "Long"}), "reason <Offset> <Long edge>");
+TEST_F(ConstraintMessages, TheReasonOfAnyOtherPairNamesBothFeaturesAndTexts) {
+  options_.Feature({"*StapleLocation", "None", {{"One", "One staple"}}, "PickOne", "Stapling"});
+  options_.Installable(
+      {"*OptionFinisher", "False", {{"False", "Not installed"}}, "Boolean", "Finisher"});
+  EXPECT_EQ(ConflictReason({"*StapleLocation", "One", "*OptionFinisher", "False"}),
+            "reason <Stapling: One staple> <Finisher: Not installed>");
+}
+
+TEST_F(ConstraintMessages, TheReasonShowsAFeatureThatThePrinterLacksAsItIs) {
+  EXPECT_EQ(ConflictReason({"*Jog", "On", "*Duplex", "Long"}), "reason <*Jog: On> <*Duplex: Long>");
 }
 
 TEST_F(ConstraintMessages, TheReasonOfFeederAndPaperSourceIsTheSameInBothOrders) {

@@ -30,7 +30,7 @@ inline constexpr MessageKey kMessageKeys[] = {
     {"CONSTR_Dlg_Message_PaperType_Staple", "ss"},
     {"CONSTR_Dlg_Message_PunchOption_Punch", "ss"},
     {"CONSTR_Dlg_Message_PunchOption_PunchNone", "s"},
-    {"CONSTR_Reason", "ss"},
+    {"CONSTR_Reason", "ssss"},
     {"CONSTR_Resolved", "ss"},
     {"CONSTR_Unresolved", ""},
     {"DCMT_Dlg_Media_Error1", ""},

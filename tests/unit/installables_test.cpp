@@ -15,7 +15,7 @@ class Installables : public testing::Test {
  protected:
   Installables()
       : messages_(
-            "#CONSTR_Reason\nreason <%s> <%s>\n"
+            "#CONSTR_Reason\nreason <%s: %s> <%s: %s>\n"
             "#CONSTR_Dlg_Message_OutputTray_Staple\ntray <%s>\n"
             "#CONSTR_Dlg_Message_Hct_Tray7\nfeeder and bypass\n") {}
 
@@ -122,7 +122,7 @@ TEST_F(Installables, EveryRowOfAnOptionHasTheMarkOfTheQueuesValue) {
   options_.SetInstalled("*OptionPunch", "Punch2Hole");
   EXPECT_EQ(Rows(), (Strings{"+!   Two holes", "-!   Three holes"}));
   for (const InstallableRow &row : InstallableRows()) {
-    EXPECT_EQ(row.reason, "reason <Two holes> <A4 sheet>");
+    EXPECT_EQ(row.reason, "reason <*OptionPunch: Two holes> <*PageSize: A4 sheet>");
   }
 }
 

@@ -13,7 +13,7 @@ using Strings = std::vector<std::string>;
 
 constexpr char kMessages[] =
     "#ERR_UNEXPECTED2\nunexpected2 <%s>\n"
-    "#CONSTR_Reason\nreason <%s> <%s>\n"
+    "#CONSTR_Reason\nreason <%s: %s> <%s: %s>\n"
     "#CONSTR_Dlg_Message_PaperType_Duplex\ntype and duplex <%s> <%s>\n"
     "#CONSTR_Dlg_Message_PaperSize_Duplex\nsize and duplex <%s> <%s>\n";
 
@@ -239,7 +239,7 @@ TEST_F(OptionLists, AMarkedRowSaysWhyAndAFreeOneNothing) {
   const OptionList list = ListOf("*PageSize");
   EXPECT_EQ(list.rows[0].reason, "size and duplex <A4 sheet> <Long edge>");
   EXPECT_EQ(list.rows[1].reason, "");
-  EXPECT_EQ(list.rows[2].reason, "reason <Zettel> <Top bin>");
+  EXPECT_EQ(list.rows[2].reason, "reason <*PageSize: Zettel> <*OutputBin: Top bin>");
 }
 
 TEST_F(OptionLists, AnUnknownFeatureIsReportedAndHasNoList) {
