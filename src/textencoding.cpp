@@ -35,7 +35,14 @@ size_t SequenceLength(std::string_view bytes) {
 
 bool IsContinuation(char c) { return (static_cast<uint8_t>(c) & 0xC0) == 0x80; }
 
-// `text` in the locale's character set, "?" for what it lacks.
+// What stands for a character that a character set lacks: the typewriter's quotation mark and blank
+// for those of the catalogues, "?" for any other.
+char StandIn(std::string_view sequence) {
+  if (sequence == "\u00AB" || sequence == "\u00BB") return '"';
+  return sequence == "\u00A0" ? ' ' : '?';
+}
+
+// `text` in the locale's character set.
 std::string LocaleBytes(std::string_view text) {
   const char *charset = nl_langinfo(CODESET);
   if (std::strcmp(charset, "UTF-8") == 0) return std::string(text);
@@ -54,9 +61,9 @@ std::string LocaleBytes(std::string_view text) {
     result.append(buffer, sizeof buffer - room);
     if (done != static_cast<size_t>(-1) || errno == E2BIG || left == 0) continue;
     const size_t skip = SequenceLength({from, left});
+    result += StandIn({from, skip});
     from += skip == 0 ? 1 : skip;
     left -= skip == 0 ? 1 : skip;
-    result += '?';
   }
   iconv_close(converter);
   return result;

@@ -22,8 +22,9 @@ std::string DisplayText(std::string_view bytes);
 // The first at most `max_bytes` bytes of `text`, without splitting a UTF-8 sequence.
 std::string_view Utf8Prefix(std::string_view text, size_t max_bytes);
 
-// Writes `text` (UTF-8, no line feed added) to standard error in the locale's character set
-// (characters it lacks become "?") and flushes.
+// Writes `text` (UTF-8, no line feed added) to standard error in the locale's character set and
+// flushes. Of the characters that it lacks, quotation marks and no-break spaces become plain ones,
+// all others "?".
 void PrintError(std::string_view text);
 
 // PrintError of `text` and a line feed.

@@ -237,6 +237,11 @@ TEST(PrintError, WritesAQuestionMarkForWhatTheLocaleLacks) {
             "?!");
 }
 
+TEST(PrintError, WritesPlainQuotationMarksAndBlanksWhereTheLocaleHasNoOthers) {
+  EXPECT_EQ(PrintedUnder("C", "\u00ABfile\u00BB\u00A0!"), "\"file\" !");
+  EXPECT_EQ(PrintedUnder("C.UTF-8", "\u00ABfile\u00BB\u00A0!"), "\u00ABfile\u00BB\u00A0!");
+}
+
 TEST(PrintError, WritesLatin1UnderALatin1Locale) {
   const TemporaryDirectory directory;
   const std::string make = "localedef -i de_DE -f ISO-8859-1 '" + directory.Path("latin1") + "'";
