@@ -11,8 +11,11 @@ kpx_add_test(NAME data_installed SOURCES unit/data_installed_test.cpp LIBS kpx_c
   SANDBOX bare)
 kpx_add_test(NAME data_translations SOURCES unit/data_translations_test.cpp LIBS kpx_core LABEL unit
   SANDBOX bare)
-target_compile_definitions(test_data_translations PRIVATE
-  KPX_PROJECT_VERSION="${PROJECT_VERSION}")
+kpx_add_test(NAME data_typography SOURCES unit/data_typography_test.cpp LIBS kpx_core LABEL unit
+  SANDBOX bare)
+foreach(name data_translations data_typography)
+  target_compile_definitions(test_${name} PRIVATE KPX_PROJECT_VERSION="${PROJECT_VERSION}")
+endforeach()
 foreach(name data_fontmap data_ppd data_paf)
   target_compile_definitions(test_${name} PRIVATE KPX_PPD_DIR="${KPX_PPD_DIR}"
                              KPX_PAF_DIR="${KPX_PAF_DIR}")
