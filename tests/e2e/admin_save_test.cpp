@@ -4,6 +4,7 @@
 #include <pwd.h>
 
 #include "printerjobs.h"
+#include "propertiesdriver.h"
 #include "savedqueues.h"
 
 namespace {
@@ -108,6 +109,25 @@ TEST_F(AdminSave, DeletesOnlyTheQueueThatWasDeletedWithItsUsersFiles) {
   EXPECT_EQ((Strings{"root:ps1.def", "root:xraw1.def"}), NamesIn(kUsersDir));
   EXPECT_EQ(kListHeader + ListEntry(kPs1, k4110.ppd), ContentOf(kQueuesFile));
   EXPECT_EQ((Strings{"ps1.def", "queues.paf", "queues.paf.lock"}), DataFiles());
+}
+
+// As the help and KPXadmin(8) say.
+TEST_F(AdminSave, ARenamedQueueIsANewOneAndTheOldOneStaysInTheSpoolerUntilItIsRemovedThere) {
+  AddAndSave({kPs1});
+  {
+    AdminApp app;
+    app.SelectQueues({0});
+    OpenProperties(app);
+    TypeInto(app, "QueueEntry", "office");
+    AcceptProperties(app);
+    Save(app);
+  }
+  EXPECT_EQ("office\nps1\n", SpoolerQueues());
+  EXPECT_EQ(kListHeader + ListEntry({.name = "office"}, k4110.ppd), ContentOf(kQueuesFile));
+  EXPECT_EQ(Strings{"-office"}, AdminApp().QueueNames()) << "the old one is in no list any more";
+  const CommandResult removal = RunProgram({"/usr/lib/lpadmin", "-x", "ps1"});
+  EXPECT_EQ(0, removal.status) << removal.output;
+  EXPECT_EQ("office\n", SpoolerQueues());
 }
 
 TEST_F(AdminSave, ACloneHasTheOptionsOfItsQueueAndAScriptOfItsOwn) {
