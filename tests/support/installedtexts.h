@@ -84,6 +84,14 @@ inline TextsByPlace PrinterTextsIn(const std::string &language, const std::strin
   return texts;
 }
 
+// All of them. Equal places of two languages hold the same text.
+inline TextsByPlace AllTextsIn(const std::string &language) {
+  TextsByPlace texts = MessagesIn(language);
+  texts.merge(HelpIn(language));
+  for (const std::string &model : kModels) texts.merge(PrinterTextsIn(language, model));
+  return texts;
+}
+
 // Whether the text is the English one on purpose: a name, a unit, a word that both languages share.
 // The list has "@PROJECT_VERSION@" for the program's version, as the sources of the texts have it.
 inline bool IsSameOnPurpose(const std::string &language, std::string text) {

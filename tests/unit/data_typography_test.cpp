@@ -20,14 +20,6 @@ struct Marks {
 
 void PrintTo(const Marks &marks, std::ostream *out) { *out << marks.language; }
 
-// All texts of a language by where they stand.
-TextsByPlace AllTexts(const std::string &language) {
-  TextsByPlace texts = MessagesIn(language);
-  texts.merge(HelpIn(language));
-  for (const std::string &model : kModels) texts.merge(PrinterTextsIn(language, model));
-  return texts;
-}
-
 // Whether `part` begins at `at`, or ends there when `before`.
 bool Stands(const std::string &text, size_t at, std::string_view part, bool before = false) {
   if (before) return at >= part.size() && text.compare(at - part.size(), part.size(), part) == 0;
@@ -53,7 +45,7 @@ class Typography : public testing::TestWithParam<Marks> {
 TEST_P(Typography, QuotesAreInPairsOfItsMarks) {
   const Marks &marks = GetParam();
   int pairs = 0;
-  for (const auto &[place, text] : AllTexts(marks.language)) {
+  for (const auto &[place, text] : AllTextsIn(marks.language)) {
     bool is_open = false;
     for (size_t at = 0; at < text.size(); ++at) {
       for (const std::string_view mark : {kLeft, kRight, kStraight}) {
@@ -70,7 +62,7 @@ TEST_P(Typography, QuotesAreInPairsOfItsMarks) {
 }
 
 TEST_P(Typography, NoBlankStandsBeforePunctuationWhereALineMayBreak) {
-  for (const auto &[place, text] : AllTexts(GetParam().language)) {
+  for (const auto &[place, text] : AllTextsIn(GetParam().language)) {
     for (const char *sign : {":", ";", "?", "!", ",", "."}) {
       for (const char *blank : {" ", "\n"}) {
         const size_t at = text.find(std::string(blank) + sign);
@@ -83,7 +75,7 @@ TEST_P(Typography, NoBlankStandsBeforePunctuationWhereALineMayBreak) {
 // A sign inside a word, as in the name of a file, is no punctuation.
 TEST_P(Typography, ANoBreakSpaceStandsBeforeHighPunctuationInFrenchAlone) {
   int signs = 0;
-  for (const auto &[place, text] : AllTexts(GetParam().language)) {
+  for (const auto &[place, text] : AllTextsIn(GetParam().language)) {
     for (size_t at = text.find_first_of(":;?!"); at != std::string::npos;
          at = text.find_first_of(":;?!", at + 1)) {
       const bool ends_word = at + 1 == text.size() || Stands(text, at + 1, " ") ||

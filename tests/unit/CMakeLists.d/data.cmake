@@ -13,7 +13,9 @@ kpx_add_test(NAME data_translations SOURCES unit/data_translations_test.cpp LIBS
   SANDBOX bare)
 kpx_add_test(NAME data_typography SOURCES unit/data_typography_test.cpp LIBS kpx_core LABEL unit
   SANDBOX bare)
-foreach(name data_translations data_typography)
+kpx_add_test(NAME data_glossary SOURCES unit/data_glossary_test.cpp LIBS kpx_core LABEL unit
+  SANDBOX bare)
+foreach(name data_translations data_typography data_glossary)
   target_compile_definitions(test_${name} PRIVATE KPX_PROJECT_VERSION="${PROJECT_VERSION}")
 endforeach()
 foreach(name data_fontmap data_ppd data_paf)
