@@ -13,6 +13,7 @@
 #include "pcljob.h"
 #include "postscript.h"
 #include "ppdadaptor.h"
+#include "queuetypes.h"
 #include "textencoding.h"
 #include "textjob.h"
 
@@ -61,7 +62,7 @@ struct JobType {
 };
 
 constexpr JobType kJobTypes[] = {
-    {"postscript", FilterPostScript}, {"text", FilterText}, {"pcl6", FilterPcl}};
+    {kPostScriptType, FilterPostScript}, {kTextType, FilterText}, {kPclType, FilterPcl}};
 
 // The filter of a job type; null for an unknown one.
 FilterFunction FilterOf(std::string_view type) {

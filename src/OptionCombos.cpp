@@ -126,10 +126,7 @@ void ShowOrderBoxes(NupOrderBoxes boxes) {
 // What shows how the sheet lies.
 void RedrawTurnedPictures() {
   for (const char *feature : {"*StapleLocation", "*Punch", "*Duplex"}) RedrawOptionPicture(feature);
-  const char *language = fGet_CString_Value_Function(fGet_Language_Function(G_CurrentQueue.get()));
-  if (language != nullptr && std::strcmp(language, "text") == 0) {
-    Run(G_OptionChangeHooks.redraw_multiple_up);
-  }
+  if (CurrentQueueType().has_pages_a_sheet) Run(G_OptionChangeHooks.redraw_multiple_up);
 }
 
 }  // namespace

@@ -75,7 +75,7 @@ void AddPrinterAndType(Rows &rows) {
   rows.AddText("PrinterLabel", "DEF_LBL_PRINTER", "PrinterNameLabel",
                TextOf(fGet_PrinterName_Function(G_CurrentQueue.get())));
   rows.AddText("TypeLabel", "DEF_LBL_TYPE", "TypeNameLabel",
-               G_Translate(CurrentLanguage().c_str()));
+               G_Translate(CurrentQueueTypeKey().c_str()));
 }
 
 void AddPrintingSystem(Rows &rows) {

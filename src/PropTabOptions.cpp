@@ -233,11 +233,11 @@ GtkWidget *create_PropTabOptions() {
   G_PropTabOptions_helper = std::make_unique<PropTabOptionsHelper>();
   G_PropTabOptions_helper->page = tab.page;
   GtkGrid *grid = GTK_GRID(tab.grid);
-  const std::string language = CurrentLanguage();
+  const QueueType &type = CurrentQueueType();
   AddOptionRow(window, grid, 0, "*Resolution", "DEF_LBL_RESOLUTION", false);
   AddOptionRow(window, grid, 1, "*OutputMode", "DEF_LBL_PRINTQUALITY", false);
-  if (language != "pcl6") AddOptionRow(window, grid, 2, "*HalfTone", "DEF_LBL_HALFTONE", false);
-  if (language == "text") AddNupFrame(tab);
+  if (type.has_halftones) AddOptionRow(window, grid, 2, "*HalfTone", "DEF_LBL_HALFTONE", false);
+  if (type.has_pages_a_sheet) AddNupFrame(tab);
   AddDefaultsButton(tab, "DefaultOptionsButton", ButtonOptionsDefaultsPressed);
   return tab.page;
 }

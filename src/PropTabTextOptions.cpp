@@ -12,6 +12,7 @@
 #include "debug.h"
 #include "entryfilters.h"
 #include "fontmap.h"
+#include "optionstate.h"
 #include "properties.h"
 #include "textoptions.h"
 
@@ -81,7 +82,7 @@ GtkWidget *create_PropTabTextOptions() {
   FillFontSizeComboBox();
   AddDefaultsButton(tab, "DefaultTextButton", ButtonTextDefaultsPressed);
   // The page stays, since the pages are known by their numbers.
-  if (CurrentLanguage() != "text") {
+  if (!CurrentQueueType().has_fonts) {
     gtk_widget_set_no_show_all(tab.page, TRUE);
     gtk_widget_hide(tab.page);
   }

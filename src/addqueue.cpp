@@ -7,8 +7,15 @@
 #include "debug.h"
 #include "globals.h"
 #include "queuenames.h"
+#include "queuetypes.h"
 
-const std::vector<const char *> G_QueueTypes = {"postscript", "text", "pcl6", "raw"};
+const std::vector<const char *> G_QueueTypes = [] {
+  std::vector<const char *> keys;
+  for (const QueueType &type : kQueueTypes) {
+    if (type.key != nullptr) keys.push_back(type.key);
+  }
+  return keys;
+}();
 
 namespace {
 

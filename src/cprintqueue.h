@@ -17,7 +17,7 @@ struct CPrintQueue : CObject {
   Owned<CString> PpdFile;            // bare file name
   Owned<CString> DefFile;            // bare file name of the queue's option file
   Owned<CString> PrinterName;        // key of the printer catalogue
-  Owned<CString> Language;           // "postscript", "text", "pcl6" or "raw"
+  Owned<CString> Language;           // the type: a key of queuetypes.h
   Owned<CString> Address;            // network address of the printer
   Owned<CString> AddressType;        // "tcpip"
   Owned<CString> PrintingSystem;     // "SystemV", "CUPS" or "LPRng"

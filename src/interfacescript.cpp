@@ -10,6 +10,7 @@
 #include "debug.h"
 #include "paths.h"
 #include "porting.h"
+#include "queuetypes.h"
 #include "textencoding.h"
 #include "textfile.h"
 
@@ -33,7 +34,7 @@ std::string AddressLine(std::string_view address) {
 
 // The lines that turn the file "$1" into printer data.
 std::string FilterLines(const InterfaceBlock &block) {
-  if (block.queue_type == "raw") return "  ${CAT} \"$1\"\n";
+  if (!QueueTypeOf(block.queue_type).is_filtered) return "  ${CAT} \"$1\"\n";
   return std::string("  ") + kFilterProgram + " \\\n" +
          "    \"$options\" \\\n"
          "    -J\"$title\" \\\n"

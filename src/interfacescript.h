@@ -14,7 +14,7 @@ inline constexpr char kTemporaryScriptSuffix[] = ".KPXadmin";
 
 // What the block says. The texts stand in it unquoted.
 struct InterfaceBlock {
-  std::string queue_type;  // "raw" passes the files as they are, any other is the filter's type
+  std::string queue_type;  // a key of queuetypes.h
   std::string ppd_path;
   std::string def_path;
   std::string address;

@@ -110,3 +110,10 @@ std::string QueueFeatureValue(const char *feature) {
   const char *value = HashText(G_QueueFeatures_hash, feature);
   return value == nullptr ? "" : value;
 }
+
+std::string CurrentQueueTypeKey() {
+  const char *key = fGet_CString_Value_Function(fGet_Language_Function(G_CurrentQueue.get()));
+  return key == nullptr ? "" : key;
+}
+
+const QueueType &CurrentQueueType() { return QueueTypeOf(CurrentQueueTypeKey()); }

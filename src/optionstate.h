@@ -6,6 +6,7 @@
 
 #include "chash.h"
 #include "clist.h"
+#include "queuetypes.h"
 
 struct CFeature;
 struct CPrinter;
@@ -37,6 +38,10 @@ void SetCurrentPrinter(CPrinter *printer);
 
 // Takes over the work copy with its name and sets the queue's four globals; null clears them.
 void SetCurrentQueue(Owned<CString> &&name, Owned<CPrintQueue> &&queue);
+
+// The type of the current queue: its key, empty while no queue is current, and what goes with it.
+std::string CurrentQueueTypeKey();
+const QueueType &CurrentQueueType();
 
 // Features that are never compared with constraints, neither as choice nor as setting.
 bool IsExemptFeature(const char *feature);
