@@ -5,7 +5,6 @@
 #include "ListWidget.h"
 #include "OptionDefaults.h"
 #include "PropTabCustomsFct.h"
-#include "PropertiesPages.h"
 #include "PropertiesWindow.h"
 #include "Support.h"
 #include "cmessages.h"
@@ -106,8 +105,6 @@ void AddHalf(GtkWidget *page, const HalfFacts &facts) {
 
 GtkWidget *create_PropTabCustoms() {
   const LogScope log("create_PropTabCustoms");
-  // Entries that come and go change its lists.
-  NeedPropertiesPage(kSetupPage);
   G_PropTabCustoms_helper = std::make_unique<PropTabCustomsHelper>();
   G_CpsSelections = CreateList();
   G_CmtSelections = CreateList();

@@ -1,7 +1,7 @@
 #include "PropertiesPages.h"
 
 #include <algorithm>
-#include <vector>
+#include <iterator>
 
 #include "PropTabCustoms.h"
 #include "PropTabDestination.h"
@@ -18,22 +18,43 @@
 #include "globals.h"
 #include "multipleup.h"
 #include "optionlists.h"
-#include "properties.h"
+#include "optionstate.h"
+#include "pagetable.h"
 
 namespace {
 
-struct Tab {
+// How a page comes and goes.
+struct PageWidgets {
+  Page page;
   GtkWidget *(*create)();
-  const char *label_name;
-  const char *label_key;
+  void (*forget)();
 };
 
-constexpr Tab L_Setup = {create_PropTabSetup, "SetupLabel", "DEF_TAB_SETUP"};
-constexpr Tab L_Output = {create_PropTabOutput, "OutputLabel", "DEF_TAB_OUTPUT"};
-constexpr Tab L_Options = {create_PropTabOptions, "OptionsLabel", "DEF_TAB_OPTIONS"};
-constexpr Tab L_Destination = {create_PropTabDestination, "DestinationLabel",
-                               "DEF_TAB_DESTINATION"};
-constexpr Tab L_Fonts = {create_PropTabTextOptions, "FontsLabel", "DEF_TAB_FONTS"};
+GtkWidget *CreateGeneralPage() {
+  return G_ProgName == kModeAdministration ? create_PropTabGenAdmin() : create_PropTabGenTool();
+}
+
+void ForgetGeneralPage() {
+  G_PropTabGenNpmenu_helper.reset();
+  G_PropTabGenPrntool_helper.reset();
+}
+
+constexpr PageWidgets L_PageWidgets[] = {
+    {Page::kGeneral, CreateGeneralPage, ForgetGeneralPage},
+    {Page::kSetup, create_PropTabSetup, [] { G_PropTabSetup_helper.reset(); }},
+    {Page::kOutput, create_PropTabOutput, [] { G_PropTabOutput_helper.reset(); }},
+    {Page::kOptions, create_PropTabOptions, [] { G_PropTabOptions_helper.reset(); }},
+    {Page::kDestination, create_PropTabDestination, [] { G_PropTabDestination_helper.reset(); }},
+    {Page::kFeatures, create_PropTabFeatures, [] { G_PropTabFeatures_helper.reset(); }},
+    {Page::kCustoms, create_PropTabCustoms, ForgetCustomsTab},
+    {Page::kFonts, create_PropTabTextOptions, [] { G_PropTabTextOptions_helper.reset(); }},
+};
+
+const PageWidgets &WidgetsOf(Page page) {
+  const auto *widgets = std::find_if(std::begin(L_PageWidgets), std::end(L_PageWidgets),
+                                     [page](const PageWidgets &row) { return row.page == page; });
+  return *widgets;
+}
 
 // What the pages of the programs, in all languages, are at most: pictures, which stay as they are,
 // in pixels, and texts. The choices of pages a sheet are wider than anything else.
@@ -48,34 +69,17 @@ constexpr int L_Height = 490;
 constexpr double L_UsualResolution = 96;
 constexpr double L_PointsPerInch = 72;
 
-// The open window's, from 0. Its place in the notebook is a scrolled window, empty until then.
-std::vector<Tab> L_Tabs;
 guint L_Idle = 0;  // the source that builds the rest
 
-std::vector<Tab> TabsOfProgram() {
-  if (G_ProgName == kModeAdministration) {
-    return {{create_PropTabGenAdmin, "GeneralLabel", "DEF_TAB_GENERAL"},
-            L_Setup,
-            L_Output,
-            L_Options,
-            L_Destination,
-            {create_PropTabFeatures, "FeaturesLabel", "DEF_TAB_FEATURES"},
-            {create_PropTabCustoms, "CustomsLabel", "DEF_TAB_CUSTOMS"},
-            L_Fonts};
-  }
-  return {{create_PropTabGenTool, "GeneralLabel", "DEF_TAB_GENERAL"},
-          L_Setup,
-          L_Output,
-          L_Options,
-          L_Destination,
-          L_Fonts};
+int NumberOfPages() {
+  return gtk_notebook_get_n_pages(GTK_NOTEBOOK(G_PropertiesWindow_helper->notebook));
 }
 
 // The first number of a page that is not built; the number of tabs when all are.
 int FirstMissing() {
   auto *notebook = GTK_NOTEBOOK(G_PropertiesWindow_helper->notebook);
   int number = 0;
-  for (; number < static_cast<int>(L_Tabs.size()); ++number) {
+  for (; number < NumberOfPages(); ++number) {
     GtkWidget *place = gtk_notebook_get_nth_page(notebook, number);
     if (gtk_bin_get_child(GTK_BIN(place)) == nullptr) break;
   }
@@ -97,13 +101,13 @@ gboolean BuildRestAfterDrawing(GtkWidget *window, cairo_t *, gpointer) {
 }
 
 // From now on nothing is built any more.
-void ForgetPages(GtkWidget *, gpointer) {
+void StopBuilding(GtkWidget *, gpointer) {
   if (L_Idle != 0) g_source_remove(L_Idle);
   L_Idle = 0;
-  L_Tabs.clear();
 }
 
-void AddTab(const PropertiesWindowHelper &helper, const Tab &tab) {
+// A page's place in the notebook is a scrolled window, empty until the page is built.
+void AddTab(const PropertiesWindowHelper &helper, const PropertyPage &tab) {
   GtkWidget *place = gtk_scrolled_window_new(nullptr, nullptr);
   gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(place), GTK_POLICY_AUTOMATIC,
                                  GTK_POLICY_AUTOMATIC);
@@ -130,38 +134,42 @@ double Em() {
 void AddPropertiesPages() {
   const LogScope log("AddPropertiesPages");
   const PropertiesWindowHelper &helper = *G_PropertiesWindow_helper;
-  L_Tabs = TabsOfProgram();
   // What building all pages changes in the work copy, in their order: so it does not matter which
   // page is built when.
   RepairCustomChoices();
   AddDefaultMultipleUpSettings();
-  for (const Tab &tab : L_Tabs) AddTab(helper, tab);
+  for (const PropertyPage &page : PropertyPages()) AddTab(helper, page);
   NeedPropertiesPage(0);
-  g_signal_connect(helper.window, "destroy", G_CALLBACK(ForgetPages), nullptr);
+  g_signal_connect(helper.window, "destroy", G_CALLBACK(StopBuilding), nullptr);
   g_signal_connect_after(helper.window, "draw", G_CALLBACK(BuildRestAfterDrawing), nullptr);
 }
 
 void NeedPropertiesPage(int number) {
   const LogScope log("NeedPropertiesPage");
-  if (number < 0 || number >= static_cast<int>(L_Tabs.size())) return;
+  if (G_PropertiesWindow_helper == nullptr || number < 0 || number >= NumberOfPages()) return;
   auto *notebook = GTK_NOTEBOOK(G_PropertiesWindow_helper->notebook);
   GtkWidget *place = gtk_notebook_get_nth_page(notebook, number);
   if (gtk_bin_get_child(GTK_BIN(place)) != nullptr) return;
-  gtk_container_add(GTK_CONTAINER(place), L_Tabs.at(static_cast<size_t>(number)).create());
+  const PropertyPage &page = PropertyPages()[static_cast<size_t>(number)];
+  for (const Page needed : page.needs) NeedPropertiesPage(PlaceOf(needed));
+  gtk_container_add(GTK_CONTAINER(place), WidgetsOf(page.page).create());
   gtk_widget_show(gtk_bin_get_child(GTK_BIN(place)));
 }
 
 void NeedAllPropertiesPages() {
-  for (int number = 0; number < static_cast<int>(L_Tabs.size()); ++number) {
-    NeedPropertiesPage(number);
-  }
+  if (G_PropertiesWindow_helper == nullptr) return;
+  for (int number = 0; number < NumberOfPages(); ++number) NeedPropertiesPage(number);
+}
+
+void ForgetPropertiesPages() {
+  for (const PageWidgets &page : L_PageWidgets) page.forget();
 }
 
 bool ArePropertiesPagesBuilt() {
-  return G_PropertiesWindow_helper != nullptr && FirstMissing() == static_cast<int>(L_Tabs.size());
+  return G_PropertiesWindow_helper != nullptr && FirstMissing() == NumberOfPages();
 }
 
 GtkRequisition LargestPropertiesPage() {
-  const PageSize width = CurrentLanguage() == "text" ? L_WidthWithPagesASheet : L_Width;
+  const PageSize width = CurrentQueueType().has_pages_a_sheet ? L_WidthWithPagesASheet : L_Width;
   return {static_cast<int>(width.pixels + width.ems * Em()), L_Height};
 }

@@ -4,9 +4,6 @@
 
 #include <gtk/gtk.h>
 
-// Of the pages, from 0; the same in both programs.
-inline constexpr int kSetupPage = 1;
-
 // Gives the notebook of G_PropertiesWindow_helper all its tabs and builds the page of the first.
 // The others are built one a turn of the main loop, in order, once the window has been drawn,
 // unless they are needed before. What is not built when the window ends never is.
@@ -18,6 +15,9 @@ void NeedPropertiesPage(int number);
 void NeedAllPropertiesPages();
 
 bool ArePropertiesPagesBuilt();
+
+// Gives up what the pages know of their widgets, once the window is gone.
+void ForgetPropertiesPages();
 
 // What the largest page wants, in pixels, in the current text size. Not asked of the pages, which
 // are not there when the window opens.

@@ -7,12 +7,9 @@
 #include "InstallableLists.h"
 #include "MessageDialogs.h"
 #include "OptionCombos.h"
-#include "PropTabCustoms.h"
 #include "PropTabDestination.h"
-#include "PropTabFeatures.h"
 #include "PropTabGeneral.h"
 #include "PropTabOptions.h"
-#include "PropTabOutput.h"
 #include "PropTabSetup.h"
 #include "PropTabSetupFct.h"
 #include "PropTabTextOptions.h"
@@ -24,6 +21,7 @@
 #include "destination.h"
 #include "globals.h"
 #include "optionstate.h"
+#include "pagetable.h"
 #include "properties.h"
 
 namespace {
@@ -42,7 +40,7 @@ void ShowRefusal(const char *title_key, const char *message_key, const std::stri
 }
 
 int SaveFonts() {
-  if (CurrentLanguage() == "text") {
+  if (CurrentQueueType().has_fonts) {
     if (G_GetAndSaveUserDataPropTabText() != 0) return 1;
     FocusFontEntry();
     return 0;
@@ -121,15 +119,7 @@ void ButtonCancelPropertiesPressed() {
   ForgetOptionRows();
   G_OptionChangeHooks = {};
   G_InstallableLists = {};
-  G_PropTabSetup_helper.reset();
-  G_PropTabOutput_helper.reset();
-  G_PropTabOptions_helper.reset();
-  G_PropTabDestination_helper.reset();
-  G_PropTabTextOptions_helper.reset();
-  G_PropTabGenNpmenu_helper.reset();
-  G_PropTabGenPrntool_helper.reset();
-  G_PropTabFeatures_helper.reset();
-  ForgetCustomsTab();
+  ForgetPropertiesPages();
 }
 
 void ButtonHelpPropertiesPressed() {

@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "cfeature.h"
-#include "chelp.h"
 #include "cmessages.h"
 #include "cprinter.h"
 #include "cprintqueue.h"
@@ -14,13 +13,8 @@
 #include "optionlists.h"
 #include "optionstate.h"
 #include "printermodels.h"
-#include "textencoding.h"
 
 namespace {
-
-constexpr size_t L_HelpBuffer = 10239;
-
-bool IsAdministration() { return G_ProgName == kModeAdministration; }
 
 std::string TextOf(const CString *text) {
   const char *value = fGet_CString_Value_Function(text);
@@ -57,44 +51,6 @@ void RemoveDefaults(const CHash *features, CHash *settings, const CHash *kept) {
   for (const std::string &feature : doomed) HashRemove(settings, feature.c_str());
 }
 
-// The page words of titles, in notebook order.
-std::vector<std::string> PageWords() {
-  std::vector<std::string> words = {"GENERAL_", "SETUP_", "OUTPUT_", "OPTIONS_", "DESTINATION_"};
-  if (IsAdministration()) words.insert(words.end(), {"FEATURES_", "CUSTOMS_"});
-  words.emplace_back("FONTS_");
-  return words;
-}
-
-std::vector<const char *> OptionsHelp() {
-  std::vector<const char *> blocks = {"KPX_OPTIONS_TAB_BEGIN"};
-  if (CurrentLanguage() == "text") blocks.push_back("KPX_MULTIPLE_UP_BEGIN");
-  return blocks;
-}
-
-// The help blocks of a page, without those that all pages share.
-std::vector<const char *> PageHelp(int page) {
-  const bool administration = IsAdministration();
-  switch (page) {
-    case 0:
-      if (administration) return {"KPX_ADMIN_GEN_TAB_BEGIN", "KPX_ABOUT_BTN_BEGIN"};
-      return {"KPX_TOOL_GEN_TAB_BEGIN", "KPX_TOOL_GEN_TAB_FTRS_BEGIN", "KPX_ABOUT_BTN_BEGIN"};
-    case 1:
-      return {administration ? "KPX_ADMIN_SETUP_TAB_BEGIN" : "KPX_TOOL_SETUP_TAB_BEGIN"};
-    case 2:
-      return {"KPX_OUTPUT_TAB_BEGIN"};
-    case 3:
-      return OptionsHelp();
-    case 4:
-      return {"KPX_DESTINATION_TAB_BEGIN"};
-    case 5:
-      return {administration ? "KPX_ADMIN_FEATURES_TAB_BEGIN" : "KPX_FONTS_TAB_BEGIN"};
-    case 6:
-      return {"KPX_ADMIN_CUSTOMS_TAB_BEGIN"};
-    default:
-      return {"KPX_FONTS_TAB_BEGIN"};
-  }
-}
-
 }  // namespace
 
 void getPrinterModel(const char *printer_name) {
@@ -111,7 +67,7 @@ bool OpenProperties(const std::string &queue_name, std::string *error) {
   error->clear();
   const CPrintQueue *queue = HashValue<CPrintQueue>(G_Queues_hash, queue_name.c_str());
   if (queue == nullptr) return false;
-  if (TextOf(fGet_Language_Function(queue)) == "text" && !HasFonts()) {
+  if (QueueTypeOf(TextOf(fGet_Language_Function(queue))).has_fonts && !HasFonts()) {
     *error = G_Translate("ERR_NO_FONT");
     return false;
   }
@@ -164,8 +120,6 @@ DefaultResult SetToDefault(const char *feature) {
   return DefaultResult::kChanged;
 }
 
-std::string CurrentLanguage() { return TextOf(fGet_Language_Function(G_CurrentQueue.get())); }
-
 void RemoveMultipleUpSettings() {
   for (const char *key : {"*Nup", "*NupOrder", "*Booklet"}) HashRemove(G_QueueFeatures_hash, key);
 }
@@ -184,20 +138,4 @@ void PutBackIdentity(const QueueIdentity &identity) {
   fSet_DefFile_Function(queue, CreateStringWithValue((identity.name + ".def").c_str()).get());
   G_CurrentQueue_name = CreateStringWithValue(identity.name.c_str());
   HashPut(G_Queues_hash, identity.name.c_str(), CloneOf(queue));
-}
-
-std::string PropertiesTitleKey(int page) {
-  const std::vector<std::string> words = PageWords();
-  if (page < 0 || static_cast<size_t>(page) >= words.size()) return "";
-  const std::string program = IsAdministration() ? "ADMIN_" : "TOOL_";
-  return "DEF_WND_" + program + "PROP_" + words[static_cast<size_t>(page)] + "TITLE";
-}
-
-std::string PropertiesHelp(int page) {
-  std::vector<const char *> blocks = PageHelp(page);
-  if (page != 0 && page != 6) blocks.push_back("KPX_PROPERTIES_DEFAULTS_BUTTON_BEGIN");
-  blocks.push_back("KPX_PROPERTIES_BUTTONS_BEGIN");
-  std::string help;
-  for (const char *block : blocks) help += fGetHelp_Function(G_Help.get(), block);
-  return std::string(Utf8Prefix(help, L_HelpBuffer));
 }

@@ -36,9 +36,6 @@ void RemoveDefaultSettings();
 enum class DefaultResult { kSame, kChanged, kNoDefault };
 DefaultResult SetToDefault(const char *feature);
 
-// The queue's language: "postscript", "text", "pcl6" or "raw"; empty while no queue is current.
-std::string CurrentLanguage();
-
 // Removes what only text queues have: pages a sheet, their order, booklet.
 void RemoveMultipleUpSettings();
 
@@ -50,9 +47,3 @@ void PutBackForPrinting(int copies);
 // the current name and puts a copy of the work copy into G_Queues_hash under it. The entry under
 // the old name must have been removed.
 void PutBackIdentity(const QueueIdentity &identity);
-
-// The catalogue key of the window's title on the notebook's page, from 0; empty past the last.
-std::string PropertiesTitleKey(int page);
-
-// The help text of the page.
-std::string PropertiesHelp(int page);

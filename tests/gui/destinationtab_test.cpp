@@ -7,7 +7,6 @@
 
 namespace {
 
-constexpr int kDestinationPage = 4;
 const std::string kDelivery = PafFeature("*Delivery", {{"PrintImmediately", "At once"},
                                                        {"HoldJobUntilYouEnterPIN", "Hold for PIN"},
                                                        {"ArchiveToDocumentServer", "Archive"}});
@@ -19,7 +18,7 @@ class DestinationTab : public PropertiesTest {
   void OpenTab(const std::vector<std::pair<const char *, const char *>> &settings = {},
                const std::string &features = kDelivery + kNotification) {
     MakePrinter(features);
-    Open(kDestinationPage, settings);
+    Open(PlaceOf(Page::kDestination), settings);
   }
 
   static std::string ApplicationsName() { return CatalogueText("UseAppSetting"); }
@@ -285,7 +284,7 @@ TEST_F(DestinationTab, OkRefusesAShortPinAndPutsTheFocusThere) {
   ASSERT_FALSE(PressOk());
   EXPECT_EQ(TakeError(),
             CatalogueText("ErrDestPin2") + ": " + CatalogueText("ErrDestPin1", {"123"}));
-  EXPECT_EQ(Page(), kDestinationPage);
+  EXPECT_EQ(Page(), PlaceOf(Page::kDestination));
   EXPECT_TRUE(HasFocus("PinEntry"));
   EXPECT_EQ(Stored("*DeliveryPIN"), "(none)");
   EXPECT_EQ(QueueFeatureValue("*EmailNotification"), "None") << "the defaults are back";
@@ -306,7 +305,7 @@ TEST_F(DestinationTab, OkRefusesAnAddressTidiesItAndPutsTheFocusThere) {
   ASSERT_FALSE(PressOk());
   EXPECT_EQ(TakeError(), CatalogueText("ErrDestMail2") + ": " +
                              CatalogueText("ErrDestMail1", {"a@b.cd nobody"}));
-  EXPECT_EQ(Page(), kDestinationPage);
+  EXPECT_EQ(Page(), PlaceOf(Page::kDestination));
   EXPECT_TRUE(HasFocus("EmailNotifAddressEntry"));
   EXPECT_EQ(Text("EmailNotifAddressEntry"), "a@b.cd nobody");
   EXPECT_EQ(Stored("*EmailAddress"), "(none)");

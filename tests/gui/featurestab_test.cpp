@@ -14,7 +14,6 @@
 
 namespace {
 
-constexpr int kFeaturesPage = 5;
 using Settings = std::vector<std::pair<const char *, const char *>>;
 using Strings = std::vector<std::string>;
 
@@ -35,7 +34,7 @@ class FeaturesTab : public PropertiesTest {
   }
 
   void OpenTab(const Settings &installed = {}, const Settings &settings = {}) {
-    Open(kFeaturesPage, settings, "postscript", installed);
+    Open(PlaceOf(Page::kFeatures), settings, "postscript", installed);
   }
 
   static GtkWidget *Available() { return G_InstallableLists.available; }
@@ -332,7 +331,7 @@ TEST_F(FeaturesTab, OptionsMoveByTheKeyboardAlone) {
 
 TEST_F(FeaturesTab, ThePrintToolHasThePictureAndTheListOnItsFirstTab) {
   G_ProgName = kModePrintTool;
-  Open(0, {}, "postscript", {{"*OptionHCF", "True"}});
+  Open(PlaceOf(Page::kGeneral), {}, "postscript", {{"*OptionHCF", "True"}});
   EXPECT_EQ(Picture(), "Printer_OptionHCF - -");
   EXPECT_EQ(lookup_widget(window_, "AvailableClist"), nullptr);
   EXPECT_EQ(G_PropTabFeatures_helper, nullptr);

@@ -6,9 +6,6 @@ namespace {
 
 using Strings = std::vector<std::string>;
 
-constexpr int kToolPage = 5;
-constexpr int kAdministrationPage = 7;
-
 class FontsTab : public PropertiesTest {
  protected:
   void SetUp() override {
@@ -17,7 +14,7 @@ class FontsTab : public PropertiesTest {
   }
 
   void OpenTab(const std::vector<std::pair<const char *, const char *>> &settings = {}) {
-    Open(kToolPage, settings, "text");
+    Open(PlaceOf(Page::kFonts), settings, "text");
   }
 
   std::string Shown() const {
@@ -45,8 +42,8 @@ TEST_F(FontsTab, ShowsTheQueuesFontAndSize) {
 
 TEST_F(FontsTab, IsThereInBothPrograms) {
   G_ProgName = kModeAdministration;
-  Open(kAdministrationPage, {}, "text");
-  EXPECT_EQ(Page(), kAdministrationPage);
+  Open(PlaceOf(Page::kFonts), {}, "text");
+  EXPECT_EQ(Page(), PlaceOf(Page::kFonts));
   EXPECT_TRUE(gtk_widget_get_mapped(Named("TextVbox")));
   EXPECT_TRUE(gtk_widget_get_mapped(Named("FontSizeComboEntry")));
   EXPECT_EQ(Shown(), "Courier/Regular/12");
@@ -54,15 +51,15 @@ TEST_F(FontsTab, IsThereInBothPrograms) {
 
 TEST_F(FontsTab, HasNoBodyForQueuesOfAnotherType) {
   for (const char *language : {"postscript", "pcl6", "raw"}) {
-    Open(kToolPage, {}, language);
-    EXPECT_EQ(Page(), kToolPage) << "the page itself stays";
+    Open(PlaceOf(Page::kFonts), {}, language);
+    EXPECT_EQ(Page(), PlaceOf(Page::kFonts)) << "the page itself stays";
     EXPECT_FALSE(gtk_widget_get_visible(Named("TextVbox"))) << language;
     ButtonCancelPropertiesPressed();
   }
 }
 
 TEST_F(FontsTab, OtherTypesStoreNoFont) {
-  Open(kToolPage);
+  Open(PlaceOf(Page::kFonts));
   ASSERT_TRUE(PressOk());
   EXPECT_EQ(Stored("*FontName"), "(none)");
   EXPECT_EQ(Stored("*FontSize"), "(none)");
@@ -100,7 +97,7 @@ TEST_F(FontsTab, AStyleThatTheFontLacksIsRefusedWithoutAMessage) {
   gtk_notebook_set_current_page(GTK_NOTEBOOK(G_PropertiesWindow_helper->notebook), 1);
   ASSERT_FALSE(PressOk());
   EXPECT_EQ(TakeError(), "(none)");
-  EXPECT_EQ(Page(), kToolPage);
+  EXPECT_EQ(Page(), PlaceOf(Page::kFonts));
   EXPECT_TRUE(HasFocus("FontStyleComboEntry"));
   EXPECT_EQ(Stored("*FontName"), "(none)");
 }

@@ -8,8 +8,6 @@
 
 namespace {
 
-constexpr int kOutputPage = 2;
-constexpr int kOptionsPage = 3;
 using Settings = std::vector<std::pair<const char *, const char *>>;
 
 class OptionsTab : public PropertiesTest {
@@ -25,7 +23,7 @@ class OptionsTab : public PropertiesTest {
     PropertiesTest::TearDown();
   }
 
-  void OpenText(const Settings &settings = {}) { Open(kOptionsPage, settings, "text"); }
+  void OpenText(const Settings &settings = {}) { Open(PlaceOf(Page::kOptions), settings, "text"); }
 
   bool Has(const std::string &name) const {
     return lookup_widget(window_, name.c_str()) != nullptr;
@@ -91,10 +89,10 @@ class OptionsTab : public PropertiesTest {
   // Chooses an orientation as the user does, and comes back.
   void Turn(const std::string &text) const {
     auto *notebook = GTK_NOTEBOOK(G_PropertiesWindow_helper->notebook);
-    gtk_notebook_set_current_page(notebook, kOutputPage);
+    gtk_notebook_set_current_page(notebook, PlaceOf(Page::kOutput));
     RunPending();
     Choose("Orientation", "    " + text);
-    gtk_notebook_set_current_page(notebook, kOptionsPage);
+    gtk_notebook_set_current_page(notebook, PlaceOf(Page::kOptions));
     RunPending();
     WaitForFrame();
   }
@@ -136,7 +134,7 @@ TEST_F(OptionsTab, HasItsRowsAndButtonsUnderTheirNames) {
   EXPECT_EQ(gtk_notebook_get_tab_label_text(
                 GTK_NOTEBOOK(G_PropertiesWindow_helper->notebook),
                 gtk_notebook_get_nth_page(GTK_NOTEBOOK(G_PropertiesWindow_helper->notebook),
-                                          kOptionsPage)),
+                                          PlaceOf(Page::kOptions))),
             CatalogueText("DEF_TAB_OPTIONS"));
 }
 
@@ -158,7 +156,7 @@ TEST_F(OptionsTab, OnlyTextQueuesChoosePagesASheetAndPclQueuesNoHalftone) {
       {"pcl6", {false, false}},
       {"raw", {false, true}}};
   for (const auto &[language, has] : languages) {
-    Open(kOptionsPage, {}, language);
+    Open(PlaceOf(Page::kOptions), {}, language);
     EXPECT_EQ(Has("NupFrame"), has.first) << language;
     EXPECT_EQ(Has("Nup2Radiobutton"), has.first) << language;
     EXPECT_EQ(Has("HalftoneCombo"), has.second) << language;
@@ -455,7 +453,7 @@ TEST_F(OptionsTab, DefaultsStopAtAFeatureWithoutDefault) {
 }
 
 TEST_F(OptionsTab, DefaultsOfAQueueWithoutButtonsResetThePagesToo) {
-  Open(kOptionsPage, {{"*Nup", "2"}}, "postscript");
+  Open(PlaceOf(Page::kOptions), {{"*Nup", "2"}}, "postscript");
   EXPECT_EQ(Settled(), "0/2/Left");
   ClickOn(Named("DefaultOptionsButton"));
   EXPECT_EQ(Settled(), "-/1/-");
@@ -477,7 +475,7 @@ TEST_F(OptionsTab, OkStoresTheChoiceOfATextQueue) {
 }
 
 TEST_F(OptionsTab, OkStoresNoPagesASheetForOtherQueues) {
-  Open(kOptionsPage, {{"*Nup", "2"}, {"*NupOrder", "Right"}}, "postscript");
+  Open(PlaceOf(Page::kOptions), {{"*Nup", "2"}, {"*NupOrder", "Right"}}, "postscript");
   ASSERT_TRUE(PressOk());
   for (const char *key : {"*Nup", "*NupOrder", "*Booklet"}) EXPECT_EQ(Stored(key), "(none)") << key;
 }

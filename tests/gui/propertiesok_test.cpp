@@ -4,8 +4,6 @@
 
 namespace {
 
-constexpr int kDestinationPage = 4;
-
 class PropertiesOk : public PropertiesTest {
  protected:
   void TearDown() override {
@@ -28,7 +26,7 @@ class PropertiesOk : public PropertiesTest {
   // Notifies that address, typed by the user.
   void Notify(const std::string &address) {
     MakePrinter(PafFeature("*EmailNotification", {{"None", "Nobody"}, {"JobCompleted", "Done"}}));
-    Open(kDestinationPage, {{"*EmailNotification", "JobCompleted"}});
+    Open(PlaceOf(Page::kDestination), {{"*EmailNotification", "JobCompleted"}});
     Paste("EmailNotifAddressEntry", address);
     ASSERT_EQ(Text("EmailNotifAddressEntry"), address);
   }
@@ -73,7 +71,7 @@ class PropertiesOk : public PropertiesTest {
 TEST_F(PropertiesOk, AQueueThatWasOpenedWithoutAddressIsRefused) {
   OpenWithAddress("");
   ASSERT_EQ(Text("AddressEntry"), "");
-  SwitchTo(kSetupPage);
+  SwitchTo(PlaceOf(Page::kSetup));
   RunPending();
   ASSERT_FALSE(PressOk());
   GtkWidget *box = WindowNamed("ErrorDialog");
@@ -104,7 +102,7 @@ TEST_F(PropertiesOk, AnAddressThatWasEmptiedCannotBeAcceptedAtAll) {
 TEST_F(PropertiesOk, AnotherTransportMakesOkAndApplyDoNothingVisible) {
   OpenWithAddress("10.0.0.1");
   SetText("TransportComboEntry", "ipx");
-  SwitchTo(kSetupPage);
+  SwitchTo(PlaceOf(Page::kSetup));
   RunPending();
   Choose("Duplex", "    Two-sided, long edge");
   ASSERT_TRUE(HasFocus("DuplexComboEntry"));
@@ -114,7 +112,7 @@ TEST_F(PropertiesOk, AnotherTransportMakesOkAndApplyDoNothingVisible) {
     RunPending();
     ASSERT_NE(nullptr, G_PropertiesWindow_helper) << button;
     EXPECT_EQ(TakeError(), "(none)") << button;
-    EXPECT_EQ(Page(), kSetupPage) << button;
+    EXPECT_EQ(Page(), PlaceOf(Page::kSetup)) << button;
     EXPECT_TRUE(HasFocus("DuplexComboEntry")) << button;
     EXPECT_EQ(Stored("*Duplex"), "(none)") << button;
   }
@@ -130,7 +128,7 @@ std::string PrinterWithAPlainConflict() {
 
 TEST_F(PropertiesOk, TheReasonGoesWithTheConflictThatWasSetRight) {
   MakePrinter(PrinterWithAPlainConflict());
-  Open(kSetupPage, {{"*Duplex", "Long"}, {"*Jog", "Set"}});
+  Open(PlaceOf(Page::kSetup), {{"*Duplex", "Long"}, {"*Jog", "Set"}});
   ClickOn(Named("OKButton"));
   GtkWidget *box = WindowNamed("ErrorDialog");
   ASSERT_NE(nullptr, box);
@@ -144,7 +142,7 @@ TEST_F(PropertiesOk, TheReasonGoesWithTheConflictThatWasSetRight) {
 
 TEST_F(PropertiesOk, AConflictWithoutMessageBlocksSavingUnderItsTitleAndReason) {
   MakePrinter(PrinterWithAPlainConflict());
-  Open(kSetupPage, {{"*Duplex", "Long"}, {"*Jog", "Set"}});
+  Open(PlaceOf(Page::kSetup), {{"*Duplex", "Long"}, {"*Jog", "Set"}});
   Paste("NrCopiesSpinbutton", "7");
   for (const char *button : {"OKButton", "ApplyButton"}) {
     ClickOn(Named(button));
@@ -202,7 +200,7 @@ TEST_F(PropertiesOk, EmailAddressesNeedALocalPartAndOneAtSign) {
 }
 
 TEST_F(PropertiesOk, AUserKeepsThePrintersDefaultForWhatTheAdministratorHadSet) {
-  OpenAsUser(kSetupPage, "*Duplex", "DuplexTumble");
+  OpenAsUser(PlaceOf(Page::kSetup), "*Duplex", "DuplexTumble");
   Choose("Duplex", "    One-sided");
   Choose("PaperSize", "    A4");
   ASSERT_TRUE(PressOk());
@@ -212,7 +210,7 @@ TEST_F(PropertiesOk, AUserKeepsThePrintersDefaultForWhatTheAdministratorHadSet) 
 }
 
 TEST_F(PropertiesOk, AUserKeepsWhatDefaultsPutBackToo) {
-  OpenAsUser(kSetupPage, "*Duplex", "DuplexTumble");
+  OpenAsUser(PlaceOf(Page::kSetup), "*Duplex", "DuplexTumble");
   ClickOn(Named("DefaultSetupButton"));
   ClickOn(Named("ApplyButton"));
   EXPECT_EQ(Stored("*Duplex"), "None");

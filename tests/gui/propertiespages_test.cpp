@@ -15,10 +15,6 @@ namespace {
 
 using Strings = std::vector<std::string>;
 
-constexpr int kOutputPage = 2;
-constexpr int kOptionsPage = 3;
-constexpr int kDestinationPage = 4;
-constexpr int kCustomsPage = 6;  // administration
 constexpr char kSixPictures[] = "vek41051";
 
 class PropertiesPages : public PropertiesTest {
@@ -46,15 +42,15 @@ class PropertiesPages : public PropertiesTest {
     return built;
   }
 
-  static GtkWidget *PlaceOf(int page) {
+  static GtkWidget *ScrolledPlace(int page) {
     return gtk_notebook_get_nth_page(GTK_NOTEBOOK(G_PropertiesWindow_helper->notebook), page);
   }
 
   // Whether a page is seen whole in its place.
   static bool IsWhole(int page) {
     for (GtkAdjustment *range :
-         {gtk_scrolled_window_get_hadjustment(GTK_SCROLLED_WINDOW(PlaceOf(page))),
-          gtk_scrolled_window_get_vadjustment(GTK_SCROLLED_WINDOW(PlaceOf(page)))}) {
+         {gtk_scrolled_window_get_hadjustment(GTK_SCROLLED_WINDOW(ScrolledPlace(page))),
+          gtk_scrolled_window_get_vadjustment(GTK_SCROLLED_WINDOW(ScrolledPlace(page)))}) {
       if (gtk_adjustment_get_upper(range) > gtk_adjustment_get_page_size(range)) return false;
     }
     return true;
@@ -102,18 +98,18 @@ TEST_F(PropertiesPages, AreBuiltOneATurnInOrderOnceTheWindowIsDrawn) {
 
 TEST_F(PropertiesPages, AreBuiltWhenTheUserGoesToThem) {
   MakeWindow({});
-  SwitchTo(kDestinationPage);
+  SwitchTo(PlaceOf(Page::kDestination));
   EXPECT_EQ(Strings{"Destination"}, Built());
   GtkWidget *entry = Named("JobNameEntry");
   NeedAllPropertiesPages();
-  SwitchTo(kOutputPage);
-  SwitchTo(kDestinationPage);
+  SwitchTo(PlaceOf(Page::kOutput));
+  SwitchTo(PlaceOf(Page::kDestination));
   EXPECT_EQ(entry, Named("JobNameEntry"));
 }
 
 TEST_F(PropertiesPages, BringThePageThatTheyChangeAlong) {
   MakeWindow({});
-  SwitchTo(kCustomsPage);
+  SwitchTo(PlaceOf(Page::kCustoms));
   EXPECT_EQ((Strings{"Setup", "Customs"}), Built());
 }
 
@@ -123,7 +119,7 @@ TEST_F(PropertiesPages, AreNotBuiltAnyMoreOnceTheWindowIsClosed) {
   ASSERT_TRUE(RunUntil([] { return Built().size() == 2; }));
   ButtonCancelPropertiesPressed();
   RunPending();
-  NeedPropertiesPage(kOptionsPage);
+  NeedPropertiesPage(PlaceOf(Page::kOptions));
   EXPECT_EQ(Strings{}, Built());
   EXPECT_FALSE(ArePropertiesPagesBuilt());
   MakeWindow({});
@@ -157,7 +153,7 @@ TEST_F(PropertiesPages, LeaveTheSameWithOkWhetherTheyWereSeenOrNot) {
   ButtonOKPropertiesPressed();
   ASSERT_EQ(nullptr, G_PropertiesWindow_helper);
   const Strings unseen = Saved();
-  Open(kOptionsPage, settings, "text");
+  Open(PlaceOf(Page::kOptions), settings, "text");
   ButtonOKPropertiesPressed();
   EXPECT_EQ(Saved(), unseen);
   EXPECT_EQ("Down", Stored("*NupOrder"));
@@ -176,21 +172,21 @@ TEST_F(PropertiesPages, ChangeTheWorkCopyWhenTheWindowOpensOnly) {
 
 TEST_F(PropertiesPages, ShowWhatWasChosenBeforeTheyWereBuilt) {
   MakeWindow({});
-  SwitchTo(kSetupPage);
+  SwitchTo(PlaceOf(Page::kSetup));
   gtk_combo_box_set_active(GTK_COMBO_BOX(OptionCombo("*Duplex")), 0);
   EXPECT_EQ("Long", QueueFeatureValue("*Duplex"));
-  SwitchTo(kOutputPage);
+  SwitchTo(PlaceOf(Page::kOutput));
   EXPECT_EQ((Strings{"!   Side bin", "    Top bin"}), Rows("OutputBin"));
   EXPECT_EQ("    Top bin", Text("OutputBinComboEntry"));
 }
 
 TEST_F(PropertiesPages, ShowTheOrdersOfASheetThatWasTurnedBeforeTheyWereBuilt) {
   MakeWindow({{"*Nup", "2"}}, "text");
-  SwitchTo(kOutputPage);
+  SwitchTo(PlaceOf(Page::kOutput));
   gtk_combo_box_set_active(GTK_COMBO_BOX(OptionCombo("*Orientation")), 0);
-  SwitchTo(kOptionsPage);
+  SwitchTo(PlaceOf(Page::kOptions));
   EXPECT_FALSE(gtk_widget_get_visible(Named("NupLeftVbox")));
-  SwitchTo(kOutputPage);
+  SwitchTo(PlaceOf(Page::kOutput));
   gtk_combo_box_set_active(GTK_COMBO_BOX(OptionCombo("*Orientation")), 1);
   EXPECT_TRUE(gtk_widget_get_visible(Named("NupLeftVbox")));
 }

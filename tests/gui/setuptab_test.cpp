@@ -13,7 +13,6 @@
 
 namespace {
 
-constexpr int kOutputPage = 2;
 constexpr char kPrinterName[] = "Vek Norvel 4110ES";
 constexpr char kSpoilt[] = "cps.xpm";  // no option's picture on these tabs but of a custom size
 using Strings = std::vector<std::string>;
@@ -187,20 +186,20 @@ using OutputTab = SetupTab;
 }  // namespace
 
 TEST_F(SetupTab, DefaultsPutEveryRowBackDrawItAndFillEveryCombo) {
-  ExpectAllPutBack(kSetupPage, kSetup, "DefaultSetupButton");
+  ExpectAllPutBack(PlaceOf(Page::kSetup), kSetup, "DefaultSetupButton");
 }
 
 TEST_F(SetupTab, DefaultsOfDefaultsChangeNothingAndRefillNothing) {
-  ExpectNothingDone(kSetupPage, kSetup, "DefaultSetupButton");
+  ExpectNothingDone(PlaceOf(Page::kSetup), kSetup, "DefaultSetupButton");
 }
 
 TEST_F(SetupTab, DefaultsStopAtTheRowWithoutDefaultWithALineInTheLog) {
-  ExpectStops(kSetupPage, kSetup, "DefaultSetupButton");
+  ExpectStops(PlaceOf(Page::kSetup), kSetup, "DefaultSetupButton");
 }
 
 TEST_F(SetupTab, WithoutADefaultCollationPaperIsResetAndCollationDuplexAndCopiesAreNot) {
   TakeDefaultAway("*Collate");
-  Open(kSetupPage, AllOther(kSetup));
+  Open(PlaceOf(Page::kSetup), AllOther(kSetup));
   SetCopies(7);
   ClickOn(Named("DefaultSetupButton"));
   EXPECT_EQ(QueueFeatureValue("*PageSize"), "A4");
@@ -215,14 +214,14 @@ TEST_F(SetupTab, WithoutADefaultCollationPaperIsResetAndCollationDuplexAndCopies
 }
 
 TEST_F(SetupTab, DefaultsFillTheCombosAndThenTheProgramsOwnList) {
-  Open(kSetupPage, {{"*PageSize", "A3"}});
+  Open(PlaceOf(Page::kSetup), {{"*PageSize", "A3"}});
   std::string log = LogOfPressing("DefaultSetupButton", 4);
   ExpectInOrder(log, {Begin("ButtonSetupDefaultsPressed"), Begin("G_FillAllComboWithOptions"),
                       Begin("G_FillFeaturesCList")});
   EXPECT_FALSE(Says(log, "G_FillInstallableCLists"));
   ButtonCancelPropertiesPressed();
   G_ProgName = kModeAdministration;
-  Open(kSetupPage, {{"*PageSize", "A3"}});
+  Open(PlaceOf(Page::kSetup), {{"*PageSize", "A3"}});
   log = LogOfPressing("DefaultSetupButton", 4);
   ExpectInOrder(log, {Begin("ButtonSetupDefaultsPressed"), Begin("G_FillAllComboWithOptions"),
                       Begin("G_FillInstallableCLists")});
@@ -230,7 +229,7 @@ TEST_F(SetupTab, DefaultsFillTheCombosAndThenTheProgramsOwnList) {
 }
 
 TEST_F(SetupTab, DefaultsFillTheInstalledFeaturesOfTheToolAndBothListsOfTheAdministration) {
-  Open(kSetupPage, {{"*PageSize", "A3"}});
+  Open(PlaceOf(Page::kSetup), {{"*PageSize", "A3"}});
   const int features = ListRowCount(G_InstallableLists.features);
   ASSERT_GT(features, 0);
   ListAppend(G_InstallableLists.features, {"old", "old"}, nullptr);
@@ -238,7 +237,7 @@ TEST_F(SetupTab, DefaultsFillTheInstalledFeaturesOfTheToolAndBothListsOfTheAdmin
   EXPECT_EQ(ListRowCount(G_InstallableLists.features), features);
   ButtonCancelPropertiesPressed();
   G_ProgName = kModeAdministration;
-  Open(kSetupPage, {{"*PageSize", "A3"}}, "postscript", {{"*OptionHCF", "True"}});
+  Open(PlaceOf(Page::kSetup), {{"*PageSize", "A3"}}, "postscript", {{"*OptionHCF", "True"}});
   for (GtkWidget *list : {G_InstallableLists.available, G_InstallableLists.installed}) {
     ListAppend(list, {"old"}, nullptr);
   }
@@ -250,7 +249,7 @@ TEST_F(SetupTab, DefaultsFillTheInstalledFeaturesOfTheToolAndBothListsOfTheAdmin
 
 TEST_F(SetupTab, DefaultsSetTheToolsCopiesToOneEvenWhenNothingElseChanges) {
   for (const char *size : {"A4", "A3"}) {
-    Open(kSetupPage, {{"*PageSize", size}, {"*NrCopies", "7"}});
+    Open(PlaceOf(Page::kSetup), {{"*PageSize", size}, {"*NrCopies", "7"}});
     ASSERT_EQ(Copies(), 7);
     ClickOn(Named("DefaultSetupButton"));
     EXPECT_EQ(Copies(), 1) << size;
@@ -261,7 +260,7 @@ TEST_F(SetupTab, DefaultsSetTheToolsCopiesToOneEvenWhenNothingElseChanges) {
 TEST_F(SetupTab, DefaultsLeaveTheAdministrationsCopiesAlone) {
   G_ProgName = kModeAdministration;
   for (const char *size : {"A4", "A3"}) {
-    Open(kSetupPage, {{"*PageSize", size}, {"*NrCopies", "7"}});
+    Open(PlaceOf(Page::kSetup), {{"*PageSize", size}, {"*NrCopies", "7"}});
     ASSERT_EQ(Copies(), 7);
     ClickOn(Named("DefaultSetupButton"));
     EXPECT_EQ(Copies(), 7) << size;
@@ -270,7 +269,7 @@ TEST_F(SetupTab, DefaultsLeaveTheAdministrationsCopiesAlone) {
 }
 
 TEST_F(SetupTab, TypedCopiesOutOfRangeComeBackIntoItWhenTheEntryIsLeft) {
-  Open(kSetupPage);
+  Open(PlaceOf(Page::kSetup));
   const std::vector<std::pair<const char *, int>> typed = {
       {"0", 1},         {"-5", 1},         {"1", 1},     {"32767", 32767},
       {"32768", 32767}, {"999999", 32767}, {"250", 250}, {"0", 1}};
@@ -288,7 +287,7 @@ TEST_F(SetupTab, OkStoresTypedCopiesWithinTheRange) {
   const std::vector<std::pair<const char *, const char *>> typed = {
       {"0", "1"}, {"40000", "32767"}, {"12", "12"}};
   for (const auto &[keys, stored] : typed) {
-    Open(kSetupPage);
+    Open(PlaceOf(Page::kSetup));
     Type("NrCopiesSpinbutton", keys);
     ASSERT_TRUE(PressOk());
     EXPECT_EQ(Stored("*NrCopies"), stored) << keys;
@@ -296,7 +295,7 @@ TEST_F(SetupTab, OkStoresTypedCopiesWithinTheRange) {
 }
 
 TEST_F(SetupTab, CopiesStepByOneAndByTenWithinTheRange) {
-  Open(kSetupPage);
+  Open(PlaceOf(Page::kSetup));
   Focus("NrCopiesSpinbutton");
   const std::vector<std::pair<const char *, int>> steps = {{"Down", 1},  {"Up", 2},   {"Prior", 12},
                                                            {"Down", 11}, {"Next", 1}, {"Next", 1}};
@@ -313,19 +312,19 @@ TEST_F(SetupTab, CopiesStepByOneAndByTenWithinTheRange) {
 }
 
 TEST_F(OutputTab, DefaultsPutEveryRowBackDrawItAndFillEveryCombo) {
-  ExpectAllPutBack(kOutputPage, kOutput, "DefaultOutputButton");
+  ExpectAllPutBack(PlaceOf(Page::kOutput), kOutput, "DefaultOutputButton");
 }
 
 TEST_F(OutputTab, DefaultsOfDefaultsChangeNothingAndRefillNothing) {
-  ExpectNothingDone(kOutputPage, kOutput, "DefaultOutputButton");
+  ExpectNothingDone(PlaceOf(Page::kOutput), kOutput, "DefaultOutputButton");
 }
 
 TEST_F(OutputTab, DefaultsStopAtTheRowWithoutDefaultWithALineInTheLog) {
-  ExpectStops(kOutputPage, kOutput, "DefaultOutputButton");
+  ExpectStops(PlaceOf(Page::kOutput), kOutput, "DefaultOutputButton");
 }
 
 TEST_F(OutputTab, TurningTheSheetBackRedrawsStapleAndPunchThoughTheyAreAtTheirDefaults) {
-  Open(kOutputPage, {{"*Orientation", "Landscape"}});
+  Open(PlaceOf(Page::kOutput), {{"*Orientation", "Landscape"}});
   ASSERT_TRUE(Shows("*StapleLocation", "StapleLocation_NoneL.xpm"));
   ASSERT_TRUE(Shows("*Punch", "Punch_NoneL.xpm"));
   ClickOn(Named("DefaultOutputButton"));
@@ -334,7 +333,7 @@ TEST_F(OutputTab, TurningTheSheetBackRedrawsStapleAndPunchThoughTheyAreAtTheirDe
 }
 
 TEST_F(OutputTab, StapleAndPunchAtTheirDefaultsAreNotRedrawnWhileTheSheetStaysUpright) {
-  Open(kOutputPage, {{"*Jog", "EndOfSet"}});
+  Open(PlaceOf(Page::kOutput), {{"*Jog", "EndOfSet"}});
   Spoil("*StapleLocation");
   Spoil("*Punch");
   ClickOn(Named("DefaultOutputButton"));
@@ -346,7 +345,8 @@ TEST_F(OutputTab, StapleAndPunchAtTheirDefaultsAreNotRedrawnWhileTheSheetStaysUp
 // The choices before a missing default are made, so the sheet may have turned.
 TEST_F(OutputTab, StapleAndPunchAreRedrawnForTheirOptionsWhenStapleHasNoDefault) {
   TakeDefaultAway("*StapleLocation");
-  Open(kOutputPage, {{"*Orientation", "Landscape"}, {"*StapleLocation", "SinglePortrait"}});
+  Open(PlaceOf(Page::kOutput),
+       {{"*Orientation", "Landscape"}, {"*StapleLocation", "SinglePortrait"}});
   ASSERT_TRUE(Shows("*StapleLocation", "StapleLocation_SinglePortraitL.xpm"));
   ClickOn(Named("DefaultOutputButton"));
   EXPECT_EQ(QueueFeatureValue("*StapleLocation"), "SinglePortrait");
@@ -355,7 +355,7 @@ TEST_F(OutputTab, StapleAndPunchAreRedrawnForTheirOptionsWhenStapleHasNoDefault)
 }
 
 TEST_F(OutputTab, TheLogNamesTheListsThatAreFilledAgain) {
-  Open(kOutputPage, {{"*Jog", "EndOfSet"}});
+  Open(PlaceOf(Page::kOutput), {{"*Jog", "EndOfSet"}});
   std::string log = LogOfPressing("DefaultOutputButton", 4);
   ExpectInOrder(log,
                 {Begin("G_FillAllComboWithOptions"), "END   G_FillAllComboWithOptions() function\n",
@@ -363,7 +363,7 @@ TEST_F(OutputTab, TheLogNamesTheListsThatAreFilledAgain) {
   EXPECT_FALSE(Says(log, "Installable CLists"));
   ButtonCancelPropertiesPressed();
   G_ProgName = kModeAdministration;
-  Open(kOutputPage, {{"*Jog", "EndOfSet"}});
+  Open(PlaceOf(Page::kOutput), {{"*Jog", "EndOfSet"}});
   log = LogOfPressing("DefaultOutputButton", 4);
   ExpectInOrder(log,
                 {Begin("G_FillAllComboWithOptions"), "END   G_FillAllComboWithOptions() function\n",
@@ -372,7 +372,7 @@ TEST_F(OutputTab, TheLogNamesTheListsThatAreFilledAgain) {
 }
 
 TEST_F(OutputTab, DefaultsLeaveTheCopiesAlone) {
-  Open(kOutputPage, {{"*Jog", "EndOfSet"}, {"*NrCopies", "7"}});
+  Open(PlaceOf(Page::kOutput), {{"*Jog", "EndOfSet"}, {"*NrCopies", "7"}});
   ClickOn(Named("DefaultOutputButton"));
   EXPECT_EQ(Copies(), 7);
 }

@@ -74,7 +74,7 @@ class CustomsTest : public PropertiesTest {
     HashPut(G_Queues_hash, "lp1", std::move(queue_));
     window_ = create_PropertiesWindow();
     ASSERT_NE(nullptr, window_);
-    ShowPage(6);
+    ShowPage(PlaceOf(Page::kCustoms));
   }
 
   void ShowPage(int page) const {

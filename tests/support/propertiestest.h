@@ -18,6 +18,7 @@
 #include "guisupport.h"
 #include "optionstate.h"
 #include "pafreader.h"
+#include "pagetable.h"
 #include "paths.h"
 #include "properties.h"
 #include "queuesupport.h"

@@ -15,6 +15,7 @@
 #include "globals.h"
 #include "optionstate.h"
 #include "pafreader.h"
+#include "pagetable.h"
 #include "queuesupport.h"
 #include "spoolerstandin.h"
 
@@ -166,7 +167,7 @@ TEST_F(Properties, ATextQueueNeedsFonts) {
   EXPECT_EQ(OpenError("lp1"), "no font");
   HashPut(G_Fonts_hash.get(), "Courier", CreateHash());
   Open();
-  EXPECT_EQ(CurrentLanguage(), "text");
+  EXPECT_EQ(CurrentQueueTypeKey(), "text");
 }
 
 TEST_F(Properties, AnUnknownPrinterIsReportedByItsDescriptionFile) {
@@ -284,9 +285,33 @@ TEST_F(Properties, TitlesFollowProgramAndPage) {
   EXPECT_EQ(PropertiesTitleKey(6), "DEF_WND_ADMIN_PROP_CUSTOMS_TITLE");
   EXPECT_EQ(PropertiesTitleKey(7), "DEF_WND_ADMIN_PROP_FONTS_TITLE");
   EXPECT_EQ(PropertiesTitleKey(8), "");
+  EXPECT_EQ(PropertiesTitleKey(-1), "");
   G_ProgName = kModePrintTool;
   EXPECT_EQ(PropertiesTitleKey(5), "DEF_WND_TOOL_PROP_FONTS_TITLE");
   EXPECT_EQ(PropertiesTitleKey(6), "");
+}
+
+TEST_F(Properties, EveryPageHasOnePlaceInEachProgramThatHasIt) {
+  for (const int program : {kModeAdministration, kModePrintTool}) {
+    G_ProgName = program;
+    int place = 0;
+    for (const PropertyPage &page : PropertyPages()) EXPECT_EQ(PlaceOf(page.page), place++);
+    EXPECT_EQ(PropertiesTitleKey(place), "");
+  }
+  EXPECT_EQ(PlaceOf(Page::kFeatures), -1) << "the print tool has no such page";
+  EXPECT_EQ(PlaceOf(Page::kCustoms), -1) << "the print tool has no such page";
+}
+
+TEST_F(Properties, APageNeedsOnlyPagesOfItsProgramThatNeedNone) {
+  for (const int program : {kModeAdministration, kModePrintTool}) {
+    G_ProgName = program;
+    for (const PropertyPage &page : PropertyPages()) {
+      for (const Page needed : page.needs) {
+        ASSERT_GE(PlaceOf(needed), 0) << page.title_word;
+        EXPECT_TRUE(PropertyPages()[static_cast<size_t>(PlaceOf(needed))].needs.empty());
+      }
+    }
+  }
 }
 
 class PropertiesHelpText : public Properties {
