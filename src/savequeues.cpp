@@ -11,12 +11,13 @@
 #include "porting.h"
 #include "queuecreation.h"
 #include "queuelistkeep.h"
+#include "uninterrupted.h"
 
 namespace {
 
 // Whether the list file can be opened for writing; makes a missing one.
 bool IsListWritable(const std::string &path) {
-  const int file = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
+  const int file = Uninterrupted(open, path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
   if (file != -1) close(file);
   return file != -1;
 }

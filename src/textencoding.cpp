@@ -1,12 +1,17 @@
 #include "textencoding.h"
 
+#include <fcntl.h>
 #include <iconv.h>
 #include <langinfo.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+
+#include "uninterrupted.h"
 
 namespace {
 
@@ -181,20 +186,19 @@ std::optional<std::string> ReadWholeFile(const std::string &path) {
 }
 
 std::optional<std::string> ReadFileStart(const std::string &path, size_t max_bytes) {
-  std::FILE *file = std::fopen(path.c_str(), "re");
-  if (file == nullptr) return std::nullopt;
+  const int file = Uninterrupted(open, path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (file == -1) return std::nullopt;
   std::string content;
   char buffer[16384];
-  size_t count = 0;
+  ssize_t count = 0;
   do {
-    count = std::fread(buffer, 1, std::min(sizeof buffer, max_bytes - content.size()), file);
-    content.append(buffer, count);
+    const size_t wanted = std::min(sizeof buffer, max_bytes - content.size());
+    count = Uninterrupted(read, file, buffer, wanted);
+    if (count > 0) content.append(buffer, static_cast<size_t>(count));
   } while (count > 0);
-  const int error = std::ferror(file) != 0 ? errno : 0;
-  std::fclose(file);
-  if (error != 0) {
-    errno = error;
-    return std::nullopt;
-  }
+  const int error = errno;
+  close(file);
+  errno = error;
+  if (count < 0) return std::nullopt;
   return content;
 }

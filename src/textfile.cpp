@@ -12,6 +12,8 @@
 #include <span>
 #include <utility>
 
+#include "uninterrupted.h"
+
 namespace {
 
 // A file descriptor that is closed when it goes.
@@ -77,13 +79,21 @@ size_t ExtensionSize(const std::string &path) {
   return path.size() - std::min(path.find('.', path.rfind('/') + 1), path.size());
 }
 
+// Makes a new file beside `path`, whose name goes to `temporary`.
+int MakeFileBeside(const std::string &path, std::string &temporary) {
+  const size_t extension_size = ExtensionSize(path);
+  const auto make = [&] {
+    temporary = TemplateBeside(path, extension_size);  // each try needs a fresh one
+    return mkostemps(temporary.data(), static_cast<int>(extension_size), O_CLOEXEC);
+  };
+  return Uninterrupted(make);
+}
+
 // A new file beside `path` that takes its place, or goes with this record.
 class Replacement {
  public:
   explicit Replacement(const std::string &path)
-      : path_(path),
-        temporary_(TemplateBeside(path, ExtensionSize(path))),
-        file_(mkostemps(temporary_.data(), static_cast<int>(ExtensionSize(path)), O_CLOEXEC)) {}
+      : path_(path), file_(MakeFileBeside(path, temporary_)) {}
   ~Replacement() {
     if (!is_waiting_) return;
     const int error = errno;
@@ -99,7 +109,7 @@ class Replacement {
   }
   // Has the disk begin to write, which the flush then waits for.
   void StartFlush() const { sync_file_range(file_.Descriptor(), 0, 0, SYNC_FILE_RANGE_WRITE); }
-  bool Flush() const { return fsync(file_.Descriptor()) == 0; }
+  bool Flush() const { return Uninterrupted(fsync, file_.Descriptor()) == 0; }
   bool Install() {
     if (!file_.Close() || rename(temporary_.c_str(), path_.c_str()) != 0) return false;
     is_waiting_ = false;
@@ -152,7 +162,8 @@ void ReplaceTogether(std::span<const FileContent> files, std::vector<std::string
 
 // What stands at `path` and whose it is; nothing stands there in a place that has no file yet.
 std::optional<std::string> ReadForAppending(const std::string &path, struct stat &like) {
-  const OpenFile file(open(path.c_str(), O_RDWR | O_APPEND | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+  const OpenFile file(
+      Uninterrupted(open, path.c_str(), O_RDWR | O_APPEND | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
   if (!file.IsOpen() && errno == ENOENT) {
     like.st_uid = geteuid();
     like.st_gid = getegid();
@@ -177,7 +188,7 @@ bool WriteWhole(int descriptor, std::string_view text) {
 
 bool OverwriteFile(const std::string &path, std::string_view text, mode_t mode) {
   const bool is_new = access(path.c_str(), F_OK) != 0;
-  OpenFile file(open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, mode));
+  OpenFile file(Uninterrupted(open, path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, mode));
   if (!file.IsOpen()) return false;
   // The caller's umask is not asked: others depend on being able to read the file.
   if (is_new && fchmod(file.Descriptor(), mode) != 0) return false;
@@ -186,10 +197,11 @@ bool OverwriteFile(const std::string &path, std::string_view text, mode_t mode) 
 
 NewFile WriteNewFile(const std::string &path, std::string_view text, const struct stat &like) {
   unlink(path.c_str());
-  OpenFile file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+  OpenFile file(Uninterrupted(open, path.c_str(),
+                              O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
   if (!file.IsOpen()) return NewFile::NotMade;
   const bool written =
-      FillNewFile(file, text, like) && fsync(file.Descriptor()) == 0 && file.Close();
+      FillNewFile(file, text, like) && Uninterrupted(fsync, file.Descriptor()) == 0 && file.Close();
   return written ? NewFile::Written : NewFile::NotWritten;
 }
 
@@ -242,14 +254,14 @@ std::vector<std::string> ReplaceFilesDurably(const std::vector<FileContent> &fil
 
 bool SyncDirectoryOf(const std::string &path) {
   const std::string directory = path.substr(0, path.rfind('/') + 1);
-  const OpenFile file(
-      open(directory.empty() ? "." : directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  return file.IsOpen() && (fsync(file.Descriptor()) == 0 || errno == EINVAL);
+  const OpenFile file(Uninterrupted(open, directory.empty() ? "." : directory.c_str(),
+                                    O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  return file.IsOpen() && (Uninterrupted(fsync, file.Descriptor()) == 0 || errno == EINVAL);
 }
 
 std::optional<std::string> ReadOwnFile(const std::string &path) {
   // Non-blocking, so that a named pipe in the file's place cannot hold the program up.
-  OpenFile file(open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+  OpenFile file(Uninterrupted(open, path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
   struct stat status = {};
   if (!file.IsOpen() || fstat(file.Descriptor(), &status) != 0) return std::nullopt;
   if (!S_ISREG(status.st_mode)) return std::nullopt;

@@ -5,12 +5,15 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 #include "cstring.h"
 #include "debug.h"
+#include "uninterrupted.h"
 
 namespace {
 
@@ -48,14 +51,17 @@ int BuildUserDefFileName(const char *user, const char *queue, std::string *out) 
 Owned<CList> GetFilesFromDir(const char *path) {
   const LogScope log("GetFilesFromDir");
   if (path == nullptr) return nullptr;
-  const std::unique_ptr<DIR, DirectoryCloser> directory(opendir(path));
+  const std::unique_ptr<DIR, DirectoryCloser> directory(Uninterrupted(opendir, path));
   if (directory == nullptr) return nullptr;
   Owned<CList> names = CreateList();
-  while (const dirent *entry = readdir(directory.get())) {
+  for (;;) {
+    errno = 0;
+    const dirent *entry = readdir(directory.get());
+    if (entry == nullptr) break;
     if (std::strcmp(entry->d_name, ".") == 0 || std::strcmp(entry->d_name, "..") == 0) continue;
     fAddTail_CList_Function(names.get(), CreateStringWithValue(entry->d_name));
   }
-  return names;
+  return errno == 0 ? std::move(names) : nullptr;
 }
 
 bool IsDirectory(const std::string &path) {
