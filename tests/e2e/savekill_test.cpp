@@ -2,20 +2,17 @@
 // killed before each system call with which it changes a file, one run each; then a start must
 // show the old queues or the new ones. (Between two such calls nothing on the disk differs, so
 // these are all the states that a kill at any other point can leave.)
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/prctl.h>
-#include <sys/ptrace.h>
-#include <sys/syscall.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <filesystem>
+#include <functional>
 #include <iostream>
 #include <set>
 
 #include "coresupport.h"
 #include "cprintqueues.h"
+#include "faultinjection.h"
 #include "globals.h"
 #include "paths.h"
 #include "porting.h"
@@ -33,67 +30,22 @@ using Names = std::set<std::string>;
 constexpr char kSaved[] = "/run/kpx/saved";
 const Names kOldOnly = {"old1", "old2"};
 
-// Whether the call that begins changes a file.
-bool ChangesAFile(const __ptrace_syscall_info &call) {
-  const auto number = static_cast<long>(call.entry.nr);
-  const unsigned long flags = call.entry.args[2];
-  switch (number) {
-    case SYS_openat:
-      return (flags & (O_CREAT | O_TRUNC)) != 0;
-    case SYS_write:
-      return call.entry.args[0] > STDERR_FILENO;
-    case SYS_rename:
-    case SYS_renameat:
-    case SYS_renameat2:
-    case SYS_unlink:
-    case SYS_unlinkat:
-    case SYS_truncate:
-    case SYS_ftruncate:
-    case SYS_fsync:
-    case SYS_fchmod:
-    case SYS_fchown:
-    case SYS_mkdir:
-    case SYS_rmdir:
-      return true;
-    default:
-      return false;
-  }
-}
-
 // Runs `body` in a child that is killed before its `last`th file-changing call. False when the
 // child ended by itself before.
-template <class Body>
-bool RunUntilKilled(int last, const Body &body) {
-  const pid_t child = fork();
-  if (child == 0) {
-    if (ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) != 0) _exit(99);
-    raise(SIGSTOP);
-    body();
-    _exit(0);
-  }
-  int status = 0;
-  waitpid(child, &status, 0);
-  ptrace(PTRACE_SETOPTIONS, child, nullptr, PTRACE_O_TRACESYSGOOD | PTRACE_O_EXITKILL);
+bool RunUntilKilled(int last, const std::function<void()> &body) {
   int seen = 0;
-  int signal = 0;
-  for (;;) {
-    ptrace(PTRACE_SYSCALL, child, nullptr, signal);
-    if (waitpid(child, &status, 0) != child) throw std::runtime_error("waitpid");
-    if (WIFEXITED(status)) {
-      EXPECT_EQ(WEXITSTATUS(status), 0);
-      return false;
-    }
-    signal = WSTOPSIG(status) == (SIGTRAP | 0x80) ? 0 : WSTOPSIG(status);
-    if (signal != 0) continue;
-    __ptrace_syscall_info call = {};
-    ptrace(PTRACE_GET_SYSCALL_INFO, child, sizeof call, &call);
-    if (call.op != PTRACE_SYSCALL_INFO_ENTRY || !ChangesAFile(call) || ++seen < last) continue;
-    kill(child, SIGKILL);
-    // The command that the child had started ends by itself; it is this process's child now.
-    while (waitpid(-1, nullptr, 0) > 0) {
-    }
-    return true;
-  }
+  const auto plan = [&](const FileCall &call) {
+    const bool counts = call.is_own && call.changes && call.path.starts_with('/');
+    const bool is_last = counts && ++seen == last;
+    return is_last ? CallFate{.kind = CallFate::Kind::Killed} : CallFate{};
+  };
+  const auto run = [&] {
+    body();
+    return 0;
+  };
+  const TracedEnd end = RunTraced([] {}, run, plan);
+  EXPECT_TRUE(end.killed || end.status == 0) << end.status;
+  return end.killed;
 }
 
 // The directories that a save changes.
@@ -117,7 +69,6 @@ class SaveKill : public testing::Test {
  protected:
   SaveKill() : messages_(std::string(kQueueMessages) + "#WARN_QUEUE_LIST_RESTORED\nrestored %s\n") {
     setenv("LANG", "C", 1);
-    prctl(PR_SET_CHILD_SUBREAPER, 1);
     fs::remove(kQueuesFile);
     Start();
     for (int i = 1; i <= 10; ++i) Put("old" + std::to_string(i), "10.0.0.1");

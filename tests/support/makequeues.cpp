@@ -14,55 +14,28 @@
 #include <cstdlib>
 #include <string>
 
-#include "addqueue.h"
-#include "cmessages.h"
-#include "cprinters.h"
+#include "adminsession.h"
 #include "cprintqueues.h"
 #include "globals.h"
-#include "language.h"
 #include "queuecreation.h"
 
 namespace {
-
-void LoadCatalogues() {
-  G_ProgName = kModeAdministration;
-  lng_dir = G_GetNlsDirFromLang();
-  BuildMessagesPath();
-  G_Messages = CreateMessages(msg_path.c_str());
-  fFillFromPaf_Function(G_Messages.get());
-  BuildPrinterPaths();
-  G_Printers = CreatePrinters(ppd_path.c_str(), paf_path.c_str());
-  fBuildPrinters_Function(G_Printers.get());
-  G_Printers_hash = fGetPrinters_Function(G_Printers.get());
-}
-
-void LoadQueues() {
-  BuildQueuesPath();
-  G_Queues = CreatePrintQueues(queues_path.c_str());
-  fFillFromPaf_Function_(G_Queues.get(), 1);
-  G_Queues_hash = fGetPrintQueues_Function(G_Queues.get());
-  G_OrgQueues = CloneOf(G_Queues.get());
-  G_OrgQueues_hash = fGetPrintQueues_Function(G_OrgQueues.get());
-}
 
 bool Add(const std::string &argument) {
   const size_t first = argument.find('=');
   const size_t second = argument.find('=', first + 1);
   if (first == std::string::npos || second == std::string::npos) return false;
-  const std::string language = argument.substr(first + 1, second - first - 1);
-  return AddQueue({.name = argument.substr(0, first),
-                   .printer = argument.substr(second + 1),
-                   .type = G_Translate(language.c_str()),
-                   .transport = G_Translate("tcpip"),
-                   .address = "127.0.0.1"})
-      .added;
+  const std::string type = argument.substr(first + 1, second - first - 1);
+  return AddQueueToSession(argument.substr(0, first), type, argument.substr(second + 1),
+                           "127.0.0.1");
 }
 
 }  // namespace
 
 int main(int argc, char **argv) {
   LoadCatalogues();
-  LoadQueues();
+  const Owned<CList> errors = CreateList();
+  LoadQueues(errors.get());
   for (int i = 1; i < argc; ++i) {
     if (!Add(argv[i])) {
       std::fprintf(stderr, "%s is no new queue; usage: %s NAME=LANGUAGE=PRINTER...\n", argv[i],
@@ -70,7 +43,6 @@ int main(int argc, char **argv) {
       return 2;
     }
   }
-  const Owned<CList> errors = CreateList();
   const bool made = AddQueuesSysV(errors.get()) == 1;
   const bool saved = fWriteToPaf_Function(G_Queues.get(), errors.get()) == 1 &&
                      fWriteAllToDef_Function(G_Queues.get(), errors.get()) == 1;

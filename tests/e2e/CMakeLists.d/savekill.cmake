@@ -1,2 +1,12 @@
-# Saves that are killed.
-kpx_add_test(NAME save_kill LIBS kpx_core LABEL e2e SANDBOX bare SOURCES e2e/savekill_test.cpp)
+# Faults in the middle of a save.
+add_library(kpx_faults STATIC support/faultinjection.cpp support/savedworld.cpp
+            support/interruptedsave.cpp support/adminsession.cpp)
+target_include_directories(kpx_faults PUBLIC ${CMAKE_CURRENT_SOURCE_DIR}/support)
+target_link_libraries(kpx_faults PUBLIC kpx_core Cups::Cups)
+# With a stand-in for the spooler and many queues.
+kpx_add_test(NAME save_kill LIBS kpx_faults LABEL e2e SANDBOX bare SOURCES e2e/savekill_test.cpp)
+# With the real spooler and all that belongs to a queue.
+foreach(kind error)
+  kpx_add_test(NAME savefaults_${kind} LIBS kpx_faults LABEL e2e SANDBOX full
+    SOURCES e2e/savefaults_${kind}_test.cpp)
+endforeach()
