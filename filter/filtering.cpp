@@ -6,6 +6,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "jobkind.h"
 #include "joblanguage.h"
 #include "jobresult.h"
 #include "jobsettings.h"
@@ -96,6 +97,8 @@ std::string FilterJob(const FilterArguments &arguments) {
                              DecodeLine(arguments.user)};
   JobSource source = DescriptorSource(STDIN_FILENO);
   JobSink sink = DescriptorSink(STDOUT_FILENO);
+  const std::string refusal = RefusalOf(arguments.type, &source);
+  if (!refusal.empty()) return refusal;
   const JobResult result = filter(settings, identity, &source, &sink);
   for (const std::string &warning : result.warnings) Warn(warning);
   if (result.Failed()) return result.failure;

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "featurecode.h"
+#include "wrappedjob.h"
 
 namespace {
 
@@ -421,6 +422,37 @@ void DocumentFilter::WriteSetup(bool with_frame) {
   if (with_frame) sink_->Write("%%EndSetup\n");
 }
 
+// A document's way through its wrapping. Returns what DocumentFilter::Run returns.
+bool FilterPlain(const JobSettings &settings, const DocumentCode &code, JobSource *source,
+                 JobSink *sink) {
+  return DocumentFilter(settings.Model(), code, source, sink).Run();
+}
+
+bool FilterTagged(const JobSettings &settings, const DocumentCode &code, JobSource *source,
+                  JobSink *sink) {
+  JobSource document = FromTaggedBinary(source);
+  JobSink tagged = ToTaggedBinary(sink);
+  const bool in_place = FilterPlain(settings, code, &document, &tagged);
+  // A language switch that was quoted is data.
+  document.CopyRest(&tagged);
+  tagged.Flush();
+  constexpr std::string_view kBetween = "\004\r\n";
+  while (!source->Peek(1).empty() &&
+         kBetween.find(source->Peek(1).front()) != std::string_view::npos) {
+    source->Skip(1);
+  }
+  return in_place;
+}
+
+bool FilterEps(const JobSettings &settings, const DocumentCode &code, size_t length,
+               JobSource *source, JobSink *sink) {
+  JobSource document = PartOf(source, length);
+  const bool in_place = FilterPlain(settings, code, &document, sink);
+  document.CopyRest(sink);
+  DropRest(source);
+  return in_place;
+}
+
 }  // namespace
 
 DocumentCode CodeOfDocument(const JobSettings &settings) {
@@ -444,15 +476,26 @@ JobResult FilterPostScript(const JobSettings &settings, const JobIdentity &ident
   // More than one turn for a job that holds several documents with job control between them.
   for (;;) {
     const JobControl control = TakeJobControl(source);
+    SkipByteOrderMark(source);
     if (source->Peek(1).empty() || sink->Error() != 0) break;
     if (source->Peek(kUel.size()) == kUel) continue;
     const bool other = !control.language.empty() && !EntersPostScript(control);
+    const bool is_eps = !other && IsDosEps(source->Peek(4));
+    const size_t eps_length = is_eps ? SkipToEpsDocument(source) : 0;
+    if (is_eps && eps_length == 0) {
+      sink->Flush();
+      return Failure("the EPS file does not hold the PostScript that its header names");
+    }
     sink->Write(JobControlHeader(settings, identity, control.settings,
                                  other ? control.language : "POSTSCRIPT"));
     if (other) {
       source->CopyRest(sink);
+    } else if (is_eps) {
+      in_place = FilterEps(settings, code, eps_length, source, sink) && in_place;
+    } else if (IsTaggedBinary(source->Peek(2))) {
+      in_place = FilterTagged(settings, code, source, sink) && in_place;
     } else {
-      in_place = DocumentFilter(settings.Model(), code, source, sink).Run() && in_place;
+      in_place = FilterPlain(settings, code, source, sink) && in_place;
     }
     sink->Write(JobControlTrailer(settings.Model()));
   }

@@ -14,6 +14,7 @@
 #include "postscript.h"
 #include "sheets.h"
 #include "textencoding.h"
+#include "wrappedjob.h"
 
 namespace {
 
@@ -306,9 +307,8 @@ int FilterBooklet(const TextJob &job) {
 
 JobResult FilterText(const JobSettings &settings, const JobIdentity &identity, JobSource *source,
                      JobSink *sink) {
-  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
   int error = 0;
-  if (source->Peek(kByteOrderMark.size()) == kByteOrderMark) source->Skip(kByteOrderMark.size());
+  SkipByteOrderMark(source);
   if (!source->Peek(1).empty()) {
     if (IsBooklet(settings)) {
       error = FilterBooklet({BookletSettings(settings), identity, source, sink});

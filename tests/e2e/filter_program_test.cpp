@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
 
 #include "filterrun.h"
@@ -220,6 +221,27 @@ TEST_F(Filtering, AJobThatShowsNoPlaceForTheOptionsIsPrintedWithAWarning) {
   EXPECT_EQ(
       run.errors,
       "kpxfilter: the job's prolog is not marked as ended: options and copies may not count\n");
+}
+
+TEST_F(Filtering, AFileOfAnotherKindGivesOneSentenceAndNoData) {
+  const std::string png = std::string("\x89PNG\r\n\x1A\n") + std::string(5000, '\0');
+  for (const char *type : {"postscript", "text", "pcl6"}) {
+    call_.type = type;
+    const FilterRun run = Filter(call_, png);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.output, "");
+    EXPECT_TRUE(
+        run.errors.starts_with("kpxfilter: the file is a PNG picture, but this queue prints "
+                               "only "))
+        << run.errors;
+    EXPECT_EQ(std::count(run.errors.begin(), run.errors.end(), '\n'), 1);
+  }
+  call_.type = "postscript";
+  const FilterRun text = Filter(call_, "Dear Sir,\nI remain yours\n");
+  EXPECT_EQ(text.status, 1);
+  EXPECT_EQ(text.output, "");
+  EXPECT_EQ(text.errors,
+            "kpxfilter: the file is plain text, but this queue prints only PostScript\n");
 }
 
 TEST_F(Filtering, AnUnknownTypeIsAnError) {

@@ -3,6 +3,8 @@ kpx_add_test(NAME spooler_printing LABEL e2e SANDBOX full TIMEOUT 180
   SOURCES e2e/spooler_printing_test.cpp)
 kpx_add_test(NAME spooler_failures LIBS kpx_core LABEL e2e SANDBOX full TIMEOUT 180
   SOURCES e2e/spooler_failures_test.cpp)
+kpx_add_test(NAME spooler_filter LIBS kpx_core LABEL e2e SANDBOX full TIMEOUT 180
+  SOURCES e2e/spooler_filter_test.cpp)
 kpx_add_test(NAME spooler_doubt LIBS kpx_core kpx_transport LABEL e2e SANDBOX full TIMEOUT 180
   SOURCES e2e/spooler_doubt_test.cpp support/loopback.cpp)
 kpx_add_test(NAME spooler_commands LABEL e2e SANDBOX full TIMEOUT 180
