@@ -4,20 +4,13 @@
 #include <cerrno>
 #include <string>
 
+#include "conflicts.h"
 #include "ppdconstraints.h"
 
 namespace {
 
 constexpr size_t kPagesOfSheet = 4;
 constexpr char kDuplex[] = "*Duplex", kShortEdge[] = "DuplexTumble";
-
-// Whether `option` of `feature` (with its asterisk) is in force.
-bool IsInForce(const JobSettings &settings, const std::string &feature, const std::string &option) {
-  if (feature == "*CustomPageSize") return settings.Paper().has_value();
-  if (feature == "*CustomMediaType") return settings.MediaName().has_value();
-  const PpdChoice *choice = settings.Chosen(feature.substr(1));
-  return choice != nullptr && choice->keyword == option;
-}
 
 bool CanTurnOverShortEdge(const JobSettings &settings) {
   const PpdFeature *feature = settings.Model().FindFeature("Duplex");

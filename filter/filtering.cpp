@@ -6,6 +6,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "conflicts.h"
 #include "jobkind.h"
 #include "joblanguage.h"
 #include "jobresult.h"
@@ -47,6 +48,7 @@ std::string ApplyLayers(const FilterArguments &arguments, JobSettings *settings)
   }
   settings->Apply(ParseOptionWords(arguments.options));
   for (const std::string &warning : settings->Warnings()) Warn(warning);
+  for (const std::string &conflict : ConflictTexts(*settings)) Warn(conflict);
   return DeliveryProblem(*settings);
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 
+#include "decimal.h"
 #include "destination.h"
 
 namespace {
@@ -107,6 +108,7 @@ void JobSettings::ApplyOne(const KeyValue &setting) {
     return;
   }
   const PpdChoice *choice = feature->FindChoice(setting.value);
+  if (choice == nullptr && feature->keyword == "PageSize" && IsBeyondLimits(setting)) return;
   const bool custom = (feature->keyword == "PageSize" && papers_.contains(setting.value)) ||
                       (feature->keyword == "MediaType" && medias_.contains(setting.value));
   if (choice != nullptr || custom) {
@@ -119,6 +121,25 @@ void JobSettings::ApplyOne(const KeyValue &setting) {
     warnings_.push_back("\"" + setting.key + "=" + setting.value +
                         "\" is no option of the printer, ignored");
   }
+}
+
+// Adds the warning when it is.
+bool JobSettings::IsBeyondLimits(const KeyValue &setting) {
+  constexpr double kRounded = 1;  // sizes are stored in whole points, limits need not be whole
+  const auto paper = papers_.find(setting.value);
+  if (paper == papers_.end() || !model_.custom_limits) return false;
+  const PpdCustomLimits &limits = *model_.custom_limits;
+  const auto [width, length] = paper->second;
+  if (width > limits.min_width - kRounded && width < limits.max_width + kRounded &&
+      length > limits.min_length - kRounded && length < limits.max_length + kRounded) {
+    return false;
+  }
+  const auto size = [](double w, double l) { return DecimalText(w) + " x " + DecimalText(l); };
+  warnings_.push_back("\"" + setting.key + "=" + setting.value + "\" (" + size(width, length) +
+                      " points) is beyond the printer's limits for custom paper (" +
+                      size(limits.min_width, limits.min_length) + " to " +
+                      size(limits.max_width, limits.max_length) + "), ignored");
+  return true;
 }
 
 const PpdChoice *JobSettings::Chosen(std::string_view keyword) const {
@@ -138,6 +159,11 @@ std::optional<CustomPaper> JobSettings::Paper() const {
   if (set == features_.end() || Chosen("PageSize") != nullptr) return std::nullopt;
   const auto paper = papers_.find(set->second);
   return paper == papers_.end() ? std::nullopt : std::optional(paper->second);
+}
+
+std::optional<std::string> JobSettings::PaperName() const {
+  if (!Paper()) return std::nullopt;
+  return features_.find("PageSize")->second;
 }
 
 std::optional<std::string> JobSettings::MediaName() const {

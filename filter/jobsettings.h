@@ -28,8 +28,8 @@ class JobSettings {
   // says nothing: the windows show the queue's and store what they show.
   void ApplyUser(const std::vector<KeyValue> &settings);
 
-  // Lays a job's settings over the present ones. A value that the printer does not offer changes
-  // nothing and is added to the warnings.
+  // Lays a job's settings over the present ones. A value that the printer does not offer, a custom
+  // paper beyond its limits among them, changes nothing and is added to the warnings.
   void Apply(const std::vector<KeyValue> &settings);
 
   const PpdModel &Model() const { return model_; }
@@ -43,6 +43,7 @@ class JobSettings {
 
   // The custom paper size or media type in force, if one is.
   std::optional<CustomPaper> Paper() const;
+  std::optional<std::string> PaperName() const;
   std::optional<std::string> MediaName() const;
 
   // The value of a key that is no feature of the printer ("*JobName"), or an empty text.
@@ -59,6 +60,7 @@ class JobSettings {
 
  private:
   void ApplyOne(const KeyValue &setting);
+  bool IsBeyondLimits(const KeyValue &setting);
   void Define(const KeyValue &setting);
 
   const PpdModel &model_;

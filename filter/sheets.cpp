@@ -27,6 +27,16 @@ const Grid *GridFor(size_t pages) {
 
 }  // namespace
 
+bool IsPagesPerSide(std::string_view pages) {
+  return pages == "1" ||
+         std::any_of(std::begin(kGrids), std::end(kGrids),
+                     [pages](const Grid &grid) { return pages == std::to_string(grid.pages); });
+}
+
+bool IsPageOrder(std::string_view order) {
+  return order == "Left" || order == "Right" || order == "Down" || order == "Back";
+}
+
 SheetPlan PlanFor(const PpdPageSize &paper, size_t pages, std::string_view order) {
   SheetPlan plan;
   plan.width = paper.width;

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cstdint>
 #include <cstring>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -44,12 +45,17 @@ struct Layout {
   size_t columns = 1, lines = 1;
 };
 
-double FontSize(const JobSettings &settings) {
-  const std::string text = settings.Other("*FontSize");
+// The font size of a text; nothing when it is none.
+std::optional<double> SizeOf(std::string_view text) {
   int size = 0;
   const auto result = std::from_chars(text.data(), text.data() + text.size(), size);
   const bool good = result.ec == std::errc() && result.ptr == text.data() + text.size();
-  return good && size >= 4 && size <= 72 ? size : 12;
+  if (!good || size < 4 || size > 72) return std::nullopt;
+  return size;
+}
+
+double FontSize(const JobSettings &settings) {
+  return SizeOf(settings.Other("*FontSize")).value_or(12);
 }
 
 bool IsPostScriptName(std::string_view text) {
@@ -81,6 +87,20 @@ Layout LayoutOf(const JobSettings &settings) {
   layout.columns = columns > 1 ? static_cast<size_t>(columns + 0.01) : 1;
   layout.lines = lines > 1 ? static_cast<size_t>(lines + 0.01) : 1;
   return layout;
+}
+
+// A warning for each setting of the text that is given and cannot be used.
+void WarnOfSettings(const JobSettings &settings, JobResult *result) {
+  const auto warn = [&](const std::string &key, auto good, const std::string &words) {
+    const std::string value = settings.Other(key);
+    if (!value.empty() && !good(value)) result->Warn("\"" + key + "=" + value + "\" " + words);
+  };
+  const auto is_size = [](std::string_view text) { return SizeOf(text).has_value(); };
+  warn("*FontSize", is_size, "is not a size from 4 to 72 points: 12 is used");
+  warn("*FontName", IsPostScriptName, "cannot be the name of a font: Courier is used");
+  warn("*Nup", IsPagesPerSide, "is not a number of pages per side (1, 2, 4, 6, 9, 16): 1 is used");
+  warn("*NupOrder", IsPageOrder,
+       "is not an order of pages (Left, Right, Down, Back): Left is used");
 }
 
 // The next character of valid UTF-8, taken off the text.
@@ -317,6 +337,8 @@ JobResult FilterText(const JobSettings &settings, const JobIdentity &identity, J
     }
   }
   sink->Flush();
+  JobResult result;
+  WarnOfSettings(settings, &result);
   if (error != 0) return Failure(std::string("temporary file: ") + std::strerror(error));
-  return {};
+  return result;
 }

@@ -6,6 +6,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include "conflicts.h"
 #include "filterjob.h"
 #include "optionfiles.h"
 #include "temporarydirectory.h"
@@ -301,6 +302,67 @@ TEST_F(Settings, ACustomPaperIsFoundByItsNameWhereverItIsDefined) {
   EXPECT_EQ(settings_.Paper()->length, 400);
   settings_.Apply({{"*PageSize", "Letter"}});
   EXPECT_FALSE(settings_.Paper());
+}
+
+TEST_F(Settings, ACustomPaperBeyondThePrintersLimitsLeavesTheLayerBelow) {
+  settings_.ApplyQueue({{"*CustomPaperSize", "Most''700''1300"},
+                        {"*CustomPaperSize", "Least''72''100"},
+                        {"*CustomPaperSize", "Wide''702''1300"},
+                        {"*CustomPaperSize", "Long''5000''9000"},
+                        {"*CustomPaperSize", "Small''70''400"},
+                        {"*PageSize", "Letter"}});
+  for (const char *name : {"Wide", "Long", "Small"}) {
+    settings_.Apply({{"*PageSize", name}});
+    EXPECT_EQ(ChoiceOf(settings_, "PageSize"), "Letter") << name;
+  }
+  ASSERT_EQ(settings_.Warnings().size(), 3u);
+  EXPECT_EQ(
+      settings_.Warnings()[1],
+      "\"*PageSize=Long\" (5000 x 9000 points) is beyond the printer's limits for custom paper "
+      "(72 x 100.25 to 700 x 1300.5), ignored");
+  for (const char *name : {"Most", "Least"}) {
+    settings_.Apply({{"*PageSize", name}});
+    EXPECT_EQ(settings_.PaperName(), name);
+  }
+  EXPECT_EQ(settings_.Warnings().size(), 3u);
+}
+
+std::string Conflicts(const JobSettings &settings) {
+  std::string texts;
+  for (const std::string &text : ConflictTexts(settings)) texts += text + "\n";
+  return texts;
+}
+
+constexpr char kExclude[] = " exclude each other: the printer may leave one of them out\n";
+
+TEST_F(Settings, ThatThePrinterCannotCombineAreNamedInPairs) {
+  EXPECT_EQ(Conflicts(settings_), "");
+  settings_.ApplyQueue({{"*OptionDuplex", "False"}, {"*Duplex", "DuplexTumble"}});
+  EXPECT_EQ(Conflicts(settings_),
+            std::string("\"*Duplex=DuplexTumble\" and \"*OptionDuplex=False\"") + kExclude);
+  settings_.Apply({{"*MediaType", "Card"}});
+  EXPECT_EQ(CountOf(Conflicts(settings_), kExclude), 2u);
+  settings_.Apply({{"*Duplex", "None"}});
+  EXPECT_EQ(Conflicts(settings_), "");
+}
+
+TEST_F(Settings, OfTheAdministratorsOwnPaperConflictToo) {
+  settings_.ApplyQueue({{"*CustomPaperSize", "Ticket''200''400"},
+                        {"*CustomMediaType", "Gloss::Gloss"},
+                        {"*PageSize", "Ticket"},
+                        {"*MediaType", "Gloss"},
+                        {"*Duplex", "DuplexTumble"}});
+  EXPECT_EQ(Conflicts(settings_), std::string("\"*PageSize=Ticket\" and \"*Duplex=DuplexTumble\"") +
+                                      kExclude + "\"*MediaType=Gloss\" and \"*InputSlot=Upper\"" +
+                                      kExclude);
+}
+
+TEST(PrintersDefaults, ThatExcludeEachOtherAreNoConflictOfTheJobs) {
+  PpdModel model = TestPpd("office.ppd");
+  model.constraints.push_back({"InputSlot", "Upper", "PageSize", "A4"});
+  JobSettings settings(model);
+  settings.ApplyQueue({{"*InputSlot", "Upper"}, {"*PageSize", "A4"}});
+  EXPECT_EQ(Conflicts(settings), "");
 }
 
 TEST_F(Settings, ACustomMediaTypeIsFoundByItsName) {

@@ -128,6 +128,21 @@ TEST_F(TextJob, TheQueuesFontSizeCounts) {
   EXPECT_EQ(CountOf(Pages(std::string(80, 'x')), " T\n"), 1u);
 }
 
+TEST_F(TextJob, SettingsThatCannotBeUsedAreAWarningEach) {
+  settings_.Apply(
+      {{"*FontSize", "73"}, {"*FontName", "Bad Name"}, {"*Nup", "3"}, {"*NupOrder", "Foo"}});
+  EXPECT_EQ(WarningsOver(FilterText, settings_, "x"),
+            "\"*FontSize=73\" is not a size from 4 to 72 points: 12 is used\n"
+            "\"*FontName=Bad Name\" cannot be the name of a font: Courier is used\n"
+            "\"*Nup=3\" is not a number of pages per side (1, 2, 4, 6, 9, 16): 1 is used\n"
+            "\"*NupOrder=Foo\" is not an order of pages (Left, Right, Down, Back): Left is used\n");
+  settings_.Apply(
+      {{"*FontSize", "72"}, {"*FontName", "Helvetica"}, {"*Nup", "16"}, {"*NupOrder", "Back"}});
+  EXPECT_EQ(WarningsOver(FilterText, settings_, "x"), "");
+  settings_.Apply({{"*FontSize", ""}, {"*FontName", ""}, {"*Nup", "1"}, {"*NupOrder", "Left"}});
+  EXPECT_EQ(WarningsOver(FilterText, settings_, "x"), "");
+}
+
 TEST_F(TextJob, TheQueuesFontCounts) {
   settings_.Apply({{"*FontName", "Helvetica-Bold"}});
   const std::string output = RunOver(FilterText, settings_, "x");
