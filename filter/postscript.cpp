@@ -19,10 +19,17 @@ enum class Place {
 };
 
 constexpr std::string_view kPrologEnds[] = {"%%EndProlog", "%%BeginSetup", "%%Page:"};
+constexpr std::string_view kConforming = "%!PS-Adobe-", kEndOfDocument = "%%EOF";
 constexpr std::string_view kForeign[] = {"%%BeginDocument", "%%BeginBinary", "%%BeginData"};
 
 std::string_view WithoutEnd(std::string_view line) {
   while (line.ends_with('\n') || line.ends_with('\r')) line.remove_suffix(1);
+  return line;
+}
+
+// `line` without the ends of transmission before it, which end a job of their own.
+std::string_view AfterTransmission(std::string_view line) {
+  while (line.starts_with('\004')) line.remove_prefix(1);
   return line;
 }
 
@@ -71,7 +78,8 @@ size_t DataLength(std::string_view ahead, const DataCount &data) {
 }
 
 // Looks ahead for a mark that ends a prolog or, when `block_end` is not empty, begins so. What an
-// included document or counted data holds says nothing about this one, so these end the search;
+// included document or counted data holds says nothing about this one, so these end the search, and
+// so does the end of the document or the beginning of another;
 // `data` comes next and is passed over, if it ends in what can be seen.
 Look LookAhead(JobSource *source, std::string_view block_end, const DataCount &data = {}) {
   constexpr size_t kSeen = JobSource::kCapacity / 2;
@@ -96,6 +104,10 @@ Look LookAhead(JobSource *source, std::string_view block_end, const DataCount &d
     if (begins_line && std::any_of(std::begin(kForeign), std::end(kForeign), begins)) {
       return result(Ahead::Unseen);
     }
+    if (begins_line &&
+        (line.starts_with(kEndOfDocument) || AfterTransmission(line).starts_with(kConforming))) {
+      return result(Ahead::Missing);
+    }
     if (next_document != std::string_view::npos) return result(Ahead::Missing);
     ahead.remove_prefix(std::min(line.size() + 1, ahead.size()));
   }
@@ -115,7 +127,8 @@ bool IsDataMark(std::string_view line) {
          line.starts_with("%%EndBinary") || line.starts_with("%%EndData");
 }
 
-// Copies one document; ends at the end of the job or before a language switch.
+// Copies one document, or several that follow each other; ends at the end of the job or before a
+// language switch.
 class DocumentFilter {
  public:
   DocumentFilter(const PpdModel &model, const DocumentCode &code, JobSource *source, JobSink *sink)
@@ -126,8 +139,11 @@ class DocumentFilter {
 
  private:
   void Copy();
+  bool IsInPlace() const;
   void Unstructured(bool has_first_line);
   void Line(std::string_view line);
+  bool BeginsDocument(std::string_view line);
+  void NextDocument();
   bool Verbatim(std::string_view line);
   void HeaderLine(std::string_view line);
   void PreambleLine(std::string_view line);
@@ -152,6 +168,9 @@ class DocumentFilter {
   int blocks_ = 0;     // depth of other Begin/End pairs in the preamble
   bool prolog_written_ = false;
   bool loose_prolog_ = false;       // prolog code without a frame goes on
+  bool prolog_ended_ = false;       // explicitly
+  bool ended_ = false;              // nothing but empty lines since the document's end
+  bool in_place_ = true;            // of the documents that are done
   bool late_ = false;               // the code came behind what may be pages
   bool page_pending_ = false;       // the page setup code of the present page is still to come
   bool page_code_ahead_ = false;    // the page setup code of the first page is out
@@ -160,15 +179,19 @@ class DocumentFilter {
 
 bool DocumentFilter::Run() {
   Copy();
+  return in_place_ && IsInPlace();
+}
+
+bool DocumentFilter::IsInPlace() const {
   const bool open = place_ == Place::Prolog || blocks_ > 0 || loose_prolog_;
   const bool has_code = !code_.prolog.empty() || !code_.setup.empty() || !code_.page_setup.empty();
   return !has_code || (!late_ && (place_ == Place::Body || !open));
 }
 
 void DocumentFilter::Copy() {
-  const std::string_view start = source_->Peek(11);
+  const std::string_view start = source_->Peek(kConforming.size());
   const bool marked = start.starts_with("%!");
-  const bool conforming = start == "%!PS-Adobe-";
+  const bool conforming = start == kConforming;
   sink_->Write(code_.exit_server);
   if (!conforming) Unstructured(marked);
   for (;;) {
@@ -204,7 +227,29 @@ void DocumentFilter::Unstructured(bool has_first_line) {
   place_ = Place::Body;
 }
 
+// Whether `line` begins another document behind the present one. One in the middle of it may be
+// included without marks.
+bool DocumentFilter::BeginsDocument(std::string_view line) {
+  const std::string_view text = AfterTransmission(line);
+  const bool begins =
+      documents_ == 0 && text.starts_with(kConforming) && (ended_ || text.size() < line.size());
+  const bool says_nothing = WithoutEnd(text).empty();
+  ended_ = documents_ == 0 && (line.starts_with(kEndOfDocument) || (ended_ && says_nothing));
+  return begins;
+}
+
+// The next document gets the code again: the present one may have set something else, and behind an
+// end of transmission all is as at the start.
+void DocumentFilter::NextDocument() {
+  in_place_ = in_place_ && IsInPlace();
+  place_ = Place::Header;
+  blocks_ = 0;
+  prolog_written_ = prolog_ended_ = loose_prolog_ = late_ = false;
+  page_pending_ = page_code_ahead_ = false;
+}
+
 void DocumentFilter::Line(std::string_view line) {
+  if (BeginsDocument(line)) NextDocument();
   if (Verbatim(line)) return;
   switch (place_) {
     case Place::Header:
@@ -262,7 +307,7 @@ void DocumentFilter::CountedData(const std::string &line) {
 }
 
 void DocumentFilter::HeaderLine(std::string_view line) {
-  if (IsHeaderComment(line)) {
+  if (IsHeaderComment(AfterTransmission(line))) {
     if (line.starts_with("%%EndComments")) place_ = Place::Preamble;
     sink_->Write(line);
     return;
@@ -292,6 +337,7 @@ void DocumentFilter::PreambleLine(std::string_view line) {
     WriteProlog(false);
     loose_prolog_ = false;
     blocks_ = 0;
+    prolog_ended_ = true;
     sink_->Write(line);
   } else if (text.empty() || text.starts_with('%') || blocks_ > 0 || loose_prolog_) {
     BlockLine(line);
@@ -341,9 +387,10 @@ void DocumentFilter::BlockLine(std::string_view line) {
   sink_->Write(line);
 }
 
-// Code without a frame: prolog of an older document, or the document itself.
+// Code without a frame: prolog of an older document, or the document itself. Behind the prolog's
+// end it is a setup or a page without mark.
 void DocumentFilter::CodeLine(const std::string &line) {
-  loose_prolog_ = LookAhead(source_, {}).what == Ahead::Marked;
+  loose_prolog_ = !prolog_ended_ && LookAhead(source_, {}).what == Ahead::Marked;
   if (loose_prolog_) {
     WriteProlog(false);
     sink_->Write(line);
@@ -357,6 +404,7 @@ void DocumentFilter::PrologLine(std::string_view line) {
   if (line.starts_with("%%EndProlog")) {
     sink_->Write(line);
     place_ = Place::Preamble;
+    prolog_ended_ = true;
     blocks_ = 0;
   } else if (line.starts_with("%%BeginSetup") || line.starts_with("%%Page:")) {
     PreambleLine(line);

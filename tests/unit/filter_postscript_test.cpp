@@ -397,6 +397,57 @@ TEST_F(PostScriptJob, AJobInAnotherLanguageGoesThroughAsItIs) {
   EXPECT_NE(output.find("@PJL ENTER LANGUAGE=PCL\n" + data + kUelText), std::string::npos);
 }
 
+// A document of one page without any mark, and one with all of them.
+constexpr char kCover[] = "%!PS-Adobe-3.0\n%%EndComments\n(cover) show showpage\n%%EOF\n";
+constexpr char kMarked[] =
+    "%!PS-Adobe-3.0\n%%EndComments\n%%BeginProlog\n/x 1 "
+    "def\n%%EndProlog\n%%BeginSetup\n%%EndSetup\n"
+    "%%Page: 1 1\nshowpage\n%%Trailer\n%%EOF\n";
+
+TEST_F(PostScriptJob, EachOfSeveralDocumentsGetsTheCode) {
+  Set({{"*NrCopies", "2"}, {"*Overlay", "True"}, {"*Stamp", "Draft"}});
+  for (const std::string between : {"", "\n\r\n", "\004", "\004\r\n\004"}) {
+    for (const std::string first : {kCover, kMarked}) {
+      for (const std::string second : {kCover, kMarked}) {
+        EXPECT_EQ(Document(first + between + second), Document(first) + between + Document(second))
+            << first << between << second;
+        EXPECT_EQ(WarningOf(settings_, first + between + second), "");
+      }
+    }
+  }
+}
+
+TEST_F(PostScriptJob, ADocumentWithoutEndIsFollowedByOneThatHidesNoPlaceOfIts) {
+  Set({{"*NrCopies", "2"}});
+  const std::string cover = "%!PS-Adobe-3.0\n%%EndComments\n(cover) show showpage\n";
+  const std::string document = Document(cover + kMarked);
+  EXPECT_LT(document.find("NumCopies"), document.find("(cover)"));
+  EXPECT_EQ(CountOf(document, "NumCopies"), 1u) << "the second may be included in the first";
+  const std::string apart = Document(cover + "\004" + kMarked);
+  EXPECT_EQ(CountOf(apart, "NumCopies"), 2u);
+}
+
+TEST_F(PostScriptJob, AnIncludedDocumentGetsNoCode) {
+  Set({{"*NrCopies", "2"}});
+  const std::string marked =
+      "%!PS-Adobe-3.0\n%%EndComments\n%%EndProlog\n%%Page: 1 1\n%%BeginDocument: x\n" +
+      std::string(kMarked) + kMarked + "%%EndDocument\nshowpage\n%%EOF\n";
+  EXPECT_EQ(CountOf(Document(marked), "NumCopies"), 1u);
+  const std::string unmarked = "%!PS-Adobe-3.0\n%%EndComments\n%%EndProlog\n%%Page: 1 1\nsave\n" +
+                               std::string(kMarked) + "restore\nsave\n" + kMarked +
+                               "restore showpage\n%%EOF\n";
+  EXPECT_EQ(CountOf(Document(unmarked), "NumCopies"), 1u);
+}
+
+TEST_F(PostScriptJob, AFirstPageWithoutMarkBehindThePrologGetsTheCode) {
+  Set({{"*NrCopies", "2"}});
+  const std::string document = Document(
+      "%!PS-Adobe-3.0\n%%EndComments\n%%BeginProlog\n%%EndProlog\n(one) show showpage\n"
+      "%%Page: 2 2\nshowpage\n%%EOF\n");
+  EXPECT_LT(document.find("NumCopies"), document.find("(one)"));
+  EXPECT_GT(document.find("NumCopies"), document.find("%%EndProlog"));
+}
+
 TEST_F(PostScriptJob, AnEmptyJobGivesNothing) {
   for (const std::string &job :
        {std::string(), std::string("\004"), kUelText + std::string("@PJL EOJ")}) {
