@@ -9,6 +9,7 @@
 #include <cstring>
 #include <optional>
 
+#include "listedqueue.h"
 #include "requestfile.h"
 #include "textencoding.h"
 #include "textline.h"
@@ -181,7 +182,9 @@ OptionFile ReadQueueOptions(const std::string &path, bool has_options) {
   if (!text && errno == ENOENT) return Failed(file + " is missing" + kAdvice);
   if (!text) return Failed(file + ": " + std::strerror(errno));
   OptionFile result = Read(*text);
-  if (result.settings.empty() && has_options) return Failed(file + " is empty" + kAdvice);
+  if (result.settings.empty() && has_options && !IsListedWithoutSettings(path)) {
+    return Failed(file + " is empty" + kAdvice);
+  }
   return result;
 }
 

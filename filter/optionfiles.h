@@ -27,8 +27,8 @@ struct OptionFile {
 };
 
 // The queue's option file. One that is not there or cannot be read is an error, and so is one
-// without any setting where `has_options` says that there is something to set: either would print
-// a job openly that the queue is to hold.
+// without any setting where `has_options` says that there is something to set and the queue list
+// does not say that nothing is: either would print a job openly that the queue is to hold.
 OptionFile ReadQueueOptions(const std::string &path, bool has_options);
 
 // A user's option file. One that is not there is empty. It counts only when it is a regular file of

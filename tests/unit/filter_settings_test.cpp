@@ -163,6 +163,30 @@ TEST(QueueOptionFiles, OneWithoutSettingsIsAnErrorWhereThereIsSomethingToSet) {
   }
 }
 
+TEST(QueueOptionFiles, OneWithoutSettingsCountsWhereTheQueueListHasNoneForTheQueue) {
+  const TemporaryDirectory directory;
+  const std::string path = directory.Write("lp1.def", "");
+  const auto list = [](const std::string &name, const std::string &options) {
+    return "#queue\n#name_queue\n" + name +
+           "\n#language\ntext\n#printer\nP\n#def_file\nlp1.def\n#ppd_file\nvek1.ppd\n"
+           "#type_address\ntcpip\n#address\n10.0.0.1\n#printing_system\nSystemV\n#options\n" +
+           options +
+           "#end_options\n#installable_features\n#end_installable_features\n"
+           "#custom_paper_sizes\n#end_custom_paper_sizes\n#custom_paper_types\n"
+           "#end_custom_paper_types\n#end_queue\n";
+  };
+  directory.Write("queues.paf", list("lp1", ""));
+  EXPECT_EQ(ReadQueueOptions(path, true).error, "");
+  directory.Write("queues.paf", list("lp1", "*Duplex\nNone\n"));
+  EXPECT_NE(ReadQueueOptions(path, true).error, "") << "its settings were lost";
+  directory.Write("queues.paf", list("lp2", ""));
+  EXPECT_NE(ReadQueueOptions(path, true).error, "") << "the list does not know the queue";
+  directory.Write("queues.paf", "#queue\n#name_queue\nlp1\n");
+  EXPECT_NE(ReadQueueOptions(path, true).error, "") << "the list is not whole";
+  directory.Write("queues.paf.save", list("lp1", ""));
+  EXPECT_EQ(ReadQueueOptions(path, true).error, "") << "a save goes on";
+}
+
 // A queue lp1 beside which users keep settings of waiting requests.
 class RequestFiles : public testing::Test {
  protected:
