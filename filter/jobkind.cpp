@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <iterator>
 
+#include "byteordermark.h"
 #include "joblanguage.h"
+#include "queuetypes.h"
 #include "wrappedjob.h"
 
 using std::string_view_literals::operator""sv;
@@ -104,22 +106,22 @@ bool IsPcl(std::string_view data) {
 std::string_view WrongKind(std::string_view type, std::string_view data, bool whole) {
   const std::string_view foreign = ForeignKind(data);
   if (!foreign.empty()) return foreign;
-  if (type == "text") return IsFullOfNul(data) ? "binary data" : std::string_view();
-  if (type == "pcl6") return IsPostScript(data) ? "PostScript" : std::string_view();
+  if (type == kTextType) return IsFullOfNul(data) ? "binary data" : std::string_view();
+  if (type == kPclType) return IsPostScript(data) ? "PostScript" : std::string_view();
   if (IsPostScript(data)) return {};
   if (IsPcl(data)) return "PCL data";
   return IsUtf16Marked(data) || IsClearlyText(data, whole) ? "plain text" : std::string_view();
 }
 
 std::string_view PrintedBy(std::string_view type) {
-  return type == "postscript" ? "PostScript" : type == "pcl6" ? "PCL" : "plain text";
+  return type == kPostScriptType ? "PostScript" : type == kPclType ? "PCL" : "plain text";
 }
 
 // `data` without what may stand before a document: a byte order mark, empty lines, ends of
 // transmission.
 std::string_view WithoutLead(std::string_view data) {
-  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF", kLead = "\004 \t\r\n";
-  if (data.starts_with(kByteOrderMark)) data.remove_prefix(kByteOrderMark.size());
+  constexpr std::string_view kLead = "\004 \t\r\n";
+  data = WithoutByteOrderMark(data);
   return data.substr(std::min(data.find_first_not_of(kLead), data.size()));
 }
 
@@ -128,10 +130,10 @@ std::string_view WithoutLead(std::string_view data) {
 std::string RefusalOf(std::string_view type, JobSource *source) {
   std::string_view data = source->Peek(JobSource::kCapacity);
   const bool whole = data.size() < JobSource::kCapacity;
-  if (type != "text") {
+  if (type != kTextType) {
     const JobControl control = ReadJobControl(WithoutLead(data), whole);
     const bool asks_otherwise =
-        !control.language.empty() && EntersPostScript(control) != (type == "postscript");
+        !control.language.empty() && EntersPostScript(control) != (type == kPostScriptType);
     if (asks_otherwise) return {};
     data = WithoutLead(WithoutLead(data).substr(control.length));
   }

@@ -6,6 +6,7 @@
 
 #include "destination.h"
 #include "featurecode.h"
+#include "pclsettings.h"
 #include "textencoding.h"
 #include "textscan.h"
 
@@ -112,7 +113,7 @@ std::string OwnCommands(const JobSettings &settings, const JobIdentity &identity
   commands.SetText("USERNAME", settings.UserName(identity.user));
   AddDelivery(settings, identity, &commands);
   if (with_copies && settings.Copies() > 1) {
-    commands.Add("COPIES", std::to_string(settings.Copies()));
+    commands.Add(CopiesVariable(settings), std::to_string(settings.Copies()));
   }
   return commands.Text();
 }
@@ -165,6 +166,7 @@ std::string JobControlHeader(const JobSettings &settings, const JobIdentity &ide
   if (model.pjl) {
     const bool with_copies = language != "POSTSCRIPT" && jcl_copies.empty();
     header += job_commands + OwnCommands(settings, identity, with_copies);
+    if (language != "POSTSCRIPT") header += PjlCommands(settings, job_commands);
   }
   header += WithLineFeed(jcl_copies);
   for (const FeatureCode &code : CodeOfSection(settings, PpdSection::Jcl)) {

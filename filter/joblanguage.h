@@ -30,8 +30,8 @@ JobControl ReadJobControl(std::string_view start, bool whole);
 // What goes before a job in `language` ("POSTSCRIPT", "PCLXL", "PCL"); empty where the printer
 // knows no job control. In this order: the PPD's beginning (or the general one), the job's own
 // commands, job name, owner, delivery PIN and notification as the settings give them, number of
-// copies unless it is PostScript's business, the options of the PPD's JCLSetup section, the switch
-// to the language.
+// copies and what else PJL can ask for unless it is PostScript's business, the options of the PPD's
+// JCLSetup section, the switch to the language.
 std::string JobControlHeader(const JobSettings &settings, const JobIdentity &identity,
                              const std::string &job_commands, std::string_view language);
 

@@ -13,9 +13,11 @@
 #include <cmath>
 #include <cstring>
 #include <memory>
+#include <sstream>
 #include <tuple>
 #include <utility>
 
+#include "byteordermark.h"
 #include "ppdtext.h"
 #include "textencoding.h"
 #include "textfile.h"
@@ -238,6 +240,32 @@ void FillJcl(ppd_file_t *ppd, PpdModel *model) {
   model->pjl_utf8 = charset != nullptr && SameKeyword(TextOf(charset->value), "UTF-8");
 }
 
+// The settings of a value "NAME=VALUE NAME=VALUE"; what can be none of PJL is left out.
+std::vector<std::string> PjlSettingsOf(std::string_view value) {
+  std::vector<std::string> settings;
+  std::istringstream words{std::string(value)};
+  for (std::string word; words >> word;) {
+    const bool printable =
+        std::all_of(word.begin(), word.end(), [](char c) { return c > ' ' && c < 0x7F; });
+    const size_t sign = word.find('=');
+    if (printable && sign != std::string::npos && sign > 0) settings.push_back(word);
+  }
+  return settings;
+}
+
+// "*KPXPJL<feature> <choice>": our own keyword for what a job that is not PostScript sets.
+void FillPjlSettings(ppd_file_t *ppd, PpdModel *model) {
+  for (const PpdFeature &feature : model->features) {
+    const std::string name = "KPXPJL" + feature.keyword;
+    for (ppd_attr_t *attr = ppdFindAttr(ppd, name.c_str(), nullptr); attr != nullptr;
+         attr = ppdFindNextAttr(ppd, name.c_str(), nullptr)) {
+      const PpdChoice *choice = feature.FindChoice(attr->spec);
+      if (choice == nullptr) continue;
+      model->pjl_settings[{feature.keyword, choice->keyword}] = PjlSettingsOf(TextOf(attr->value));
+    }
+  }
+}
+
 // The part of `end` points that can be printed on: all of it where the PPD names none of it.
 std::pair<double, double> PrintableOf(float from, float to, double end) {
   if (!std::isfinite(from) || !std::isfinite(to)) return {0, end};
@@ -278,6 +306,7 @@ PpdModel ModelOf(ppd_file_t *ppd, std::string_view bytes) {
   model.custom_limits = CustomLimitsOf(ppd);
   FillSizes(ppd, &model);
   FillJcl(ppd, &model);
+  FillPjlSettings(ppd, &model);
   return model;
 }
 
@@ -289,6 +318,7 @@ std::string PpdError::Text(std::string_view file) const {
 }
 
 std::optional<PpdModel> ReadPpd(std::string_view bytes, PpdError *error) {
+  bytes = WithoutByteOrderMark(bytes);
   PreparedPpd prepared = PreparePpd(bytes);
   const PpdFile ppd = OpenText(&prepared, error);
   if (ppd == nullptr) return std::nullopt;

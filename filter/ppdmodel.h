@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 enum class PpdUi { Boolean, PickOne, PickMany };
@@ -78,6 +79,8 @@ struct PpdModel {
 
   bool pjl = false;  // the printer understands PJL
   bool pjl_utf8 = false;
+  // What a job that is not PostScript sets by PJL ("DUPLEX=ON"), by feature and choice.
+  std::map<std::pair<std::string, std::string>, std::vector<std::string>> pjl_settings;
   std::string jcl_begin, jcl_to_postscript, jcl_end;  // empty without *JCLBegin
 
   // The feature of this keyword (case does not count, no asterisk), or nothing.

@@ -5,9 +5,10 @@
 #include <cstdint>
 #include <cstring>
 
+#include "byteordermark.h"
+
 namespace {
 
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view kTagged = "\001M";
 constexpr std::string_view kDosEps = "\xC5\xD0\xD3\xC6";
 constexpr char kQuote = '\001';

@@ -173,6 +173,25 @@ TEST_P(ShippedPpd, EndsEveryJobCommandInALineFeed) {
   }
 }
 
+TEST_P(ShippedPpd, HasAJobCommandForWhatAPclJobCannotSetItself) {
+  static const std::regex command(R"re(\*KPXPJL(\w+) (\w+): "[A-Z]+=\w+( [A-Z]+=\w+)*")re");
+  std::set<std::string> commands;
+  for (const std::string &line : FileLines(PpdPath(GetParam()))) {
+    if (!line.starts_with("*KPXPJL")) continue;
+    std::smatch found;
+    ASSERT_TRUE(std::regex_match(line, found, command)) << line;
+    EXPECT_TRUE(ppd_.features.at(found[1]).Has(found[2])) << line;
+    EXPECT_TRUE(commands.insert(found[1].str() + " " + found[2].str()).second) << line;
+  }
+  for (const char *feature : {"PageSize", "MediaType", "InputSlot", "Duplex", "OutputBin", "Jog",
+                              "StapleLocation", "Punch", "Resolution"}) {
+    for (const PpdOption &option : ppd_.features.at(feature).options) {
+      EXPECT_TRUE(commands.contains(std::string(feature) + " " + option.name))
+          << feature << " " << option.name;
+    }
+  }
+}
+
 TEST_P(ShippedPpd, HasOptionCodeThatAnInterpreterRuns) {
   std::string program;
   for (const auto &[name, feature] : ppd_.features) {

@@ -4,6 +4,7 @@
 #include "filterjob.h"
 #include "pcljob.h"
 #include "postscript.h"
+#include "temporarydirectory.h"
 
 namespace {
 
@@ -220,6 +221,91 @@ TEST(PclJob, OneCopyOnlyIsAWarningWhereThePrinterKnowsNoPjl) {
   EXPECT_EQ(warning(), "");
   settings.Apply({{"*NrCopies", "2"}});
   EXPECT_EQ(warning(), "one copy only: the printer description gives no way to ask for more\n");
+}
+
+// A printer that has job commands for the sides and the collation.
+class PclSettings : public testing::Test {
+ protected:
+  PclSettings() {
+    std::string ppd = ContentOf(std::string(KPX_TEST_DATA) + "/data/ppd/office.ppd");
+    ppd +=
+        "\n*KPXPJLDuplex None: \"DUPLEX=OFF\"\n"
+        "*KPXPJLDuplex DuplexNoTumble: \"DUPLEX=ON  BINDING=LONGEDGE bad =x\"\n"
+        "*KPXPJLNothing Any: \"X=Y\"\n*KPXPJLDuplex Sideways: \"X=Y\"\n";
+    PpdError error;
+    model_ = ReadPpd(ppd, &error).value();
+  }
+  std::string Output(const std::string &job = "data") const {
+    return RunOver(FilterPcl, settings_, job);
+  }
+
+  PpdModel model_;
+  JobSettings settings_{model_};
+};
+
+TEST_F(PclSettings, AreSentAsJobCommands) {
+  EXPECT_NE(Output().find("@PJL SET DUPLEX=OFF\n"), std::string::npos);
+  settings_.Apply({{"*Duplex", "DuplexNoTumble"}});
+  EXPECT_NE(Output().find("@PJL SET DUPLEX=ON\n@PJL SET BINDING=LONGEDGE\n@PJL "),
+            std::string::npos);
+  EXPECT_EQ(Output().find("bad"), std::string::npos);
+  EXPECT_EQ(Output().find("=x"), std::string::npos);
+  EXPECT_EQ(WarningsOver(FilterPcl, settings_, "data"), "");
+}
+
+TEST_F(PclSettings, WhatTheJobItselfSetsIsItsOwnBusiness) {
+  settings_.Apply({{"*Duplex", "DuplexNoTumble"}});
+  const std::string output =
+      Output(std::string(kUelText) + "@PJL JOB\n@pjl set Duplex = off\n@PJL ENTER LANGUAGE=PCL\nx");
+  EXPECT_EQ(CountOf(output, "DUPLEX"), 0u) << output;
+  EXPECT_NE(output.find("@PJL SET BINDING=LONGEDGE\n"), std::string::npos);
+}
+
+TEST_F(PclSettings, APostScriptJobHasNone) {
+  settings_.Apply({{"*Duplex", "DuplexNoTumble"}});
+  EXPECT_EQ(RunOver(FilterPostScript, settings_, "%!\n").find("BINDING"), std::string::npos);
+}
+
+TEST_F(PclSettings, WithoutAJobCommandAreNamedInOneWarning) {
+  settings_.ApplyQueue({{"*CustomPaperSize", "Ticket''200''400"},
+                        {"*PageSize", "Ticket"},
+                        {"*InputSlot", "Lower"},
+                        {"*Duplex", "DuplexTumble"},
+                        {"*MediaType", "Plain"}});
+  EXPECT_EQ(WarningsOver(FilterPcl, settings_, "data"),
+            "not sent with a PCL job, because the printer description has no job command for it: "
+            "\"*PageSize=Ticket\", \"*InputSlot=Lower\", \"*Duplex=DuplexTumble\"\n");
+  settings_.Apply({{"*PageSize", "A4"}, {"*InputSlot", "Upper"}, {"*Duplex", "None"}});
+  EXPECT_EQ(WarningsOver(FilterPcl, settings_, "data"), "");
+}
+
+TEST_F(PclSettings, CollatedCopiesAreWholeSets) {
+  PpdFeature collate;
+  collate.keyword = "Collate";
+  collate.choices = {{"False", "No", "a"}, {"True", "Yes", "b"}};
+  model_.features.push_back(collate);
+  settings_.Apply({{"*NrCopies", "3"}});
+  EXPECT_NE(Output().find("@PJL SET COPIES=3\n"), std::string::npos);
+  settings_.Apply({{"*Collate", "True"}});
+  EXPECT_NE(Output().find("@PJL SET QTY=3\n"), std::string::npos);
+  EXPECT_EQ(Output().find("COPIES"), std::string::npos);
+  EXPECT_EQ(WarningsOver(FilterPcl, settings_, "data"), "");
+}
+
+TEST_F(PclSettings, AJobHasOneFrame) {
+  const std::string data = "\033E" + std::string(70000, 'x') + "\033E";
+  const std::string plain = Output(data);
+  for (const char *end : {"\033%-12345X@PJL EOJ\r\n\033%-12345X",
+                          "\033%-12345X@PJL EOJ NAME=\"x\"\n\033%-12345X\r\n"}) {
+    const std::string job =
+        std::string(kUelText) + "@PJL JOB\n@PJL ENTER LANGUAGE=PCL\n" + data + end;
+    EXPECT_EQ(Output(job), plain);
+    EXPECT_EQ(RunOver(FilterPcl, settings_, job, 1), plain);
+  }
+  EXPECT_EQ(CountOf(plain, "EOJ"), 1u);
+  // What else stands behind is the job's.
+  EXPECT_NE(Output("x\033%-12345X@PJL RESET\n").find("@PJL RESET\n"), std::string::npos);
+  EXPECT_NE(Output("x\033%-12345X@PJL EOJ\nmore").find("@PJL EOJ\nmore"), std::string::npos);
 }
 
 TEST(PclJob, GoesUnchangedToAPrinterWithoutPjl) {

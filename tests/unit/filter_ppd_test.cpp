@@ -35,6 +35,13 @@ TEST(PpdEncoding, AFileThatDeclaresLatin1ButIsUtf8IsReadAsUtf8) {
   EXPECT_EQ(TranslationOf(SmallPpd("*LanguageEncoding: ISOLatin1\n", "Größe")), "Größe");
 }
 
+TEST(PpdEncoding, AByteOrderMarkIsNoPartOfTheFile) {
+  for (const char *declared :
+       {"", "*LanguageEncoding: UTF-8\n", "*LanguageEncoding: MacStandard\n"}) {
+    EXPECT_EQ(TranslationOf("\xEF\xBB\xBF" + SmallPpd(declared, "Größe")), "Größe") << declared;
+  }
+}
+
 TEST(PpdEncoding, ALatin1FileIsReadAsLatin1) {
   EXPECT_EQ(TranslationOf(SmallPpd("*LanguageEncoding: ISOLatin1\n",
                                    "Gr\xF6\xDF"

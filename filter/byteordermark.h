@@ -1,0 +1,11 @@
+// The mark that Windows programs put in front of UTF-8.
+#pragma once
+
+#include <string_view>
+
+inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+inline std::string_view WithoutByteOrderMark(std::string_view text) {
+  if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
+  return text;
+}
