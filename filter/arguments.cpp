@@ -1,5 +1,6 @@
 #include "arguments.h"
 
+#include <algorithm>
 #include <iterator>
 #include <string_view>
 
@@ -40,18 +41,20 @@ bool TakeShortOption(std::string_view word, FilterArguments *result) {
 FilterArguments ParseArguments(const std::vector<std::string> &arguments) {
   FilterArguments result;
   bool filter = false;
+  const bool has_options = std::find(arguments.begin() + (arguments.empty() ? 0 : 1),
+                                     arguments.end(), "--filter") != arguments.end();
   for (size_t i = 0; i < arguments.size(); ++i) {
     const std::string &word = arguments[i];
-    if (const NamedValue *option = LongOption(word)) {
+    if (i == 0 && has_options) {
+      // The spooler's options come first, whatever they look like.
+      result.options = word;
+    } else if (const NamedValue *option = LongOption(word)) {
       const bool has_value = i + 1 < arguments.size() && !arguments[i + 1].starts_with("--");
       if (has_value) result.*option->value = arguments[++i];
     } else if (word == "--filter") {
       filter = true;
     } else if (i > 0 && TakeShortOption(word, &result)) {
       continue;
-    } else if (i == 0) {
-      // The spooler's options come first, whatever they look like.
-      result.options = word;
     }
   }
   const bool convert = !result.ppd_file.empty() && !result.paf_file.empty();

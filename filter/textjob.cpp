@@ -158,7 +158,9 @@ void PageWriter::Put(char32_t character) {
   if (line_ >= layout_.lines) NewPage();
   if (!page_open_) BeginPage();
   if (run_.empty()) run_column_ = column_;
-  if (character < 0x7F) {
+  // Where a string has its quotes, the font's own encoding has curved ones.
+  const bool curved = character == '\'' || character == '`';
+  if (character < 0x7F && !curved) {
     AddToString(character);
   } else {
     AddGlyph(name);

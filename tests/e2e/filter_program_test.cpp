@@ -247,6 +247,15 @@ TEST_F(Filtering, AFileOfAnotherKindGivesOneSentenceAndNoData) {
             "kpxfilter: the file is plain text, but this queue prints only PostScript\n");
 }
 
+TEST_F(Filtering, OptionsThatLookLikeAnArgumentAreOptions) {
+  for (const char *options : {"--ppdfile", "--type", "--deffile", "--filter", "-Jx"}) {
+    call_.options = options;
+    const FilterRun run = Filter(call_, "%!\nshowpage\n");
+    EXPECT_EQ(run.status, 0) << options << ": " << run.errors;
+    EXPECT_NE(run.output.find("JOBNAME=\"Report\""), std::string::npos) << options;
+  }
+}
+
 TEST_F(Filtering, AnUnknownTypeIsAnError) {
   call_.type = "raw";
   const FilterRun run = Filter(call_, "x");

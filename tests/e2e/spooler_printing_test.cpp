@@ -164,6 +164,14 @@ TEST(BridgePrinting, CopiesBecomeAnOptionUnlessTheOptionsNameThem) {
   EXPECT_EQ(Strings{}, StarWords(calls[2].options));
 }
 
+TEST(BridgePrinting, CopiesNamedInsideAnotherOptionDoNotCount) {
+  const TestQueue queue("lp1");
+  queue.Record();
+  queue.PrintAndWait({"-n", "3", "-o", "*JobName='a *NrCopies=9'"}, "data");
+  const std::string options = OnlyCall(queue).options;
+  EXPECT_TRUE(options.ends_with(" *NrCopies=3")) << options;
+}
+
 TEST(BridgePrinting, CopiesNeverRepeatTheFiles) {
   const Files files;
   const TestQueue queue("lp1");

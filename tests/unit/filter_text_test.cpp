@@ -45,6 +45,10 @@ TEST_F(TextJob, CharactersBeyondAsciiGoByGlyphName) {
   EXPECT_EQ(Pages("a é€b"), Page(1, "0 0 [(a )/eacute/Euro(b)] T\n"));
 }
 
+TEST_F(TextJob, StraightQuotesStayStraight) {
+  EXPECT_EQ(Pages("a'b`c"), Page(1, "0 0 [(a)/quotesingle(b)/grave(c)] T\n"));
+}
+
 TEST_F(TextJob, ALineThatIsNotUtf8IsLatin1) {
   EXPECT_EQ(Pages("\xE9\né\n"), Page(1, "0 0 [/eacute] T\n0 1 [/eacute] T\n"));
 }
