@@ -293,7 +293,7 @@ TEST_F(BridgeCommands, TheSchedulersConfigurationMayBeTheOneThatCupsBrings) {
   EXPECT_EQ(0, MakeQueue("lp1").status);
   EXPECT_EQ(0, RunProgram({"/usr/bin/accept", "lp1"}).status);
   EXPECT_EQ(0, RunProgram({"/usr/bin/enable", "lp1"}).status);
-  std::ofstream(ScriptPath("lp1"), std::ios::app) << "exit 0\n";
+  std::ofstream(ScriptPath("lp1"), std::ios::app) << "exit 0\n" << kEndOfScript;
   SchedulerLog log;
   EXPECT_EQ(0, RunProgram({"/usr/bin/lp", "-d", "lp1"}, "data").status);
   log.WaitFor("Job completed.");

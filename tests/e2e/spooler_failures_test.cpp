@@ -82,7 +82,7 @@ TEST(BridgeFailures, AFailingScriptHoldsTheJobWhichPrintsWholeWhenReleased) {
 
 TEST(BridgeFailures, AHeldJobTellsItsUserWhy) {
   const TestQueue queue("lp1");
-  queue.Append("echo 'no font Büro%s' >&2\nprintf '50%% is \"missing\"\\n\\n' >&2\nexit 7\n");
+  queue.Complete("echo 'no font Büro%s' >&2\nprintf '50%% is \"missing\"\\n\\n' >&2\nexit 7\n");
   SchedulerLog log;
   queue.Print({}, "data");
   log.WaitFor("Backend returned status 3 (hold job)");
@@ -96,7 +96,7 @@ TEST(BridgeFailures, AHeldJobTellsItsUserWhy) {
 TEST(BridgeFailures, AScriptWhoseStatusIsLostHoldsTheJobWhateverItSaid) {
   const TestQueue queue("lp1");
   // Its parent is the part of the backend that waits for its status.
-  queue.Append("echo '0.5 MB sent' >&2\nkill -KILL $PPID\n");
+  queue.Complete("echo '0.5 MB sent' >&2\nkill -KILL $PPID\n");
   SchedulerLog log;
   const std::string job = queue.Print({}, "data");
   log.WaitFor("Backend returned status");
@@ -136,13 +136,22 @@ TEST(BridgeFailures, APrinterFaultStopsTheQueueUntilItIsEnabled) {
 }
 
 TEST(BridgeFailures, AQueueThatLostItsScriptStopsAndKeepsTheJob) {
-  const TestQueue queue("lp1");
-  std::filesystem::remove(queue.ScriptPath());
-  SchedulerLog log;
-  const std::string job = queue.Print({}, "data");
-  log.WaitFor("Backend returned status 4 (stop printer)");
-  EXPECT_NE(std::string::npos, log.Text().find("has no interface script"));
-  EXPECT_TRUE(queue.Keeps(job));
+  const TemporaryDirectory directory;
+  const std::string files = TwoFiles(directory);
+  for (const std::vector<std::string> &job_files :
+       std::vector<Strings>{{files + "a"}, {files + "a", files + "b"}}) {
+    const TestQueue queue("lp1");
+    std::filesystem::remove(queue.ScriptPath());
+    SchedulerLog log;
+    const std::string job = queue.Print(job_files);
+    log.WaitFor("Backend returned status 4 (stop printer)");
+    EXPECT_TRUE(queue.Keeps(job));
+    EXPECT_NE(std::string::npos,
+              queue.State().find("has no interface script /usr/spool/lp/admins/lp/interfaces/lp1; "
+                                 "remove the queue with \"/usr/lib/lpadmin -x lp1\" and add it "
+                                 "again in KPXadmin"))
+        << queue.State();
+  }
 }
 
 TEST(BridgeFailures, AnUnreachablePrinterGetsTheJobOnceItCanBeReached) {
@@ -201,7 +210,7 @@ TEST(BridgeFailures, CancellingAJobEndsItsScript) {
   std::filesystem::remove_all(started);
   std::filesystem::create_directory(started);
   std::filesystem::permissions(started, std::filesystem::perms(0777));
-  queue.Append("echo started >&2\nsleep 1000 &\necho $$ $! >" + started + "/pids\nwait\n");
+  queue.Complete("echo started >&2\nsleep 1000 &\necho $$ $! >" + started + "/pids\nwait\n");
   SchedulerLog log;
   const std::string job = queue.Print({}, "data");
   log.WaitFor("Set job-printer-state-message to \"started\"");
@@ -243,8 +252,8 @@ TEST(BridgeFailures, AJobIsNeverTooSlowForTheScheduler) {
   const TestQueue limited("lp2");
   ASSERT_EQ(
       0, RunProgram({"/usr/sbin/lpadmin", "-p", "lp2", "-o", "job-cancel-after-default=1"}).status);
-  slow.Append("sleep 1000\n");
-  limited.Append("sleep 1000\n");
+  slow.Complete("sleep 1000\n");
+  limited.Complete("sleep 1000\n");
   SchedulerLog log;
   const std::string kept = slow.Print({}, "data");
   const std::string cancelled = limited.Print({}, "data");
@@ -271,7 +280,7 @@ TEST(BridgeFailures, ABackendThatIsTerminatedFromOutsideKeepsTheJob) {
 
 TEST(BridgeFailures, ABackendThatCrashesKeepsTheJob) {
   const TestQueue queue("lp1");
-  queue.Append("kill -SEGV 0\n");  // the whole process group
+  queue.Complete("kill -SEGV 0\n");  // the whole process group
   SchedulerLog log;
   const std::string job = queue.Print({}, "data");
   log.WaitFor("crashed on signal 11");

@@ -1,6 +1,8 @@
 // Jobs on their way through the spooler bridge: how the interface script is called.
 #include <gtest/gtest.h>
 
+#include <csignal>
+
 #include "spooler.h"
 
 namespace {
@@ -24,6 +26,26 @@ ScriptCall OnlyCall(const TestQueue &queue) {
   const std::vector<ScriptCall> calls = queue.Calls();
   if (calls.size() != 1) throw std::runtime_error(std::to_string(calls.size()) + " calls, not 1");
   return calls[0];
+}
+
+// Sends `content` to the queue lp1 as a client does that compresses it.
+void PrintCompressed(const std::string &content) {
+  const Files files;
+  const std::string path = files.Write("a", content);
+  // Packed twice: the client unpacks gzip files once by itself.
+  ASSERT_EQ(0, RunProgram({"gzip", path}).status);
+  std::filesystem::rename(path + ".gz", path);
+  ASSERT_EQ(0, RunProgram({"gzip", path}).status);
+  const std::string request = files.Write(
+      "print.test",
+      "{ OPERATION Print-Job GROUP operation-attributes-tag\n"
+      "ATTR charset attributes-charset utf-8 ATTR language attributes-natural-language en\n"
+      "ATTR uri printer-uri $uri ATTR keyword compression gzip\n"
+      "ATTR mimeMediaType document-format text/plain FILE \"" +
+          path + ".gz\" STATUS successful-ok }\n");
+  const CommandResult sent =
+      RunProgram({"ipptool", "-t", "ipp://%2Frun%2Fcups%2Fcups.sock/printers/lp1", request});
+  ASSERT_EQ(0, sent.status) << sent.output;
 }
 
 // The words of an options argument that begin with "*".
@@ -203,28 +225,41 @@ TEST(BridgePrinting, AnyKindOfFileIsTakenAndNothingIsConverted) {
 }
 
 TEST(BridgePrinting, AFileThatIsSentCompressedReachesTheScriptUnpacked) {
-  const Files files;
   const std::string content(100000, 'z');
-  const std::string path = files.Write("a", content);
-  // Packed twice: the client unpacks gzip files once by itself.
-  ASSERT_EQ(0, RunProgram({"gzip", path}).status);
-  std::filesystem::rename(path + ".gz", path);
-  ASSERT_EQ(0, RunProgram({"gzip", path}).status);
-  const std::string request = files.Write(
-      "print.test",
-      "{ OPERATION Print-Job GROUP operation-attributes-tag\n"
-      "ATTR charset attributes-charset utf-8 ATTR language attributes-natural-language en\n"
-      "ATTR uri printer-uri $uri ATTR keyword compression gzip\n"
-      "ATTR mimeMediaType document-format text/plain FILE \"" +
-          path + ".gz\" STATUS successful-ok }\n");
   const TestQueue queue("lp1");
   queue.Record();
   SchedulerLog log;
-  const CommandResult sent =
-      RunProgram({"ipptool", "-t", "ipp://%2Frun%2Fcups%2Fcups.sock/printers/lp1", request});
-  ASSERT_EQ(0, sent.status) << sent.output;
+  PrintCompressed(content);
   log.WaitFor("Job completed.");
   EXPECT_EQ(Strings{content}, OnlyCall(queue).contents);
+  EXPECT_EQ(Strings{}, NamesIn("/var/spool/cups/tmp"));
+}
+
+TEST(BridgePrinting, WhatAKilledBackendUnpackedGoesWithTheNextJob) {
+  const TestQueue queue("lp1");
+  const std::string hold = "/run/kpx/hold";
+  std::filesystem::remove_all(hold);
+  std::filesystem::create_directory(hold);
+  std::filesystem::permissions(hold, std::filesystem::perms(0777));
+  queue.Record("[ -e " + hold + "/free ] || { echo $$ $PPID >" + hold +
+               "/pids; echo waiting >&2; exec sleep 1000; }");
+  SchedulerLog log;
+  PrintCompressed("secret");
+  log.WaitFor("Set job-printer-state-message to \"waiting\"");
+  const std::string started = "Started backend /usr/lib/cups/backend/kpxlp (PID ";
+  const std::string text = log.Text();
+  ASSERT_EQ(0, kill(std::stoi(text.substr(text.rfind(started) + started.size())), SIGKILL));
+  log.WaitFor("was terminated normally with signal 9");
+  std::ifstream pids(hold + "/pids");
+  for (pid_t process = 0; pids >> process;) kill(process, SIGKILL);
+  log.WaitFor("Job completed.");  // which is how the scheduler takes it
+  EXPECT_EQ(1u, NamesIn("/var/spool/cups/tmp").size());
+
+  std::ofstream(hold + "/free") << std::flush;
+  SchedulerLog next;
+  PrintCompressed("next");
+  next.WaitFor("Job completed.");
+  EXPECT_EQ(Strings{"next"}, queue.Calls().back().contents);
   EXPECT_EQ(Strings{}, NamesIn("/var/spool/cups/tmp"));
 }
 
@@ -263,7 +298,7 @@ TEST(BridgePrinting, AJobToAClassKeepsTheClassInItsRequestId) {
 
 TEST(BridgePrinting, TheScriptsWordsBecomeTheStateMessageAndNeverAnOrder) {
   const TestQueue queue("lp1");
-  queue.Append("echo 'warming up' >&2\necho 'STATE: +offline' >&2\nprintf unfinished >&2\n");
+  queue.Complete("echo 'warming up' >&2\necho 'STATE: +offline' >&2\nprintf unfinished >&2\n");
   SchedulerLog log;
   queue.PrintAndWait({}, "data");
   for (const char *words : {"warming up", "STATE: +offline", "unfinished"}) {

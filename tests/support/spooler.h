@@ -24,6 +24,8 @@
 inline constexpr char kBridgeInterfaces[] = "/usr/spool/lp/admins/lp/interfaces";
 inline constexpr char kBridgePrinters[] = "/usr/spool/lp/admins/lp/printers";
 inline constexpr char kBridgeModels[] = "/usr/spool/lp/model";
+// The last line of an interface script that does not end in the lines of KPXadmin.
+inline constexpr char kEndOfScript[] = "# End of the script\n";
 
 struct CommandResult {
   int status = -1;     // as ChildResult has it
@@ -167,23 +169,25 @@ class TestQueue {
   const std::string &name() const { return name_; }
   std::string ScriptPath() const { return std::string(kBridgeInterfaces) + "/" + name_; }
 
-  // Adds lines to the queue's interface script.
+  // Adds lines to the queue's interface script, as they are.
   void Append(const std::string &lines) const {
     std::ofstream(ScriptPath(), std::ios::app) << lines;
   }
+  // Adds lines that make the script whole, as somebody's own script is.
+  void Complete(const std::string &lines) const { Append(lines + "\n" + kEndOfScript); }
 
   // From now on the script records each call and then does `action`.
   void Record(const std::string &action = {}) const {
-    Append("call=$(mktemp -d " + calls_.Path() +
-           "/new.XXXXXX)\n"
-           "printf '%s\\0' \"$request\" \"$username\" \"$title\" \"$copies\" \"$options\" \"$@\" "
-           ">\"$call/words\"\n"
-           "number=0\n"
-           "for file; do number=$((number + 1)); cat \"$file\" >\"$call/file$number\"; done\n"
-           "id >\"$call/id\"\n"
-           "chmod 755 \"$call\"; mv \"$call\" " +
-           calls_.Path() + "/call$(($(ls " + calls_.Path() + " | grep -c '^call') + 1))\n" +
-           action + "\n");
+    Complete("call=$(mktemp -d " + calls_.Path() +
+             "/new.XXXXXX)\n"
+             "printf '%s\\0' \"$request\" \"$username\" \"$title\" \"$copies\" \"$options\" \"$@\" "
+             ">\"$call/words\"\n"
+             "number=0\n"
+             "for file; do number=$((number + 1)); cat \"$file\" >\"$call/file$number\"; done\n"
+             "id >\"$call/id\"\n"
+             "chmod 755 \"$call\"; mv \"$call\" " +
+             calls_.Path() + "/call$(($(ls " + calls_.Path() + " | grep -c '^call') + 1))\n" +
+             action);
   }
 
   // Prints: `arguments` are those of lp behind the queue. Returns the job's number.
