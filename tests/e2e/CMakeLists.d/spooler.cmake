@@ -12,7 +12,7 @@ kpx_add_test(NAME spooler_doubt LIBS kpx_core kpx_transport LABEL e2e SANDBOX fu
 kpx_add_test(NAME spooler_commands LABEL e2e SANDBOX full TIMEOUT 180
   SOURCES e2e/spooler_commands_test.cpp)
 kpx_add_test(NAME spooler_coherence LIBS kpx_transport LABEL e2e SANDBOX full TIMEOUT 300
-  SOURCES e2e/spooler_coherence_test.cpp)
+  SOURCES e2e/spooler_coherence_test.cpp support/faultinjection.cpp)
 # Starts its sandboxes itself.
 kpx_add_test(NAME sandbox LABEL e2e TIMEOUT 120 SOURCES e2e/sandbox_test.cpp)
 target_compile_definitions(test_sandbox PRIVATE KPX_SANDBOX_PROGRAM="${KPX_SANDBOX}"

@@ -1,0 +1,188 @@
+// Commands of the bridge that run at the same time, or are held up: a queue is there as a whole or
+// not at all.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/file.h>
+
+#include <future>
+
+#include "descriptor.h"
+#include "faultinjection.h"
+#include "spooler.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using Strings = std::vector<std::string>;
+
+constexpr char kLock[] = "/usr/spool/lp/admins/lp/lock";
+const Strings kMake = {"/usr/lib/lpadmin", "-p", "lp1", "-m", "vek4120"};
+const Strings kRemove = {"/usr/lib/lpadmin", "-x", "lp1"};
+
+std::future<CommandResult> InBackground(const Strings &command) {
+  return std::async(std::launch::async, [command] { return RunProgram(command); });
+}
+
+// Where something of the queue lp1 lies.
+Strings PlacesOfQueue() {
+  Strings places;
+  if (RunProgram({"lpstat", "-v", "lp1"}).status == 0) places.push_back("CUPS");
+  if (fs::exists(std::string(kBridgeInterfaces) + "/lp1")) places.push_back("script");
+  if (fs::exists(std::string(kBridgePrinters) + "/lp1")) places.push_back("entry");
+  return places;
+}
+
+// Runs the command and kills it, with all that it started, before its `last`th call that can change
+// a queue. False when it ended by itself before.
+bool RunUntilCutDown(Strings command, int last) {
+  int seen = 0;
+  const auto body = [&] {
+    std::vector<char *> words;
+    for (std::string &word : command) words.push_back(word.data());
+    words.push_back(nullptr);
+    dup2(open("/dev/null", O_WRONLY | O_CLOEXEC), STDERR_FILENO);
+    execv(words[0], words.data());
+    return 127;
+  };
+  return RunTraced([] {}, body,
+                   [&](const FileCall &call) {
+                     const bool counts =
+                         call.changes && (IsBelow(call, {"/usr/spool/lp"}) || SendsToServer(call));
+                     return CallFate{.kind = counts && ++seen == last ? CallFate::Kind::CutDown
+                                                                      : CallFate::Kind::Made};
+                   })
+      .killed;
+}
+
+class Coherence : public testing::Test {
+ protected:
+  Coherence() { RequirePrivateWorld(); }
+  ~Coherence() override { RunProgram(kRemove); }
+};
+
+}  // namespace
+
+TEST_F(Coherence, MakingAndRemovingAQueueAtTheSameTimeLeavesItWholeOrNotAtAll) {
+  for (int round = 1; round <= 40; ++round) {
+    auto made = InBackground(kMake);
+    auto removed = InBackground(kRemove);
+    EXPECT_EQ(made.get().status, 0);
+    const CommandResult removal = removed.get();
+    EXPECT_TRUE(removal.status == 0 || removal.output == "lpadmin: there is no queue \"lp1\"\n")
+        << removal.output;
+    const Strings places = PlacesOfQueue();
+    EXPECT_TRUE(places.empty() || places.size() == 3)
+        << "round " << round << " leaves " << testing::PrintToString(places);
+  }
+}
+
+TEST_F(Coherence, ACommandThatWaitsTooLongForAnotherSaysSoAndChangesNothing) {
+  ASSERT_EQ(RunProgram(kMake).status, 0);
+  const Descriptor lock(open(kLock, O_RDONLY | O_CLOEXEC));
+  ASSERT_TRUE(lock);
+  ASSERT_EQ(flock(lock.get(), LOCK_EX), 0);
+  std::vector<std::pair<std::string, std::future<CommandResult>>> waiting;
+  waiting.emplace_back("lpadmin", InBackground(kRemove));
+  waiting.emplace_back("accept", InBackground({"/usr/bin/accept", "lp1"}));
+  waiting.emplace_back("enable", InBackground({"/usr/bin/enable", "lp1"}));
+  for (auto &[name, command] : waiting) {
+    const CommandResult result = command.get();
+    EXPECT_EQ(result.status, 1) << name;
+    EXPECT_EQ(result.output,
+              name +
+                  ": another lpadmin, accept or enable has been at work for 30 seconds; try "
+                  "again when it has ended\n");
+  }
+  EXPECT_EQ(PlacesOfQueue(), (Strings{"CUPS", "script", "entry"}));
+  EXPECT_NE(RunProgram({"lpstat", "-a", "lp1"}).output.find("not accepting"), std::string::npos);
+
+  ASSERT_EQ(flock(lock.get(), LOCK_UN), 0);
+  EXPECT_EQ(RunProgram({"/usr/bin/accept", "lp1"}).status, 0);
+}
+
+TEST_F(Coherence, NobodyElseCanHoldTheCommandsUp) {
+  ASSERT_EQ(RunProgram(kMake).status, 0);
+  EXPECT_EQ(ModeOf(kLock), 0600U);
+}
+
+TEST_F(Coherence, AQueueThatIsMadeAgainKeepsItsJobsStateAndSettings) {
+  ASSERT_EQ(RunProgram(kMake).status, 0);
+  ASSERT_EQ(RunProgram({"/usr/bin/accept", "lp1"}).status, 0);
+  ASSERT_EQ(RunProgram({"/usr/sbin/lpadmin", "-p", "lp1", "-L", "Room 5", "-D", "Our printer", "-o",
+                        "sides-default=two-sided-long-edge"})
+                .status,
+            0);
+  ASSERT_EQ(RunProgram({"/usr/bin/lp", "-d", "lp1"}, "data").status, 0);
+  const auto state = [] {
+    return RunProgram({"lpstat", "-l", "-p", "lp1", "-a", "lp1", "-o", "lp1"}).output +
+           RunProgram({"lpoptions", "-p", "lp1"}).output;
+  };
+  const std::string before = state();
+  for (const char *lost : {"/usr/spool/lp/admins/lp/interfaces/lp1",
+                           "/usr/spool/lp/admins/lp/printers/lp1", "/nothing"}) {
+    fs::remove(lost);
+    EXPECT_EQ(RunProgram(kMake).status, 0);
+    EXPECT_EQ(state(), before);
+    EXPECT_EQ(PlacesOfQueue(), (Strings{"CUPS", "script", "entry"})) << "without " << lost;
+  }
+}
+
+TEST_F(Coherence, WhateverIsLeftOfAQueueCanBeRemovedAndMadeAnew) {
+  for (const Strings &command : {kRemove, kMake}) {
+    // One bit for each place where something is left.
+    for (int left = 1; left < 8; ++left) {
+      ASSERT_EQ(RunProgram(kMake).status, 0);
+      if ((left & 1) == 0) RunProgram({"/usr/sbin/lpadmin", "-x", "lp1"});
+      if ((left & 2) == 0) fs::remove(std::string(kBridgeInterfaces) + "/lp1");
+      if ((left & 4) == 0) fs::remove(std::string(kBridgePrinters) + "/lp1");
+      const CommandResult result = RunProgram(command);
+      EXPECT_EQ(result.status, 0) << left << ": " << result.output;
+      EXPECT_EQ(PlacesOfQueue().size(), command == kMake ? 3U : 0U) << left;
+    }
+  }
+}
+
+TEST_F(Coherence, ACommandThatWasKilledAnywhereIsFinishedByRepeatingIt) {
+  for (const bool make : {true, false}) {
+    int kills = 0;
+    for (bool killed = true; killed; ++kills) {
+      RunProgram(make ? kRemove : kMake);
+      ASSERT_EQ(PlacesOfQueue().size(), make ? 0U : 3U);
+      killed = RunUntilCutDown(make ? kMake : kRemove, kills + 1);
+      if (!killed) break;
+      const std::string left = testing::PrintToString(PlacesOfQueue());
+      const CommandResult again = RunProgram(make ? kMake : kRemove);
+      EXPECT_TRUE(again.status == 0 || (!make && left == "{}")) << left << again.output;
+      EXPECT_EQ(PlacesOfQueue().size(), make ? 3U : 0U) << "kill " << kills + 1 << ", " << left;
+      EXPECT_EQ(NamesIn(kBridgeInterfaces), make ? Strings{"lp1"} : Strings{});
+    }
+    EXPECT_GT(kills, 5);
+    EXPECT_EQ(PlacesOfQueue().size(), make ? 3U : 0U);
+  }
+}
+
+TEST_F(Coherence, WhatKilledCommandsLeftGoesWithTheNextOne) {
+  for (const char *name : {"/.lp7.new", "/.lp7.entry"}) {
+    std::ofstream(std::string(kBridgeInterfaces) + name) << "half";
+  }
+  ASSERT_EQ(RunProgram(kMake).status, 0);
+  EXPECT_EQ(NamesIn(kBridgeInterfaces), Strings{"lp1"});
+}
+
+TEST_F(Coherence, ASchedulerThatDoesNotAnswerIsNotTakenForOneWithoutTheQueue) {
+  ASSERT_EQ(RunProgram({"/usr/sbin/lpadmin", "-p", "lp1", "-v", "ipp://localhost/x"}).status, 0);
+  const std::string lpstat = "/usr/bin/lpstat";
+  fs::rename(lpstat, lpstat + ".real");
+  std::ofstream(lpstat) << "#!/bin/sh\n[ \"$1\" != -v ] || { echo lpstat: Timeout >&2; exit 1; }\n"
+                        << "exec " << lpstat << ".real \"$@\"\n";
+  fs::permissions(lpstat, fs::perms(0755));
+  const CommandResult made = RunProgram(kMake);
+  fs::rename(lpstat + ".real", lpstat);
+  EXPECT_EQ(made.status, 1);
+  EXPECT_EQ(made.output,
+            "lpadmin: CUPS does not say whether it has a queue \"lp1\": lpstat: Timeout\n");
+  EXPECT_NE(RunProgram({"lpstat", "-v", "lp1"}).output.find("ipp://localhost/x"),
+            std::string::npos);
+  RunProgram({"/usr/sbin/lpadmin", "-x", "lp1"});
+}
