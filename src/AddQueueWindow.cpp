@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "AccessKeys.h"
 #include "AddQueueWindowFct.h"
 #include "ComboWidget.h"
 #include "EntryHandlers.h"
@@ -127,5 +128,6 @@ GtkWidget *create_AddQueueWindow() {
   AddButtons(window, box);
   G_Toggle_Ok_Apply_Sensitivity();
   gtk_widget_show_all(box);
+  GiveAccessKeys(window);
   return window;
 }

@@ -1,5 +1,6 @@
 #include "AdminWindow.h"
 
+#include "AccessKeys.h"
 #include "AdminWindowFct.h"
 #include "ListWidget.h"
 #include "Support.h"
@@ -84,6 +85,7 @@ GtkWidget *create_AdminWindow() {
   gtk_box_pack_start(GTK_BOX(box), gtk_separator_new(GTK_ORIENTATION_HORIZONTAL), FALSE, FALSE, 0);
   AddAdminButtons(helper.window, box);
   gtk_widget_show_all(box);
+  GiveAccessKeys(helper.window);
   AddAllQueues(helper.queues_list);
   SetOpeningSize(helper.window, 432, 315);
   return helper.window;

@@ -1,5 +1,6 @@
 #include "ConfirmationWindow.h"
 
+#include "AccessKeys.h"
 #include "DialogFrame.h"
 #include "PropTabCustomsFct.h"
 #include "Support.h"
@@ -45,6 +46,7 @@ GtkWidget *create_ConfirmationWindow(int kind) {
   // Return presses the button that has the focus.
   gtk_widget_grab_focus(yes);
   gtk_widget_show_all(dialog.box);
+  GiveAccessKeys(dialog.window);
   G_ConfirmationWindow_helper =
       std::make_unique<ConfirmationWindowHelper>(ConfirmationWindowHelper{dialog.window, yes, no});
   return dialog.window;

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "AccessKeys.h"
 #include "MessageDialogs.h"
 #include "OptionCombos.h"
 #include "OptionDefaults.h"
@@ -108,6 +109,7 @@ int G_CheckLinearConstraints(const CHash *settings) {
                                 "DEF_BTN_RESOLVE_TITLE", nullptr);
   g_signal_connect(button, "clicked", G_CALLBACK(ResolvePressed), nullptr);
   gtk_widget_show(button);
+  GiveAccessKeys(window);
   gtk_widget_show(window);
   return 1;
 }

@@ -1,5 +1,6 @@
 #include "DialogFrame.h"
 
+#include "AccessKeys.h"
 #include "Support.h"
 #include "cmessages.h"
 
@@ -36,6 +37,7 @@ GtkWidget *AddOkButton(const Dialog &dialog, const char *name, void (*pressed)()
   AddAccelerator(dialog.window, button, GDK_KEY_Escape);
   gtk_widget_grab_focus(button);
   gtk_widget_show_all(dialog.box);
+  GiveAccessKeys(dialog.window);
   return button;
 }
 
@@ -52,4 +54,5 @@ void AddOkCancelHelp(const Dialog &dialog, const char *box_name, const DialogHan
   AddAccelerator(window, help, GDK_KEY_F1);
   OnDeleteEvent(window, handlers.cancel);
   gtk_widget_show_all(dialog.box);
+  GiveAccessKeys(window);
 }

@@ -1,5 +1,6 @@
 #include "FilesSelectionWindow.h"
 
+#include "AccessKeys.h"
 #include "Support.h"
 #include "ToolWindowFct.h"
 #include "cmessages.h"
@@ -47,6 +48,7 @@ GtkWidget *create_FilesSelectionWindow() {
   AddResponse(window, "FolderButton", "DEF_BTN_FOLDER_TITLE", kResponseFolder);
   AddResponse(window, "CancelButton", "DEF_BTN_CANCEL_TITLE", GTK_RESPONSE_CANCEL);
   AddResponse(window, "OKButton", "DEF_BTN_OK_TITLE", GTK_RESPONSE_OK);
+  GiveAccessKeys(window);
   gtk_dialog_set_default_response(GTK_DIALOG(window), GTK_RESPONSE_OK);
   g_signal_connect(window, "response", G_CALLBACK(HandleResponse), nullptr);
   G_FilesSelectionWindow_helper =

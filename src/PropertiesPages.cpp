@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "AccessKeys.h"
 #include "PropTabCustoms.h"
 #include "PropTabDestination.h"
 #include "PropTabFeatures.h"
@@ -154,6 +155,7 @@ void NeedPropertiesPage(int number) {
   for (const Page needed : page.needs) NeedPropertiesPage(PlaceOf(needed));
   gtk_container_add(GTK_CONTAINER(place), WidgetsOf(page.page).create());
   gtk_widget_show(gtk_bin_get_child(GTK_BIN(place)));
+  GiveAccessKeys(G_PropertiesWindow_helper->window);
 }
 
 void NeedAllPropertiesPages() {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 
+#include "AccessKeys.h"
 #include "AdminWindow.h"
 #include "ComboWidget.h"
 #include "MessageDialogs.h"
@@ -101,6 +102,7 @@ GtkWidget *create_PropertiesWindow() {
   gtk_widget_show(helper.notebook);
   gtk_widget_show_all(gtk_widget_get_parent(helper.ok_button));
   gtk_widget_show(box);
+  GiveAccessKeys(helper.window);
   SetSize(helper.window, helper.notebook);
   return helper.window;
 }

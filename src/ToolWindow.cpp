@@ -1,5 +1,6 @@
 #include "ToolWindow.h"
 
+#include "AccessKeys.h"
 #include "ComboWidget.h"
 #include "ListWidget.h"
 #include "Support.h"
@@ -45,6 +46,8 @@ void AddFilesFrame(ToolWindowHelper &helper, GtkWidget *parent) {
   gtk_container_set_border_width(GTK_CONTAINER(row), L_Spacing);
   gtk_container_add(GTK_CONTAINER(frame), StoreWidget(helper.window, row, "FilesHbox"));
   gtk_box_pack_start(GTK_BOX(row), NewFilesList(helper), TRUE, TRUE, 0);
+  gtk_label_set_mnemonic_widget(GTK_LABEL(gtk_frame_get_label_widget(GTK_FRAME(frame))),
+                                helper.files_list);
 
   GtkWidget *buttons = NewButtonBox(helper.window, GTK_ORIENTATION_VERTICAL, "FilesVbuttonbox");
   gtk_box_pack_start(GTK_BOX(row), buttons, FALSE, FALSE, 0);
@@ -100,5 +103,6 @@ GtkWidget *create_ToolWindow() {
   AddQueueRow(helper, data);
   ShowQueues();
   gtk_widget_show_all(box);
+  GiveAccessKeys(helper.window);
   return helper.window;
 }

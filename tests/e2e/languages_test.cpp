@@ -1,5 +1,6 @@
 // Every window and tab of both programs in every language, at the usual and at 150 % text size:
-// nothing is cut off, no text is missing from the language, none is left in English.
+// nothing is cut off, no text is missing from the language, none is left in English, and every
+// button, tab and field has an access key of its own.
 #include <set>
 
 #include "administration.h"
@@ -111,7 +112,18 @@ class Languages : public AdministrationTest,
       const size_t tab = line.find('\t');
       ExpectTranslated(line.substr(0, tab), line.substr(tab + 1));
     }
+    ExpectAccessKeys(app);
     Picture(app, window);
+  }
+
+  // Each button, tab and label of a field has a key, and no two of the window have the same one.
+  static void ExpectAccessKeys(GuiApp &app) {
+    std::set<std::string> seen;
+    for (const std::string &line : app.AccessKeys()) {
+      const std::string key = line.substr(line.rfind('\t') + 1);
+      EXPECT_NE("-", key) << line;
+      EXPECT_TRUE(key == "*" || seen.insert(key).second) << line << " is the key of two";
+    }
   }
 
   // The text that the language has for a key, or for an option of the printer.
@@ -123,6 +135,13 @@ class Languages : public AdministrationTest,
       ShowTab(app, tab);
       ExpectGood(app, "PropertiesWindow");
       if (tab != "Fonts") ExpectPageWhole(app, PageOfTab(tab));
+      if (app.HasWidget("Nup4Radiobutton")) {
+        app.Click("Nup4Radiobutton");
+        app.WaitUntil("the orders", [&] { return app.HasWidget("NupBackRadiobutton"); });
+        app.WaitDrawn();
+        ExpectGood(app, "PropertiesWindow");
+        ExpectPageWhole(app, PageOfTab(tab));
+      }
       app.Key("F1");
       ExpectGood(app, "KPXHelpDialog");
       app.Key("Escape");

@@ -405,6 +405,8 @@ std::vector<std::string> GuiApp::Windows() {
 
 std::vector<std::string> GuiApp::ClippedTexts() { return LinesOf(Demand("clipped")); }
 
+std::vector<std::string> GuiApp::AccessKeys() { return LinesOf(Demand("keys")); }
+
 std::vector<std::string> GuiApp::ShownTexts() { return LinesOf(Demand("texts")); }
 
 ScreenArea GuiApp::Geometry(const std::string &name) {

@@ -83,6 +83,9 @@ class GuiApp {
   std::vector<std::string> ShownTexts();
   // The texts that are not shown whole, "<window>/<widget> TAB <text>".
   std::vector<std::string> ClippedTexts();
+  // The access keys of the foremost window, "<window>/<widget> TAB <text> TAB <letter>"; "-"
+  // without one, "*" for a button that another key presses.
+  std::vector<std::string> AccessKeys();
   ScreenArea Geometry(const std::string &name);
 
   // Until the screen shows all windows as they are now; before a screenshot.

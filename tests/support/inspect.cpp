@@ -18,6 +18,11 @@
 //   rows N        lines of a list's or combo's cells with TAB between; "*" before a selected row,
 //                 "-" before another
 //   clipped       lines "<window>/<widget> TAB <text>" for every text that is not shown whole
+//   keys          lines "<window>/<widget> TAB <text> TAB <letter>" for every button, tab and label
+//   of
+//                 a field in the foremost window; the letter is that of its access key, "-" without
+//                 one, "*" for a button that another key presses; the file chooser's own are left
+//                 out
 //   texts         lines "<window>/<widget> TAB <text>", one a line, of every text in the windows,
 //   in
 //                 lists and in tooltips; what the toolkit's file chooser shows is left out
@@ -322,6 +327,39 @@ std::string Clipped() {
   return lines;
 }
 
+// Whether the label stands for something that can be pressed, shown or filled in.
+bool NamesSomething(GtkWidget *label) {
+  GtkWidget *parent = gtk_widget_get_parent(label);
+  if (GTK_IS_BUTTON(parent)) return gtk_widget_get_ancestor(label, GTK_TYPE_TREE_VIEW) == nullptr;
+  if (GTK_IS_NOTEBOOK(parent)) return true;
+  GtkWidget *field = gtk_label_get_mnemonic_widget(GTK_LABEL(label));
+  return field != nullptr && (gtk_widget_get_can_focus(field) != FALSE || GTK_IS_COMBO_BOX(field));
+}
+
+std::string KeyOf(GtkWidget *label) {
+  const guint key = gtk_label_get_mnemonic_keyval(GTK_LABEL(label));
+  if (key != GDK_KEY_VoidSymbol) return Taken(g_strdup(gdk_keyval_name(key)));
+  GtkWidget *button = gtk_widget_get_parent(label);
+  GList *accelerators = GTK_IS_BUTTON(button) ? gtk_widget_list_accel_closures(button) : nullptr;
+  const bool has = accelerators != nullptr;
+  g_list_free(accelerators);
+  return has ? "*" : "-";
+}
+
+std::string AccessKeys() {
+  std::string lines;
+  const std::function<void(GtkWidget *)> add = [&](GtkWidget *widget) {
+    if (gtk_widget_get_mapped(widget) == FALSE || GTK_IS_FILE_CHOOSER_WIDGET(widget)) return;
+    if (GTK_IS_LABEL(widget) && NamesSomething(widget)) {
+      lines += PathOf(widget) + "\t" + OneLine(*Text(widget)) + "\t" + KeyOf(widget) + "\n";
+    }
+    for (GtkWidget *child : ChildrenOf(widget)) add(child);
+  };
+  const std::vector<GtkWidget *> windows = VisibleWindows();
+  if (!windows.empty()) add(windows.front());
+  return lines;
+}
+
 // The lines of a widget's own texts; a button's is that of the label in it.
 std::string LinesAbout(GtkWidget *widget) {
   std::string text = Taken(gtk_widget_get_tooltip_text(widget)) + "\n";
@@ -380,6 +418,7 @@ Answer AnswerTo(const std::string &request) {
   if (word == "windows") return Windows();
   if (word == "focus") return Focus();
   if (word == "clipped") return Clipped();
+  if (word == "keys") return AccessKeys();
   if (word == "texts") return AllTexts();
   if (word == "idle") return "1";
   if (first == std::string::npos) return {};

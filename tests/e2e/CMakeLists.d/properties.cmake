@@ -5,3 +5,5 @@ kpx_add_test(NAME properties_tool LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX 
   SOURCES e2e/properties_tool_test.cpp support/printerjobs.cpp)
 target_compile_definitions(test_properties_tool PRIVATE KPX_MAKEQUEUES="$<TARGET_FILE:makequeues>")
 add_dependencies(test_properties_tool makequeues)
+kpx_add_test(NAME access_keys LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
+  SOURCES e2e/access_keys_test.cpp)

@@ -3,7 +3,8 @@ kpx_add_test(NAME object_library LIBS kpx_core LABEL unit
   SOURCES unit/sharedtext_test.cpp unit/cstring_test.cpp unit/clist_test.cpp unit/chash_test.cpp
           unit/cselection_test.cpp)
 kpx_add_test(NAME text_resources LIBS kpx_core LABEL unit
-  SOURCES unit/textformat_test.cpp unit/textencoding_test.cpp unit/cmessages_test.cpp
+  SOURCES unit/textformat_test.cpp unit/textencoding_test.cpp unit/keyletters_test.cpp
+          unit/cmessages_test.cpp
           unit/chelp_test.cpp)
 kpx_add_test(NAME application_core LIBS kpx_core LABEL unit
   SOURCES unit/debug_test.cpp unit/language_test.cpp unit/globals_test.cpp)
