@@ -70,6 +70,7 @@ void AddAllQueues(GtkWidget *list) {
 GtkWidget *create_AdminWindow() {
   const LogScope log("create_AdminWindow");
   G_QueuesSelections = CreateList();
+  RememberUnfinishedRemovals();
   G_KPXadminWindow_helper = std::make_unique<KPXadminWindowHelper>();
   KPXadminWindowHelper &helper = *G_KPXadminWindow_helper;
   helper.window = gtk_window_new(GTK_WINDOW_TOPLEVEL);

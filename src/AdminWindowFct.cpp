@@ -102,6 +102,11 @@ void ButtonKPXDeletePressed(int flag) {
                         });
 }
 
+void RememberUnfinishedRemovals() {
+  const LogScope log("RememberUnfinishedRemovals");
+  if (G_UnfinishedRemovals != nullptr) L_DeletedQueues_list = CloneOf(G_UnfinishedRemovals.get());
+}
+
 void ButtonSavePressed() {
   const LogScope log("ButtonSavePressed");
   const Owned<CList> errors = CreateList();

@@ -13,6 +13,9 @@ void ButtonHelpPressed();
 // will remove them from the spooler.
 void ButtonKPXDeletePressed(int flag);
 
+// Save will remove what an interrupted save was to remove.
+void RememberUnfinishedRemovals();
+
 // Brings spooler and files in line with the working set; ends the main loop when nothing went
 // wrong, else shows what did.
 void ButtonSavePressed();

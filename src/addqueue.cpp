@@ -1,5 +1,7 @@
 #include "addqueue.h"
 
+#include <algorithm>
+
 #include "cmessages.h"
 #include "cprinter.h"
 #include "cprintqueue.h"
@@ -27,27 +29,6 @@ const char *TypeFromText(const std::string &text) {
     if (text == G_Translate(type)) return type;
   }
   return nullptr;
-}
-
-Owned<CPrintQueue> NewRecord(const NewQueue &input, const char *type) {
-  Owned<CPrintQueue> queue = CreatePrintQueue();
-  const auto set = [&queue](int (*setter)(CPrintQueue *, const CString *), const char *text) {
-    setter(queue.get(), CreateStringWithValue(text).get());
-  };
-  set(fSet_PrinterName_Function, input.printer.c_str());
-  set(fSet_Language_Function, type);
-  set(fSet_AddressType_Function, kTcpIpTransport);
-  set(fSet_Address_Function, input.address.c_str());
-  set(fSet_PrintingSystem_Function, L_PrintingSystem);
-  set(fSet_DefFile_Function, (input.name + ".def").c_str());
-  const CPrinter *printer = HashValue<CPrinter>(G_Printers_hash, input.printer.c_str());
-  fSet_PpdFile_Function(queue.get(), fGetPpdFile_Function(printer));
-  const Owned<CHash> empty = CreateHash();
-  fSet_Options_Function(queue.get(), empty.get());
-  fSet_InstallableFeatures_Function(queue.get(), empty.get());
-  fSet_CustomPapers_Function(queue.get(), empty.get());
-  fSet_CustomMedias_Function(queue.get(), empty.get());
-  return queue;
 }
 
 }  // namespace
@@ -78,6 +59,32 @@ const char *WarningKey(IdentityFault fault) {
   return nullptr;
 }
 
+bool IsQueueType(const std::string &type) {
+  return std::any_of(G_QueueTypes.begin(), G_QueueTypes.end(),
+                     [&](const char *known) { return type == known; });
+}
+
+Owned<CPrintQueue> NewQueueRecord(const NewQueue &input, const char *type) {
+  Owned<CPrintQueue> queue = CreatePrintQueue();
+  const auto set = [&queue](int (*setter)(CPrintQueue *, const CString *), const char *text) {
+    setter(queue.get(), CreateStringWithValue(text).get());
+  };
+  set(fSet_PrinterName_Function, input.printer.c_str());
+  set(fSet_Language_Function, type);
+  set(fSet_AddressType_Function, kTcpIpTransport);
+  set(fSet_Address_Function, input.address.c_str());
+  set(fSet_PrintingSystem_Function, L_PrintingSystem);
+  set(fSet_DefFile_Function, (input.name + ".def").c_str());
+  const CPrinter *printer = HashValue<CPrinter>(G_Printers_hash, input.printer.c_str());
+  fSet_PpdFile_Function(queue.get(), fGetPpdFile_Function(printer));
+  const Owned<CHash> empty = CreateHash();
+  fSet_Options_Function(queue.get(), empty.get());
+  fSet_InstallableFeatures_Function(queue.get(), empty.get());
+  fSet_CustomPapers_Function(queue.get(), empty.get());
+  fSet_CustomMedias_Function(queue.get(), empty.get());
+  return queue;
+}
+
 AddQueueResult AddQueue(const NewQueue &input) {
   const LogScope log("AddQueue");
   const IdentityFault fault = CheckIdentity({input.name, input.transport, input.address});
@@ -89,7 +96,7 @@ AddQueueResult AddQueue(const NewQueue &input) {
   const char *type = TypeFromText(input.type);
   if (type == nullptr) return {false, nullptr};
   if (fault != IdentityFault::kNone) return {false, WarningKey(fault)};
-  HashPut(G_Queues_hash, input.name.c_str(), NewRecord(input, type));
+  HashPut(G_Queues_hash, input.name.c_str(), NewQueueRecord(input, type));
   return {true, nullptr};
 }
 

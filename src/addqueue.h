@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "cprintqueue.h"
+
 // The queue types in the order in which they are offered; each is also the catalogue key of its
 // name.
 extern const std::vector<const char *> G_QueueTypes;
@@ -39,6 +41,12 @@ struct AddQueueResult {
   bool added = false;
   const char *warning_key = nullptr;  // catalogue key of what to tell the user, or null
 };
+
+// True for the types of queues.
+bool IsQueueType(const std::string &type);
+
+// A record of that name, printer and address without settings, for the queue type `type`.
+Owned<CPrintQueue> NewQueueRecord(const NewQueue &input, const char *type);
 
 // Checks the input and adds a record without settings to G_Queues_hash.
 AddQueueResult AddQueue(const NewQueue &input);

@@ -53,6 +53,22 @@ int RunCommand(const std::string &command) {
   return status;
 }
 
+std::string OutputOfCommand(const std::string &command) {
+  const LogScope log("OutputOfCommand");
+  Log(3, "Run: " + command);
+  std::fflush(nullptr);
+  std::FILE *pipe = popen(command.c_str(), "re");  // NOLINT(cert-env33-c)
+  if (pipe == nullptr) return "";
+  std::string output;
+  char buffer[4096];
+  size_t count = 0;
+  while ((count = std::fread(buffer, 1, sizeof buffer, pipe)) > 0) output.append(buffer, count);
+  const int status = ExitStatus(pclose(pipe));
+  Log(3, "Status: " + std::to_string(status));
+  L_Records.push_back({command, status});
+  return output;
+}
+
 const std::vector<CommandRecord> &CommandRecords() { return L_Records; }
 
 std::string JoinWords(const std::vector<std::string> &words) {

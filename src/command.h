@@ -20,6 +20,10 @@ struct CommandRecord {
 // where this process prints.
 int RunCommand(const std::string &command);
 
+// Runs `command` in the same way: what it writes to standard output, empty when it could not be
+// started.
+std::string OutputOfCommand(const std::string &command);
+
 // Every command run so far, in order.
 const std::vector<CommandRecord> &CommandRecords();
 

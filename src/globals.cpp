@@ -16,6 +16,7 @@ Owned<CPrintQueues> G_Queues;
 CHash *G_Queues_hash = nullptr;
 Owned<CPrintQueues> G_OrgQueues;
 CHash *G_OrgQueues_hash = nullptr;
+Owned<CList> G_UnfinishedRemovals;
 Owned<CHash> G_Fonts_hash;
 Owned<CList> G_FilesList;
 std::string G_StdinFileName;

@@ -23,6 +23,8 @@ extern Owned<CPrintQueues> G_Queues;
 extern CHash *G_Queues_hash;  // lent by G_Queues
 extern Owned<CPrintQueues> G_OrgQueues;
 extern CHash *G_OrgQueues_hash;  // lent by G_OrgQueues
+extern Owned<CList>
+    G_UnfinishedRemovals;  // CString; what an interrupted save was to remove, or null
 extern Owned<CHash> G_Fonts_hash;
 extern Owned<CList> G_FilesList;     // of CSelection
 extern std::string G_StdinFileName;  // empty: nothing was captured

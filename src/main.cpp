@@ -30,8 +30,8 @@
 #include "fontmap.h"
 #include "globals.h"
 #include "language.h"
+#include "loadqueues.h"
 #include "paths.h"
-#include "porting.h"
 #include "queuelistkeep.h"
 #include "stdindata.h"
 #include "textencoding.h"
@@ -115,17 +115,12 @@ void LoadPrinters() {
   G_Printers_hash = fGetPrinters_Function(G_Printers.get());
 }
 
-// The queues of the list that the spooler still has; what went wrong is added to `messages`.
-void LoadQueues(CList *messages) {
+// What is wrong with the queues is added to `messages`.
+void LoadQueueCollections(CList *messages) {
   BuildQueuesPath();
   Log(1, "Create the CPrintQueues structure");
   G_Queues = CreatePrintQueues(queues_path.c_str());
-  const bool administration = G_ProgName == kModeAdministration;
-  LoadQueueList(G_Queues.get(), administration ? 1 : 0, administration ? messages : nullptr);
-  G_Queues_hash = fGetPrintQueues_Function(G_Queues.get());
-  RemoveInexistentSystemVQueues(messages);
-  G_OrgQueues = CloneOf(G_Queues.get());
-  G_OrgQueues_hash = fGetPrintQueues_Function(G_OrgQueues.get());
+  LoadQueues(messages);
   // After the snapshot, which holds the administrator's values.
   if (G_ProgName == kModePrintTool) fFillAllFromDef_Function(G_Queues.get());
 }
@@ -178,7 +173,7 @@ GtkWidget *StartUp(CList *messages) {
   Log(1, "Set the pixmaps dir");
   add_pixmap_directory(kPixmapDir);
   LoadPrinters();
-  LoadQueues(messages);
+  LoadQueueCollections(messages);
   return CreateMainWindow();
 }
 

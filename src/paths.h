@@ -17,5 +17,6 @@ inline constexpr char kLpadmin[] = "/usr/lib/lpadmin";
 inline constexpr char kAccept[] = "/usr/bin/accept";
 inline constexpr char kEnable[] = "/usr/bin/enable";
 inline constexpr char kLp[] = "/usr/bin/lp";
+inline constexpr char kLpstat[] = "/usr/bin/lpstat";
 inline constexpr char kSpoolPrintersDir[] = "/usr/spool/lp/admins/lp/printers";
 inline constexpr char kSpoolInterfacesDir[] = "/usr/spool/lp/admins/lp/interfaces";

@@ -26,6 +26,8 @@ constexpr char L_ShellWildcard = '?';
 Owned<CHash> L_SetAside;
 std::set<std::string> L_TakenBack;
 
+std::set<std::string> L_Incomplete;
+
 // Only these two say that nothing is there; any other error says nothing about that.
 bool MeansMissing(int error) { return error == ENOENT || error == ENOTDIR; }
 
@@ -38,9 +40,16 @@ bool HasMarkerLine(std::string_view script) {
   return false;
 }
 
-QueueScript Unusable(ScriptState state, const std::string &path, CList *errors) {
-  G_Report(errors, "ERR_UNABLE_TO_READ_FILE", {path});
-  return {state, ""};
+// Whether the spooler has an entry of the queue; also when the system does not tell.
+bool HasEntry(const char *name) {
+  struct stat status = {};
+  const std::string path = std::string(kSpoolPrintersDir) + "/" + name;
+  return lstat(path.c_str(), &status) == 0 || !MeansMissing(errno);
+}
+
+// Whether a queue to be removed is one that KPXadmin may remove.
+bool MayRemove(const char *name, ScriptState script) {
+  return script == ScriptState::Ours || (script == ScriptState::Gone && IsIncompleteQueue(name));
 }
 
 void SetAside(const char *name) {
@@ -79,20 +88,33 @@ std::string InterfacePath(const std::string &name) {
   return std::string(kSpoolInterfacesDir) + "/" + name;
 }
 
-QueueScript ReadQueueScript(const char *name, CList *errors) {
+QueueScript LookAtScript(const char *name) {
   if (name == nullptr) return {ScriptState::Gone, ""};
   const std::string path = InterfacePath(name);
   struct stat status = {};
   if (stat(path.c_str(), &status) != 0) {
-    if (MeansMissing(errno)) return {ScriptState::Gone, ""};
-    return Unusable(ScriptState::Unreadable, path, errors);
+    return {MeansMissing(errno) ? ScriptState::Gone : ScriptState::Unreadable, ""};
   }
   // Only a file is opened: a named pipe would hold the program up.
-  if (!S_ISREG(status.st_mode)) return Unusable(ScriptState::NotAFile, path, errors);
+  if (!S_ISREG(status.st_mode)) return {ScriptState::NotAFile, ""};
   std::optional<std::string> script = ReadWholeFile(path);
-  if (!script) return Unusable(ScriptState::Unreadable, path, errors);
+  if (!script) return {ScriptState::Unreadable, ""};
   return {HasMarkerLine(*script) ? ScriptState::Ours : ScriptState::NotOurs, std::move(*script)};
 }
+
+QueueScript ReadQueueScript(const char *name, CList *errors) {
+  QueueScript script = LookAtScript(name);
+  if (script.state == ScriptState::Unreadable || script.state == ScriptState::NotAFile) {
+    G_Report(errors, "ERR_UNABLE_TO_READ_FILE", {InterfacePath(name)});
+  }
+  return script;
+}
+
+void MarkIncompleteQueue(const char *name) { L_Incomplete.insert(name); }
+
+bool IsIncompleteQueue(const char *name) { return name != nullptr && L_Incomplete.contains(name); }
+
+void ForgetIncompleteQueues() { L_Incomplete.clear(); }
 
 Owned<CList> GetQueueNamesSysV(CList *our_names, CList *errors) {
   const LogScope log("GetQueueNamesSysV");
@@ -126,6 +148,7 @@ int RemoveInexistentSystemVQueues(CList *errors) {
   const Owned<CList> names = fGetKeys_CHash_Function(G_Queues_hash);
   for (const CString *element : Elements<CString>(names.get())) {
     const char *name = fGet_CString_Value_Function(element);
+    if (IsIncompleteQueue(name)) continue;
     const ScriptState script = ReadQueueScript(name, errors).state;
     if (script == ScriptState::Ours) continue;
     if (script == ScriptState::NotOurs) G_Report(errors, "WARN_QUEUE_SCRIPT_CHANGED", {name});
@@ -169,7 +192,9 @@ int DeleteQueuesSysV(const CList *names, CList *errors, const QueueObserver &obs
       RestoreQueue(name);
       result = 0;
     }
-    if (script != ScriptState::Ours) continue;
+    // It is gone already; what belongs to it goes too.
+    if (script == ScriptState::Gone && !HasEntry(name)) G_DeleteAllUsersDefForQueue(name);
+    if (!MayRemove(name, script)) continue;
     if (observer) observer(name, true);
     if (DeleteQueueSysV(name, errors) == 1) {
       G_DeleteAllUsersDefForQueue(name);

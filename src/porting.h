@@ -40,9 +40,16 @@ struct QueueScript {
   std::string text;  // empty unless it is NotOurs or Ours
 };
 
-// The interface script of the queue `name` (null: Gone). One that is Unreadable or NotAFile is
-// reported to `errors`.
+// The interface script of the queue `name` (null: Gone). By the second one, a script that is
+// Unreadable or NotAFile is reported to `errors`.
+QueueScript LookAtScript(const char *name);
 QueueScript ReadQueueScript(const char *name, CList *errors);
+
+// The queues that the spooler has only in part, as the start found out. One may be removed and made
+// anew whatever its script says.
+void MarkIncompleteQueue(const char *name);
+bool IsIncompleteQueue(const char *name);  // false for null
+void ForgetIncompleteQueues();
 
 // The names of all spooler queues (CString), the last directory entry first; copies of ours are
 // put at the head of `our_names`, which may be null. Null when there is no spooler (silently) or
@@ -53,9 +60,9 @@ Owned<CList> GetQueueNamesSysV(CList *our_names, CList *errors);
 // `name` is null, and, reported to `errors`, when the script cannot be read.
 int OurQueueExistsSysV(const char *name, CList *errors);
 
-// Drops from G_Queues_hash every queue that is not ours in the spooler: silently when its script is
-// gone, with a report to `errors` when the script has lost the marker or cannot be read. Those
-// whose script cannot be read are set aside. 1.
+// Drops from G_Queues_hash every queue that is not ours in the spooler and not marked as
+// incomplete: silently when its script is gone, with a report to `errors` when the script has lost
+// the marker or cannot be read. Those whose script cannot be read are set aside. 1.
 int RemoveInexistentSystemVQueues(CList *errors);
 
 // Puts the queues that were set aside back into G_Queues_hash, so that a save does not forget them;
@@ -76,8 +83,9 @@ int DeleteQueueSysV(const char *name, CList *errors);
 // before each command that is run for it; may be empty.
 using QueueObserver = std::function<void(const char *name, bool runs_command)>;
 
-// Removes those of `names` (CString) that are ours from the spooler and their users' option files
-// from the disk. A queue that the spooler keeps comes back into G_Queues_hash as it was at start,
-// and so does one whose script cannot be read, for which nothing is run.
-// 1 when all removals succeeded; 0 after a failure and for a null list.
+// Removes those of `names` (CString) that are ours or marked as incomplete from the spooler, and
+// the users' option files of these, and of those that the spooler has no longer, from the disk. A
+// queue that the spooler keeps comes back into G_Queues_hash as it was at start, and so does one
+// whose script cannot be read, for which nothing is run. 1 when all removals succeeded; 0 after a
+// failure and for a null list.
 int DeleteQueuesSysV(const CList *names, CList *errors, const QueueObserver &observer = {});

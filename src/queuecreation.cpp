@@ -53,14 +53,15 @@ void UpdateAddress(const char *name, CPrintQueue *queue, const std::string &scri
   }
 }
 
-// Makes the queue and appends its block: 1, or 0 after any failure.
+// Makes the queue and appends its block: 1, or 0 after any failure. A queue that the spooler has in
+// part stays in the working set, whatever fails.
 int CreateQueue(const char *name, const CPrintQueue *queue, ScriptValues &values, CList *errors,
                 const QueueObserver &observer) {
   const PrinterModel &model = FindPrinterModel(TextOf(fGet_PrinterName_Function(queue)));
   if (model.ppd_file != nullptr) values.ppd_path = PpdPath(model.ppd_file);
   if (model.transport_parameter != nullptr) values.transport_parameter = model.transport_parameter;
   if (AddQueueSysV(name, model.spooler_model, errors, observer) == 0) {
-    HashRemove(G_Queues_hash, name);
+    if (!IsIncompleteQueue(name)) HashRemove(G_Queues_hash, name);
     return 0;
   }
   return WriteToInterfaceFile(
@@ -85,7 +86,9 @@ int BringInLine(const char *name, ScriptValues &values, CList *errors,
   if (WasSetAside(name)) return 1;
   const QueueScript script = ReadQueueScript(name, errors);
   if (script.state == ScriptState::Unreadable) return 0;
-  if (script.state != ScriptState::Ours) return CreateQueue(name, queue, values, errors, observer);
+  if (script.state != ScriptState::Ours || IsIncompleteQueue(name)) {
+    return CreateQueue(name, queue, values, errors, observer);
+  }
   UpdateAddress(name, queue, script.text, errors, observer);
   return 1;
 }

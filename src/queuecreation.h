@@ -17,7 +17,8 @@ std::vector<SpoolerCommand> CreateQueueCommands(const std::string &name, const s
 int AddQueueSysV(const char *name, const char *model, CList *errors,
                  const QueueObserver &observer = {});
 
-// Makes every queue of G_Queues_hash that the spooler does not have as ours, and puts the queue's
+// Makes every queue of G_Queues_hash that the spooler does not have as ours, or that is marked as
+// incomplete, and puts the queue's
 // address into the script of those that it has, when the script sets another one or the address is
 // not that of the start. A queue that cannot be made is taken out of G_Queues_hash. Nothing is run
 // for a queue whose script cannot be read. 1 when nothing failed; 0 otherwise, reported to

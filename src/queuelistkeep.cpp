@@ -68,7 +68,9 @@ std::string KeptQueueListPath(const std::string &list_path) { return list_path +
 int KeepQueueList(const std::string &list_path, CList *errors) {
   const LogScope log("KeepQueueList");
   const std::string kept = KeptQueueListPath(list_path);
-  const bool is_needed = access(kept.c_str(), F_OK) == 0 && !ReadWholeQueueList(list_path);
+  // One that the system does not show may be there.
+  const bool is_there = access(kept.c_str(), F_OK) == 0 || errno != ENOENT;
+  const bool is_needed = is_there && !ReadWholeQueueList(list_path);
   if (is_needed ? ReadWholeFile(kept).has_value() : WriteKeptCopy(list_path, kept)) return 1;
   G_Report(errors, is_needed ? "ERR_UNABLE_TO_READ_FILE" : "ERR_UNABLE_TO_WRITE_FILE", {kept});
   return 0;
@@ -84,6 +86,11 @@ bool IsWholeQueueList(std::string_view text) {
   const std::string last = LastLine(text);
   // Without a queue it is whole when nothing but the header stands there.
   return last.empty() || std::string_view(last).starts_with(L_QueueEnd);
+}
+
+std::optional<std::string> ReadLastQueueList(const std::string &list_path) {
+  std::optional<std::string> list = ReadWholeQueueList(list_path);
+  return list ? list : ReadWholeFile(KeptQueueListPath(list_path));
 }
 
 int LoadQueueList(CPrintQueues *collection, int create, CList *messages) {

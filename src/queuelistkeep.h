@@ -2,6 +2,7 @@
 // list ("<list>.save") from before it is emptied until everything is written.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -28,6 +29,10 @@ void DropKeptQueueList(const std::string &list_path);
 // True when the text of a list is complete: its last line is whole, and what stands last beside
 // comments and empty lines, if anything does, is the end of a queue.
 bool IsWholeQueueList(std::string_view text);
+
+// The text of the last list that was whole: the list file's, or else the kept copy's; nothing when
+// neither can be had.
+std::optional<std::string> ReadLastQueueList(const std::string &list_path);
 
 // Fills the collection as fFillFromPaf_Function_ does, from the kept copy when the last save did
 // not end, or still goes on, and there is no whole list. `messages` (may be null) are told that,

@@ -11,6 +11,8 @@
 #include "porting.h"
 #include "queuecreation.h"
 #include "queuelistkeep.h"
+#include "textfile.h"
+#include "unfinishedsave.h"
 #include "uninterrupted.h"
 
 namespace {
@@ -55,6 +57,24 @@ int CountOf(const CList *list) {
   return count;
 }
 
+// Removes the deleted queues and, when that went well, makes the new ones.
+void BringSpoolerInLine(const CList *deleted, CList *errors, const SaveObserver &observer) {
+  Steps steps(observer, CountOf(deleted) + CountOf(G_Queues_hash));
+  const Owned<CList> none = CreateList();
+  const CList *names = deleted == nullptr ? none.get() : deleted;
+  if (DeleteQueuesSysV(names, errors, steps.Counting("SAVE_REMOVING")) == 1) {
+    AddQueuesSysV(errors, steps.Counting("SAVE_CREATING"));
+  }
+}
+
+// Everything is written: what would have been needed to finish the save goes.
+void EndSave(const std::string &list) {
+  DropIntention(list);
+  DropKeptQueueList(list);
+  // Should this fail, the next start finishes the save once more, which changes nothing.
+  SyncDirectoryOf(list);
+}
+
 }  // namespace
 
 SaveResult SaveQueues(const CList *deleted, CList *errors, const SaveObserver &observer) {
@@ -64,24 +84,22 @@ SaveResult SaveQueues(const CList *deleted, CList *errors, const SaveObserver &o
     G_Report(errors, "ERR_UNABLE_TO_WRITE_FILE", {list});
     return SaveResult::ListNotWritable;
   }
-  // Without a kept copy nothing is emptied: the queues that stand there are the only record.
-  if (KeepQueueList(list, errors) == 0) return SaveResult::Ended;
+  TakeBackQueuesSetAside();
+  // Without both nothing is emptied: the queues that stand there are the only record.
+  if (KeepQueueList(list, errors) == 0 || !KeepIntention(list, G_Queues_hash, deleted, errors)) {
+    return SaveResult::Ended;
+  }
   if (!EmptyList(list)) {
     G_Report(errors, "ERR_UNABLE_TO_WRITE_FILE", {list});
+    if (G_UnfinishedRemovals == nullptr) DropIntention(list);
     return SaveResult::ListNotWritable;
   }
-  TakeBackQueuesSetAside();
   // Before the first queue is made: no job ever runs without its queue's settings. What cannot be
   // written is told when all are written once more at the end.
   WriteQueueDefFiles(G_Queues_hash, errors, true);
-  Steps steps(observer, CountOf(deleted) + CountOf(G_Queues_hash));
-  const Owned<CList> none = CreateList();
-  const CList *names = deleted == nullptr ? none.get() : deleted;
-  if (DeleteQueuesSysV(names, errors, steps.Counting("SAVE_REMOVING")) == 1) {
-    AddQueuesSysV(errors, steps.Counting("SAVE_CREATING"));
-  }
+  BringSpoolerInLine(deleted, errors, observer);
   const int list_written = fWriteToPaf_Function(G_Queues.get(), errors);
   const int options_written = fWriteAllToDef_Function(G_Queues.get(), errors);
-  if (list_written == 1 && options_written == 1) DropKeptQueueList(list);
+  if (list_written == 1 && options_written == 1) EndSave(list);
   return SaveResult::Ended;
 }

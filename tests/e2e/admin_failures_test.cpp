@@ -214,24 +214,59 @@ TEST_F(FullDisk, WithoutRoomForTheKeptCopyNothingIsTouched) {
   EXPECT_EQ("lp1\n", SpoolerQueues());
 }
 
-TEST_F(FullDisk, WithoutRoomForTheNewListTheKeptCopyBringsTheOldQueuesBack) {
+TEST_F(FullDisk, WithoutRoomForWhatIsIntendedNothingIsTouched) {
   AddAndSave({kLp1});
   const std::string list = ContentOf(kQueuesFile);
-  std::string kept;
+  AdminApp app;
+  app.SelectQueues({0});
+  app.Click("DeleteButton");
+  app.AddQueue(kLp2);
+  const SmallDisk disk(kDataDir, 2 * 4096);
+  Fill(list);
+  SaveWithErrors(app, {CannotWrite(std::string(kQueuesFile) + ".next")});
+  EXPECT_EQ(list, ContentOf(kQueuesFile));
+  EXPECT_EQ("lp1\n", SpoolerQueues());
+}
+
+TEST_F(FullDisk, WithoutRoomForTheNewListTheNextStartFinishesTheSave) {
+  AddAndSave({kLp1});
+  const std::string list = ContentOf(kQueuesFile);
+  const std::string kept = std::string(kQueuesFile) + ".save";
+  const std::string next = std::string(kQueuesFile) + ".next";
+  std::string intended;
   {
     AdminApp app;
     app.SelectQueues({0});
     for (int i = 0; i < 12; ++i) app.Click("CloneButton");
-    const SmallDisk disk(kDataDir, 2 * 4096);
+    const SmallDisk disk(kDataDir, 4 * 4096);
     Fill(list);
     SaveWithErrors(app, {CannotWrite(kQueuesFile)});
-    kept = ContentOf(std::string(kQueuesFile) + ".save");
-    EXPECT_EQ(list, kept);
+    EXPECT_EQ(list, ContentOf(kept));
     EXPECT_EQ("", ContentOf(kQueuesFile));
+    intended = ContentOf(next);
   }
   // What the small disk held, with room again.
   std::ofstream(kQueuesFile, std::ios::trunc).flush();
-  std::ofstream(std::string(kQueuesFile) + ".save") << kept;
+  std::ofstream(kept) << list;
+  std::ofstream(next) << intended;
+  AdminApp app;
+  app.WaitWindow("KPXErrorWarningDialog");
+  EXPECT_EQ(CatalogueText("WARN_SAVE_UNFINISHED") + "\n", app.Text("ErrorWarningText"));
+  app.Key("Return");
+  app.WaitGone("KPXErrorWarningDialog");
+  EXPECT_EQ(13U, app.QueueNames().size());
+  app.Click("SaveButton");
+  EXPECT_EQ(0, app.WaitExit());
+  EXPECT_EQ(intended.substr(0, intended.find("##complete")), ContentOf(kQueuesFile));
+  EXPECT_FALSE(std::filesystem::exists(kept));
+  EXPECT_FALSE(std::filesystem::exists(next));
+}
+
+TEST_F(AdminFailures, AKeptCopyAloneBringsTheOldQueuesBack) {
+  AddAndSave({kLp1});
+  const std::string list = ContentOf(kQueuesFile);
+  std::filesystem::rename(kQueuesFile, std::string(kQueuesFile) + ".save");
+  std::ofstream(kQueuesFile, std::ios::trunc).flush();
   AdminApp app;
   app.WaitWindow("KPXErrorWarningDialog");
   EXPECT_EQ(CatalogueText("WARN_QUEUE_LIST_RESTORED", {kQueuesFile}) + "\n",

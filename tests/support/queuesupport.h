@@ -24,6 +24,11 @@ inline constexpr char kQueueMessages[] =
     "#ERR_SETTINGS_FOREIGN\nforeign <%s> <%s>\n"
     "#ERR_SETTINGS_IN_THE_WAY\nin the way <%s>\n"
     "#ERR_SETTINGS_REASON\nreason <%s>\n"
+    "#WARN_SAVE_UNFINISHED\nunfinished\n"
+    "#WARN_SAVE_UNKNOWN\nunknown <%s>\n"
+    "#WARN_QUEUE_FOUND\nfound <%s>\n"
+    "#WARN_QUEUE_INCOMPLETE\nincomplete <%s>\n"
+    "#WARN_QUEUE_UNKNOWN\nunknown <%s> <%s>\n"
     "#WARN_QUEUE_SCRIPT_CHANGED\nchanged <%s>\n";
 
 inline Owned<CString> Text(const std::string &text) { return CreateStringWithValue(text.c_str()); }

@@ -307,6 +307,40 @@ TEST_F(Porting, AFailedRemovalOfAQueueThatWasNotThereAtStartRestoresNothing) {
   EXPECT_EQ(Keys(G_Queues_hash), Strings{});
 }
 
+TEST_F(Porting, AQueueThatIsGoneAlreadyLosesItsUsersOptionFiles) {
+  std::ofstream(std::string(kUsers) + "/anna:lp1.def") << "*A=b\n";
+  EXPECT_EQ(DeleteQueuesSysV(ListOf({"lp1"}).get(), List()), 1);
+  EXPECT_EQ(NamesIn(kUsers), Strings{});
+  EXPECT_EQ(spooler_.Calls(), Strings{});
+}
+
+TEST_F(Porting, AnotherQueueOfThatNameKeepsItsUsersOptionFiles) {
+  std::ofstream(std::string(SpoolerStandIn::kPrinters) + "/lp1");
+  std::ofstream(std::string(kUsers) + "/anna:lp1.def") << "*A=b\n";
+  EXPECT_EQ(DeleteQueuesSysV(ListOf({"lp1"}).get(), List()), 1);
+  EXPECT_EQ(NamesIn(kUsers), Strings{"anna:lp1.def"});
+  fs::remove(std::string(kUsers) + "/anna:lp1.def");
+}
+
+TEST_F(Porting, WhatIsLeftOfAQueueWhoseRemovalWasInterruptedIsRemoved) {
+  std::ofstream(std::string(SpoolerStandIn::kPrinters) + "/lp1");
+  std::ofstream(std::string(kUsers) + "/anna:lp1.def") << "*A=b\n";
+  MarkIncompleteQueue("lp1");
+  EXPECT_EQ(DeleteQueuesSysV(ListOf({"lp1"}).get(), List()), 1);
+  ForgetIncompleteQueues();
+  EXPECT_EQ(spooler_.Calls(), Strings{"lpadmin -x lp1"});
+  EXPECT_EQ(NamesIn(kUsers), Strings{});
+}
+
+TEST_F(Porting, AnIncompleteQueueIsNotPruned) {
+  AddOurs("lp1");
+  fs::remove(spooler_.ScriptPath("lp1"));
+  MarkIncompleteQueue("lp1");
+  RemoveInexistentSystemVQueues(List());
+  ForgetIncompleteQueues();
+  EXPECT_EQ(Keys(G_Queues_hash), Strings{"lp1"});
+}
+
 TEST_F(Porting, AnEmptySetSucceedsANullOneFails) {
   EXPECT_EQ(DeleteQueuesSysV(CreateList().get(), List()), 1);
   EXPECT_EQ(DeleteQueuesSysV(nullptr, List()), 0);
@@ -351,6 +385,12 @@ TEST(RunCommand, ALongCommandKeepsStandardInput) {
   EXPECT_EQ(RunCommand(command + std::string(200000, 'x')), 0);
   dup2(saved, STDIN_FILENO);
   close(saved);
+}
+
+TEST(OutputOfCommand, IsWhatTheCommandWritesAndKeepsARecord) {
+  EXPECT_EQ(OutputOfCommand("echo a; echo b; exit 3"), "a\nb\n");
+  EXPECT_EQ(CommandRecords().back().status, 3);
+  EXPECT_EQ(OutputOfCommand("/nowhere/program 2>/dev/null"), "");
 }
 
 TEST(RunCommand, JoinsWordsByBlanks) {

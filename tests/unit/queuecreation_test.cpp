@@ -346,6 +346,29 @@ TEST_F(QueueCreation, NoCommandIsRunForAQueueWhoseScriptTheSystemDoesNotShow) {
   EXPECT_EQ(Keys(G_Queues_hash), Strings{"lp1"});
 }
 
+// A queue that the spooler has in part.
+
+TEST_F(QueueCreation, AnIncompleteQueueIsMadeAnew) {
+  PutExisting(kOurScript, "10.0.0.1", "10.0.0.1");
+  MarkIncompleteQueue("lp1");
+  EXPECT_EQ(Add(), 1);
+  ForgetIncompleteQueues();
+  EXPECT_EQ(spooler_.Calls(), (Strings{"lpadmin -p lp1 -v /dev/null -I any -o nobanner -m vek4110",
+                                       "accept lp1", "enable lp1"}));
+  EXPECT_TRUE(spooler_.Script("lp1").starts_with(SpoolerStandIn::kModelScript));
+  EXPECT_NE(spooler_.Script("lp1").find("NETWORK_ADDRESS=10.0.0.1\n"), std::string::npos);
+}
+
+TEST_F(QueueCreation, AnIncompleteQueueThatCannotBeMadeStaysInTheWorkingSet) {
+  PutExisting(kOurScript, "10.0.0.1", "10.0.0.1");
+  MarkIncompleteQueue("lp1");
+  spooler_.Fail("lpadmin");
+  EXPECT_EQ(Add(), 0);
+  ForgetIncompleteQueues();
+  EXPECT_EQ(Errors(), Strings{"command <lpadmin> <lp1>"});
+  EXPECT_EQ(Keys(G_Queues_hash), Strings{"lp1"});
+}
+
 TEST_F(QueueCreation, OtherSettingsOfAnExistingQueueNeverReachTheSpooler) {
   PutExisting(kOurScript, "old", "old");
   Queue("lp1")->Language = Text("raw");

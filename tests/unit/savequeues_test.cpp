@@ -16,6 +16,7 @@
 #include "coresupport.h"
 #include "cprintqueues.h"
 #include "globals.h"
+#include "loadqueues.h"
 #include "paths.h"
 #include "porting.h"
 #include "queuelistkeep.h"
@@ -23,6 +24,7 @@
 #include "queuesupport.h"
 #include "spoolerstandin.h"
 #include "temporarydirectory.h"
+#include "unfinishedsave.h"
 
 namespace fs = std::filesystem;
 
@@ -373,6 +375,178 @@ TEST_F(Save, TheNextSaveAfterARestoredListKeepsItUntilEverythingIsWritten) {
   EXPECT_NE(kept.find("lp1"), std::string::npos);
   EXPECT_FALSE(fs::exists(kept_));
   EXPECT_NE(ContentOf(kQueuesFile).find("lp1"), std::string::npos);
+}
+
+// What a save intends.
+
+const std::string kIntention = IntentionPath(kQueuesFile);
+
+TEST(Intention, IsTheListWithTheRemovalsBehindIt) {
+  const Owned<CHash> queues = CreateHash();
+  HashPut(queues.get(), "lp1", MakeQueue());
+  // A value that looks like a removal is none.
+  HashPutText(HashValue<CPrintQueue>(queues.get(), "lp1")->Options.get(), "*A", "##remove x");
+  int left_out = 0;
+  const std::string list = QueueListText(queues.get(), &left_out);
+  const std::string text = IntentionText(queues.get(), ListOf({"lp2", "lp3"}).get());
+  EXPECT_EQ(text, list + "##remove lp2\n##remove lp3\n##complete\n");
+  EXPECT_EQ(RemovalsOf(text), (std::vector<std::string>{"lp2", "lp3"}));
+  EXPECT_EQ(RemovalsOf(IntentionText(queues.get(), nullptr)), std::vector<std::string>{});
+  EXPECT_TRUE(IsWholeQueueList(text)) << "readers of lists skip the rest";
+}
+
+TEST(Intention, IsNotWholeWhereverItBreaksOff) {
+  const Owned<CHash> queues = CreateHash();
+  HashPut(queues.get(), "lp1", MakeQueue());
+  const std::string text = IntentionText(queues.get(), ListOf({"lp2"}).get());
+  for (size_t size = 0; size < text.size(); ++size) {
+    EXPECT_EQ(RemovalsOf(text.substr(0, size)), std::nullopt) << size;
+  }
+}
+
+// A start of the administration program.
+class UnfinishedSave : public Save {
+ protected:
+  UnfinishedSave() { G_ProgName = kModeAdministration; }
+  ~UnfinishedSave() override {
+    G_ProgName = kModeNeither;
+    G_UnfinishedRemovals.reset();
+  }
+
+  // As Start, with the messages that it gives.
+  std::vector<std::string> StartAdministration() {
+    const Owned<CList> messages = CreateList();
+    G_Queues = CreatePrintQueues(kQueuesFile);
+    LoadQueues(messages.get());
+    return Texts(messages.get());
+  }
+  void PutIntention(const std::vector<std::string> &removed) {
+    const Owned<CList> names = ListOf(removed);
+    ASSERT_TRUE(KeepIntention(kQueuesFile, G_Queues_hash, names.get(), nullptr));
+  }
+  // What the window's Save does.
+  void SaveShown() {
+    SaveQueues(G_UnfinishedRemovals.get(), errors_.get(), {});
+    EXPECT_EQ(Errors(), std::vector<std::string>{});
+  }
+};
+
+TEST_F(UnfinishedSave, TheIntentionIsThereFromBeforeTheFirstCommandUntilTheEnd) {
+  Put("lp1");
+  SaveAll();
+  Put("lp2");
+  HashRemove(G_Queues_hash, "lp1");
+  const std::string expected = IntentionText(G_Queues_hash, ListOf({"lp1"}).get());
+  int steps = 0;
+  const Owned<CList> names = ListOf({"lp1"});
+  SaveQueues(names.get(), errors_.get(), [&](const SaveStep &) {
+    ++steps;
+    EXPECT_EQ(ContentOf(kIntention), expected);
+  });
+  EXPECT_GT(steps, 5);
+  EXPECT_FALSE(fs::exists(kIntention));
+}
+
+TEST_F(UnfinishedSave, AStartShowsWhatWasIntendedAndSaveFinishesIt) {
+  Put("lp1");
+  Put("lp2");
+  SaveAll();
+  HashRemove(G_Queues_hash, "lp1");
+  Put("lp3");
+  PutIntention({"lp1"});
+  for (int start = 0; start < 3; ++start) {
+    EXPECT_EQ(StartAdministration(), std::vector<std::string>{"unfinished"});
+    EXPECT_EQ(Keys(G_Queues_hash), (std::vector<std::string>{"lp2", "lp3"}));
+    EXPECT_EQ(Texts(G_UnfinishedRemovals.get()), std::vector<std::string>{"lp1"});
+  }
+  SaveShown();
+  EXPECT_FALSE(SpoolerStandIn::HasQueue("lp1"));
+  EXPECT_TRUE(SpoolerStandIn::HasQueue("lp3"));
+  EXPECT_FALSE(fs::exists(kIntention));
+  EXPECT_EQ(StartAdministration(), std::vector<std::string>{});
+  EXPECT_EQ(G_UnfinishedRemovals, nullptr);
+}
+
+TEST_F(UnfinishedSave, AQueueThatTheSpoolerKeepsComesBackAsTheListHadIt) {
+  Put("lp1");
+  SaveAll();
+  HashRemove(G_Queues_hash, "lp1");
+  PutIntention({"lp1"});
+  StartAdministration();
+  SpoolerStandIn::Fail("lpadmin");
+  SaveQueues(G_UnfinishedRemovals.get(), errors_.get(), {});
+  EXPECT_EQ(Errors(), std::vector<std::string>{"command <lpadmin> <lp1>"});
+  EXPECT_EQ(Keys(G_Queues_hash), std::vector<std::string>{"lp1"});
+}
+
+TEST_F(UnfinishedSave, ADamagedIntentionIsToldAndNotUsed) {
+  Put("lp1");
+  SaveAll();
+  Put("lp2");
+  PutIntention({"lp1"});
+  const std::string text = ContentOf(kIntention);
+  std::string incomplete = text;
+  incomplete.replace(incomplete.find("#address\n"), 9, "");
+  for (const std::string &damaged : {std::string(), text.substr(0, text.size() / 2), incomplete}) {
+    std::ofstream(kIntention) << damaged;
+    EXPECT_EQ(StartAdministration(), std::vector<std::string>{"unknown <" + kIntention + ">"});
+    EXPECT_EQ(Keys(G_Queues_hash), std::vector<std::string>{"lp1"});
+    EXPECT_EQ(G_UnfinishedRemovals, nullptr);
+  }
+  SaveShown();
+  EXPECT_FALSE(fs::exists(kIntention));
+}
+
+TEST_F(UnfinishedSave, ThePrintToolNeverUsesIt) {
+  Put("lp1");
+  SaveAll();
+  Put("lp2");
+  PutIntention({"lp1"});
+  G_ProgName = kModePrintTool;
+  EXPECT_EQ(StartAdministration(), std::vector<std::string>{});
+  EXPECT_EQ(Keys(G_Queues_hash), std::vector<std::string>{"lp1"});
+}
+
+TEST_F(UnfinishedSave, AnIntentionThatCannotBeWrittenEndsTheSaveBeforeAnythingIsTouched) {
+  Put("lp1");
+  SaveAll();
+  const std::string list = ContentOf(kQueuesFile);
+  fs::create_directory(kIntention);
+  Put("lp2");
+  EXPECT_EQ(SaveAll({"lp1"}), SaveResult::Ended);
+  EXPECT_EQ(Errors(), std::vector<std::string>{"write <" + kIntention + ">"});
+  EXPECT_EQ(ContentOf(kQueuesFile), list);
+  EXPECT_TRUE(SpoolerStandIn::HasQueue("lp1"));
+  EXPECT_FALSE(SpoolerStandIn::HasQueue("lp2"));
+  fs::remove(kIntention);
+}
+
+TEST_F(UnfinishedSave, TheIntentionStaysWhenAnOptionFileCouldNotBeWritten) {
+  Put("lp1");
+  fs::create_directory("/opt/orlan/data/lp1.def");
+  SaveAll();
+  EXPECT_TRUE(fs::exists(kIntention));
+  fs::remove("/opt/orlan/data/lp1.def");
+  errors_ = CreateList();
+  EXPECT_EQ(StartAdministration(), std::vector<std::string>{"unfinished"});
+  SaveShown();
+  EXPECT_FALSE(fs::exists(kIntention));
+  EXPECT_TRUE(fs::exists("/opt/orlan/data/lp1.def"));
+}
+
+TEST_F(UnfinishedSave, AStartRemovesWhatKilledProgramsLeftBesideTheirFiles) {
+  const std::string data = std::string(kDataDir) + "/";
+  const std::vector<std::string> leftovers = {
+      data + "queues.a1B2c3.paf", data + "queues.a1B2c3.paf.save", data + "queues.a1B2c3.paf.next",
+      data + "lp1.a1B2c3.def", SpoolerStandIn::ScriptPath("lp1.KPXadmin")};
+  const std::vector<std::string> kept = {data + "lp1.def", data + "queues.paf.bak",
+                                         data + "my.notes", SpoolerStandIn::ScriptPath("theirs")};
+  for (const auto &paths : {leftovers, kept}) {
+    for (const std::string &path : paths) std::ofstream(path) << "x";
+  }
+  EXPECT_EQ(StartAdministration(), std::vector<std::string>{});
+  for (const std::string &path : leftovers) EXPECT_FALSE(fs::exists(path)) << path;
+  for (const std::string &path : kept) EXPECT_TRUE(fs::exists(path)) << path;
 }
 
 TEST(QueueListLock, IsHeldByOneProcessAtATimeAndGoesWithIt) {

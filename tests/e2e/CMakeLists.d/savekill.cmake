@@ -4,7 +4,8 @@ add_library(kpx_faults STATIC support/faultinjection.cpp support/savedworld.cpp
 target_include_directories(kpx_faults PUBLIC ${CMAKE_CURRENT_SOURCE_DIR}/support)
 target_link_libraries(kpx_faults PUBLIC kpx_core Cups::Cups)
 # With a stand-in for the spooler and many queues.
-kpx_add_test(NAME save_kill LIBS kpx_faults LABEL e2e SANDBOX bare SOURCES e2e/savekill_test.cpp)
+kpx_add_test(NAME save_kill LIBS kpx_faults LABEL e2e SANDBOX bare TIMEOUT 900
+  SOURCES e2e/savekill_test.cpp)
 # With the real spooler and all that belongs to a queue.
 foreach(kind error)
   kpx_add_test(NAME savefaults_${kind} LIBS kpx_faults LABEL e2e SANDBOX full

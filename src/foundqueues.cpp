@@ -1,0 +1,229 @@
+#include "foundqueues.h"
+
+#include <algorithm>
+#include <set>
+
+#include "addqueue.h"
+#include "ccmtparams.h"
+#include "ccpsparams.h"
+#include "cmessages.h"
+#include "command.h"
+#include "cprinter.h"
+#include "debug.h"
+#include "deffile.h"
+#include "globals.h"
+#include "paths.h"
+#include "porting.h"
+#include "printermodels.h"
+#include "scriptreader.h"
+#include "textencoding.h"
+#include "textfile.h"
+#include "textline.h"
+#include "utils.h"
+
+namespace {
+
+using Names = std::set<std::string, std::less<>>;
+
+// What the bridge's spooler says of itself and of one of the bridge's queues.
+constexpr std::string_view L_IsRunning = "scheduler is running";
+constexpr std::string_view L_DeviceFor = "device for ";
+constexpr std::string_view L_BridgeDevice = ": kpxlp:/interface";
+
+// How the bridge's entry of a queue in the printers' directory begins.
+constexpr std::string_view L_BridgeEntry = "Device: /dev/null\n";
+
+// What a start knows about the spooler.
+struct SpoolerState {
+  std::optional<Names>
+      bridge_queues;  // nothing where there is no such spooler or it does not answer
+  Names entries;      // the names in the printers' directory
+  Names removed;      // what an unfinished save still has to remove
+};
+
+// The bridge's queues as its spooler tells them; nothing where there is no such spooler.
+std::optional<Names> AskSpooler() {
+  const std::optional<std::vector<std::string>> queues =
+      BridgeQueuesOf(OutputOfCommand(SpoolerQuestion()));
+  if (!queues) return std::nullopt;
+  return Names(queues->begin(), queues->end());
+}
+
+// Whether the queue, which is in the list, lacks a part in the spooler.
+bool IsIncomplete(const char *name, const SpoolerState &spooler) {
+  const QueueScript script = LookAtScript(name);
+  const bool is_there = spooler.bridge_queues && spooler.bridge_queues->contains(name);
+  if (script.state == ScriptState::Gone) return is_there;
+  if (script.state != ScriptState::Ours) return false;
+  if (ReadInterfaceBlock(script.text).state == BlockState::Cut) return true;
+  return spooler.bridge_queues && !is_there && IsFromBridge(script.text);
+}
+
+// The printer whose description comes from the PPD file, or that the spooler knows by `model`.
+const char *FindPrinter(const std::string &ppd_path, const std::string &model) {
+  const std::string ppd_file = ppd_path.substr(ppd_path.rfind('/') + 1);
+  for (const auto [name, printer] : Pairs<CPrinter>(G_Printers_hash)) {
+    const char *file = fGet_CString_Value_Function(fGetPpdFile_Function(printer));
+    if (file == nullptr) continue;
+    if (ppd_file.empty() ? model == FindPrinterModel(name).spooler_model : ppd_file == file) {
+      return name;
+    }
+  }
+  return nullptr;
+}
+
+// The model that the transport's parameter tells, when only one has it.
+std::string ModelOfParameter(const std::string &parameter) {
+  std::string model;
+  for (const auto [name, printer] : Pairs<CPrinter>(G_Printers_hash)) {
+    const PrinterModel &found = FindPrinterModel(name);
+    if (found.transport_parameter == nullptr || parameter != found.transport_parameter) continue;
+    if (!model.empty() && model != found.spooler_model) return "";
+    model = found.spooler_model;
+  }
+  return model;
+}
+
+// "name''width''length" of a custom paper, "name::shown name" of a custom media.
+void PutCustomPaper(CHash *papers, const std::string &value) {
+  const size_t first = value.find("''");
+  const size_t second = first == std::string::npos ? first : value.find("''", first + 2);
+  if (second == std::string::npos) return;
+  const double width = NumberFromText(value.substr(first + 2, second - first - 2));
+  const double length = NumberFromText(value.substr(second + 2));
+  if (width == 0 || length == 0) return;
+  HashPut(papers, value.substr(0, first).c_str(), CreateCpsParams(width, length));
+}
+
+void PutCustomMedia(CHash *medias, const std::string &value) {
+  const size_t colons = value.find("::");
+  if (colons == std::string::npos) return;
+  HashPut(medias, value.substr(0, colons).c_str(),
+          CreateCmtParams(CreateStringWithValue(value.substr(colons + 2).c_str())));
+}
+
+// What the queue's own option file says; without one the printer's defaults hold.
+void FillFromOptionFile(CPrintQueue *queue, const CPrinter *printer, const std::string &path) {
+  const std::optional<std::string> text = ReadOwnFile(path);
+  if (!text) return;
+  for (const KeyValue &setting : KeyValuesOf(*text)) {
+    if (setting.key == "*CustomPaperSize") {
+      PutCustomPaper(queue->CustomPapers.get(), setting.value);
+    } else if (setting.key == "*CustomMediaType") {
+      PutCustomMedia(queue->CustomMedias.get(), setting.value);
+    } else {
+      const bool is_part =
+          HashFind(fGetInstallableOptions_Function(printer), setting.key.c_str()) != nullptr;
+      CHash *settings = (is_part ? queue->InstallableFeatures : queue->Options).get();
+      HashPutText(settings, setting.key.c_str(), setting.value.c_str());
+    }
+  }
+}
+
+// Whether the spooler's entry of the queue is one that the bridge made.
+bool HasBridgeEntry(const std::string &name) {
+  const auto entry = ReadWholeFile(std::string(kSpoolPrintersDir) + "/" + name);
+  return entry && entry->starts_with(L_BridgeEntry);
+}
+
+void TellUnknown(const std::string &name, CList *messages) {
+  G_Report(messages, "WARN_QUEUE_UNKNOWN", {name, std::string(kLpadmin) + " -x " + name});
+}
+
+// Whether something that is no queue any more, or not yet, is left in the spooler under that name.
+bool IsRest(const std::string &name, const SpoolerState &spooler) {
+  if (!spooler.bridge_queues) return false;
+  return spooler.bridge_queues->contains(name) || HasBridgeEntry(name);
+}
+
+// A queue of the spooler that the list does not have.
+void TakeInQueue(const char *name, const SpoolerState &spooler, CList *messages) {
+  const QueueScript script = LookAtScript(name);
+  if (script.state == ScriptState::Unreadable) {
+    G_Report(messages, "ERR_UNABLE_TO_READ_FILE", {InterfacePath(name)});
+  } else if (script.state == ScriptState::Ours) {
+    Owned<CPrintQueue> queue = QueueFromScript(name, script.text);
+    if (queue == nullptr) return TellUnknown(name, messages);
+    HashPut(G_Queues_hash, name, std::move(queue));
+    G_Report(messages, "WARN_QUEUE_FOUND", {name});
+  } else if (script.state == ScriptState::Gone && IsRest(name, spooler)) {
+    TellUnknown(name, messages);
+  }
+}
+
+Names NamesOf(const CList *list) {
+  Names names;
+  for (const CString *name : Elements<CString>(list)) names.emplace(name->value.View());
+  return names;
+}
+
+void FindIncomplete(const SpoolerState &spooler, CList *messages) {
+  for (const auto [name, queue] : Pairs<CPrintQueue>(G_Queues_hash)) {
+    if (!IsIncomplete(name, spooler)) continue;
+    MarkIncompleteQueue(name);
+    G_Report(messages, "WARN_QUEUE_INCOMPLETE", {name});
+  }
+  for (const std::string &name : spooler.removed) {
+    if (LookAtScript(name.c_str()).state != ScriptState::Gone) continue;
+    if (spooler.entries.contains(name) || IsRest(name, spooler)) MarkIncompleteQueue(name.c_str());
+  }
+}
+
+void TakeInUnlisted(const SpoolerState &spooler, CList *messages) {
+  Names names = spooler.entries;
+  if (spooler.bridge_queues)
+    names.insert(spooler.bridge_queues->begin(), spooler.bridge_queues->end());
+  for (const std::string &name : names) {
+    if (HashFind(G_Queues_hash, name.c_str()) != nullptr || spooler.removed.contains(name))
+      continue;
+    TakeInQueue(name.c_str(), spooler, messages);
+  }
+}
+
+}  // namespace
+
+std::string SpoolerQuestion() {
+  return JoinWords({"[ ! -x", kLpstat, "] || LC_ALL=C timeout 2", kLpstat, "-r -v 2>/dev/null"});
+}
+
+std::optional<std::vector<std::string>> BridgeQueuesOf(std::string_view answer) {
+  bool is_running = false;
+  std::vector<std::string> queues;
+  LineReader lines(answer);
+  while (const std::optional<std::string> line = lines.Next()) {
+    is_running = is_running || *line == L_IsRunning;
+    if (!line->starts_with(L_DeviceFor) || !line->ends_with(L_BridgeDevice)) continue;
+    const size_t size = line->size() - L_DeviceFor.size() - L_BridgeDevice.size();
+    queues.push_back(line->substr(L_DeviceFor.size(), size));
+  }
+  return is_running ? std::optional(std::move(queues)) : std::nullopt;
+}
+
+Owned<CPrintQueue> QueueFromScript(const char *name, const std::string &script) {
+  const BlockReading reading = ReadInterfaceBlock(script);
+  if (reading.state != BlockState::Whole) return nullptr;
+  const InterfaceBlock &block = reading.block;
+  std::string model = ModelOfScript(script);
+  if (model.empty()) model = ModelOfParameter(block.transport_parameter);
+  const char *printer_name = FindPrinter(block.ppd_path, model);
+  if (printer_name == nullptr || !IsQueueType(block.queue_type) || block.address.empty()) {
+    return nullptr;
+  }
+  const CPrinter *printer = HashValue<CPrinter>(G_Printers_hash, printer_name);
+  NewQueue values;
+  values.name = name;
+  values.printer = printer_name;
+  values.address = block.address;
+  Owned<CPrintQueue> queue = NewQueueRecord(values, block.queue_type.c_str());
+  FillFromOptionFile(queue.get(), printer, QueueDefFilePath(std::string(name) + ".def"));
+  return queue;
+}
+
+void CompareWithSpooler(const CList *removed, CList *messages) {
+  const LogScope log("CompareWithSpooler");
+  ForgetIncompleteQueues();
+  const Owned<CList> entries = GetFilesFromDir(kSpoolPrintersDir);
+  const SpoolerState spooler = {AskSpooler(), NamesOf(entries.get()), NamesOf(removed)};
+  FindIncomplete(spooler, messages);
+  TakeInUnlisted(spooler, messages);
+}
