@@ -6,6 +6,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 
 #include "debug.h"
 #include "textfile.h"
@@ -53,19 +54,25 @@ int RunCommand(const std::string &command) {
   return status;
 }
 
-std::string OutputOfCommand(const std::string &command) {
-  const LogScope log("OutputOfCommand");
+BackgroundCommand::BackgroundCommand(const std::string &command) : command_(command) {
   Log(3, "Run: " + command);
   std::fflush(nullptr);
-  std::FILE *pipe = popen(command.c_str(), "re");  // NOLINT(cert-env33-c)
-  if (pipe == nullptr) return "";
+  pipe_ = popen(command.c_str(), "re");  // NOLINT(cert-env33-c)
+}
+
+BackgroundCommand::~BackgroundCommand() {
+  if (pipe_ != nullptr) pclose(pipe_);
+}
+
+std::string BackgroundCommand::Output() {
   std::string output;
+  if (pipe_ == nullptr) return output;
   char buffer[4096];
   size_t count = 0;
-  while ((count = std::fread(buffer, 1, sizeof buffer, pipe)) > 0) output.append(buffer, count);
-  const int status = ExitStatus(pclose(pipe));
+  while ((count = std::fread(buffer, 1, sizeof buffer, pipe_)) > 0) output.append(buffer, count);
+  const int status = ExitStatus(pclose(std::exchange(pipe_, nullptr)));
   Log(3, "Status: " + std::to_string(status));
-  L_Records.push_back({command, status});
+  L_Records.push_back({command_, status});
   return output;
 }
 

@@ -1,6 +1,7 @@
 // The one place that runs shell commands.
 #pragma once
 
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -20,9 +21,22 @@ struct CommandRecord {
 // where this process prints.
 int RunCommand(const std::string &command);
 
-// Runs `command` in the same way: what it writes to standard output, empty when it could not be
-// started.
-std::string OutputOfCommand(const std::string &command);
+// A command that runs in the same way, while this process goes on.
+class BackgroundCommand {
+ public:
+  explicit BackgroundCommand(const std::string &command);
+  ~BackgroundCommand();
+  BackgroundCommand(const BackgroundCommand &) = delete;
+  BackgroundCommand &operator=(const BackgroundCommand &) = delete;
+
+  // Waits for its end: what it wrote to standard output; empty when it could not be started and
+  // when it was asked before.
+  std::string Output();
+
+ private:
+  std::string command_;
+  std::FILE *pipe_;
+};
 
 // Every command run so far, in order.
 const std::vector<CommandRecord> &CommandRecords();

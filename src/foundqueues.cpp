@@ -41,10 +41,13 @@ struct SpoolerState {
   Names removed;      // what an unfinished save still has to remove
 };
 
+std::optional<BackgroundCommand> L_Question;
+
 // The bridge's queues as its spooler tells them; nothing where there is no such spooler.
-std::optional<Names> AskSpooler() {
-  const std::optional<std::vector<std::string>> queues =
-      BridgeQueuesOf(OutputOfCommand(SpoolerQuestion()));
+std::optional<Names> AnswerOfSpooler() {
+  if (!L_Question) AskSpooler();
+  const std::optional<std::vector<std::string>> queues = BridgeQueuesOf(L_Question->Output());
+  L_Question.reset();
   if (!queues) return std::nullopt;
   return Names(queues->begin(), queues->end());
 }
@@ -219,11 +222,13 @@ Owned<CPrintQueue> QueueFromScript(const char *name, const std::string &script) 
   return queue;
 }
 
+void AskSpooler() { L_Question.emplace(SpoolerQuestion()); }
+
 void CompareWithSpooler(const CList *removed, CList *messages) {
   const LogScope log("CompareWithSpooler");
   ForgetIncompleteQueues();
   const Owned<CList> entries = GetFilesFromDir(kSpoolPrintersDir);
-  const SpoolerState spooler = {AskSpooler(), NamesOf(entries.get()), NamesOf(removed)};
+  const SpoolerState spooler = {AnswerOfSpooler(), NamesOf(entries.get()), NamesOf(removed)};
   FindIncomplete(spooler, messages);
   TakeInUnlisted(spooler, messages);
 }

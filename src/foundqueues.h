@@ -20,7 +20,10 @@ std::optional<std::vector<std::string>> BridgeQueuesOf(std::string_view answer);
 // script holds no whole block or names a printer that is not in G_Printers_hash.
 Owned<CPrintQueue> QueueFromScript(const char *name, const std::string &script);
 
-// Compares the working set with the spooler.
+// Asks the spooler which queues it has, without waiting for the answer.
+void AskSpooler();
+
+// Compares the working set with the spooler, which is asked now unless that was done before.
 //
 // Queues of G_Queues_hash that the spooler has only in part are marked as incomplete, so that a
 // save makes them anew: those whose script is cut, or that the spooler has lost, or whose script is

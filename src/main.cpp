@@ -28,6 +28,7 @@
 #include "debug.h"
 #include "filelist.h"
 #include "fontmap.h"
+#include "foundqueues.h"
 #include "globals.h"
 #include "language.h"
 #include "loadqueues.h"
@@ -168,6 +169,8 @@ int EndWithoutDisplay(Display *display) {
 
 // Everything up to the main window; null when the program's name is neither of the two.
 GtkWidget *StartUp(CList *messages) {
+  // Its answer comes while the texts and printers are read.
+  if (G_ProgName == kModeAdministration) AskSpooler();
   G_Fonts_hash = ParseFontmap();
   LoadHelp();
   Log(1, "Set the pixmaps dir");

@@ -111,8 +111,8 @@ TEST_F(AdminSave, DeletesOnlyTheQueueThatWasDeletedWithItsUsersFiles) {
   EXPECT_EQ((Strings{"ps1.def", "queues.paf", "queues.paf.lock"}), DataFiles());
 }
 
-// As the help and KPXadmin(8) say.
-TEST_F(AdminSave, ARenamedQueueIsANewOneAndTheOldOneStaysInTheSpoolerUntilItIsRemovedThere) {
+// As the help says.
+TEST_F(AdminSave, ARenamedQueueIsANewOneAndTheOldOneStaysInTheSpoolerUntilItIsDeletedToo) {
   AddAndSave({kPs1});
   {
     AdminApp app;
@@ -120,13 +120,23 @@ TEST_F(AdminSave, ARenamedQueueIsANewOneAndTheOldOneStaysInTheSpoolerUntilItIsRe
     OpenProperties(app);
     TypeInto(app, "QueueEntry", "office");
     AcceptProperties(app);
+    EXPECT_EQ(Strings{"*office"}, app.QueueNames());
     Save(app);
   }
   EXPECT_EQ("office\nps1\n", SpoolerQueues());
-  EXPECT_EQ(kListHeader + ListEntry({.name = "office"}, k4110.ppd), ContentOf(kQueuesFile));
-  EXPECT_EQ(Strings{"-office"}, AdminApp().QueueNames()) << "the old one is in no list any more";
-  const CommandResult removal = RunProgram({"/usr/lib/lpadmin", "-x", "ps1"});
-  EXPECT_EQ(0, removal.status) << removal.output;
+  EXPECT_EQ(std::string::npos, ContentOf(kQueuesFile).find("ps1"));
+  {
+    AdminApp app;
+    app.WaitWindow("KPXErrorWarningDialog");
+    EXPECT_EQ(CatalogueText("WARN_QUEUE_FOUND", {"ps1"}) + "\n", app.Text("ErrorWarningText"));
+    app.Click("KPXErrorWarningDialog/OKButton");
+    app.WaitGone("KPXErrorWarningDialog");
+    EXPECT_EQ((Strings{"-office", "-ps1"}), app.QueueNames());
+    app.SelectQueues({1});
+    app.Click("DeleteButton");
+    app.Click("SaveButton");
+    EXPECT_EQ(0, app.WaitExit());
+  }
   EXPECT_EQ("office\n", SpoolerQueues());
 }
 

@@ -387,10 +387,12 @@ TEST(RunCommand, ALongCommandKeepsStandardInput) {
   close(saved);
 }
 
-TEST(OutputOfCommand, IsWhatTheCommandWritesAndKeepsARecord) {
-  EXPECT_EQ(OutputOfCommand("echo a; echo b; exit 3"), "a\nb\n");
+TEST(BackgroundCommand, TellsWhatTheCommandWritesAndKeepsARecord) {
+  BackgroundCommand command("echo a; echo b; exit 3");
+  EXPECT_EQ(command.Output(), "a\nb\n");
   EXPECT_EQ(CommandRecords().back().status, 3);
-  EXPECT_EQ(OutputOfCommand("/nowhere/program 2>/dev/null"), "");
+  EXPECT_EQ(command.Output(), "");
+  EXPECT_EQ(BackgroundCommand("/nowhere/program 2>/dev/null").Output(), "");
 }
 
 TEST(RunCommand, JoinsWordsByBlanks) {
