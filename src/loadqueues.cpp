@@ -90,8 +90,8 @@ void LoadForAdministration(CList *messages) {
 
 }  // namespace
 
-void LoadQueues(CList *messages) {
-  const LogScope log("LoadQueues");
+void LoadQueuesAtStart(CList *messages) {
+  const LogScope log("LoadQueuesAtStart");
   if (G_ProgName == kModeAdministration) return LoadForAdministration(messages);
   LoadQueueList(G_Queues.get(), 0, nullptr);
   G_Queues_hash = fGetPrintQueues_Function(G_Queues.get());

@@ -11,4 +11,4 @@
 // G_UnfinishedRemovals, which is null otherwise. It compares the queues with the spooler and
 // removes what killed administration programs left on the disk. Every other program gets the queues
 // of the list that the spooler has.
-void LoadQueues(CList *messages);
+void LoadQueuesAtStart(CList *messages);

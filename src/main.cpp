@@ -121,7 +121,7 @@ void LoadQueueCollections(CList *messages) {
   BuildQueuesPath();
   Log(1, "Create the CPrintQueues structure");
   G_Queues = CreatePrintQueues(queues_path.c_str());
-  LoadQueues(messages);
+  LoadQueuesAtStart(messages);
   // After the snapshot, which holds the administrator's values.
   if (G_ProgName == kModePrintTool) fFillAllFromDef_Function(G_Queues.get());
 }

@@ -9,8 +9,7 @@
 #include "cprintqueues.h"
 #include "globals.h"
 #include "language.h"
-#include "porting.h"
-#include "queuelistkeep.h"
+#include "loadqueues.h"
 #include "savequeues.h"
 
 namespace {
@@ -32,14 +31,10 @@ void LoadCatalogues() {
 }
 
 void LoadQueues(CList *messages) {
-  deleted_queues.clear();
   BuildQueuesPath();
   G_Queues = CreatePrintQueues(queues_path.c_str());
-  LoadQueueList(G_Queues.get(), 1, messages);
-  G_Queues_hash = fGetPrintQueues_Function(G_Queues.get());
-  RemoveInexistentSystemVQueues(messages);
-  G_OrgQueues = CloneOf(G_Queues.get());
-  G_OrgQueues_hash = fGetPrintQueues_Function(G_OrgQueues.get());
+  LoadQueuesAtStart(messages);
+  deleted_queues = Texts(G_UnfinishedRemovals.get());
 }
 
 bool AddQueueToSession(const std::string &name, const std::string &type_key,

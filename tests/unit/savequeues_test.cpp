@@ -417,7 +417,7 @@ class UnfinishedSave : public Save {
   std::vector<std::string> StartAdministration() {
     const Owned<CList> messages = CreateList();
     G_Queues = CreatePrintQueues(kQueuesFile);
-    LoadQueues(messages.get());
+    LoadQueuesAtStart(messages.get());
     return Texts(messages.get());
   }
   void PutIntention(const std::vector<std::string> &removed) {
