@@ -23,7 +23,7 @@ std::string NumericText(const addrinfo &address) {
   std::array<char, NI_MAXHOST> text{};
   if (getnameinfo(address.ai_addr, address.ai_addrlen, text.data(), text.size(), nullptr, 0,
                   NI_NUMERICHOST) != 0) {
-    return "address of unknown form";
+    return "address of an unknown kind";
   }
   return text.data();
 }
@@ -93,7 +93,7 @@ ConnectResult NotFound(const Destination &destination, int error) {
   ConnectResult result;
   const bool unknown = error == EAI_NONAME || error == EAI_FAIL || error == EAI_NODATA;
   result.end = unknown ? ConnectEnd::kUnknownName : ConnectEnd::kUnreachable;
-  result.reason = "look-up of the name " + destination.address + ": " +
+  result.reason = "cannot look up the name " + destination.address + ": " +
                   (error == EAI_SYSTEM ? ErrorText(errno) : std::string(gai_strerror(error)));
   return result;
 }

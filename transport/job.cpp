@@ -79,7 +79,7 @@ std::string Bytes(std::uint64_t count) {
 Outcome Carrier::GiveUp(const std::string &failure) const {
   report_.Say(failure + (taken_
                              ? "; giving up: the printer may have printed the job or a part of it"
-                             : "; giving up for now, the job should stay in the queue"));
+                             : "; giving up for now; the job should stay in the queue"));
   return Undone();
 }
 
@@ -130,7 +130,7 @@ std::optional<Outcome> Carrier::AfterBreak(const SendResult &sent, bool at_once)
   // look at a short job from one that is done with it.
   if (sent.whole_job || (sent.acknowledged > 0 && sent.caught_up && EndsNow())) {
     return GiveUp("the printer took all " + Bytes(sent.acknowledged) +
-                  " but the connection did not end in order (" + sent.reason + ")");
+                  " but the connection was not closed cleanly (" + sent.reason + ")");
   }
   const bool may_have_printed = sent.acknowledged > 0 && !at_once;
   // It was reached after all; how often it may take the job anew is bounded by itself.
@@ -138,7 +138,7 @@ std::optional<Outcome> Carrier::AfterBreak(const SendResult &sent, bool at_once)
   const std::string failure = "the connection to " + name_ + " broke after " +
                               Bytes(sent.acknowledged) + " (" + sent.reason + ")";
   if (!input_.Rewind()) {
-    return GiveUp(failure + "; the data cannot be read a second time from here");
+    return GiveUp(failure + "; the data has been read from a pipe and cannot be sent again");
   }
   if (may_have_printed && ++restarts_ > limits_.restarts) {
     return GiveUp(failure + ", attempt " + std::to_string(restarts_));
@@ -153,7 +153,7 @@ std::optional<Outcome> Carrier::Send(const ConnectResult &link) {
   const SendResult sent = SendJob(link.socket.get(), input_, limits_, report_, stop_);
   if (sent.acknowledged > 0) taken_ = true;
   if (sent.sent_back > 0) {
-    report_.Say("the printer sent back " + Bytes(sent.sent_back) + ", which were not kept");
+    report_.Say("the printer sent back " + Bytes(sent.sent_back) + ", which were discarded");
   }
   switch (sent.end) {
     case SendEnd::kAccepted:
@@ -161,8 +161,7 @@ std::optional<Outcome> Carrier::Send(const ConnectResult &link) {
                   " and closed the connection");
       return Outcome::kAccepted;
     case SendEnd::kInputFailed:
-      report_.Say("the job cannot be read on after " + Bytes(sent.acknowledged) + ": " +
-                  sent.reason +
+      report_.Say("reading the job failed after " + Bytes(sent.acknowledged) + ": " + sent.reason +
                   (taken_ ? "; the printer may have printed the job or a part of it" : ""));
       return taken_ ? Outcome::kInDoubt : Outcome::kInputUnreadable;
     case SendEnd::kStopped:

@@ -39,14 +39,14 @@ std::string Mistake(int count, char **arguments) {
   // Left out in a script, the address would be the port's number, which the resolver takes for
   // a short form of an IPv4 address.
   if (address.find_first_not_of("0123456789") == std::string_view::npos) {
-    return "\"" + std::string(address) + "\" is no address";
+    return "\"" + std::string(address) + "\" is not an address";
   }
   constexpr int kGreatestPort = 65535;
   if (!NumberUpTo(arguments[2], kGreatestPort)) {
-    return "\"" + std::string(arguments[2]) + "\" is no port number";
+    return "\"" + std::string(arguments[2]) + "\" is not a port number";
   }
   if (count == 4 && *arguments[3] != '\0' && !NumberUpTo(arguments[3], kGreatestSpeed)) {
-    return "\"" + std::string(arguments[3]) + "\" is no speed in pages a minute";
+    return "\"" + std::string(arguments[3]) + "\" is not a speed in pages per minute";
   }
   return {};
 }

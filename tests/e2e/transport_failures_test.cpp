@@ -54,7 +54,7 @@ TEST(Failures, APrinterThatClosesEarlyIsNoSuccess) {
   });
   std::jthread writer;
   const Ended ended = RunTransport({"127.0.0.1", printer.port(), "120"}, LongPipe(writer));
-  ExpectWords(ended, EX_PROTOCOL, "cannot be read a second time");
+  ExpectWords(ended, EX_PROTOCOL, "cannot be sent again");
   EXPECT_EQ(ended.words.find("took all"), std::string::npos) << ended.words;
   EXPECT_EQ(reader.get().wrong, 0U);
 }
@@ -100,7 +100,7 @@ TEST(Failures, APrinterThatTakesTheWholeJobAndResetsAtOnceGetsOneCopy) {
     return first;
   });
   const Ended ended = RunTransport({"127.0.0.1", printer.port(), "120"}, TestFile(1000));
-  ExpectWords(ended, EX_PROTOCOL, "took all 1000 bytes but the connection did not end in order");
+  ExpectWords(ended, EX_PROTOCOL, "took all 1000 bytes but the connection was not closed cleanly");
   const Received first = received.get();
   EXPECT_EQ(first.count, 1000U);
   EXPECT_EQ(first.wrong, 0U);
@@ -176,14 +176,14 @@ INSTANTIATE_TEST_SUITE_P(
                     WrongCall{{"127.0.0.1", "2501", "45", "x"}, "two or three arguments"},
                     WrongCall{{"", "2501"}, "the address is empty"},
                     WrongCall{{"[]", "2501"}, "the address is empty"},
-                    WrongCall{{"2501", "120"}, "\"2501\" is no address"},
-                    WrongCall{{"[2501]", "120"}, "\"2501\" is no address"},
-                    WrongCall{{"127.0.0.1", "lpd"}, "\"lpd\" is no port number"},
-                    WrongCall{{"127.0.0.1", "0"}, "\"0\" is no port number"},
-                    WrongCall{{"127.0.0.1", "65536"}, "\"65536\" is no port number"},
-                    WrongCall{{"127.0.0.1", "25 01"}, "\"25 01\" is no port number"},
-                    WrongCall{{"127.0.0.1", "2501", "fast"}, "\"fast\" is no speed"},
-                    WrongCall{{"127.0.0.1", "2501", "-1"}, "\"-1\" is no speed"}));
+                    WrongCall{{"2501", "120"}, "\"2501\" is not an address"},
+                    WrongCall{{"[2501]", "120"}, "\"2501\" is not an address"},
+                    WrongCall{{"127.0.0.1", "lpd"}, "\"lpd\" is not a port number"},
+                    WrongCall{{"127.0.0.1", "0"}, "\"0\" is not a port number"},
+                    WrongCall{{"127.0.0.1", "65536"}, "\"65536\" is not a port number"},
+                    WrongCall{{"127.0.0.1", "25 01"}, "\"25 01\" is not a port number"},
+                    WrongCall{{"127.0.0.1", "2501", "fast"}, "\"fast\" is not a speed"},
+                    WrongCall{{"127.0.0.1", "2501", "-1"}, "\"-1\" is not a speed"}));
 
 class SpeedsThatAreNotKnown : public testing::TestWithParam<std::vector<std::string>> {};
 

@@ -66,7 +66,7 @@ TEST(TransportJob, GivesUpOnAPrinterThatRefusesWhenTheTimeIsOver) {
   Transfer transfer({"127.0.0.1", printer.port()}, TestFile(10), ShortLimits());
   EXPECT_EQ(transfer.Wait(), Outcome::kTryLater);
   EXPECT_GE(Clock::now() - start, milliseconds{300}) << "it gave up too early";
-  ExpectWords(transfer, "no success for 300 ms); giving up for now, the job should stay in");
+  ExpectWords(transfer, "no success for 300 ms); giving up for now; the job should stay in");
 }
 
 TEST(TransportJob, PausesGrowUpToTheLongest) {
@@ -164,7 +164,8 @@ TEST(TransportJob, APrinterThatNeverClosesLeavesTheJobInDoubt) {
   Transfer transfer({"127.0.0.1", printer.port()}, TestFile(1000), limits);
   const Descriptor connection = printer.Accept();
   EXPECT_EQ(transfer.Wait(), Outcome::kInDoubt);
-  ExpectWords(transfer, "took all 1000 bytes but the connection did not end in order (not closed");
+  ExpectWords(transfer,
+              "took all 1000 bytes but the connection was not closed cleanly (not closed");
 }
 
 TEST(TransportJob, AResetInsteadOfTheCloseAfterTheWholeJobLeavesItInDoubt) {
@@ -175,7 +176,7 @@ TEST(TransportJob, AResetInsteadOfTheCloseAfterTheWholeJobLeavesItInDoubt) {
   EXPECT_EQ(Receive(connection.get()).count, 1000U);
   Reset(std::move(connection));
   EXPECT_EQ(transfer.Wait(), Outcome::kInDoubt);
-  ExpectWords(transfer, "took all 1000 bytes but the connection did not end in order");
+  ExpectWords(transfer, "took all 1000 bytes but the connection was not closed cleanly");
   ExpectWords(transfer, "may have printed the job or a part of it\n");
   EXPECT_FALSE(printer.HasCaller());
 }
@@ -210,7 +211,7 @@ TEST(TransportJob, AWholeJobIsNeverSentAgainHoweverSoonTheConnectionIsReset) {
   EXPECT_EQ(Receive(connection.get()).count, 10U);
   Reset(std::move(connection));
   EXPECT_EQ(transfer.Wait(), Outcome::kInDoubt);
-  ExpectWords(transfer, "took all 10 bytes but the connection did not end in order");
+  ExpectWords(transfer, "took all 10 bytes but the connection was not closed cleanly");
   EXPECT_FALSE(printer.HasCaller());
   EXPECT_EQ(Occurrences(transfer.words().seen(), "connected to"), 1);
 }
@@ -231,7 +232,7 @@ TEST(TransportJob, AWholeJobIsNotSentAgainWhenTheResetComesBeforeTheInputsEnd) {
   EXPECT_FALSE(transfer.words().ComesWithin("broke after", milliseconds{100}));
   pipe.writing = Descriptor();
   EXPECT_EQ(transfer.Wait(), Outcome::kInDoubt);
-  ExpectWords(transfer, "took all 1000 bytes but the connection did not end in order");
+  ExpectWords(transfer, "took all 1000 bytes but the connection was not closed cleanly");
   EXPECT_FALSE(printer.HasCaller());
 }
 
@@ -282,7 +283,7 @@ TEST(TransportJob, AJobThatCannotBeReadOnIsInDoubtOnceThePrinterTookAPart) {
   Reset(std::move(writing));
   EXPECT_EQ(transfer.Wait(), Outcome::kInDoubt);
   ExpectWords(transfer,
-              "the job cannot be read on after 1000 bytes: Connection reset by peer; the "
+              "reading the job failed after 1000 bytes: Connection reset by peer; the "
               "printer may have printed the job or a part of it\n");
 }
 
