@@ -6,6 +6,7 @@
 #include "queuelistkeep.h"
 #include "queuelistreader.h"
 #include "textencoding.h"
+#include "unfinishedsave.h"
 
 namespace {
 
@@ -38,9 +39,8 @@ bool IsListedWithoutSettings(const std::string &queue_file) {
   const size_t name = queue_file.rfind('/') + 1;
   const std::string queue = queue_file.substr(name, queue_file.size() - name - kExtension.size());
   const std::string list = queue_file.substr(0, name) + kList;
-  // A save that has not ended has the queue in what it intends, or else in the copy of the old
-  // list.
-  for (const std::string &path : {list, KeptQueueListPath(list)}) {
+  // A save that has not ended has the queue in what it intends.
+  for (const std::string &path : {IntentionPath(list), list, KeptQueueListPath(list)}) {
     if (const std::optional<bool> has_settings = SettingsIn(path, queue)) return !*has_settings;
   }
   return false;

@@ -185,6 +185,8 @@ TEST(QueueOptionFiles, OneWithoutSettingsCountsWhereTheQueueListHasNoneForTheQue
   EXPECT_NE(ReadQueueOptions(path, true).error, "") << "the list is not whole";
   directory.Write("queues.paf.save", list("lp1", ""));
   EXPECT_EQ(ReadQueueOptions(path, true).error, "") << "a save goes on";
+  directory.Write("queues.paf.next", list("lp1", "*Duplex\nNone\n"));
+  EXPECT_NE(ReadQueueOptions(path, true).error, "") << "a save intends other settings";
 }
 
 // A queue lp1 beside which users keep settings of waiting requests.
