@@ -213,10 +213,9 @@ std::vector<std::string> CallsOfStart(const CallFilter &concerns) {
   return calls;
 }
 
-std::vector<int> SampleOf(int count, int some) {
+std::vector<int> SampleOf(int count, int some, int some_long) {
   std::vector<int> numbers;
-  const bool all = std::getenv("KPX_LONG") != nullptr || count <= some;
-  const int wanted = all ? count : some;
+  const int wanted = std::min(count, std::getenv("KPX_LONG") != nullptr ? some_long : some);
   for (int i = 0; i < wanted; ++i) {
     numbers.push_back(wanted == 1 ? 1 : 1 + i * (count - 1) / (wanted - 1));
   }

@@ -3,6 +3,7 @@
 // Only inside the full sandbox, as root.
 #pragma once
 
+#include <climits>
 #include <functional>
 #include <string>
 #include <vector>
@@ -69,9 +70,9 @@ bool ChangesSavedState(const FileCall &call);
 std::vector<std::string> CallsOfSave(const CallFilter &concerns);
 std::vector<std::string> CallsOfStart(const CallFilter &concerns);
 
-// Numbers from 1 to `count`: all with KPX_LONG, else `some` of them, evenly spread, the first and
-// the last among them.
-std::vector<int> SampleOf(int count, int some);
+// Numbers from 1 to `count`: `some` of them, evenly spread, the first and the last among them; with
+// KPX_LONG `some_long`.
+std::vector<int> SampleOf(int count, int some, int some_long = INT_MAX);
 
 // The plan that lets `fate` befall the call `number`, from 1, of those that `concerns` picks, and
 // nothing any other.

@@ -36,7 +36,8 @@ void Must(bool done, const std::string &what) {
 
 // What is the installation's own, or a lock, which lasts.
 bool IsLeftOut(const fs::path &path) {
-  return path == std::string(kDataDir) + "/nls" || path.extension() == ".lock";
+  return path == std::string(kDataDir) + "/nls" || path == std::string(kSpool) + "/lock" ||
+         path.extension() == ".lock";
 }
 
 DiskState::Entry EntryAt(const std::string &path) {

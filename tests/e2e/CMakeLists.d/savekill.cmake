@@ -7,7 +7,7 @@ target_link_libraries(kpx_faults PUBLIC kpx_core Cups::Cups)
 kpx_add_test(NAME save_kill LIBS kpx_faults LABEL e2e SANDBOX bare TIMEOUT 900
   SOURCES e2e/savekill_test.cpp)
 # With the real spooler and all that belongs to a queue.
-foreach(kind error)
+foreach(kind kill error)
   kpx_add_test(NAME savefaults_${kind} LIBS kpx_faults LABEL e2e SANDBOX full
     SOURCES e2e/savefaults_${kind}_test.cpp)
 endforeach()
