@@ -30,6 +30,7 @@
 #include "coresupport.h"
 #include "filterrun.h"
 #include "linearwalk.h"
+#include "must.h"
 #include "optionlists.h"
 #include "optionsupport.h"
 #include "temporarydirectory.h"
@@ -117,7 +118,7 @@ class HeavyPrinter {
     const FilterRun run = Convert(path, paf);
     if (run.status != 0) Fail("cannot convert " + path + ": " + run.errors);
     printer_ = CreatePrinter(paf.c_str());
-    fFillFromPaf_Function(printer_.get());
+    if (fFillFromPaf_Function(printer_.get()) == nullptr) Fail("cannot read " + paf);
   }
 
   const std::string &Name() const { return name_; }
@@ -259,9 +260,9 @@ class MadeUpPrinter {
     for (int i = 0; i < size.constraints; ++i) {
       const std::string texts[] = {FeatureName(next(kFeatures)), Option(next(kConstrainedOptions)),
                                    FeatureName(next(kFeatures)), Option(next(kConstrainedOptions))};
-      fAddTail_CList_Function(
+      Must(fAddTail_CList_Function(
           printer_->constraints.get(),
-          MakeConstraint(texts[0].c_str(), texts[1].c_str(), texts[2].c_str(), texts[3].c_str()));
+          MakeConstraint(texts[0].c_str(), texts[1].c_str(), texts[2].c_str(), texts[3].c_str())));
     }
   }
 
@@ -282,9 +283,9 @@ class MadeUpPrinter {
   void AddFeature(int number, const Size &size) {
     FeatureValues values{FeatureName(number), Option(0), {}};
     for (int i = 0; i < size.options; ++i) values.options.emplace_back(Option(i), "Text of it");
-    HashPut(printer_->features.get(), values.id.c_str(), MakeFeature(values));
+    Must(HashPut(printer_->features.get(), values.id.c_str(), MakeFeature(values)));
     if (number < size.settings) {
-      HashPutText(queue_->Options.get(), values.id.c_str(), Option(0).c_str());
+      Must(HashPutText(queue_->Options.get(), values.id.c_str(), Option(0).c_str()));
     }
   }
 

@@ -26,6 +26,7 @@
 #include "childprocess.h"
 #include "conversion.h"
 #include "cprinter.h"
+#include "must.h"
 #include "temporarydirectory.h"
 
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
@@ -66,7 +67,7 @@ std::vector<Paths> ConvertAll(const std::string &directory, const TemporaryDirec
 
 Owned<CPrinter> LoadOurs(const Paths &paths) {
   Owned<CPrinter> printer = CreatePrinter(paths.paf.c_str());
-  fFillFromPaf_Function(printer.get());
+  Must(fFillFromPaf_Function(printer.get()) != nullptr);
   return printer;
 }
 

@@ -26,6 +26,7 @@
 #include "cselection.h"
 #include "globals.h"
 #include "heavyprinter.h"
+#include "must.h"
 #include "paths.h"
 #include "queuesupport.h"
 
@@ -178,13 +179,13 @@ double MeasureBare(const Content &content) {
 class World {
  public:
   explicit World(Owned<CPrinter> &&printer) : printers_(CreateHash()), queues_(CreateHash()) {
-    HashPut(printers_.get(), kPrinter, std::move(printer));
-    HashPut(queues_.get(), "lp1", MakeQueue({"lp1", kPrinter, "postscript", "10.0.0.1"}));
+    Must(HashPut(printers_.get(), kPrinter, std::move(printer)));
+    Must(HashPut(queues_.get(), "lp1", MakeQueue({"lp1", kPrinter, "postscript", "10.0.0.1"})));
     G_Printers_hash = printers_.get();
     G_Queues_hash = queues_.get();
     G_ProgName = kModeAdministration;
     G_QueuesSelections = CreateList();
-    fAddTail_CList_Function(G_QueuesSelections.get(), CreateSelection("lp1", 1));
+    Must(fAddTail_CList_Function(G_QueuesSelections.get(), CreateSelection("lp1", 1)));
   }
   ~World() {
     G_QueuesSelections.reset();

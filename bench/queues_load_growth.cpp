@@ -12,6 +12,7 @@
 
 #include "childprocess.h"
 #include "cprintqueues.h"
+#include "must.h"
 #include "queuesupport.h"
 #include "temporarydirectory.h"
 
@@ -41,8 +42,8 @@ void WriteList(const std::string &path, int count) {
     std::string name = std::to_string(1000000 + i);
     std::reverse(name.begin(), name.end());
     Owned<CPrintQueue> queue = MakeFullQueue({.name = "lp" + name});
-    for (const auto &[key, value] : kSettings) HashPutText(queue->Options.get(), key, value);
-    HashPut(list->queues.get(), ("lp" + name).c_str(), std::move(queue));
+    for (const auto &[key, value] : kSettings) Must(HashPutText(queue->Options.get(), key, value));
+    Must(HashPut(list->queues.get(), ("lp" + name).c_str(), std::move(queue)));
   }
   if (fWriteToPaf_Function(list.get()) == 0) std::exit(2);
 }
@@ -51,7 +52,7 @@ void WriteList(const std::string &path, int count) {
 void PrintLoadTime(const std::string &path, int count) {
   const Owned<CPrintQueues> list = CreatePrintQueues(path.c_str());
   const auto start = std::chrono::steady_clock::now();
-  fFillFromPaf_Function_(list.get(), 0);
+  Must(fFillFromPaf_Function_(list.get(), 0));
   const std::chrono::duration<double, std::milli> elapsed =
       std::chrono::steady_clock::now() - start;
   if (Keys(fGetPrintQueues_Function(list.get())).size() != static_cast<size_t>(count)) std::exit(2);

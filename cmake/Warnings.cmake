@@ -5,6 +5,8 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 
 add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+# A dropped failure is an error for every compiler ([[nodiscard]], src/ignoreresult.h).
+add_compile_options(-Werror=unused-result)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
   # g++ 12 sees overlapping copies in "literal" + std::string, where there are none.
   add_compile_options(-Wno-restrict)

@@ -20,7 +20,7 @@ std::pair<std::optional<size_t>, std::optional<size_t>> PagesOfSide(size_t side,
 size_t SidesOfBooklet(size_t pages);
 
 // Whether the settings ask for a booklet.
-bool IsBooklet(const JobSettings &settings);
+[[nodiscard]] bool IsBooklet(const JobSettings &settings);
 
 // The settings with both sides printed and turned over the short edge, where the fold is. Without
 // change where the printer cannot do that, or a constraint excludes it with what is chosen.

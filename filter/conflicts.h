@@ -7,7 +7,8 @@
 #include "jobsettings.h"
 
 // Whether `option` of `feature` (with its asterisk, "*CustomPageSize True" included) is in force.
-bool IsInForce(const JobSettings &settings, const std::string &feature, const std::string &option);
+[[nodiscard]] bool IsInForce(const JobSettings &settings, const std::string &feature,
+                             const std::string &option);
 
 // A text for each pair of settings in force that a constraint of the printer excludes, with both
 // sides as option files have them. Two settings that are both the printer's defaults are none.

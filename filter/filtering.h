@@ -7,4 +7,4 @@
 
 // Turns standard input into printer data on standard output. Warnings go to standard error. Returns
 // an empty text, or what failed.
-std::string FilterJob(const FilterArguments &arguments);
+[[nodiscard]] std::string FilterJob(const FilterArguments &arguments);

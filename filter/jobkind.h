@@ -20,4 +20,4 @@ std::string RefusalOf(std::string_view type, JobSource *source);
 // text ("showpage"), and a name outside of procedures that no interpreter knows and the job does
 // not define. `whole` says that the job ends where `start` ends; then one that runs nothing is text
 // too.
-bool IsClearlyText(std::string_view start, bool whole);
+[[nodiscard]] bool IsClearlyText(std::string_view start, bool whole);

@@ -40,7 +40,7 @@ std::string JobControlHeader(const JobSettings &settings, const JobIdentity &ide
 std::string DeliveryProblem(const JobSettings &settings);
 
 // Whether the job control enters PostScript.
-bool EntersPostScript(const JobControl &control);
+[[nodiscard]] bool EntersPostScript(const JobControl &control);
 
 // The job control at the front of `source`, which keeps it.
 JobControl PeekJobControl(JobSource *source);

@@ -11,7 +11,7 @@ struct [[nodiscard]] JobResult {
   std::string failure;                // why the job cannot be printed as asked; empty when it can
   std::vector<std::string> warnings;  // what of the settings may not reach the printer
 
-  bool Failed() const { return !failure.empty(); }
+  [[nodiscard]] bool Failed() const { return !failure.empty(); }
   void Warn(std::string text) { warnings.push_back(std::move(text)); }
 };
 

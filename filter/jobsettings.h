@@ -39,12 +39,12 @@ class JobSettings {
   const PpdChoice *Chosen(std::string_view keyword) const;
 
   // Whether a layer above the printer's defaults set the feature.
-  bool IsSet(std::string_view keyword) const;
+  [[nodiscard]] bool IsSet(std::string_view keyword) const;
 
   // The custom paper size or media type in force, if one is.
-  std::optional<CustomPaper> Paper() const;
-  std::optional<std::string> PaperName() const;
-  std::optional<std::string> MediaName() const;
+  [[nodiscard]] std::optional<CustomPaper> Paper() const;
+  [[nodiscard]] std::optional<std::string> PaperName() const;
+  [[nodiscard]] std::optional<std::string> MediaName() const;
 
   // The value of a key that is no feature of the printer ("*JobName"), or an empty text.
   std::string Other(std::string_view key) const;
@@ -60,7 +60,7 @@ class JobSettings {
 
  private:
   void ApplyOne(const KeyValue &setting);
-  bool IsBeyondLimits(const KeyValue &setting);
+  [[nodiscard]] bool IsBeyondLimits(const KeyValue &setting);
   void Define(const KeyValue &setting);
 
   const PpdModel &model_;

@@ -51,10 +51,10 @@ class JobSource {
   std::string_view NextPiece();
 
   // Whether the piece handed out last begins a line.
-  bool AtLineStart() const { return piece_begins_line_; }
+  [[nodiscard]] bool AtLineStart() const { return piece_begins_line_; }
 
   // Whether what Peek shows begins a line.
-  bool NextBeginsLine() const { return next_begins_line_; }
+  [[nodiscard]] bool NextBeginsLine() const { return next_begins_line_; }
 
   // Hands `count` bytes, or all that are left, to `sink`.
   void CopyBytes(size_t count, JobSink *sink);
@@ -67,7 +67,7 @@ class JobSource {
   int Error() const { return error_; }
 
  private:
-  bool Fill();
+  [[nodiscard]] bool Fill();
   size_t PieceLength();
 
   ReadFunction read_;

@@ -6,4 +6,4 @@
 // Whether the queue list beside `queue_file` ("<directory>/<queue>.def") has the queue and no
 // setting for it, so that an empty option file is as it should be. False as well when no list names
 // the queue or can be read: then nobody knows what was in the file.
-bool IsListedWithoutSettings(const std::string &queue_file);
+[[nodiscard]] bool IsListedWithoutSettings(const std::string &queue_file);

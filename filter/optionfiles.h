@@ -19,7 +19,7 @@ std::vector<KeyValue> ParseOptionWords(std::string_view options);
 std::string UserOptionFile(const std::string &queue_file, std::string_view user);
 
 // What became of reading an option file.
-struct OptionFile {
+struct [[nodiscard]] OptionFile {
   std::vector<KeyValue> settings;
   std::string warning;  // why the file does not count
   std::string error;    // why the job cannot be printed as its settings say

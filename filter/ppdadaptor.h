@@ -18,7 +18,7 @@ struct PpdError {
 
 // The model of the PPD text `bytes`; nothing, and `error` filled, when it cannot be read. Takes any
 // bytes. Messages of libcups follow the process's locale.
-std::optional<PpdModel> ReadPpd(std::string_view bytes, PpdError *error);
+[[nodiscard]] std::optional<PpdModel> ReadPpd(std::string_view bytes, PpdError *error);
 
 // The same for the file `path`, which may also not be readable at all.
-std::optional<PpdModel> ReadPpdFile(const std::string &path, PpdError *error);
+[[nodiscard]] std::optional<PpdModel> ReadPpdFile(const std::string &path, PpdError *error);

@@ -88,4 +88,4 @@ struct PpdModel {
 };
 
 // Whether two keywords are the same: case does not count (ASCII only).
-bool SameKeyword(std::string_view a, std::string_view b);
+[[nodiscard]] bool SameKeyword(std::string_view a, std::string_view b);

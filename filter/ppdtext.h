@@ -22,10 +22,11 @@ PreparedPpd PreparePpd(std::string_view ppd);
 // Takes away what is left of a value whose beginning is missing: the lines from `line` (from 1) up
 // to the "*End" behind them, when the last of them closes a quotation. Some PPD files in use have
 // such a leftover. False, and nothing changed, when the lines are not of that form.
-bool DropOrphanedValue(std::string *ppd, int line);
+[[nodiscard]] bool DropOrphanedValue(std::string *ppd, int line);
 
 // Whether the file itself defines `choice` of `keyword` ("*keyword choice/..." or "...:").
-bool DefinesChoice(std::string_view ppd, std::string_view keyword, std::string_view choice);
+[[nodiscard]] bool DefinesChoice(std::string_view ppd, std::string_view keyword,
+                                 std::string_view choice);
 
 // A display text: UTF-8 (bytes that are none are read as ISO-8859-1), every run of line feeds and
 // carriage returns one blank, other control characters but tabs left out.

@@ -27,8 +27,8 @@ struct SheetPlan {
 SheetPlan PlanFor(const PpdPageSize &paper, size_t pages, std::string_view order);
 
 // Whether that many pages can share a side, and whether "*NupOrder" knows the order.
-bool IsPagesPerSide(std::string_view pages);
-bool IsPageOrder(std::string_view order);
+[[nodiscard]] bool IsPagesPerSide(std::string_view pages);
+[[nodiscard]] bool IsPageOrder(std::string_view order);
 
 // The plan that the settings' "*Nup" and "*NupOrder" ask for. Only two and four pages have an
 // order; one page for any other number.

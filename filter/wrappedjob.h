@@ -12,7 +12,7 @@
 void SkipByteOrderMark(JobSource *source);
 
 // Whether a document in the tagged binary protocol begins with `start` (two bytes are enough).
-bool IsTaggedBinary(std::string_view start);
+[[nodiscard]] bool IsTaggedBinary(std::string_view start);
 
 // The document in the tagged binary protocol at the front of `source`, which must outlive it,
 // without its quotes: up to the end of the document or before a language switch.
@@ -22,7 +22,7 @@ JobSource FromTaggedBinary(JobSource *source);
 JobSink ToTaggedBinary(JobSink *sink);
 
 // Whether a DOS EPS file begins with `start` (four bytes are enough).
-bool IsDosEps(std::string_view start);
+[[nodiscard]] bool IsDosEps(std::string_view start);
 
 // Takes what stands before the document of a DOS EPS file off `source`; gives the document's length
 // in bytes, 0 when the file does not hold one.

@@ -20,4 +20,4 @@ const Glyph *GlyphOf(char character);
 inline constexpr int kGlyphGap = 2;
 
 // Width of a text in grid units; characters without a glyph count as nothing.
-int TextWidth(const std::string &text);
+[[nodiscard]] int TextWidth(const std::string &text);

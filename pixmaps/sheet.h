@@ -14,4 +14,4 @@ struct NamedImage {
 
 // Writes a PNG file that shows each picture on a light and on a dark background, its name below;
 // false when the file cannot be written.
-bool WriteSheet(const std::vector<NamedImage> &images, const std::string &path);
+[[nodiscard]] bool WriteSheet(const std::vector<NamedImage> &images, const std::string &path);

@@ -14,6 +14,7 @@
 #include "cprinter.h"
 #include "debug.h"
 #include "globals.h"
+#include "ignoreresult.h"
 
 namespace {
 
@@ -42,7 +43,7 @@ void ButtonOKAddQueuePressed() {
 
 void ButtonApplyAddQueuePressed() {
   const LogScope log("ButtonApplyAddQueuePressed");
-  GetAndSaveUserDataAddQueue();
+  IgnoreResult(GetAndSaveUserDataAddQueue(), "what is missing has been told");
 }
 
 void ButtonCancelAddQueuePressed() {

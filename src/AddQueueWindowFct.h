@@ -18,7 +18,7 @@ void FillPrinterCList(GtkWidget *list);
 
 // Reads the dialog and adds the queue to the working set and to the administration window: 1; 0
 // after telling the user what is missing (or silently when a combo holds no known entry).
-int GetAndSaveUserDataAddQueue();
+[[nodiscard]] int GetAndSaveUserDataAddQueue();
 
 // Handler of the printing-system combo; with one system there is nothing to act on.
 void PrnSysComboBoxOptionChanged();

@@ -8,6 +8,7 @@
 #include "cprintqueue.h"
 #include "debug.h"
 #include "globals.h"
+#include "ignoreresult.h"
 
 std::unique_ptr<KPXadminWindowHelper> G_KPXadminWindow_helper;
 Owned<CList> G_QueuesSelections;
@@ -60,7 +61,7 @@ void AddAdminButtons(GtkWidget *window, GtkWidget *parent) {
 void AddAllQueues(GtkWidget *list) {
   ListFreeze(list);
   for (const auto [name, queue] : Pairs<CPrintQueue>(G_Queues_hash)) {
-    AddItemInQueuesCListWidget(name);
+    IgnoreResult(AddItemInQueuesCListWidget(name), "a queue that cannot be shown is reported");
   }
   ListThaw(list);
 }

@@ -15,6 +15,7 @@
 #include "cselection.h"
 #include "debug.h"
 #include "globals.h"
+#include "ignoreresult.h"
 #include "savequeues.h"
 
 namespace {
@@ -57,7 +58,8 @@ SaveResult SaveWithProgress(CList *errors) {
 
 void RememberDeleted(const char *name) {
   if (L_DeletedQueues_list == nullptr) L_DeletedQueues_list = CreateList();
-  fAddHead_CList_Function(L_DeletedQueues_list.get(), CreateStringWithValue(name));
+  IgnoreResult(fAddHead_CList_Function(L_DeletedQueues_list.get(), CreateStringWithValue(name)),
+               "the list is there");
 }
 
 }  // namespace
@@ -137,7 +139,7 @@ void QueuesCListRowSelection(int row) {
   if (fIsSelected_CSelection_Function(record) == 0) {
     ++G_KPXadminWindow_helper->m_NumberOfQueuesSelected;
   }
-  fSet_Selected_Function(record, 1);
+  IgnoreResult(fSet_Selected_Function(record, 1), "the record is there");
   UpdateButtons();
 }
 
@@ -148,7 +150,7 @@ void QueuesCListRowUnSelection(int row) {
   if (fIsSelected_CSelection_Function(record) != 0) {
     --G_KPXadminWindow_helper->m_NumberOfQueuesSelected;
   }
-  fSet_Selected_Function(record, 0);
+  IgnoreResult(fSet_Selected_Function(record, 0), "the record is there");
   UpdateButtons();
 }
 
@@ -162,7 +164,8 @@ int AddItemInQueuesCListWidget(const char *name) {
   const LogScope log("AddItemInQueuesCListWidget");
   const std::vector<std::string> row = QueueRow(name);
   if (row.empty()) return -1;
-  fAddTail_CList_Function(G_QueuesSelections.get(), CreateSelection(name, 0));
+  IgnoreResult(fAddTail_CList_Function(G_QueuesSelections.get(), CreateSelection(name, 0)),
+               "the list is there");
   return ListAppend(G_KPXadminWindow_helper->queues_list, row,
                     fGetTailPosition_CList_Function(G_QueuesSelections.get()));
 }
@@ -172,7 +175,7 @@ void UnselectAllAndSelectOneInQueuesCList(int row) {
   GtkWidget *list = G_KPXadminWindow_helper->queues_list;
   ListUnselectAll(list);
   for (CSelection *record : Elements<CSelection>(G_QueuesSelections.get())) {
-    fSet_Selected_Function(record, 0);
+    IgnoreResult(fSet_Selected_Function(record, 0), "the record is there");
   }
   if (row < 0) return;
   ListSelectRow(list, row);

@@ -32,7 +32,7 @@ gboolean LogMultipleClick(GtkWidget *list, GdkEventButton *event, gpointer data)
 
 // Adds a row for the queue of the working set; its number, or -1, after a report on standard error,
 // when the queue is unknown or incomplete.
-int AddItemInQueuesCListWidget(const char *name);
+[[nodiscard]] int AddItemInQueuesCListWidget(const char *name);
 
 // Leaves exactly that row selected and in view. Out of range: nothing selected.
 void UnselectAllAndSelectOneInQueuesCList(int row);

@@ -22,11 +22,11 @@ void GetAndPutCmtParams();
 
 // 1 when a type of the open dialog may have the name; else 0, after an error box where there is
 // something to say.
-int CheckUniqueCmtName(const char *name);
+[[nodiscard]] int CheckUniqueCmtName(const char *name);
 
 // Puts what the dialog shows into the work copy and the Customs tab: 1; 0 when the name was
 // refused, with the focus on it.
-int GetAndSaveUserDataCmtParam();
+[[nodiscard]] int GetAndSaveUserDataCmtParam();
 
 // "clicked" handlers.
 void ButtonOkCmtPressed();

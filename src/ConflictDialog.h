@@ -7,4 +7,4 @@
 // 1 when a setting of `settings` (the queue's features or installable options) conflicts with what
 // the queue has set, after showing which two in the error box; 0 otherwise. The box offers to set
 // the one that was not chosen last back, and then says what it changed.
-int G_CheckLinearConstraints(const CHash *settings);
+[[nodiscard]] int G_CheckLinearConstraints(const CHash *settings);

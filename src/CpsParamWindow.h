@@ -24,11 +24,11 @@ GtkWidget *create_CpsParamWindow(int add_or_edit);
 
 // 1 when a size of the open dialog may have the name; else 0, after an error box where there is
 // something to say.
-int CheckUniqueCpsName(const char *name);
+[[nodiscard]] int CheckUniqueCpsName(const char *name);
 
 // Puts what the dialog shows into the work copy and the Customs tab: 1; 0 when the name was
 // refused, with the focus on it.
-int GetAndSaveUserDataCpsParam();
+[[nodiscard]] int GetAndSaveUserDataCpsParam();
 
 // "clicked" handlers.
 void ButtonOkCpsPressed();

@@ -20,4 +20,4 @@ std::string SelectedCustomName(CustomKind kind);
 
 // 1 when the entry that is added, or edited, may have the name; else 0, after an error box where
 // there is something to say.
-int CheckUniqueCustomName(CustomKind kind, const std::string &name, bool editing);
+[[nodiscard]] int CheckUniqueCustomName(CustomKind kind, const std::string &name, bool editing);

@@ -37,12 +37,12 @@ void ListRemove(GtkWidget *list, int row);
 // Removes all rows; nothing is reported.
 void ListClear(GtkWidget *list);
 
-int ListRowCount(GtkWidget *list);
+[[nodiscard]] int ListRowCount(GtkWidget *list);
 
 // The row's datum, null when out of range; the row of a datum (the last one appended with it), -1
 // when there is none.
 gpointer ListRowData(GtkWidget *list, int row);
-int ListFindData(GtkWidget *list, gconstpointer data);
+[[nodiscard]] int ListFindData(GtkWidget *list, gconstpointer data);
 
 // A cell's text; empty when out of range.
 std::string ListCell(GtkWidget *list, int row, int column);
@@ -50,7 +50,7 @@ std::string ListCell(GtkWidget *list, int row, int column);
 void ListSelectRow(GtkWidget *list, int row);
 void ListUnselectRow(GtkWidget *list, int row);
 void ListUnselectAll(GtkWidget *list);
-bool ListIsSelected(GtkWidget *list, int row);
+[[nodiscard]] bool ListIsSelected(GtkWidget *list, int row);
 
 // Scrolls so far that the row is seen.
 void ListShowRow(GtkWidget *list, int row);

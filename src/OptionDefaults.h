@@ -30,7 +30,7 @@ enum class DefaultsResult { kSame, kChanged, kStopped };
 
 // Sets the features to the printer's defaults, in order, each with its picture; a feature without a
 // default ends it there with a line in the log.
-DefaultsResult SetToDefaults(const std::vector<DefaultRow> &rows);
+[[nodiscard]] DefaultsResult SetToDefaults(const std::vector<DefaultRow> &rows);
 
 // Refills the lists of installable options: the two of the administration, or the print tool's one.
 void RefillInstallableLists();

@@ -12,6 +12,7 @@
 #include "cmessages.h"
 #include "cselection.h"
 #include "debug.h"
+#include "ignoreresult.h"
 #include "optionlists.h"
 #include "optionstate.h"
 
@@ -26,13 +27,13 @@ void SetRowSelected(CustomKind kind, int row, bool selected) {
   const bool was_selected = fIsSelected_CSelection_Function(record) != 0;
   if (selected && !was_selected) ++helper.number_selected;
   if (!selected && was_selected) --helper.number_selected;
-  fSet_Selected_Function(record, selected ? 1 : 0);
+  IgnoreResult(fSet_Selected_Function(record, selected ? 1 : 0), "the record is there");
   UpdateCustomButtons(kind);
 }
 
 int AddItem(CustomKind kind, const char *name) {
   CList *selections = CustomSelections(kind);
-  fAddTail_CList_Function(selections, CreateSelection(name, 0));
+  IgnoreResult(fAddTail_CList_Function(selections, CreateSelection(name, 0)), "the list is there");
   CObject *record = fGetAt_CList_Function(selections, fGetTailPosition_CList_Function(selections));
   return ListAppend(CustomList(kind).list, CustomRow(kind, name), record);
 }

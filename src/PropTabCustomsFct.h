@@ -25,8 +25,8 @@ void ButtonEditCmtPressed();
 void ButtonDeleteCmtPressed();
 
 // Appends an unselected row for an entry of the work copy; its number.
-int AddItemInCpsCListWidget(const char *name);
-int AddItemInCmtCListWidget(const char *name);
+[[nodiscard]] int AddItemInCpsCListWidget(const char *name);
+[[nodiscard]] int AddItemInCmtCListWidget(const char *name);
 
 // Leave exactly that row selected and in view. Out of range: nothing selected.
 void UnselectAllAndSelectOneInCpsCList(int row);

@@ -6,4 +6,4 @@
 void ButtonSetupDefaultsPressed();
 
 // The number of copies that the tab shows.
-int CopiesOfSetupTab();
+[[nodiscard]] int CopiesOfSetupTab();

@@ -12,6 +12,7 @@
 #include "debug.h"
 #include "entryfilters.h"
 #include "fontmap.h"
+#include "ignoreresult.h"
 #include "optionstate.h"
 #include "properties.h"
 #include "textoptions.h"
@@ -119,7 +120,8 @@ void FillFontSizeComboBox() {
 
 void FontComboBoxOptionChanged() {
   const LogScope log("FontComboBoxOptionChanged");
-  FillFontStyleComboBox(ComboText(G_PropTabTextOptions_helper->font));
+  IgnoreResult(FillFontStyleComboBox(ComboText(G_PropTabTextOptions_helper->font)),
+               "a font of the list has styles");
 }
 
 void FontSize_EntryText(GtkEditable *entry, const gchar *text, gint length, gint *position,
@@ -141,7 +143,8 @@ void ButtonTextDefaultsPressed() {
   const LogScope log("ButtonTextDefaultsPressed");
   std::string font;
   std::string style;
-  GetGuiFont(kDefaultFontName, &font, &style);
+  IgnoreResult(GetGuiFont(kDefaultFontName, &font, &style),
+               "without that font the first one is shown");
   ShowFontAndStyle(font, style);
   ShowSize(kDefaultFontSize);
 }

@@ -23,7 +23,7 @@ void FillFontComboBox();
 
 // Fills the list of styles with those of `font`. The style shown stays when the font has it, else
 // its first one is shown. 1; 0 and no change when the font has none.
-int FillFontStyleComboBox(const std::string &font);
+[[nodiscard]] int FillFontStyleComboBox(const std::string &font);
 
 // Fills the list of sizes and shows the one that the work copy asks for.
 void FillFontSizeComboBox();
@@ -42,7 +42,7 @@ gboolean FontSizeEntryFocusOut(GtkWidget *entry, GdkEventFocus *event, gpointer 
 void ButtonTextDefaultsPressed();
 
 // Stores the font and the size in the work copy: 1; 0 when the style is none of the font's.
-int G_GetAndSaveUserDataPropTabText();
+[[nodiscard]] int G_GetAndSaveUserDataPropTabText();
 
 // Shows the tab with the focus on what it refused.
 void FocusFontEntry();

@@ -14,7 +14,7 @@ void AddPropertiesPages();
 void NeedPropertiesPage(int number);
 void NeedAllPropertiesPages();
 
-bool ArePropertiesPagesBuilt();
+[[nodiscard]] bool ArePropertiesPagesBuilt();
 
 // Gives up what the pages know of their widgets, once the window is gone.
 void ForgetPropertiesPages();

@@ -16,4 +16,4 @@ void SwitchPageProperties(GtkNotebook *notebook, GtkWidget *page, guint number, 
 // Reads the free-text fields into the work copy and puts that back into G_Queues_hash: 1. 0, after
 // telling the user where there is something to tell, when a value is refused; what was stored
 // before it stays in the work copy, and the focus is on what was refused.
-int GetAndSaveUserDataProperties();
+[[nodiscard]] int GetAndSaveUserDataProperties();

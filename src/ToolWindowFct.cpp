@@ -17,6 +17,7 @@
 #include "debug.h"
 #include "filelist.h"
 #include "globals.h"
+#include "ignoreresult.h"
 #include "printcommand.h"
 #include "utils.h"
 
@@ -118,7 +119,7 @@ void FilesCListRowSelection(int row) {
   CSelection *record = RecordOfRow(row);
   if (record == nullptr) return;
   if (fIsSelected_CSelection_Function(record) == 0) ++G_QueuesWindow_helper->selected_files;
-  fSet_Selected_Function(record, 1);
+  IgnoreResult(fSet_Selected_Function(record, 1), "the record is there");
 }
 
 void FilesCListRowUnSelection(int row) {
@@ -126,7 +127,7 @@ void FilesCListRowUnSelection(int row) {
   CSelection *record = RecordOfRow(row);
   if (record == nullptr) return;
   if (fIsSelected_CSelection_Function(record) != 0) --G_QueuesWindow_helper->selected_files;
-  fSet_Selected_Function(record, 0);
+  IgnoreResult(fSet_Selected_Function(record, 0), "the record is there");
   if (G_QueuesWindow_helper->selected_files == 0) {
     gtk_widget_set_sensitive(G_QueuesWindow_helper->delete_button, FALSE);
   }

@@ -8,6 +8,7 @@
 #include "cprintqueues.h"
 #include "debug.h"
 #include "globals.h"
+#include "ignoreresult.h"
 #include "queuenames.h"
 #include "queuetypes.h"
 
@@ -21,6 +22,7 @@ const std::vector<const char *> G_QueueTypes = [] {
 
 namespace {
 
+constexpr char L_SeenLater[] = "a queue that lacks something is not written to the list";
 constexpr char L_PrintingSystem[] = "SystemV";
 
 // The type whose translation `text` is, or null.
@@ -67,7 +69,7 @@ bool IsQueueType(const std::string &type) {
 Owned<CPrintQueue> NewQueueRecord(const NewQueue &input, const char *type) {
   Owned<CPrintQueue> queue = CreatePrintQueue();
   const auto set = [&queue](int (*setter)(CPrintQueue *, const CString *), const char *text) {
-    setter(queue.get(), CreateStringWithValue(text).get());
+    IgnoreResult(setter(queue.get(), CreateStringWithValue(text).get()), L_SeenLater);
   };
   set(fSet_PrinterName_Function, input.printer.c_str());
   set(fSet_Language_Function, type);
@@ -76,12 +78,12 @@ Owned<CPrintQueue> NewQueueRecord(const NewQueue &input, const char *type) {
   set(fSet_PrintingSystem_Function, L_PrintingSystem);
   set(fSet_DefFile_Function, (input.name + ".def").c_str());
   const CPrinter *printer = HashValue<CPrinter>(G_Printers_hash, input.printer.c_str());
-  fSet_PpdFile_Function(queue.get(), fGetPpdFile_Function(printer));
+  IgnoreResult(fSet_PpdFile_Function(queue.get(), fGetPpdFile_Function(printer)), L_SeenLater);
   const Owned<CHash> empty = CreateHash();
-  fSet_Options_Function(queue.get(), empty.get());
-  fSet_InstallableFeatures_Function(queue.get(), empty.get());
-  fSet_CustomPapers_Function(queue.get(), empty.get());
-  fSet_CustomMedias_Function(queue.get(), empty.get());
+  IgnoreResult(fSet_Options_Function(queue.get(), empty.get()), L_SeenLater);
+  IgnoreResult(fSet_InstallableFeatures_Function(queue.get(), empty.get()), L_SeenLater);
+  IgnoreResult(fSet_CustomPapers_Function(queue.get(), empty.get()), L_SeenLater);
+  IgnoreResult(fSet_CustomMedias_Function(queue.get(), empty.get()), L_SeenLater);
   return queue;
 }
 
@@ -96,7 +98,8 @@ AddQueueResult AddQueue(const NewQueue &input) {
   const char *type = TypeFromText(input.type);
   if (type == nullptr) return {false, nullptr};
   if (fault != IdentityFault::kNone) return {false, WarningKey(fault)};
-  HashPut(G_Queues_hash, input.name.c_str(), NewQueueRecord(input, type));
+  IgnoreResult(HashPut(G_Queues_hash, input.name.c_str(), NewQueueRecord(input, type)),
+               "the dictionary is there");
   return {true, nullptr};
 }
 
@@ -110,8 +113,11 @@ std::string CloneQueue(const char *name) {
   Owned<CPrintQueue> clone = CloneOf(HashValue<CPrintQueue>(G_Queues_hash, name));
   if (clone == nullptr) return "";
   std::string clone_name = BuildCloneName(name);
-  fSet_DefFile_Function(clone.get(), CreateStringWithValue((clone_name + ".def").c_str()).get());
-  HashPut(G_Queues_hash, clone_name.c_str(), std::move(clone));
+  IgnoreResult(fSet_DefFile_Function(clone.get(),
+                                     CreateStringWithValue((clone_name + ".def").c_str()).get()),
+               "the record is there");
+  IgnoreResult(HashPut(G_Queues_hash, clone_name.c_str(), std::move(clone)),
+               "the dictionary is there");
   return clone_name;
 }
 

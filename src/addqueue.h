@@ -22,7 +22,7 @@ struct QueueIdentity {
 
 // The first fault of an identity, in this order.
 enum class IdentityFault { kNone, kNoName, kNameTaken, kTransport, kNoAddress };
-IdentityFault CheckIdentity(const QueueIdentity &identity);
+[[nodiscard]] IdentityFault CheckIdentity(const QueueIdentity &identity);
 
 // The catalogue key of what to tell the user; null for kNone and kTransport, which is silent (kept
 // on purpose).
@@ -37,23 +37,23 @@ struct NewQueue {
   std::string address;
 };
 
-struct AddQueueResult {
+struct [[nodiscard]] AddQueueResult {
   bool added = false;
   const char *warning_key = nullptr;  // catalogue key of what to tell the user, or null
 };
 
 // True for the types of queues.
-bool IsQueueType(const std::string &type);
+[[nodiscard]] bool IsQueueType(const std::string &type);
 
 // A record of that name, printer and address without settings, for the queue type `type`.
-Owned<CPrintQueue> NewQueueRecord(const NewQueue &input, const char *type);
+[[nodiscard]] Owned<CPrintQueue> NewQueueRecord(const NewQueue &input, const char *type);
 
 // Checks the input and adds a record without settings to G_Queues_hash.
 AddQueueResult AddQueue(const NewQueue &input);
 
 // True when the input can be tried at all: a name, an address and a selected printer.
-bool IsQueueInputComplete(const std::string &name, const std::string &address,
-                          bool printer_selected);
+[[nodiscard]] bool IsQueueInputComplete(const std::string &name, const std::string &address,
+                                        bool printer_selected);
 
 // Adds a copy of the queue under a free name to G_Queues_hash; that name, or an empty text when
 // there is no such queue or its record is incomplete.

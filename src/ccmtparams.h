@@ -22,7 +22,7 @@ struct CCmtParamsOps {
 
 // A record that takes `name` over, which may be null. Out of memory: the catalogue's words,
 // status 3.
-Owned<CCmtParams> CreateCmtParams(Owned<CString> &&name);
+[[nodiscard]] Owned<CCmtParams> CreateCmtParams(Owned<CString> &&name);
 
 int fCCmtParams_Class_ID_Function();
 const char *fCCmtParams_Class_Name_Function();
@@ -31,12 +31,12 @@ const char *fCCmtParams_Class_Name_Function();
 int fDelete_CCmtParams_Function(CCmtParams *params);
 
 // A record holding a clone of the name; null for null.
-Owned<CCmtParams> fClone_CCmtParams_Function(const CCmtParams *params);
+[[nodiscard]] Owned<CCmtParams> fClone_CCmtParams_Function(const CCmtParams *params);
 
 // Take `name` over, null included, and do not delete the name it replaces: that one comes back in
 // `name` and is the caller's. 1; 0 for a null record, and then `name` stays as it was.
-int fSetGuiName_Function(CCmtParams *params, Owned<CString> &&name);
-int fSetData_Function(CCmtParams *params, Owned<CString> &&name);
+[[nodiscard]] int fSetGuiName_Function(CCmtParams *params, Owned<CString> &&name);
+[[nodiscard]] int fSetData_Function(CCmtParams *params, Owned<CString> &&name);
 
 // The name, lent; null when there is none.
 CString *fGetGuiName_Function(const CCmtParams *params);

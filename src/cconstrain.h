@@ -50,7 +50,7 @@ struct CConstrainOps {
 };
 
 // A record with every member null. Out of memory: the catalogue's words, status 3.
-Owned<CConstrain> CreateConstrain();
+[[nodiscard]] Owned<CConstrain> CreateConstrain();
 
 int fCConstrain_Class_ID_Function();
 const char *fCConstrain_Class_Name_Function();
@@ -59,26 +59,27 @@ const char *fCConstrain_Class_Name_Function();
 int fDelete_CConstrain_Function(CConstrain *constrain);
 
 // A deep copy; null for null and for a record that lacks any of its members.
-Owned<CConstrain> fClone_CConstrain_Function(const CConstrain *constrain);
+[[nodiscard]] Owned<CConstrain> fClone_CConstrain_Function(const CConstrain *constrain);
 
 // Getters lend the member (null when the record or the member is null). Setters take `value` over
 // and delete the one it replaces: 1; 0 and no change when the record or `value` is null, and then
 // `value` stays the caller's.
-int fSetFeature1_Function(CConstrain *constrain, Owned<CString> &&value);
+[[nodiscard]] int fSetFeature1_Function(CConstrain *constrain, Owned<CString> &&value);
 CString *fGetFeature1_Function(const CConstrain *constrain);
-int fSetOption1_Function(CConstrain *constrain, Owned<CString> &&value);
+[[nodiscard]] int fSetOption1_Function(CConstrain *constrain, Owned<CString> &&value);
 CString *fGetOption1_Function(const CConstrain *constrain);
-int fSetFeature2_Function(CConstrain *constrain, Owned<CString> &&value);
+[[nodiscard]] int fSetFeature2_Function(CConstrain *constrain, Owned<CString> &&value);
 CString *fGetFeature2_Function(const CConstrain *constrain);
-int fSetOption2_Function(CConstrain *constrain, Owned<CString> &&value);
+[[nodiscard]] int fSetOption2_Function(CConstrain *constrain, Owned<CString> &&value);
 CString *fGetOption2_Function(const CConstrain *constrain);
 
 // Takes all four over, null ones included, and deletes those they replace: 1; 0 for a null record,
 // and then they stay the caller's.
-int fSetData_Function(CConstrain *constrain, Owned<CString> &&feature1, Owned<CString> &&option1,
-                      Owned<CString> &&feature2, Owned<CString> &&option2);
+[[nodiscard]] int fSetData_Function(CConstrain *constrain, Owned<CString> &&feature1,
+                                    Owned<CString> &&option1, Owned<CString> &&feature2,
+                                    Owned<CString> &&option2);
 
 // 1 when both name the same two (feature, option) ends, in either order, else 0. A missing option
 // matches only a missing one. 0 when a record or a feature is missing and, kept on purpose, when
 // both records lack both options.
-int fIsEqual_Function(const CConstrain *a, const CConstrain *b);
+[[nodiscard]] int fIsEqual_Function(const CConstrain *a, const CConstrain *b);

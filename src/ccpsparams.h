@@ -23,7 +23,7 @@ struct CCpsParamsOps {
 };
 
 // Both in pels; any number is taken. Out of memory: the catalogue's words, status 3.
-Owned<CCpsParams> CreateCpsParams(double width, double length);
+[[nodiscard]] Owned<CCpsParams> CreateCpsParams(double width, double length);
 
 int fCCpsParams_Class_ID_Function();
 const char *fCCpsParams_Class_Name_Function();
@@ -32,11 +32,11 @@ const char *fCCpsParams_Class_Name_Function();
 int fDelete_CCpsParams_Function(CCpsParams *params);
 
 // A record of the same width and length; null for null.
-Owned<CCpsParams> fClone_CCpsParams_Function(const CCpsParams *params);
+[[nodiscard]] Owned<CCpsParams> fClone_CCpsParams_Function(const CCpsParams *params);
 
 // Setters: 1, 0 for a null record. Getters: 0.0 for a null record.
-int fSetWidth_Function(CCpsParams *params, double width);
+[[nodiscard]] int fSetWidth_Function(CCpsParams *params, double width);
 double fGetWidth_Function(const CCpsParams *params);
-int fSetLength_Function(CCpsParams *params, double length);
+[[nodiscard]] int fSetLength_Function(CCpsParams *params, double length);
 double fGetLength_Function(const CCpsParams *params);
-int fSetData_Function(CCpsParams *params, double width, double length);
+[[nodiscard]] int fSetData_Function(CCpsParams *params, double width, double length);

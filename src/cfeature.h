@@ -28,7 +28,7 @@ struct CFeatureOps {
 };
 
 // A record with every member null. Out of memory: the catalogue's words, status 3.
-Owned<CFeature> CreateFeature();
+[[nodiscard]] Owned<CFeature> CreateFeature();
 
 int fCFeature_Class_ID_Function();
 const char *fCFeature_Class_Name_Function();
@@ -37,16 +37,16 @@ const char *fCFeature_Class_Name_Function();
 int fDelete_CFeature_Function(CFeature *feature);
 
 // A deep copy; null for null and for a record that lacks any of its members.
-Owned<CFeature> fClone_CFeature_Function(const CFeature *feature);
+[[nodiscard]] Owned<CFeature> fClone_CFeature_Function(const CFeature *feature);
 
 // Getters lend the member (null when the record or the member is null). Setters replace it by a
 // clone of `value`, which stays the caller's: 1; 0 and no change when the record or `value` is
 // null.
 CString *fGet_Translation_Function(const CFeature *feature);
-int fSet_Translation_Function(CFeature *feature, const CString *value);
+[[nodiscard]] int fSet_Translation_Function(CFeature *feature, const CString *value);
 CString *fGet_Default_Function(const CFeature *feature);
-int fSet_Default_Function(CFeature *feature, const CString *value);
+[[nodiscard]] int fSet_Default_Function(CFeature *feature, const CString *value);
 CString *fGet_Type_Function(const CFeature *feature);
-int fSet_Type_Function(CFeature *feature, const CString *value);
+[[nodiscard]] int fSet_Type_Function(CFeature *feature, const CString *value);
 CHash *fGet_Options_Function(const CFeature *feature);
-int fSet_Options_Function(CFeature *feature, const CHash *value);
+[[nodiscard]] int fSet_Options_Function(CFeature *feature, const CHash *value);

@@ -1,5 +1,7 @@
 #include "chash.h"
 
+#include "ignoreresult.h"
+
 namespace {
 
 constexpr CHashOps L_Ops{
@@ -59,17 +61,18 @@ int fAdd_CHash_Function(CHash *hash, Owned<CObject> &&key, Owned<CObject> &&valu
 
   auto at = hash->index.lower_bound(view);
   if (at == hash->index.end()) {
-    fAddTail_CList_Function(pairs, std::move(pair));
+    IgnoreResult(fAddTail_CList_Function(pairs, std::move(pair)), "the list is there");
     hash->index.emplace_hint(at, view, pairs->tail);
   } else if (at->first == view) {
     // The old key's text goes with the old pair, so the index entry is made anew.
     CNodeList *node = at->second;
     const auto next = hash->index.erase(at);
-    fSetAt_CList_Function(pairs, node, std::move(pair));
+    IgnoreResult(fSetAt_CList_Function(pairs, node, std::move(pair)), "the node is the list's");
     hash->index.emplace_hint(next, view, node);
   } else {
     CNodeList *node = at->second;
-    fInsertBefore_CList_Function(pairs, node, std::move(pair));
+    IgnoreResult(fInsertBefore_CList_Function(pairs, node, std::move(pair)),
+                 "the node is the list's");
     hash->index.emplace_hint(at, view, node->prev);
   }
   return 1;
@@ -94,7 +97,8 @@ Owned<CList> fGetKeys_CHash_Function(const CHash *hash) {
   if (hash == nullptr || hash->pairs == nullptr) return nullptr;
   Owned<CList> keys = CreateList();
   for (const CNodeList *node = hash->pairs->head.get(); node != nullptr; node = node->next.get()) {
-    fAddTail_CList_Function(keys.get(), CloneOf(PairAt(node)->key.get()));
+    IgnoreResult(fAddTail_CList_Function(keys.get(), CloneOf(PairAt(node)->key.get())),
+                 "the list is there");
   }
   return keys;
 }
@@ -105,13 +109,13 @@ CObject *HashFind(const CHash *hash, const char *key) {
   return at == hash->index.end() ? nullptr : PairAt(at->second)->value.get();
 }
 
-int HashRemove(CHash *hash, const char *key) {
-  if (hash == nullptr || key == nullptr) return 0;
+void HashRemove(CHash *hash, const char *key) {
+  if (hash == nullptr || key == nullptr) return;
   const auto at = hash->index.find(key);
-  if (at == hash->index.end()) return 1;
+  if (at == hash->index.end()) return;
   CNodeList *node = at->second;
   hash->index.erase(at);
-  return fRemoveAt_CList_Function(hash->pairs.get(), node);
+  IgnoreResult(fRemoveAt_CList_Function(hash->pairs.get(), node), "the node is the list's");
 }
 
 const char *HashText(const CHash *hash, const char *key) {

@@ -30,7 +30,7 @@ struct CHashOps {
   Owned<CList> (*GetKeys)(const CHash *hash);
 };
 
-Owned<CHash> CreateHash();
+[[nodiscard]] Owned<CHash> CreateHash();
 int fCHash_Class_ID_Function();
 const char *fCHash_Class_Name_Function();
 
@@ -38,15 +38,15 @@ const char *fCHash_Class_Name_Function();
 int fDelete_CHash_Function(CHash *hash);
 
 // A dictionary of the pairs' clones; null for null, and when a key cannot be cloned.
-Owned<CHash> fClone_CHash_Function(const CHash *hash);
+[[nodiscard]] Owned<CHash> fClone_CHash_Function(const CHash *hash);
 
 // Takes over key and value (which may be null); a pair with an equal key is deleted with its key
 // and value. 1; 0 when the hash or key is null or the key has no text, and then both stay the
 // caller's.
-int fAdd_CHash_Function(CHash *hash, Owned<CObject> &&key, Owned<CObject> &&value);
+[[nodiscard]] int fAdd_CHash_Function(CHash *hash, Owned<CObject> &&key, Owned<CObject> &&value);
 
 template <std::derived_from<CObject> K, std::derived_from<CObject> V>
-int fAdd_CHash_Function(CHash *hash, Owned<K> &&key, Owned<V> &&value) {
+[[nodiscard]] int fAdd_CHash_Function(CHash *hash, Owned<K> &&key, Owned<V> &&value) {
   Owned<CObject> plain_key = std::move(key);
   Owned<CObject> plain_value = std::move(value);
   const int added = fAdd_CHash_Function(hash, std::move(plain_key), std::move(plain_value));
@@ -57,19 +57,19 @@ int fAdd_CHash_Function(CHash *hash, Owned<K> &&key, Owned<V> &&value) {
 
 // Deletes the pair whose key text equals that of `key` (which stays the caller's): 1, also when
 // there is none; 0 for a null hash or key.
-int fRemove_CHash_Function(CHash *hash, const CObject *key);
+[[nodiscard]] int fRemove_CHash_Function(CHash *hash, const CObject *key);
 
-int fIsKey_CHash_Function(const CHash *hash, const CObject *key);
+[[nodiscard]] int fIsKey_CHash_Function(const CHash *hash, const CObject *key);
 
 // The value, lent; null when there is none.
 CObject *fGetValue_CHash_Function(const CHash *hash, const CObject *key);
 
 // A list of clones of all keys, ascending; null for a null hash.
-Owned<CList> fGetKeys_CHash_Function(const CHash *hash);
+[[nodiscard]] Owned<CList> fGetKeys_CHash_Function(const CHash *hash);
 
 // The same by plain text (null finds nothing), for callers that hold no key record.
 CObject *HashFind(const CHash *hash, const char *key);
-int HashRemove(CHash *hash, const char *key);
+void HashRemove(CHash *hash, const char *key);
 
 // The value as a T, lent; null when absent or of another class.
 template <class T>
@@ -81,15 +81,15 @@ T *HashValue(const CHash *hash, const char *key) {
 const char *HashText(const CHash *hash, const char *key);
 
 // Adds copies of both texts as CStrings; 0 and no change when any argument is null.
-int HashPutText(CHash *hash, const char *key, const char *value);
+[[nodiscard]] int HashPutText(CHash *hash, const char *key, const char *value);
 
 // Adds `value` under a copy of `key`.
 template <std::derived_from<CObject> V>
-int HashPut(CHash *hash, const char *key, Owned<V> &&value) {
+[[nodiscard]] int HashPut(CHash *hash, const char *key, Owned<V> &&value) {
   return fAdd_CHash_Function(hash, CreateStringWithValue(key), std::move(value));
 }
 
-bool HashIsEmpty(const CHash *hash);
+[[nodiscard]] bool HashIsEmpty(const CHash *hash);
 
 // Range for `for (auto [key, value] : Pairs<T>(hash))` in key order: key is a const char *, value a
 // T * (null when of another class). The dictionary may not be changed during the walk.

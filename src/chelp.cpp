@@ -2,6 +2,7 @@
 
 #include "cmessages.h"
 #include "debug.h"
+#include "ignoreresult.h"
 
 namespace {
 
@@ -64,7 +65,8 @@ std::optional<HelpError> ReadHelp(CHelp *help, LineReader &lines) {
     } else if (ClosesBlock(*line)) {
       // Kept on purpose: the name before "_END" is not compared with the open block's.
       if (block.empty()) return HelpError{lines.LineNumber(), block};
-      HashPutText(help->helps.get(), block.c_str(), gathered.c_str());
+      IgnoreResult(HashPutText(help->helps.get(), block.c_str(), gathered.c_str()),
+                   "the dictionary is there");
       block.clear();
       gathered.clear();
     } else {

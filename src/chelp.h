@@ -25,7 +25,7 @@ struct CHelpOps {
 };
 
 // An empty catalogue for the file `path`; null when `path` is null.
-Owned<CHelp> CreateHelp(const char *path);
+[[nodiscard]] Owned<CHelp> CreateHelp(const char *path);
 
 int fCHelp_Class_ID_Function();
 const char *fCHelp_Class_Name_Function();
@@ -34,7 +34,7 @@ const char *fCHelp_Class_Name_Function();
 int fDelete_CHelp_Function(CHelp *help);
 
 // A catalogue of the same file with clones of table and language; null when one is missing.
-Owned<CHelp> fClone_CHelp_Function(const CHelp *help);
+[[nodiscard]] Owned<CHelp> fClone_CHelp_Function(const CHelp *help);
 
 // Reads the file into a new table; nothing for null. The process ends with status 3 when the file
 // cannot be opened and with status 5 when its block markers are unbalanced.
@@ -51,4 +51,4 @@ struct HelpError {
 };
 
 // Reads blocks and language into `help`, up to the first error.
-std::optional<HelpError> ReadHelp(CHelp *help, LineReader &lines);
+[[nodiscard]] std::optional<HelpError> ReadHelp(CHelp *help, LineReader &lines);

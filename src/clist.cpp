@@ -1,5 +1,7 @@
 #include "clist.h"
 
+#include "ignoreresult.h"
+
 namespace {
 
 constexpr CListOps L_Ops{
@@ -64,7 +66,7 @@ const char *fCList_Class_Name_Function() { return CListClassName; }
 
 int fDelete_CList_Function(CList *list) {
   // Node by node, so that a long list does not run the chain of owners down the stack.
-  fRemoveAll_CList_Function(list);
+  IgnoreResult(fRemoveAll_CList_Function(list), "the list is there");
   FreeObject(list);
   return 1;
 }
@@ -73,7 +75,7 @@ Owned<CList> fClone_CList_Function(const CList *list) {
   if (list == nullptr) return nullptr;
   Owned<CList> clone = CreateList();
   for (const CNodeList *node = list->head.get(); node != nullptr; node = node->next.get()) {
-    fAddTail_CList_Function(clone.get(), CloneOf(node->value));
+    IgnoreResult(fAddTail_CList_Function(clone.get(), CloneOf(node->value)), "the list is there");
   }
   return clone;
 }
@@ -128,7 +130,7 @@ int fInsertBefore_CList_Function(CList *list, CNodeList *position, Owned<CObject
   if (list == nullptr || position == nullptr) return 0;
   // Kept on purpose: an insertion before the head counts twice.
   if (position == list->head.get() || list->head == nullptr) {
-    fAddHead_CList_Function(list, std::move(element));
+    IgnoreResult(fAddHead_CList_Function(list, std::move(element)), "the list is there");
     ++list->count;
     return 1;
   }
@@ -140,7 +142,7 @@ int fInsertAfter_CList_Function(CList *list, CNodeList *position, Owned<CObject>
   if (list == nullptr || position == nullptr) return 0;
   // Kept on purpose: an insertion after the tail counts twice.
   if (position == list->tail || list->head == nullptr) {
-    fAddTail_CList_Function(list, std::move(element));
+    IgnoreResult(fAddTail_CList_Function(list, std::move(element)), "the list is there");
     ++list->count;
     return 1;
   }

@@ -40,7 +40,7 @@ struct CListOps {
 // one stays the caller's) and may be null; a position must belong to the list, which is not
 // checked.
 
-Owned<CList> CreateList();
+[[nodiscard]] Owned<CList> CreateList();
 int fCList_Class_ID_Function();
 const char *fCList_Class_Name_Function();
 
@@ -49,13 +49,13 @@ int fDelete_CList_Function(CList *list);
 
 // A list of the elements' clones, in order; null for a null list. An element whose clone is null
 // is there as null.
-Owned<CList> fClone_CList_Function(const CList *list);
+[[nodiscard]] Owned<CList> fClone_CList_Function(const CList *list);
 
-int fAddHead_CList_Function(CList *list, Owned<CObject> &&element);
-int fAddTail_CList_Function(CList *list, Owned<CObject> &&element);
+[[nodiscard]] int fAddHead_CList_Function(CList *list, Owned<CObject> &&element);
+[[nodiscard]] int fAddTail_CList_Function(CList *list, Owned<CObject> &&element);
 
 // 1 for a null or empty list.
-int fIsEmpty_CList_Function(const CList *list);
+[[nodiscard]] int fIsEmpty_CList_Function(const CList *list);
 
 // The first or last node, null when the list is empty.
 CNodeList *fGetHeadPosition_CList_Function(const CList *list);
@@ -69,26 +69,28 @@ CObject *fGetNext_CList_Function(const CList *list, CNodeList **position);
 CObject *fGetPrev_CList_Function(const CList *list, CNodeList **position);
 
 // Deletes the element at `position` and puts `element` there.
-int fSetAt_CList_Function(CList *list, CNodeList *position, Owned<CObject> &&element);
+[[nodiscard]] int fSetAt_CList_Function(CList *list, CNodeList *position, Owned<CObject> &&element);
 
 // Put `element` next to `position`. At the head (before) or tail (after) the count goes up by two.
-int fInsertBefore_CList_Function(CList *list, CNodeList *position, Owned<CObject> &&element);
-int fInsertAfter_CList_Function(CList *list, CNodeList *position, Owned<CObject> &&element);
+[[nodiscard]] int fInsertBefore_CList_Function(CList *list, CNodeList *position,
+                                               Owned<CObject> &&element);
+[[nodiscard]] int fInsertAfter_CList_Function(CList *list, CNodeList *position,
+                                              Owned<CObject> &&element);
 
 // Delete nodes with their elements. Removing an end of an empty list succeeds.
-int fRemoveAt_CList_Function(CList *list, CNodeList *position);
-int fRemoveHead_CList_Function(CList *list);
-int fRemoveTail_CList_Function(CList *list);
-int fRemoveAll_CList_Function(CList *list);
+[[nodiscard]] int fRemoveAt_CList_Function(CList *list, CNodeList *position);
+[[nodiscard]] int fRemoveHead_CList_Function(CList *list);
+[[nodiscard]] int fRemoveTail_CList_Function(CList *list);
+[[nodiscard]] int fRemoveAll_CList_Function(CList *list);
 
 // The count member; `list` must not be null.
-int fGetCount_CList_Function(const CList *list);
+[[nodiscard]] int fGetCount_CList_Function(const CList *list);
 
 // Same as AddHead.
-int fPush_CList_Function(CList *list, Owned<CObject> &&element);
+[[nodiscard]] int fPush_CList_Function(CList *list, Owned<CObject> &&element);
 
 // Unlinks the first element and hands it over; the count stays as it is. Null when empty.
-Owned<CObject> fPop_CList_Function(CList *list);
+[[nodiscard]] Owned<CObject> fPop_CList_Function(CList *list);
 
 // Range over a list for `for (T *element : Elements<T>(list))`; elements of other classes come as
 // null. The current element may not be removed during the walk.

@@ -5,6 +5,7 @@
 
 #include "debug.h"
 #include "globals.h"
+#include "ignoreresult.h"
 
 namespace {
 
@@ -82,7 +83,8 @@ void ReadMessages(CMessages *catalogue, LineReader &lines) {
     if (is_language) {
       catalogue->language = CreateStringWithValue(value->c_str());
     } else {
-      HashPutText(table, WithoutFirstCharacter(*line).c_str(), value->c_str());
+      IgnoreResult(HashPutText(table, WithoutFirstCharacter(*line).c_str(), value->c_str()),
+                   "the dictionary is there");
     }
   }
 }
@@ -124,7 +126,8 @@ void G_Report(CList *errors, const char *key, std::initializer_list<FormatArg> a
   const std::string message = G_Message(key, arguments);
   PrintErrorLine(message);
   if (errors != nullptr) {
-    fAddTail_CList_Function(errors, CreateStringWithValue(message.c_str()));
+    IgnoreResult(fAddTail_CList_Function(errors, CreateStringWithValue(message.c_str())),
+                 "the list is there");
   }
 }
 

@@ -26,7 +26,7 @@ struct CMessagesOps {
 };
 
 // An empty catalogue for the file `path`; null when `path` is null.
-Owned<CMessages> CreateMessages(const char *path);
+[[nodiscard]] Owned<CMessages> CreateMessages(const char *path);
 
 int fCMessages_Class_ID_Function();
 const char *fCMessages_Class_Name_Function();
@@ -35,7 +35,7 @@ const char *fCMessages_Class_Name_Function();
 int fDelete_CMessages_Function(CMessages *catalogue);
 
 // A catalogue of the same file with clones of table and language; null when one is missing.
-Owned<CMessages> fClone_CMessages_Function(const CMessages *catalogue);
+[[nodiscard]] Owned<CMessages> fClone_CMessages_Function(const CMessages *catalogue);
 
 // Reads the file into a new table; nothing for null. A file that cannot be opened ends the process
 // with status 3.

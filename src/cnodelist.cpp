@@ -1,5 +1,7 @@
 #include "cnodelist.h"
 
+#include "ignoreresult.h"
+
 namespace {
 
 constexpr CNodeListOps L_Ops{
@@ -19,7 +21,7 @@ Owned<CNodeList> CreateNodeList() { return NewObject<CNodeList>(); }
 
 Owned<CNodeList> CreateNodeListWithValue(Owned<CObject> &&value) {
   Owned<CNodeList> node = CreateNodeList();
-  fSet_CNodeList_Function(node.get(), std::move(value));
+  IgnoreResult(fSet_CNodeList_Function(node.get(), std::move(value)), "the node is there");
   return node;
 }
 

@@ -22,10 +22,10 @@ struct CNodeListOps {
 };
 
 // An empty node.
-Owned<CNodeList> CreateNodeList();
+[[nodiscard]] Owned<CNodeList> CreateNodeList();
 
 // A node holding `value`, which may be null.
-Owned<CNodeList> CreateNodeListWithValue(Owned<CObject> &&value);
+[[nodiscard]] Owned<CNodeList> CreateNodeListWithValue(Owned<CObject> &&value);
 
 int fCNodeList_Class_ID_Function();
 const char *fCNodeList_Class_Name_Function();
@@ -35,11 +35,11 @@ int fDelete_CNodeList_Function(CNodeList *node);
 
 // An unlinked node that shows the very same element, kept on purpose: the element is not cloned
 // and stays with the source node, which must outlive the clone's use. Null for null.
-Owned<CNodeList> fClone_CNodeList_Function(const CNodeList *node);
+[[nodiscard]] Owned<CNodeList> fClone_CNodeList_Function(const CNodeList *node);
 
 // The element, lent; null for a null node.
 CObject *fGet_CNodeList_Function(const CNodeList *node);
 
 // Deletes the old element and takes `value` over: 1; 0 for a null node (`value` stays the
 // caller's).
-int fSet_CNodeList_Function(CNodeList *node, Owned<CObject> &&value);
+[[nodiscard]] int fSet_CNodeList_Function(CNodeList *node, Owned<CObject> &&value);

@@ -68,7 +68,7 @@ class AllocationWords {
 
 // Allocates a zeroed record of class T with T's operations; never null.
 template <class T, OnNoMemory words = OnNoMemory::ObjectLibrary>
-Owned<T> NewObject() {
+[[nodiscard]] Owned<T> NewObject() {
   // Not through operator new, which would run the allocation handler with words of its own.
   void *memory = std::malloc(sizeof(T));
   if (memory == nullptr) AllocationFailed(words);
@@ -92,12 +92,12 @@ int DeleteAs(CObject *object) {
 }
 
 template <class T, Owned<T> (*F)(const T *)>
-Owned<CObject> CloneAs(const CObject *object) {
+[[nodiscard]] Owned<CObject> CloneAs(const CObject *object) {
   return F(static_cast<const T *>(object));
 }
 
 // The record's class identifier, 0 for null.
-int ClassIdOf(const CObject *object);
+[[nodiscard]] int ClassIdOf(const CObject *object);
 
 // `object` as a T when it is one (by class identifier), else null.
 template <class T>
@@ -107,7 +107,7 @@ T *ObjectCast(CObject *object) {
 
 // A deep copy through the record's own Clone; null for null.
 template <class T>
-Owned<T> CloneOf(const T *object) {
+[[nodiscard]] Owned<T> CloneOf(const T *object) {
   if (object == nullptr) return nullptr;
   return Owned<T>(static_cast<T *>(object->ops->Clone(object).release()));
 }

@@ -19,7 +19,7 @@ struct CommandRecord {
 // Runs `command`, however long, through the shell and waits for it: its exit status, 128 plus the
 // signal's number when a signal ended it, -1 when it could not be started. What it prints goes
 // where this process prints.
-int RunCommand(const std::string &command);
+[[nodiscard]] int RunCommand(const std::string &command);
 
 // A command that runs in the same way, while this process goes on.
 class BackgroundCommand {

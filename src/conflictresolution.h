@@ -21,7 +21,7 @@ struct ResolvedConflict {
 
 // Whether ResolveConflict may find anything: not for two installable options in the print tool,
 // whose user cannot say what is installed.
-bool MayResolve(const SettingsConflict &conflict);
+[[nodiscard]] bool MayResolve(const SettingsConflict &conflict);
 
 // Sets one of the two settings to a value that conflicts with nothing the queue has set: the
 // printer's default when that fits, else "None", else the first of the feature's options that fits.
@@ -29,4 +29,4 @@ bool MayResolve(const SettingsConflict &conflict);
 // is changed only where two installable options conflict, in the administration. Of two of a kind
 // it is the one that was not chosen last. When no value of it fits, the other one gives way.
 // Nothing, with the settings as they were, when none fits.
-std::optional<ResolvedConflict> ResolveConflict(const SettingsConflict &conflict);
+[[nodiscard]] std::optional<ResolvedConflict> ResolveConflict(const SettingsConflict &conflict);

@@ -29,11 +29,11 @@ using FeatureChoices = std::vector<std::pair<std::string_view, ChoiceId>>;
 const FeatureChoices &ChoicesOf(std::string_view feature);
 
 // The number of a choice; nothing when no constraint names it.
-std::optional<ChoiceId> FindChoice(std::string_view feature, std::string_view option);
+[[nodiscard]] std::optional<ChoiceId> FindChoice(std::string_view feature, std::string_view option);
 
 // The choices that cannot be combined with `choice`, ascending, each once.
 const std::vector<ChoiceId> &PartnersOf(ChoiceId choice);
 
 // Whether a constraint forbids the two choices together, in either order.
-bool AreForbidden(std::string_view feature1, std::string_view option1, std::string_view feature2,
-                  std::string_view option2);
+[[nodiscard]] bool AreForbidden(std::string_view feature1, std::string_view option1,
+                                std::string_view feature2, std::string_view option2);

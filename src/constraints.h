@@ -11,15 +11,16 @@
 
 // 1 when a constraint of the current printer forbids the two choices together, in whichever order;
 // 0 otherwise and when any of the four texts is missing.
-int G_IsInvalidCombination(const CString *feature1, const CString *option1, const CString *feature2,
-                           const CString *option2);
+[[nodiscard]] int G_IsInvalidCombination(const CString *feature1, const CString *option1,
+                                         const CString *feature2, const CString *option2);
 
 // 1 when the choice conflicts with one of the queue's settings, else 0. On 1 the outputs name the
 // first such setting (features before installable options, each in the order of its dictionary) as
 // the queue stores it, so a custom paper by its name; on 0 they are empty. A missing text and a
 // feature that is exempt give 0.
-int G_CheckConstraintsForFeature(const CString *feature, const CString *option,
-                                 std::string *conflicting_feature, std::string *conflicting_option);
+[[nodiscard]] int G_CheckConstraintsForFeature(const CString *feature, const CString *option,
+                                               std::string *conflicting_feature,
+                                               std::string *conflicting_option);
 
 // One setting of the queue, as stored.
 struct Setting {
@@ -55,4 +56,4 @@ struct SettingsConflict {
 
 // The first setting of `settings` (the queue's features or installable options), in the
 // dictionary's order, that conflicts with a setting of the queue, and that setting.
-std::optional<SettingsConflict> FindLinearConflict(const CHash *settings);
+[[nodiscard]] std::optional<SettingsConflict> FindLinearConflict(const CHash *settings);

@@ -18,12 +18,13 @@ struct CPairHashOps {
 };
 
 // An empty pair.
-Owned<CPairHash> CreatePairHash();
+[[nodiscard]] Owned<CPairHash> CreatePairHash();
 
 // A pair that takes over `key` and `value` (which may be null); null for a null key, and then both
 // stay the caller's.
-Owned<CPairHash> CreatePairHashWithKey(Owned<CObject> &&key);
-Owned<CPairHash> CreatePairHashWithKeyAndValue(Owned<CObject> &&key, Owned<CObject> &&value);
+[[nodiscard]] Owned<CPairHash> CreatePairHashWithKey(Owned<CObject> &&key);
+[[nodiscard]] Owned<CPairHash> CreatePairHashWithKeyAndValue(Owned<CObject> &&key,
+                                                             Owned<CObject> &&value);
 
 int fCPairHash_Class_ID_Function();
 const char *fCPairHash_Class_Name_Function();
@@ -33,7 +34,7 @@ int fDelete_CPairHash_Function(CPairHash *pair);
 
 // A pair of the key's clone and the value's clone (null stays null); null when the pair or its key
 // is null or cannot be cloned.
-Owned<CPairHash> fClone_CPairHash_Function(const CPairHash *pair);
+[[nodiscard]] Owned<CPairHash> fClone_CPairHash_Function(const CPairHash *pair);
 
 // The text of a key, lent; null for a null key or one without text.
 const char *KeyText(const CObject *key);

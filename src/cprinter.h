@@ -30,7 +30,7 @@ struct CPrinterOps {
 
 // A record for the description file `paf_path`, everything else null until fFillFromPaf_Function;
 // null when `paf_path` is null. Out of memory: the catalogue's words, status 3.
-Owned<CPrinter> CreatePrinter(const char *paf_path);
+[[nodiscard]] Owned<CPrinter> CreatePrinter(const char *paf_path);
 
 int fCPrinter_Class_ID_Function();
 const char *fCPrinter_Class_Name_Function();
@@ -40,7 +40,7 @@ int fDelete_CPrinter_Function(CPrinter *printer);
 
 // A deep copy without the PPD file name (kept on purpose: it is required but not copied); null for
 // null, for a record that lacks any of its members, and when a feature cannot be cloned.
-Owned<CPrinter> fClone_CPrinter_Function(const CPrinter *printer);
+[[nodiscard]] Owned<CPrinter> fClone_CPrinter_Function(const CPrinter *printer);
 
 // Lend the member; null when the record or the member is null.
 CHash *fGetFeatures_Function(const CPrinter *printer);
@@ -52,4 +52,4 @@ CString *fGetPpdFile_Function(const CPrinter *printer);
 // Reads the record's description file into it and returns the printer's name; null for null. A file
 // that cannot be read or is corrupt ends the process with status 5 after one line on standard
 // error.
-Owned<CString> fFillFromPaf_Function(CPrinter *printer);
+[[nodiscard]] Owned<CString> fFillFromPaf_Function(CPrinter *printer);

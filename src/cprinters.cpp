@@ -3,6 +3,7 @@
 #include "cmessages.h"
 #include "cprinter.h"
 #include "debug.h"
+#include "ignoreresult.h"
 #include "ppdconversion.h"
 #include "utils.h"
 
@@ -71,7 +72,9 @@ int fBuildPrinters_Function(CPrinters *catalogue) {
     if (!name.starts_with(L_MakerPrefix) || CheckIfPpdOrPaf(name, kPafFile) == 0) continue;
     Owned<CPrinter> printer = CreatePrinter(PathIn(paf_directory, name).c_str());
     Owned<CString> printer_name = fFillFromPaf_Function(printer.get());
-    fAdd_CHash_Function(catalogue->printers.get(), std::move(printer_name), std::move(printer));
+    IgnoreResult(
+        fAdd_CHash_Function(catalogue->printers.get(), std::move(printer_name), std::move(printer)),
+        "a description that was read has a name");
   }
   return 1;
 }

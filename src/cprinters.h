@@ -22,7 +22,7 @@ struct CPrintersOps {
 
 // A catalogue of both paths, not built yet; null when either is null. Out of memory: the
 // catalogue's words, status 3.
-Owned<CPrinters> CreatePrinters(const char *ppd_directory, const char *paf_directory);
+[[nodiscard]] Owned<CPrinters> CreatePrinters(const char *ppd_directory, const char *paf_directory);
 
 int fCPrinters_Class_ID_Function();
 const char *fCPrinters_Class_Name_Function();
@@ -32,7 +32,7 @@ int fDelete_CPrinters_Function(CPrinters *catalogue);
 
 // A catalogue of the same paths with a clone of the printers (none when not built); a printer that
 // cannot be cloned is there as null. Null for null.
-Owned<CPrinters> fClone_CPrinters_Function(const CPrinters *catalogue);
+[[nodiscard]] Owned<CPrinters> fClone_CPrinters_Function(const CPrinters *catalogue);
 
 // The printers, lent; null for a null catalogue and until it is built.
 CHash *fGetPrinters_Function(const CPrinters *catalogue);
@@ -40,4 +40,4 @@ CHash *fGetPrinters_Function(const CPrinters *catalogue);
 // Brings the PAF files up to date (CheckPafFiles) and reads those whose names begin with "vek". Of
 // two with the same printer name the one read later stays. 1, 0 for null; a directory that cannot
 // be read ends the process with status 7, a bad file as fFillFromPaf_Function says.
-int fBuildPrinters_Function(CPrinters *catalogue);
+[[nodiscard]] int fBuildPrinters_Function(CPrinters *catalogue);

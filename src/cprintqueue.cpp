@@ -6,6 +6,7 @@
 #include "cmessages.h"
 #include "cprinter.h"
 #include "debug.h"
+#include "ignoreresult.h"
 #include "textencoding.h"
 
 namespace {
@@ -72,7 +73,7 @@ void PutDefaults(const CHash *features, CHash *settings) {
   if (features == nullptr) G_Fatal(5, "ERR_UNEXPECTED2", {"CPrintQueue"});
   for (const auto [key, feature] : Pairs<CFeature>(features)) {
     const CString *value = fGet_Default_Function(feature);
-    HashPut(settings, key, CloneOf(value));
+    IgnoreResult(HashPut(settings, key, CloneOf(value)), "the dictionary and the key are there");
     PrintError(FormatMessage("Put in queue:%s=%s\n", {key, fGet_CString_Value_Function(value)}));
   }
 }

@@ -53,7 +53,7 @@ struct CPrintQueueOps {
 };
 
 // A record with every member null. Out of memory: the catalogue's words, status 3.
-Owned<CPrintQueue> CreatePrintQueue();
+[[nodiscard]] Owned<CPrintQueue> CreatePrintQueue();
 
 int fCPrintQueue_Class_ID_Function();
 const char *fCPrintQueue_Class_Name_Function();
@@ -62,47 +62,48 @@ const char *fCPrintQueue_Class_Name_Function();
 int fDelete_CPrintQueue_Function(CPrintQueue *queue);
 
 // A deep copy; null for null and for a record that lacks any of its members.
-Owned<CPrintQueue> fClone_CPrintQueue_Function(const CPrintQueue *queue);
+[[nodiscard]] Owned<CPrintQueue> fClone_CPrintQueue_Function(const CPrintQueue *queue);
 
 // True when the record has all of its members; false for null.
-bool IsComplete(const CPrintQueue *queue);
+[[nodiscard]] bool IsComplete(const CPrintQueue *queue);
 
 // Getters lend the member (null when the record or the member is null). Setters replace it by a
 // clone of `value`: 1; 0 and no change when the record or `value` is null.
 CHash *fGet_CustomPapers_Function(const CPrintQueue *queue);
-int fSet_CustomPapers_Function(CPrintQueue *queue, const CHash *value);
+[[nodiscard]] int fSet_CustomPapers_Function(CPrintQueue *queue, const CHash *value);
 CHash *fGet_CustomMedias_Function(const CPrintQueue *queue);
-int fSet_CustomMedias_Function(CPrintQueue *queue, const CHash *value);
+[[nodiscard]] int fSet_CustomMedias_Function(CPrintQueue *queue, const CHash *value);
 CHash *fGet_Options_Function(const CPrintQueue *queue);
-int fSet_Options_Function(CPrintQueue *queue, const CHash *value);
+[[nodiscard]] int fSet_Options_Function(CPrintQueue *queue, const CHash *value);
 CHash *fGet_InstallableFeatures_Function(const CPrintQueue *queue);
-int fSet_InstallableFeatures_Function(CPrintQueue *queue, const CHash *value);
+[[nodiscard]] int fSet_InstallableFeatures_Function(CPrintQueue *queue, const CHash *value);
 CString *fGet_PpdFile_Function(const CPrintQueue *queue);
-int fSet_PpdFile_Function(CPrintQueue *queue, const CString *value);
+[[nodiscard]] int fSet_PpdFile_Function(CPrintQueue *queue, const CString *value);
 CString *fGet_DefFile_Function(const CPrintQueue *queue);
-int fSet_DefFile_Function(CPrintQueue *queue, const CString *value);
+[[nodiscard]] int fSet_DefFile_Function(CPrintQueue *queue, const CString *value);
 CString *fGet_PrinterName_Function(const CPrintQueue *queue);
-int fSet_PrinterName_Function(CPrintQueue *queue, const CString *value);
+[[nodiscard]] int fSet_PrinterName_Function(CPrintQueue *queue, const CString *value);
 CString *fGet_Language_Function(const CPrintQueue *queue);
-int fSet_Language_Function(CPrintQueue *queue, const CString *value);
+[[nodiscard]] int fSet_Language_Function(CPrintQueue *queue, const CString *value);
 CString *fGet_Address_Function(const CPrintQueue *queue);
-int fSet_Address_Function(CPrintQueue *queue, const CString *value);
+[[nodiscard]] int fSet_Address_Function(CPrintQueue *queue, const CString *value);
 CString *fGet_AddressType_Function(const CPrintQueue *queue);
-int fSet_AddressType_Function(CPrintQueue *queue, const CString *value);
+[[nodiscard]] int fSet_AddressType_Function(CPrintQueue *queue, const CString *value);
 CString *fGet_PrintingSystem_Function(const CPrintQueue *queue);
-int fSet_PrintingSystem_Function(CPrintQueue *queue, const CString *value);
+[[nodiscard]] int fSet_PrintingSystem_Function(CPrintQueue *queue, const CString *value);
 
 // Writes the options to the queue's own option file (`which` 1: with installable features, custom
 // papers and media) or to the calling user's (`which` 0: options only). 1; 0, reported to `errors`
 // (may be null), when that fails (silently when the user has no name). Defined in deffile.cpp.
-int fWriteDefFile_Function(const CPrintQueue *queue, int which, CList *errors = nullptr);
+[[nodiscard]] int fWriteDefFile_Function(const CPrintQueue *queue, int which,
+                                         CList *errors = nullptr);
 
 // Empties the custom papers and sets options and installable features to the defaults of the
 // queue's printer in `printers` (name to CPrinter); each pair is traced on standard error. 1; 0 for
 // a null record. An unknown printer ends the process with status 5.
-int fFillWithDefaultOptions_Function(CPrintQueue *queue, const CHash *printers);
+[[nodiscard]] int fFillWithDefaultOptions_Function(CPrintQueue *queue, const CHash *printers);
 
 // Overlays the calling user's option file on the options: 1; 0 when there is none that the user or
-// the superuser owns. A queue without DefFile ends the process with status 5. Defined in
-// deffile.cpp.
-int fFillFromDefFile_Function(CPrintQueue *queue);
+// the superuser owns; one that is there all the same is logged. A queue without DefFile ends the
+// process with status 5. Defined in deffile.cpp.
+[[nodiscard]] int fFillFromDefFile_Function(CPrintQueue *queue);

@@ -7,6 +7,7 @@
 #include "cmessages.h"
 #include "debug.h"
 #include "deffile.h"
+#include "ignoreresult.h"
 #include "paths.h"
 #include "queuelistreader.h"
 #include "queuelistwriter.h"
@@ -63,9 +64,10 @@ void RemoveOtherDefFiles(const CHash *queues) {
   for (const CString *file : Elements<CString>(files.get())) {
     const std::string_view name = file->value.View();
     if (!name.ends_with(".def") || kept.contains(std::string(name))) continue;
-    fAddTail_CList_Function(stale.get(), CloneOf(file));
+    IgnoreResult(fAddTail_CList_Function(stale.get(), CloneOf(file)), "the list is there");
   }
-  DeleteFilesFromDir(kDataDir, stale.get(), nullptr);
+  IgnoreResult(DeleteFilesFromDir(kDataDir, stale.get(), nullptr),
+               "one that cannot be removed is logged, and goes at the next time");
 }
 
 // What happens when the list cannot be read. The administrator gets a new one, but only when there
@@ -74,7 +76,7 @@ void MissingList(const char *path, int create, int error) {
   if (create != 1) {
     G_Report(nullptr, "ERR_UNABLE_TO_READ_FILE", {path});
   } else if (error == ENOENT) {
-    WriteHeader(path);
+    IgnoreResult(WriteHeader(path), "a list that cannot be made is reported");
   } else {
     G_Report(nullptr, "ERR_UNABLE_TO_WRITE_FILE", {path});
   }
@@ -154,7 +156,8 @@ int FillQueuesFromText(CPrintQueues *collection, std::string_view text, const st
 int fFillAllFromDef_Function(CPrintQueues *collection) {
   const LogScope log("fFillAllFromDef_Function");
   for (const auto [name, queue] : Pairs<CPrintQueue>(ExistingQueues(collection))) {
-    fFillFromDefFile_Function(queue);
+    IgnoreResult(fFillFromDefFile_Function(queue),
+                 "a user without settings has no file; one that is refused is logged");
   }
   return 1;
 }

@@ -27,7 +27,7 @@ struct CPrintQueuesOps {
 };
 
 // A collection for the list file `path` without a dictionary yet; null when `path` is null.
-Owned<CPrintQueues> CreatePrintQueues(const char *path);
+[[nodiscard]] Owned<CPrintQueues> CreatePrintQueues(const char *path);
 
 int fCPrintQueues_Class_ID_Function();
 const char *fCPrintQueues_Class_Name_Function();
@@ -36,24 +36,25 @@ const char *fCPrintQueues_Class_Name_Function();
 int fDelete_CPrintQueues_Function(CPrintQueues *collection);
 
 // A deep copy; null for null and for a collection without a dictionary.
-Owned<CPrintQueues> fClone_CPrintQueues_Function(const CPrintQueues *collection);
+[[nodiscard]] Owned<CPrintQueues> fClone_CPrintQueues_Function(const CPrintQueues *collection);
 
 // Rewrites the list file: 1; 0, reported to `errors` (may be null), when it cannot be written
 // whole or there is no dictionary to write.
-int fWriteToPaf_Function(const CPrintQueues *collection, CList *errors = nullptr);
+[[nodiscard]] int fWriteToPaf_Function(const CPrintQueues *collection, CList *errors = nullptr);
 
 // Writes the option file of each queue, durably, and then removes all others from the data
 // directory: no queue is ever without its file. 1; 0, reported to `errors` (may be null), when one
 // could not be written. A collection without a dictionary ends the process with status 5.
-int fWriteAllToDef_Function(const CPrintQueues *collection, CList *errors = nullptr);
+[[nodiscard]] int fWriteAllToDef_Function(const CPrintQueues *collection, CList *errors = nullptr);
 
 // Reads the list file into a new dictionary: 1; 0 and an empty dictionary when it cannot be read
 // (a message on standard error, but with `create` 1 a missing file is made, holding its header
 // alone). An incomplete entry ends the process with status 3.
-int fFillFromPaf_Function_(CPrintQueues *collection, int create);
+[[nodiscard]] int fFillFromPaf_Function_(CPrintQueues *collection, int create);
 
 // The same from `text`, the content of the file `path`; 1.
-int FillQueuesFromText(CPrintQueues *collection, std::string_view text, const std::string &path);
+[[nodiscard]] int FillQueuesFromText(CPrintQueues *collection, std::string_view text,
+                                     const std::string &path);
 
 // Overlays the calling user's option files on all queues; 1. A collection without a dictionary
 // ends the process with status 5.

@@ -1,5 +1,7 @@
 #include "cselection.h"
 
+#include "ignoreresult.h"
+
 namespace {
 
 constexpr CSelectionOps L_Ops{
@@ -73,6 +75,6 @@ void RemoveSelectedRecords(CList *selections, const SelectionVisitor &before) {
     const auto *record = ObjectCast<CSelection>(fGetNext_CList_Function(selections, &position));
     if (record == nullptr || fIsSelected_CSelection_Function(record) == 0) continue;
     before(current, *record);
-    fRemoveAt_CList_Function(selections, current);
+    IgnoreResult(fRemoveAt_CList_Function(selections, current), "the position is the walk's");
   }
 }

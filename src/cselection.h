@@ -26,7 +26,7 @@ struct CSelectionOps {
 
 // A record with a copy of `text` (a null text gives a null value) and the flag. Out of memory: the
 // catalogue's words, status 3.
-Owned<CSelection> CreateSelection(const char *text, int selected);
+[[nodiscard]] Owned<CSelection> CreateSelection(const char *text, int selected);
 
 int fCSelection_Class_ID_Function();
 const char *fCSelection_Class_Name_Function();
@@ -35,17 +35,17 @@ const char *fCSelection_Class_Name_Function();
 int fDelete_CSelection_Function(CSelection *record);
 
 // A copy that keeps the flag; null for null.
-Owned<CSelection> fClone_CSelection_Function(const CSelection *record);
+[[nodiscard]] Owned<CSelection> fClone_CSelection_Function(const CSelection *record);
 
 // The text or the record that holds it, lent; null for a null record.
 const char *fGet_CSelection_Value_Function(const CSelection *record);
 CString *fGet_CSelection_CString_Function(const CSelection *record);
 
 // Stores the flag: 1; 0 and no change for a null record or one without a value.
-int fSet_Selected_Function(CSelection *record, int flag);
+[[nodiscard]] int fSet_Selected_Function(CSelection *record, int flag);
 
 // The flag; `record` must not be null.
-int fIsSelected_CSelection_Function(const CSelection *record);
+[[nodiscard]] int fIsSelected_CSelection_Function(const CSelection *record);
 
 // The text of the first selected record of `selections`; empty without one.
 std::string SelectedText(const CList *selections);

@@ -21,13 +21,13 @@ struct CStringOps {
 };
 
 // A record with a null value.
-Owned<CString> CreateString();
+[[nodiscard]] Owned<CString> CreateString();
 
 // A record holding a copy of `text` (UTF-8); null when `text` is null.
-Owned<CString> CreateStringWithValue(const char *text);
+[[nodiscard]] Owned<CString> CreateStringWithValue(const char *text);
 
 // A record that shares `text`.
-Owned<CString> CreateStringWithText(SharedText text);
+[[nodiscard]] Owned<CString> CreateStringWithText(SharedText text);
 
 int fCString_Class_ID_Function();
 const char *fCString_Class_Name_Function();
@@ -36,13 +36,13 @@ const char *fCString_Class_Name_Function();
 int fDelete_CString_Function(CString *object);
 
 // A copy; null for a null record and for one whose value is null.
-Owned<CString> fClone_CString_Function(const CString *object);
+[[nodiscard]] Owned<CString> fClone_CString_Function(const CString *object);
 
 // The text itself, lent until it is set again or the record goes; null for a null record or value.
 const char *fGet_CString_Value_Function(const CString *object);
 
 // Replaces the text by a copy of `text`: 1; 0 and no change when either is null.
-int fSet_CString_Value_Function(CString *object, const char *text);
+[[nodiscard]] int fSet_CString_Value_Function(CString *object, const char *text);
 
 // 1 when both texts are equal byte for byte or both values are null, else 0; 0 for a null record.
-int fIsEqual_CString_Value_Function(const CString *a, const CString *b);
+[[nodiscard]] int fIsEqual_CString_Value_Function(const CString *a, const CString *b);

@@ -6,6 +6,7 @@
 #include "ccpsparams.h"
 #include "cfeature.h"
 #include "customsizes.h"
+#include "ignoreresult.h"
 
 namespace {
 
@@ -81,11 +82,14 @@ std::vector<std::string> CustomRow(CustomKind kind, const char *name) {
 }
 
 void AddCustomPaper(const std::string &name, double width, double length) {
-  HashPut(G_QueueCustomPapers_hash, name.c_str(),
-          CreateCpsParams(std::max(L_LeastMeasure, width), std::max(L_LeastMeasure, length)));
+  IgnoreResult(
+      HashPut(G_QueueCustomPapers_hash, name.c_str(),
+              CreateCpsParams(std::max(L_LeastMeasure, width), std::max(L_LeastMeasure, length))),
+      "the dictionary is there");
 }
 
 void AddCustomMedia(const std::string &name) {
-  HashPut(G_QueueCustomMedias_hash, name.c_str(),
-          CreateCmtParams(CreateStringWithValue(name.c_str())));
+  IgnoreResult(HashPut(G_QueueCustomMedias_hash, name.c_str(),
+                       CreateCmtParams(CreateStringWithValue(name.c_str()))),
+               "the dictionary is there");
 }

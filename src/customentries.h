@@ -16,7 +16,7 @@ const char *CustomFeature(CustomKind kind);
 CHash *CustomEntries(CustomKind kind);
 
 // The most entries that a queue can have: 8 sizes, 100 types.
-int CustomLimit(CustomKind kind);
+[[nodiscard]] int CustomLimit(CustomKind kind);
 
 enum class CustomNameFault {
   kNone,
@@ -28,7 +28,8 @@ enum class CustomNameFault {
 
 // Whether an entry may be called `name`. `edited` is the name of the entry that is edited, which
 // the entry may keep; null while one is added.
-CustomNameFault CheckCustomName(CustomKind kind, const std::string &name, const char *edited);
+[[nodiscard]] CustomNameFault CheckCustomName(CustomKind kind, const std::string &name,
+                                              const char *edited);
 
 // The catalogue key of what to tell the user; null for kNone and kNoSetting.
 const char *CustomNameMessage(CustomKind kind, CustomNameFault fault);

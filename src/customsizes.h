@@ -16,7 +16,7 @@ double Aproximate(double value);
 double ConvertMetrics(int from, int to, double value);
 
 // Decimals that the unit is shown with, and the smallest step between two values shown.
-int UnitDecimals(int unit);
+[[nodiscard]] int UnitDecimals(int unit);
 double UnitStep(int unit);
 
 // `value` with the unit's decimals and the locale's decimal separator.

@@ -1,11 +1,14 @@
 #include "deffile.h"
 
+#include <sys/stat.h>
+
 #include <cerrno>
 
 #include "ccmtparams.h"
 #include "ccpsparams.h"
 #include "cmessages.h"
 #include "debug.h"
+#include "ignoreresult.h"
 #include "paths.h"
 #include "textfile.h"
 #include "textline.h"
@@ -65,7 +68,8 @@ FileContent QueueDefFile(const CPrintQueue *queue, const char *def_file) {
 void PutOption(CHash *options, const KeyValue &setting) {
   if (setting.key == "*Booklet") HashRemove(options, "*Nup");
   if (setting.key == "*Nup") HashRemove(options, "*Booklet");
-  HashPutText(options, setting.key.c_str(), setting.value.c_str());
+  IgnoreResult(HashPutText(options, setting.key.c_str(), setting.value.c_str()),
+               "the dictionary is there");
 }
 
 }  // namespace
@@ -148,7 +152,11 @@ int fFillFromDefFile_Function(CPrintQueue *queue) {
   const std::optional<std::string> path = CallersDefFilePath(def_file);
   if (!path) return 0;
   const std::optional<std::string> text = ReadOwnFile(*path);
-  if (!text) return 0;
+  if (!text) {
+    struct stat status = {};
+    if (lstat(path->c_str(), &status) == 0) Log(1, *path + " is there and cannot be used");
+    return 0;
+  }
   if (queue->Options == nullptr) queue->Options = CreateHash();
   OverlayDefFile(*text, queue->Options.get());
   return 1;

@@ -16,7 +16,7 @@ std::string QueueDefFileText(const CPrintQueue *queue);
 // Writes the own option file of every queue of `queues`, durably, each in one step over the old
 // one: true; false, reported to `errors` (may be null) unless it is `quiet`, when one could not be
 // written or a record has no DefFile.
-bool WriteQueueDefFiles(const CHash *queues, CList *errors, bool quiet = false);
+[[nodiscard]] bool WriteQueueDefFiles(const CHash *queues, CList *errors, bool quiet = false);
 
 // Puts every "key=value" line of `text` into `options`. Comments ("##"), empty lines and lines
 // without key or "=" are skipped; a value ends at a second "=". "*Booklet" and "*Nup" put each
@@ -28,4 +28,4 @@ std::string QueueDefFilePath(const std::string &def_file);
 std::string UserDefFilePath(const std::string &user_def_file);
 
 // The calling user's file for a queue; nothing when `def_file` is null or the user has no name.
-std::optional<std::string> CallersDefFilePath(const char *def_file);
+[[nodiscard]] std::optional<std::string> CallersDefFilePath(const char *def_file);

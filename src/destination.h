@@ -11,16 +11,16 @@ std::string DestinationText(const char *feature);
 
 // Whether the work copy has no job name of its own, so that DestinationText is the catalogue's
 // text.
-bool UsesApplicationsJobName();
+[[nodiscard]] bool UsesApplicationsJobName();
 
 // What is typed for the delivery counts as a PIN only with one of the two deliveries that take one.
-bool TakesPin(const std::string &delivery_option);
+[[nodiscard]] bool TakesPin(const std::string &delivery_option);
 
 // Which of the two cannot do without one.
-bool NeedsPin(const std::string &delivery_option);
+[[nodiscard]] bool NeedsPin(const std::string &delivery_option);
 
 // Address and message count for every notification but "None".
-bool Notifies(const std::string &notification_option);
+[[nodiscard]] bool Notifies(const std::string &notification_option);
 
 // What the tab's entries hold; delivery and notification as their lists show them, with the mark.
 struct DestinationEntries {
@@ -39,9 +39,9 @@ enum class DestinationFault { kNone, kPin, kEmail };
 // Stores the entries in the work copy and tidies the e-mail address, also of a refused entry, when
 // one is asked for. What stands before the refused value is stored all the same. A printer without
 // delivery or notification: their texts are left alone.
-DestinationFault StoreDestination(DestinationEntries &entries);
+[[nodiscard]] DestinationFault StoreDestination(DestinationEntries &entries);
 
 // Gives delivery and notification of the work copy the printer's defaults and removes the five free
 // texts. False, at the first feature without a default, with the rest left as it is. `changed`: a
 // delivery or notification was replaced.
-bool SetDestinationDefaults(bool *changed);
+[[nodiscard]] bool SetDestinationDefaults(bool *changed);

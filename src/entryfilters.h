@@ -15,7 +15,7 @@ std::string FilterQueueName(std::string_view inserted, int position);
 
 // False when deleting the characters from `start` up to `end` (-1: all that follow) of the queue
 // name `text` would leave a digit at its beginning.
-bool QueueNameDeletionAllowed(std::string_view text, int start, int end);
+[[nodiscard]] bool QueueNameDeletionAllowed(std::string_view text, int start, int end);
 
 // `inserted` without blanks.
 std::string FilterAddress(std::string_view inserted);

@@ -9,6 +9,7 @@
 #include "cselection.h"
 #include "debug.h"
 #include "globals.h"
+#include "ignoreresult.h"
 #include "textscan.h"
 #include "utils.h"
 
@@ -76,7 +77,8 @@ bool IsCapturedFile(const CSelection *record) {
 
 CNodeList *AppendFile(const std::string &path) {
   const LogScope log("AppendFile");
-  fAddTail_CList_Function(G_FilesList.get(), CreateSelection(path.c_str(), 0));
+  IgnoreResult(fAddTail_CList_Function(G_FilesList.get(), CreateSelection(path.c_str(), 0)),
+               "the list is there");
   return fGetTailPosition_CList_Function(G_FilesList.get());
 }
 

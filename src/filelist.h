@@ -21,7 +21,7 @@ std::vector<std::string> FilesOfSelection(const std::string &path);
 std::vector<std::string> PathsFromUriList(std::string_view text);
 
 // 1 when standard input was captured and its file is still in the list, else 0.
-int IsStdinDataToPrint();
+[[nodiscard]] int IsStdinDataToPrint();
 
 // Removes the file of captured standard input from the disk; nothing when there is none.
 void RemoveCapturedFile();

@@ -12,6 +12,7 @@
 
 #include "cmessages.h"
 #include "debug.h"
+#include "ignoreresult.h"
 #include "paths.h"
 #include "utils.h"
 
@@ -52,7 +53,7 @@ int G_DeleteDir(const char *path, CList *errors) {
   const LogScope log("G_DeleteDir");
   if (path == nullptr) return 0;
   const Owned<CList> names = GetFilesFromDir(path);
-  DeleteFilesFromDir(path, names.get(), nullptr);
+  IgnoreResult(DeleteFilesFromDir(path, names.get(), nullptr), "the directory's own removal tells");
   if (rmdir(path) != 0) return Fail(errors, "ERR_REMOVE", {path});
   return 1;
 }
@@ -126,6 +127,7 @@ int G_EliminateSpacesAndTabs(const char *source, std::string *result, int mode) 
 int G_DeleteAllUsersDefForQueue(const char *queue) {
   const LogScope log("G_DeleteAllUsersDefForQueue");
   if (queue == nullptr) return 0;
-  DeleteFilesEndingIn(kUsersDir, (std::string(":") + queue + ".def").c_str());
+  IgnoreResult(DeleteFilesEndingIn(kUsersDir, (std::string(":") + queue + ".def").c_str()),
+               "what cannot be removed is logged");
   return 1;
 }

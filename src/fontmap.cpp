@@ -7,6 +7,7 @@
 #include "cmessages.h"
 #include "debug.h"
 #include "globals.h"
+#include "ignoreresult.h"
 #include "paths.h"
 #include "textscan.h"
 
@@ -60,10 +61,11 @@ void AddEntry(CHash *fonts, const Entry &entry) {
   if (styles == nullptr) {
     Owned<CHash> fresh = CreateHash();
     styles = fresh.get();
-    HashPut(fonts, entry.font->c_str(), std::move(fresh));
+    IgnoreResult(HashPut(fonts, entry.font->c_str(), std::move(fresh)), "the dictionary is there");
   }
   if (HashFind(styles, entry.style->c_str()) != nullptr) return;
-  HashPutText(styles, entry.style->c_str(), entry.afm_name->c_str());
+  IgnoreResult(HashPutText(styles, entry.style->c_str(), entry.afm_name->c_str()),
+               "the dictionary is there");
 }
 
 void LogTable(const CHash *fonts) {

@@ -12,6 +12,7 @@
 #include "debug.h"
 #include "deffile.h"
 #include "globals.h"
+#include "ignoreresult.h"
 #include "paths.h"
 #include "porting.h"
 #include "printermodels.h"
@@ -95,14 +96,16 @@ void PutCustomPaper(CHash *papers, const std::string &value) {
   const double width = NumberFromText(value.substr(first + 2, second - first - 2));
   const double length = NumberFromText(value.substr(second + 2));
   if (width == 0 || length == 0) return;
-  HashPut(papers, value.substr(0, first).c_str(), CreateCpsParams(width, length));
+  IgnoreResult(HashPut(papers, value.substr(0, first).c_str(), CreateCpsParams(width, length)),
+               "the dictionary is there");
 }
 
 void PutCustomMedia(CHash *medias, const std::string &value) {
   const size_t colons = value.find("::");
   if (colons == std::string::npos) return;
-  HashPut(medias, value.substr(0, colons).c_str(),
-          CreateCmtParams(CreateStringWithValue(value.substr(colons + 2).c_str())));
+  IgnoreResult(HashPut(medias, value.substr(0, colons).c_str(),
+                       CreateCmtParams(CreateStringWithValue(value.substr(colons + 2).c_str()))),
+               "the dictionary is there");
 }
 
 // What the queue's own option file says; without one the printer's defaults hold.
@@ -118,7 +121,8 @@ void FillFromOptionFile(CPrintQueue *queue, const CPrinter *printer, const std::
       const bool is_part =
           HashFind(fGetInstallableOptions_Function(printer), setting.key.c_str()) != nullptr;
       CHash *settings = (is_part ? queue->InstallableFeatures : queue->Options).get();
-      HashPutText(settings, setting.key.c_str(), setting.value.c_str());
+      IgnoreResult(HashPutText(settings, setting.key.c_str(), setting.value.c_str()),
+                   "the dictionary is there");
     }
   }
 }
@@ -147,7 +151,7 @@ void TakeInQueue(const char *name, const SpoolerState &spooler, CList *messages)
   } else if (script.state == ScriptState::Ours) {
     Owned<CPrintQueue> queue = QueueFromScript(name, script.text);
     if (queue == nullptr) return TellUnknown(name, messages);
-    HashPut(G_Queues_hash, name, std::move(queue));
+    IgnoreResult(HashPut(G_Queues_hash, name, std::move(queue)), "the dictionary is there");
     G_Report(messages, "WARN_QUEUE_FOUND", {name});
   } else if (script.state == ScriptState::Gone && IsRest(name, spooler)) {
     TellUnknown(name, messages);

@@ -14,11 +14,11 @@ std::string SpoolerQuestion();
 
 // The queues of that spooler that the bridge made; nothing when the answer does not tell that it is
 // running.
-std::optional<std::vector<std::string>> BridgeQueuesOf(std::string_view answer);
+[[nodiscard]] std::optional<std::vector<std::string>> BridgeQueuesOf(std::string_view answer);
 
 // The record of the queue `name` as its interface script and its option file say; null when the
 // script holds no whole block or names a printer that is not in G_Printers_hash.
-Owned<CPrintQueue> QueueFromScript(const char *name, const std::string &script);
+[[nodiscard]] Owned<CPrintQueue> QueueFromScript(const char *name, const std::string &script);
 
 // Asks the spooler which queues it has, without waiting for the answer.
 void AskSpooler();

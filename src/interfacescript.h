@@ -27,16 +27,18 @@ std::string InterfaceBlockText(const InterfaceBlock &block);
 // Appends the block to the script, durably: whatever ends the machine, the script has all of the
 // block or nothing of it. 1; 0 silently when a text is null, and 0, reported to `errors`, when it
 // cannot be written.
-int WriteToInterfaceFile(const char *script_path, const char *queue_type, const char *ppd_path,
-                         const char *def_path, const char *address, const char *transport_parameter,
-                         CList *errors);
+[[nodiscard]] int WriteToInterfaceFile(const char *script_path, const char *queue_type,
+                                       const char *ppd_path, const char *def_path,
+                                       const char *address, const char *transport_parameter,
+                                       CList *errors);
 
 // `script` with every line that begins with "NETWORK_ADDRESS" replaced by one that sets `address`,
 // and every other byte as it was; nothing when there is no such line.
-std::optional<std::string> WithNetworkAddress(std::string_view script, std::string_view address);
+[[nodiscard]] std::optional<std::string> WithNetworkAddress(std::string_view script,
+                                                            std::string_view address);
 
 // The address that the last such line of `script` sets; nothing when there is none.
-std::optional<std::string> NetworkAddressOf(std::string_view script);
+[[nodiscard]] std::optional<std::string> NetworkAddressOf(std::string_view script);
 
 // The commands that make a script the spooler's, in order, and all of them in one.
 std::vector<SpoolerCommand> ScriptOwnerCommands(const std::string &script_path);
@@ -45,4 +47,4 @@ std::string ScriptOwnerCommand(const std::string &script_path);
 // Puts `address` into the interface script of the queue `name`, durably: whatever ends the machine,
 // the old script or the new one is there, whole. 1; 0 when the script sets no address and so stays
 // as it was or, reported to `errors`, something failed.
-int ChangeAddressInInterface(const char *name, const char *address, CList *errors);
+[[nodiscard]] int ChangeAddressInInterface(const char *name, const char *address, CList *errors);

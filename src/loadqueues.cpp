@@ -11,6 +11,7 @@
 #include "debug.h"
 #include "foundqueues.h"
 #include "globals.h"
+#include "ignoreresult.h"
 #include "interfacescript.h"
 #include "paths.h"
 #include "porting.h"
@@ -51,9 +52,11 @@ void RemoveFiles(const char *directory, bool (*is_leftover)(std::string_view nam
   const Owned<CList> all = GetFilesFromDir(directory);
   const Owned<CList> leftovers = CreateList();
   for (const CString *name : Elements<CString>(all.get())) {
-    if (is_leftover(name->value.View())) fAddTail_CList_Function(leftovers.get(), CloneOf(name));
+    if (is_leftover(name->value.View()))
+      IgnoreResult(fAddTail_CList_Function(leftovers.get(), CloneOf(name)), "the list is there");
   }
-  DeleteFilesFromDir(directory, leftovers.get(), nullptr);
+  IgnoreResult(DeleteFilesFromDir(directory, leftovers.get(), nullptr),
+               "one that cannot be removed is logged, and goes at the next time");
 }
 
 // The snapshot of an unfinished save has the queues that are to go, so that one that the spooler
@@ -66,7 +69,7 @@ void AddRemovedToSnapshot(const std::string &list_path) {
     const char *name = fGet_CString_Value_Function(element);
     Owned<CPrintQueue> queue = CloneOf(HashValue<CPrintQueue>(queues.get(), name));
     if (queue == nullptr || HashFind(G_OrgQueues_hash, name) != nullptr) continue;
-    HashPut(G_OrgQueues_hash, name, std::move(queue));
+    IgnoreResult(HashPut(G_OrgQueues_hash, name, std::move(queue)), "the dictionary is there");
   }
 }
 
@@ -79,7 +82,9 @@ void LoadForAdministration(CList *messages) {
   RemoveFiles(kDataDir, IsDataLeftover);
   RemoveFiles(kSpoolInterfacesDir, IsScriptLeftover);
   G_UnfinishedRemovals = LoadIntention(G_Queues.get(), messages);
-  if (G_UnfinishedRemovals == nullptr) LoadQueueList(G_Queues.get(), 1, messages);
+  if (G_UnfinishedRemovals == nullptr)
+    IgnoreResult(LoadQueueList(G_Queues.get(), 1, messages),
+                 "a list that cannot be read is reported");
   G_Queues_hash = fGetPrintQueues_Function(G_Queues.get());
   CompareWithSpooler(G_UnfinishedRemovals.get(), messages);
   // What an unfinished save was to make need not be in the spooler yet.
@@ -93,7 +98,7 @@ void LoadForAdministration(CList *messages) {
 void LoadQueuesAtStart(CList *messages) {
   const LogScope log("LoadQueuesAtStart");
   if (G_ProgName == kModeAdministration) return LoadForAdministration(messages);
-  LoadQueueList(G_Queues.get(), 0, nullptr);
+  IgnoreResult(LoadQueueList(G_Queues.get(), 0, nullptr), "a list that cannot be read is reported");
   G_Queues_hash = fGetPrintQueues_Function(G_Queues.get());
   RemoveInexistentSystemVQueues(messages);
   TakeSnapshot();

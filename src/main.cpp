@@ -30,6 +30,7 @@
 #include "fontmap.h"
 #include "foundqueues.h"
 #include "globals.h"
+#include "ignoreresult.h"
 #include "language.h"
 #include "loadqueues.h"
 #include "paths.h"
@@ -112,7 +113,7 @@ void LoadPrinters() {
   BuildPrinterPaths();
   Log(1, "Create the CPrinters structure");
   G_Printers = CreatePrinters(ppd_path.c_str(), paf_path.c_str());
-  fBuildPrinters_Function(G_Printers.get());
+  IgnoreResult(fBuildPrinters_Function(G_Printers.get()), "the catalogue is there");
   G_Printers_hash = fGetPrinters_Function(G_Printers.get());
 }
 

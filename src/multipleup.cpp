@@ -1,6 +1,7 @@
 #include "multipleup.h"
 
 #include "debug.h"
+#include "ignoreresult.h"
 #include "optionstate.h"
 #include "pixmapnames.h"
 
@@ -13,7 +14,8 @@ constexpr char L_UsualOrder[] = "Left";
 bool IsSet(const char *key) { return HashFind(G_QueueFeatures_hash, key) != nullptr; }
 
 void AddMissing(const char *key, const char *value) {
-  if (!IsSet(key)) HashPutText(G_QueueFeatures_hash, key, value);
+  if (!IsSet(key))
+    IgnoreResult(HashPutText(G_QueueFeatures_hash, key, value), "the dictionary is there");
 }
 
 bool SheetLies() {
@@ -50,9 +52,10 @@ OrderBoxes ChooseMultipleUp(const std::string &value) {
   const LogScope log("ChooseMultipleUp");
   for (const char *key : {kBooklet, L_Nup, L_NupOrder}) HashRemove(G_QueueFeatures_hash, key);
   if (value == kBooklet) {
-    HashPutText(G_QueueFeatures_hash, kBooklet, "1");
+    IgnoreResult(HashPutText(G_QueueFeatures_hash, kBooklet, "1"), "the dictionary is there");
   } else {
-    HashPutText(G_QueueFeatures_hash, L_Nup, value.c_str());
+    IgnoreResult(HashPutText(G_QueueFeatures_hash, L_Nup, value.c_str()),
+                 "the dictionary is there");
   }
   return CurrentOrderBoxes();
 }

@@ -18,10 +18,11 @@ struct OptionChange {
 // as the queue's value of `feature`, and with it the page order that a change of the orientation
 // asks for. A page size or media type that no longer exists becomes the printer's default. Nothing
 // when nothing changes: a text of no more than a mark, one that no option has, the current choice.
-std::optional<OptionChange> ChangeOption(const char *feature, const std::string &display_string);
+[[nodiscard]] std::optional<OptionChange> ChangeOption(const char *feature,
+                                                       const std::string &display_string);
 
 // The picture beside a list: the one of custom sizes or media, or that of the option.
 std::string PictureOfChoice(const char *feature, const std::string &option, bool is_custom);
 
 // Whether a choice of the feature changes which installable options are in conflict.
-bool ChangesInstallableMarks(const char *feature);
+[[nodiscard]] bool ChangesInstallableMarks(const char *feature);

@@ -37,10 +37,10 @@ const std::vector<ListedFeature> &ListedFeatures();
 
 // Whether the list of the feature is shown for the current printer model at all: resolutions are
 // left alone on models 1 and 2.
-bool IsListFilled(const char *feature);
+[[nodiscard]] bool IsListFilled(const char *feature);
 
 // Whether Defaults of the Options tab sets the resolution: on models 3 to 6.
-bool HaveDefaultsResolution();
+[[nodiscard]] bool HaveDefaultsResolution();
 
 // Replaces a stored page size or media type that neither the printer nor the queue knows by the
 // printer's default, as filling the feature's list does.
@@ -51,12 +51,13 @@ void RepairCustomChoices();
 // there is no such feature. A stored page size or media type that neither the printer nor the queue
 // knows is replaced in the queue's settings by the printer's default. A missing argument ends the
 // process with status 5.
-std::optional<OptionList> G_GetOptionsForFeature(const CHash *features, const char *feature);
+[[nodiscard]] std::optional<OptionList> G_GetOptionsForFeature(const CHash *features,
+                                                               const char *feature);
 
 // The same against settings that were looked at once for several lists; the snapshot is taken anew
 // when a repair changes them.
-std::optional<OptionList> GetOptionsForFeature(const CHash *features, const char *feature,
-                                               std::optional<SettingsSnapshot> &snapshot);
+[[nodiscard]] std::optional<OptionList> GetOptionsForFeature(
+    const CHash *features, const char *feature, std::optional<SettingsSnapshot> &snapshot);
 
 // The identifier of the feature's default option, lent; null when `feature` is null or unknown.
 const CString *G_GetPPDDefaultOptionForFeature(const CHash *features, const char *feature);

@@ -9,6 +9,7 @@
 #include "constraintindex.h"
 #include "cprinter.h"
 #include "cprintqueue.h"
+#include "ignoreresult.h"
 
 Owned<CString> G_CurrentQueue_name;
 Owned<CPrintQueue> G_CurrentQueue;
@@ -103,7 +104,7 @@ std::string OptionDisplayText(const char *feature, const char *option) {
 
 void SetQueueValue(CHash *settings, const char *key, const std::string &value) {
   HashRemove(settings, key);
-  HashPutText(settings, key, value.c_str());
+  IgnoreResult(HashPutText(settings, key, value.c_str()), "the dictionary is there");
 }
 
 std::string QueueFeatureValue(const char *feature) {

@@ -44,14 +44,14 @@ std::string CurrentQueueTypeKey();
 const QueueType &CurrentQueueType();
 
 // Features that are never compared with constraints, neither as choice nor as setting.
-bool IsExemptFeature(const char *feature);
+[[nodiscard]] bool IsExemptFeature(const char *feature);
 
 // The current printer's feature or, failing that, its installable option of that name; lent, null
 // when it has neither.
 const CFeature *PrinterFeature(const char *name);
 
 // Whether `option` is one of the options of `feature` in `features` (main keyword to CFeature).
-bool IsOptionOf(const CHash *features, const char *feature, const char *option);
+[[nodiscard]] bool IsOptionOf(const CHash *features, const char *feature, const char *option);
 
 // What the queue defines itself beside the printer's options.
 enum class CustomKind { kPaper, kMedia };
@@ -74,7 +74,7 @@ extern bool G_CustomMediaIsCurrent;
 
 // Whether the choice is a custom paper size or media type: the feature offers such entries, and the
 // current printer's feature has no such option.
-bool IsCustomChoice(const char *feature, const char *option);
+[[nodiscard]] bool IsCustomChoice(const char *feature, const char *option);
 
 // The display text of a feature; one without a text, or that the current printer lacks, is shown as
 // it is.

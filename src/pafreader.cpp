@@ -8,6 +8,7 @@
 #include "cconstrain.h"
 #include "cfeature.h"
 #include "debug.h"
+#include "ignoreresult.h"
 
 namespace {
 
@@ -289,7 +290,9 @@ State PafParser::EndOptions(std::string_view) {
 State PafParser::EndOption(std::string_view) {
   if (options_ == nullptr) return Fail("#end_option outside an option list");
   if (option_id_ == nullptr || option_translation_ == nullptr) return Fail("incomplete option");
-  fAdd_CHash_Function(options_.get(), std::move(option_id_), std::move(option_translation_));
+  IgnoreResult(
+      fAdd_CHash_Function(options_.get(), std::move(option_id_), std::move(option_translation_)),
+      "table and identifier are there");
   return State::None;
 }
 
@@ -300,7 +303,8 @@ State PafParser::EndFeature(std::string_view) {
     return Fail("incomplete feature");
   }
   CHash *table = installable_ ? content_.installable_options.get() : content_.features.get();
-  fAdd_CHash_Function(table, std::move(feature_id_), std::move(feature_));
+  IgnoreResult(fAdd_CHash_Function(table, std::move(feature_id_), std::move(feature_)),
+               "table and identifier are there");
   installable_ = false;
   return State::None;
 }
@@ -319,7 +323,9 @@ State PafParser::EndCustomPaper(std::string_view line) {
   if (!custom_paper_started_ || !AllPresent(limits_)) return Fail("incomplete custom paper block");
   content_.custom_paper = CreateHash();
   for (size_t i = 0; i < limits_.size(); ++i) {
-    HashPut(content_.custom_paper.get(), L_LimitNames[i], CreateStringWithText(limits_[i]));
+    IgnoreResult(
+        HashPut(content_.custom_paper.get(), L_LimitNames[i], CreateStringWithText(limits_[i])),
+        "the dictionary is there");
   }
   return State::None;
 }
@@ -336,7 +342,8 @@ State PafParser::EndConstraint(std::string_view) {
   constraint_->option1.Share(ends_[1]);
   constraint_->feature2.Share(ends_[2]);
   constraint_->option2.Share(ends_[3]);
-  fAddTail_CList_Function(content_.constraints.get(), std::move(constraint_));
+  IgnoreResult(fAddTail_CList_Function(content_.constraints.get(), std::move(constraint_)),
+               "the list is there");
   return State::None;
 }
 

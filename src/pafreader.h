@@ -27,10 +27,10 @@ struct PafError {
 
 // The whole description or the first error. Every content is accepted or refused; nothing is kept
 // from one call to the next.
-std::variant<PafContent, PafError> ReadPaf(LineReader &lines);
+[[nodiscard]] std::variant<PafContent, PafError> ReadPaf(LineReader &lines);
 
 // Whether the reader takes `line` for a keyword, a comment or a separator instead of a value.
-bool IsPafKeywordLine(std::string_view line);
+[[nodiscard]] bool IsPafKeywordLine(std::string_view line);
 
 // The text between the first and the second ":" of a header line ("##Name:", "##PPD:"), untrimmed;
 // up to the end when there is no second one.

@@ -30,7 +30,7 @@ struct PropertyPage {
 const std::vector<PropertyPage> &PropertyPages();
 
 // The place of a page in that order, from 0; -1 when the program lacks it.
-int PlaceOf(Page page);
+[[nodiscard]] int PlaceOf(Page page);
 
 // The catalogue key of the window's title on the page at `place`; empty out of range.
 std::string PropertiesTitleKey(int place);

@@ -14,4 +14,4 @@ std::string G_GetPixmapNameFor(const char *feature, const std::string &option);
 std::string GetPPDNo(const std::string &name);
 
 // Whether the picture directory holds a file of that name.
-bool IsPicture(const std::string &name);
+[[nodiscard]] bool IsPicture(const std::string &name);

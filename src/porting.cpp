@@ -13,6 +13,7 @@
 #include "debug.h"
 #include "filesystem.h"
 #include "globals.h"
+#include "ignoreresult.h"
 #include "paths.h"
 #include "textencoding.h"
 #include "utils.h"
@@ -55,13 +56,19 @@ bool MayRemove(const char *name, ScriptState script) {
 void SetAside(const char *name) {
   if (L_SetAside == nullptr) L_SetAside = CreateHash();
   Owned<CPrintQueue> queue = CloneOf(HashValue<CPrintQueue>(G_Queues_hash, name));
-  if (queue != nullptr) HashPut(L_SetAside.get(), name, std::move(queue));
+  if (queue != nullptr)
+    IgnoreResult(HashPut(L_SetAside.get(), name, std::move(queue)), "the dictionary is there");
+}
+
+void DeleteUsersFiles(const char *name) {
+  IgnoreResult(G_DeleteAllUsersDefForQueue(name), "a file that cannot be removed is logged");
 }
 
 // The queue comes back as it was when the program started.
 void RestoreQueue(const char *name) {
   Owned<CPrintQueue> queue = CloneOf(HashValue<CPrintQueue>(G_OrgQueues_hash, name));
-  if (queue != nullptr) HashPut(G_Queues_hash, name, std::move(queue));
+  if (queue != nullptr)
+    IgnoreResult(HashPut(G_Queues_hash, name, std::move(queue)), "the dictionary is there");
 }
 
 }  // namespace
@@ -128,9 +135,11 @@ Owned<CList> GetQueueNamesSysV(CList *our_names, CList *errors) {
   Owned<CList> names = CreateList();
   for (const CString *entry : Elements<CString>(entries.get())) {
     const char *name = fGet_CString_Value_Function(entry);
-    fAddHead_CList_Function(names.get(), CreateStringWithValue(name));
+    IgnoreResult(fAddHead_CList_Function(names.get(), CreateStringWithValue(name)),
+                 "the list is there");
     if (our_names != nullptr && OurQueueExistsSysV(name, errors) == 1) {
-      fAddHead_CList_Function(our_names, CreateStringWithValue(name));
+      IgnoreResult(fAddHead_CList_Function(our_names, CreateStringWithValue(name)),
+                   "the list is there");
     }
   }
   return names;
@@ -161,7 +170,7 @@ int RemoveInexistentSystemVQueues(CList *errors) {
 void TakeBackQueuesSetAside() {
   for (const auto [name, queue] : Pairs<CPrintQueue>(L_SetAside.get())) {
     if (HashFind(G_Queues_hash, name) != nullptr) continue;
-    HashPut(G_Queues_hash, name, CloneOf(queue));
+    IgnoreResult(HashPut(G_Queues_hash, name, CloneOf(queue)), "the dictionary is there");
     L_TakenBack.insert(name);
   }
 }
@@ -193,11 +202,11 @@ int DeleteQueuesSysV(const CList *names, CList *errors, const QueueObserver &obs
       result = 0;
     }
     // It is gone already; what belongs to it goes too.
-    if (script == ScriptState::Gone && !HasEntry(name)) G_DeleteAllUsersDefForQueue(name);
+    if (script == ScriptState::Gone && !HasEntry(name)) DeleteUsersFiles(name);
     if (!MayRemove(name, script)) continue;
     if (observer) observer(name, true);
     if (DeleteQueueSysV(name, errors) == 1) {
-      G_DeleteAllUsersDefForQueue(name);
+      DeleteUsersFiles(name);
     } else {
       RestoreQueue(name);
       result = 0;

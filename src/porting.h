@@ -14,14 +14,14 @@ inline constexpr char kMarkerLine[] = "# the following lines are inserted by KPX
 inline constexpr std::string_view kNotInQueueNames = "/\\.,;: '`*@#$=!&|()\"~%^[]{}<>";
 
 // True for the control characters of ASCII.
-bool IsControlCharacter(char c);
+[[nodiscard]] bool IsControlCharacter(char c);
 
 // True when `name` can stand in a command unquoted: not empty, no option, and without
 // those characters, "?" and control characters.
-bool IsCommandSafeName(std::string_view name);
+[[nodiscard]] bool IsCommandSafeName(std::string_view name);
 
 // IsCommandSafeName; a name that is not is reported to `errors` ("ERR_QUEUE_NAME").
-bool CheckCommandSafeName(const char *name, CList *errors);
+[[nodiscard]] bool CheckCommandSafeName(const char *name, CList *errors);
 
 // The interface script of the queue `name`.
 std::string InterfacePath(const std::string &name);
@@ -48,17 +48,17 @@ QueueScript ReadQueueScript(const char *name, CList *errors);
 // The queues that the spooler has only in part, as the start found out. One may be removed and made
 // anew whatever its script says.
 void MarkIncompleteQueue(const char *name);
-bool IsIncompleteQueue(const char *name);  // false for null
+[[nodiscard]] bool IsIncompleteQueue(const char *name);  // false for null
 void ForgetIncompleteQueues();
 
 // The names of all spooler queues (CString), the last directory entry first; copies of ours are
 // put at the head of `our_names`, which may be null. Null when there is no spooler (silently) or
 // its directory cannot be read (reported to `errors`).
-Owned<CList> GetQueueNamesSysV(CList *our_names, CList *errors);
+[[nodiscard]] Owned<CList> GetQueueNamesSysV(CList *our_names, CList *errors);
 
 // 1 when the queue's interface script holds the marker line; 0 when not, when there is no script or
 // `name` is null, and, reported to `errors`, when the script cannot be read.
-int OurQueueExistsSysV(const char *name, CList *errors);
+[[nodiscard]] int OurQueueExistsSysV(const char *name, CList *errors);
 
 // Drops from G_Queues_hash every queue that is not ours in the spooler and not marked as
 // incomplete: silently when its script is gone, with a report to `errors` when the script has lost
@@ -70,14 +70,14 @@ int RemoveInexistentSystemVQueues(CList *errors);
 void TakeBackQueuesSetAside();
 
 // True for a queue that was taken back: no command may be run for it.
-bool WasSetAside(const char *name);
+[[nodiscard]] bool WasSetAside(const char *name);
 
 // The command that removes the queue `name`.
 std::string DeleteQueueCommand(const std::string &name);
 
 // Removes the queue from the spooler: 1; 0, reported to `errors`, when the spooler refuses or the
 // name cannot stand in a command.
-int DeleteQueueSysV(const char *name, CList *errors);
+[[nodiscard]] int DeleteQueueSysV(const char *name, CList *errors);
 
 // Told the name of each queue when its turn comes, with `runs_command` false, and again, with true,
 // before each command that is run for it; may be empty.
@@ -88,4 +88,5 @@ using QueueObserver = std::function<void(const char *name, bool runs_command)>;
 // queue that the spooler keeps comes back into G_Queues_hash as it was at start, and so does one
 // whose script cannot be read, for which nothing is run. 1 when all removals succeeded; 0 after a
 // failure and for a null list.
-int DeleteQueuesSysV(const CList *names, CList *errors, const QueueObserver &observer = {});
+[[nodiscard]] int DeleteQueuesSysV(const CList *names, CList *errors,
+                                   const QueueObserver &observer = {});

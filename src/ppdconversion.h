@@ -11,7 +11,7 @@ enum FileKind { kPpdFile = 1, kPafFile = 2 };
 
 // 1 when the second of the pieces between the dots of `name` is exactly "ppd" (kind 1) or "paf"
 // (kind 2), else 0. Kept on purpose: what follows the second piece does not matter.
-int CheckIfPpdOrPaf(const std::string &name, int kind);
+[[nodiscard]] int CheckIfPpdOrPaf(const std::string &name, int kind);
 
 // The path of the entry `name` of a directory.
 std::string PathIn(const std::string &directory, const std::string &name);
@@ -21,7 +21,7 @@ std::string PafNameOfPpd(const std::string &ppd_name);
 
 // 1 when the file `paf_path` can be read and its first "##PPD:" line names exactly `ppd_name` (a
 // bare file name), else 0.
-int VerifyPafFile(const std::string &ppd_name, const std::string &paf_path);
+[[nodiscard]] int VerifyPafFile(const std::string &ppd_name, const std::string &paf_path);
 
 // Runs the filter program on the two paths and waits for it; 1 whatever the filter's status. A
 // filter that is not executable or a process that cannot be made ends the program with status 7.

@@ -7,6 +7,7 @@
 #include "debug.h"
 #include "filelist.h"
 #include "globals.h"
+#include "ignoreresult.h"
 #include "paths.h"
 #include "porting.h"
 #include "printsettings.h"
@@ -84,7 +85,8 @@ std::string CopiesToPrint(CHash *options) {
   const char *copies = HashText(options, kCopiesKey);
   if (copies != nullptr) return copies;
   Log(2, "The NRCOPIES feature was not founded in the features_hash. Put it with default 1");
-  HashPutText(options, kCopiesKey, L_DefaultCopies);
+  IgnoreResult(HashPutText(options, kCopiesKey, L_DefaultCopies),
+               "without options the default is used all the same");
   return L_DefaultCopies;
 }
 

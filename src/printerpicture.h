@@ -22,4 +22,4 @@ PrinterPicture CurrentPrinterPicture();
 std::string InstalledOfGroup(size_t group);
 
 // Whether the installable option has a place in the picture.
-bool IsInPrinterPicture(const std::string &feature);
+[[nodiscard]] bool IsInPrinterPicture(const std::string &feature);

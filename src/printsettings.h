@@ -10,4 +10,4 @@
 // when the filter would take the same settings anyway (those of G_OrgQueues_hash, under a file of
 // the user's that is there; the copies go on the command). Else the job may not be sent: false,
 // and `errors` says what could not be stored, why, and what to do.
-bool StoreSettings(const std::string &name, const CPrintQueue *queue, CList *errors);
+[[nodiscard]] bool StoreSettings(const std::string &name, const CPrintQueue *queue, CList *errors);

@@ -10,6 +10,7 @@
 #include "cselection.h"
 #include "debug.h"
 #include "globals.h"
+#include "ignoreresult.h"
 #include "optionlists.h"
 #include "optionstate.h"
 #include "printermodels.h"
@@ -34,7 +35,8 @@ void AddMissingDefaults(const CHash *features, CHash *settings, std::string_view
   for (const auto [feature, record] : Pairs<CFeature>(features)) {
     if (feature == except || HashFind(settings, feature) != nullptr) continue;
     const char *usual = fGet_CString_Value_Function(fGet_Default_Function(record));
-    if (usual != nullptr) HashPutText(settings, feature, usual);
+    if (usual != nullptr)
+      IgnoreResult(HashPutText(settings, feature, usual), "the dictionary is there");
   }
 }
 
@@ -128,14 +130,20 @@ void PutBackForPrinting(int copies) {
   SetQueueValue(G_QueueFeatures_hash, "*NrCopies", std::to_string(copies));
   const std::string name = TextOf(G_CurrentQueue_name.get());
   HashRemove(G_Queues_hash, name.c_str());
-  HashPut(G_Queues_hash, name.c_str(), CloneOf(G_CurrentQueue.get()));
+  IgnoreResult(HashPut(G_Queues_hash, name.c_str(), CloneOf(G_CurrentQueue.get())),
+               "the dictionary is there");
 }
 
 void PutBackIdentity(const QueueIdentity &identity) {
   CPrintQueue *queue = G_CurrentQueue.get();
-  fSet_AddressType_Function(queue, CreateStringWithValue(kTcpIpTransport).get());
-  fSet_Address_Function(queue, CreateStringWithValue(identity.address.c_str()).get());
-  fSet_DefFile_Function(queue, CreateStringWithValue((identity.name + ".def").c_str()).get());
+  IgnoreResult(fSet_AddressType_Function(queue, CreateStringWithValue(kTcpIpTransport).get()),
+               "the record is there");
+  IgnoreResult(fSet_Address_Function(queue, CreateStringWithValue(identity.address.c_str()).get()),
+               "the record is there");
+  IgnoreResult(
+      fSet_DefFile_Function(queue, CreateStringWithValue((identity.name + ".def").c_str()).get()),
+      "the record is there");
   G_CurrentQueue_name = CreateStringWithValue(identity.name.c_str());
-  HashPut(G_Queues_hash, identity.name.c_str(), CloneOf(queue));
+  IgnoreResult(HashPut(G_Queues_hash, identity.name.c_str(), CloneOf(queue)),
+               "the dictionary is there");
 }

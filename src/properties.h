@@ -19,7 +19,7 @@ std::string SelectedQueueName(const CList *selections);
 // Makes the queue of G_Queues_hash and its printer current: a work copy, completed by
 // AddDefaultSettings. True; false with nothing current, and `error` set to what to tell the user
 // (empty when there is no such queue).
-bool OpenProperties(const std::string &queue_name, std::string *error);
+[[nodiscard]] bool OpenProperties(const std::string &queue_name, std::string *error);
 
 // Gives work copy and name up and makes no printer current.
 void CloseProperties();
@@ -34,7 +34,7 @@ void RemoveDefaultSettings();
 
 // Sets the work copy's value of the feature to the printer's default.
 enum class DefaultResult { kSame, kChanged, kNoDefault };
-DefaultResult SetToDefault(const char *feature);
+[[nodiscard]] DefaultResult SetToDefault(const char *feature);
 
 // Removes what only text queues have: pages a sheet, their order, booklet.
 void RemoveMultipleUpSettings();

@@ -8,6 +8,7 @@
 #include "debug.h"
 #include "deffile.h"
 #include "globals.h"
+#include "ignoreresult.h"
 #include "interfacescript.h"
 #include "language.h"
 #include "paths.h"
@@ -47,9 +48,10 @@ void UpdateAddress(const char *name, CPrintQueue *queue, const std::string &scri
   if (!wanted) G_Report(nullptr, "ERR_ADDRESS_NOT_CHANGED", {name});
   // The saved list tells the address that the spooler really uses.
   if (is_changed) {
-    fSet_Address_Function(queue, old_address);
+    IgnoreResult(fSet_Address_Function(queue, old_address), "queue and address are there");
   } else if (const std::optional<std::string> used = NetworkAddressOf(script)) {
-    fSet_Address_Function(queue, CreateStringWithValue(used->c_str()).get());
+    IgnoreResult(fSet_Address_Function(queue, CreateStringWithValue(used->c_str()).get()),
+                 "queue and address are there");
   }
 }
 

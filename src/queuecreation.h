@@ -14,8 +14,8 @@ std::vector<SpoolerCommand> CreateQueueCommands(const std::string &name, const s
 // Makes the queue in the spooler from the interface of `model`: 1 once it exists; 0 when the first
 // command fails or the name cannot stand in a command. Every failed command is reported to
 // `errors`. The `observer` is told of each command.
-int AddQueueSysV(const char *name, const char *model, CList *errors,
-                 const QueueObserver &observer = {});
+[[nodiscard]] int AddQueueSysV(const char *name, const char *model, CList *errors,
+                               const QueueObserver &observer = {});
 
 // Makes every queue of G_Queues_hash that the spooler does not have as ours, or that is marked as
 // incomplete, and puts the queue's
@@ -23,4 +23,4 @@ int AddQueueSysV(const char *name, const char *model, CList *errors,
 // not that of the start. A queue that cannot be made is taken out of G_Queues_hash. Nothing is run
 // for a queue whose script cannot be read. 1 when nothing failed; 0 otherwise, reported to
 // `errors`. A failed change of an address leaves the result and takes the queue's address back.
-int AddQueuesSysV(CList *errors, const QueueObserver &observer = {});
+[[nodiscard]] int AddQueuesSysV(CList *errors, const QueueObserver &observer = {});

@@ -13,6 +13,7 @@
 #include "textencoding.h"
 #include "textfile.h"
 #include "textline.h"
+#include "utils.h"
 
 namespace {
 
@@ -78,7 +79,7 @@ int KeepQueueList(const std::string &list_path, CList *errors) {
 
 void DropKeptQueueList(const std::string &list_path) {
   const LogScope log("DropKeptQueueList");
-  unlink(KeptQueueListPath(list_path).c_str());
+  RemoveFile(KeptQueueListPath(list_path));
 }
 
 bool IsWholeQueueList(std::string_view text) {

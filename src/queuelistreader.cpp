@@ -3,6 +3,7 @@
 #include "ccmtparams.h"
 #include "ccpsparams.h"
 #include "debug.h"
+#include "ignoreresult.h"
 #include "textline.h"
 
 namespace {
@@ -42,6 +43,9 @@ struct Keyword {
   bool repeats = false;  // plain lines keep their meaning until the next keyword
 };
 
+// Why a step may leave something out.
+constexpr char L_SeenAtItsEnd[] = "a queue that lacks something is refused at its end";
+
 void StartQueue(Reader &reader) { reader.queue = CreatePrintQueue(); }
 
 template <Owned<CHash> Reader::*table>
@@ -51,13 +55,13 @@ void StartTable(Reader &reader) {
 
 template <int (*set)(CPrintQueue *, const CHash *), Owned<CHash> Reader::*table>
 void StoreTable(Reader &reader) {
-  set(reader.queue.get(), (reader.*table).get());
+  IgnoreResult(set(reader.queue.get(), (reader.*table).get()), L_SeenAtItsEnd);
   (reader.*table).reset();
 }
 
 template <int (*set)(CPrintQueue *, const CString *)>
 void StoreText(Reader &reader, const std::string &line) {
-  set(reader.queue.get(), CreateStringWithValue(line.c_str()).get());
+  IgnoreResult(set(reader.queue.get(), CreateStringWithValue(line.c_str()).get()), L_SeenAtItsEnd);
 }
 
 template <std::optional<std::string> Reader::*member>
@@ -78,7 +82,9 @@ void KeepMediaName(Reader &reader, const std::string &line) {
 template <Owned<CHash> Reader::*table>
 void AddPair(Reader &reader, const std::string &line) {
   const std::optional<std::string> value = ReadOptionValue(reader.lines);
-  if (value) HashPutText((reader.*table).get(), line.c_str(), value->c_str());
+  if (value)
+    IgnoreResult(HashPutText((reader.*table).get(), line.c_str(), value->c_str()),
+                 "the keyword has made the table");
 }
 
 void EndPaper(Reader &reader) {
@@ -86,8 +92,9 @@ void EndPaper(Reader &reader) {
     reader.fault = "incomplete custom paper size";
     return;
   }
-  HashPut(reader.papers.get(), reader.paper_name->c_str(),
-          CreateCpsParams(reader.width, reader.length));
+  IgnoreResult(HashPut(reader.papers.get(), reader.paper_name->c_str(),
+                       CreateCpsParams(reader.width, reader.length)),
+               "the dictionary is there");
 }
 
 void EndMedia(Reader &reader) {
@@ -95,8 +102,9 @@ void EndMedia(Reader &reader) {
     reader.fault = "incomplete custom media type";
     return;
   }
-  HashPut(reader.medias.get(), reader.media_name->c_str(),
-          CreateCmtParams(CreateStringWithValue(reader.media_gui_name->c_str())));
+  IgnoreResult(HashPut(reader.medias.get(), reader.media_name->c_str(),
+                       CreateCmtParams(CreateStringWithValue(reader.media_gui_name->c_str()))),
+               "the dictionary is there");
 }
 
 void EndQueue(Reader &reader) {
@@ -104,7 +112,8 @@ void EndQueue(Reader &reader) {
     reader.fault = "incomplete queue";
     return;
   }
-  HashPut(reader.queues, reader.queue_name->c_str(), std::move(reader.queue));
+  IgnoreResult(HashPut(reader.queues, reader.queue_name->c_str(), std::move(reader.queue)),
+               "the dictionary is there");
   reader.queue_name.reset();
 }
 

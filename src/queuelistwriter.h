@@ -14,5 +14,5 @@ std::string QueueListText(const CHash *queues, int *left_out);
 
 // Write the header alone, or the list of `queues`, over the file `path`: true; false, reported to
 // `errors` (may be null), when it does not hold all of it.
-bool WriteHeader(const char *path, CList *errors = nullptr);
-bool WriteQueueList(const char *path, const CHash *queues, CList *errors = nullptr);
+[[nodiscard]] bool WriteHeader(const char *path, CList *errors = nullptr);
+[[nodiscard]] bool WriteQueueList(const char *path, const CHash *queues, CList *errors = nullptr);

@@ -7,16 +7,16 @@
 #include "clist.h"
 
 // 1 when some CString of the list equals `text` exactly, else 0; 0 for null arguments.
-int G_IsStringInCList(const CList *list, const char *text);
+[[nodiscard]] int G_IsStringInCList(const CList *list, const char *text);
 
 // 1 when no queue of the working set and none of the spooler, ours or not, has the name, or when it
 // is that of the queue whose properties are open; else 0. What the spooler's directory refuses is
 // reported to `errors`.
-int G_CheckUniqueQueueName(const char *name, CList *errors);
+[[nodiscard]] int G_CheckUniqueQueueName(const char *name, CList *errors);
 
 // A free name for a clone of the queue: "CopyOf_<name>", else "Copy2Of_<name>" and so on.
 std::string BuildCloneName(const char *name);
 
 // The spooler kind of a queue of the working set, or else of the set found at start: 2 "CUPS",
 // 1 "LPRng", 0 anything else and an unknown queue. A record without one is reported.
-int G_GetQueuePrnSys(const char *name);
+[[nodiscard]] int G_GetQueuePrnSys(const char *name);

@@ -11,7 +11,7 @@ inline constexpr char kRequestVariable[] = "KPX_REQUEST";
 
 // Whether `request` can name a file: a queue's name, "-" and a number, in UTF-8, without "/" and
 // control characters, at most 255 bytes.
-bool IsRequestName(std::string_view request);
+[[nodiscard]] bool IsRequestName(std::string_view request);
 
 // The directory of the files of a user's requests, one a request, each called as the request is.
 // `users_directory` has no "/" at its end. Empty for a login name that would lead elsewhere. It

@@ -8,6 +8,7 @@
 #include "debug.h"
 #include "deffile.h"
 #include "globals.h"
+#include "ignoreresult.h"
 #include "porting.h"
 #include "queuecreation.h"
 #include "queuelistkeep.h"
@@ -63,7 +64,8 @@ void BringSpoolerInLine(const CList *deleted, CList *errors, const SaveObserver 
   const Owned<CList> none = CreateList();
   const CList *names = deleted == nullptr ? none.get() : deleted;
   if (DeleteQueuesSysV(names, errors, steps.Counting("SAVE_REMOVING")) == 1) {
-    AddQueuesSysV(errors, steps.Counting("SAVE_CREATING"));
+    IgnoreResult(AddQueuesSysV(errors, steps.Counting("SAVE_CREATING")),
+                 "what was not made is in `errors`; the list is written all the same");
   }
 }
 
@@ -71,8 +73,8 @@ void BringSpoolerInLine(const CList *deleted, CList *errors, const SaveObserver 
 void EndSave(const std::string &list) {
   DropIntention(list);
   DropKeptQueueList(list);
-  // Should this fail, the next start finishes the save once more, which changes nothing.
-  SyncDirectoryOf(list);
+  IgnoreResult(SyncDirectoryOf(list),
+               "the next start finishes the save once more, which changes nothing");
 }
 
 }  // namespace
@@ -96,7 +98,8 @@ SaveResult SaveQueues(const CList *deleted, CList *errors, const SaveObserver &o
   }
   // Before the first queue is made: no job ever runs without its queue's settings. What cannot be
   // written is told when all are written once more at the end.
-  WriteQueueDefFiles(G_Queues_hash, errors, true);
+  IgnoreResult(WriteQueueDefFiles(G_Queues_hash, errors, true),
+               "all are written once more at the end");
   BringSpoolerInLine(deleted, errors, observer);
   const int list_written = fWriteToPaf_Function(G_Queues.get(), errors);
   const int options_written = fWriteAllToDef_Function(G_Queues.get(), errors);

@@ -22,7 +22,7 @@ struct BlockReading {
 BlockReading ReadInterfaceBlock(std::string_view script);
 
 // True for a script that the spooler bridge of this host made from one of its models.
-bool IsFromBridge(std::string_view script);
+[[nodiscard]] bool IsFromBridge(std::string_view script);
 
 // The model that such a script was made from, as the spooler names it; empty for another.
 std::string ModelOfScript(std::string_view script);

@@ -13,4 +13,4 @@ std::string StdinDataFileName(pid_t pid);
 // alone); 0 with a message (at most 1023 bytes) in `error_text`, and a partly written file stays. A
 // terminating signal that nobody handles yet (SIGHUP, SIGINT, SIGTERM) removes the file before it
 // ends the program.
-int GetStdinData(std::string *name, std::string *error_text);
+[[nodiscard]] int GetStdinData(std::string *name, std::string *error_text);

@@ -7,7 +7,7 @@
 #include <string_view>
 
 // True when `bytes` is well-formed UTF-8 (RFC 3629: no overlong forms, no surrogates).
-bool IsValidUtf8(std::string_view bytes);
+[[nodiscard]] bool IsValidUtf8(std::string_view bytes);
 
 // `bytes` read as ISO-8859-1.
 std::string Utf8FromLatin1(std::string_view bytes);
@@ -44,20 +44,20 @@ class LineReader {
       : rest_(buffer), form_(form) {}
 
   // The next line without its line feed, or nothing at the end. A carriage return stays.
-  std::optional<std::string> Next();
+  [[nodiscard]] std::optional<std::string> Next();
 
   // The same line, lent until the next call.
-  std::optional<std::string_view> NextView();
+  [[nodiscard]] std::optional<std::string_view> NextView();
 
   // The next line for the files whose lines must all end in a line feed: the last character read
   // counts as the line feed, so the file's last line loses a character when it has none.
-  std::optional<std::string> NextDroppingLast();
+  [[nodiscard]] std::optional<std::string> NextDroppingLast();
 
   // Whether the line handed out last ended in a line feed.
-  bool HadLineFeed() const { return had_line_feed_; }
+  [[nodiscard]] bool HadLineFeed() const { return had_line_feed_; }
 
   // Whether nothing is left.
-  bool AtEnd() const { return rest_.empty(); }
+  [[nodiscard]] bool AtEnd() const { return rest_.empty(); }
 
   // The number of the line handed out last, from 1; pieces of a long line share theirs.
   int LineNumber() const { return line_number_; }
@@ -72,7 +72,7 @@ class LineReader {
 
 // The whole content of a readable regular file or pipe; nothing (and errno) when it cannot be
 // opened or read, a directory included.
-std::optional<std::string> ReadWholeFile(const std::string &path);
+[[nodiscard]] std::optional<std::string> ReadWholeFile(const std::string &path);
 
 // The same of its first at most `max_bytes` bytes.
-std::optional<std::string> ReadFileStart(const std::string &path, size_t max_bytes);
+[[nodiscard]] std::optional<std::string> ReadFileStart(const std::string &path, size_t max_bytes);

@@ -11,31 +11,33 @@
 #include <vector>
 
 // Writes all of `text`, however many calls it takes. False, with errno, when that failed.
-bool WriteWhole(int descriptor, std::string_view text);
+[[nodiscard]] bool WriteWhole(int descriptor, std::string_view text);
 
 // OverwriteFile and ReplaceFile return true when all of the text arrived and the file was closed in
 // order; else false and errno.
 
 // Empties or makes the file and writes `text` to it. A new file has exactly the mode `mode`. A
 // symbolic link is followed: only for directories where no stranger may write.
-bool OverwriteFile(const std::string &path, std::string_view text, mode_t mode);
+[[nodiscard]] bool OverwriteFile(const std::string &path, std::string_view text, mode_t mode);
 
 // How far WriteNewFile came.
 enum class NewFile { Written, NotMade, NotWritten };
 
 // Removes what stands at `path`, makes a new file there with the owner, group and mode of `like`,
 // writes `text` to it and flushes it to the disk. A file that could not be written whole stays.
-NewFile WriteNewFile(const std::string &path, std::string_view text, const struct stat &like);
+[[nodiscard]] NewFile WriteNewFile(const std::string &path, std::string_view text,
+                                   const struct stat &like);
 
 // Renames `from` to `to`, in one directory, and flushes the directory to the disk: true; false,
 // with errno, when one of the two failed.
-bool RenameDurably(const std::string &from, const std::string &to);
+[[nodiscard]] bool RenameDurably(const std::string &from, const std::string &to);
 
 // Appends `text` to the script at `path`, or makes it: a whole new file, written to `temporary`
 // beside it with the script's owner, group and mode and flushed to the disk, takes its place. True;
 // false, with errno, and the script as it was, when that failed or the script cannot be opened for
 // appending, as a symbolic link cannot.
-bool AppendDurably(const std::string &path, std::string_view text, const std::string &temporary);
+[[nodiscard]] bool AppendDurably(const std::string &path, std::string_view text,
+                                 const std::string &temporary);
 
 // Who else may use a file that ReplaceFile writes.
 struct FileAccess {
@@ -47,12 +49,15 @@ struct FileAccess {
 // Writes a new file beside `path` and renames it into place, so that a reader finds the old text or
 // the new one, never half of one. What stood at `path`, a symbolic link too, is replaced. Not
 // flushed to the disk.
-bool ReplaceFile(const std::string &path, std::string_view text, const FileAccess &access);
+[[nodiscard]] bool ReplaceFile(const std::string &path, std::string_view text,
+                               const FileAccess &access);
 
 // The same, flushed to the disk before and after the renaming: whatever ends the machine, the old
 // text or the new one is there. With `like`, the file has the owner, group and mode of that one.
-bool ReplaceFileDurably(const std::string &path, std::string_view text, const FileAccess &access);
-bool ReplaceFileDurably(const std::string &path, std::string_view text, const struct stat &like);
+[[nodiscard]] bool ReplaceFileDurably(const std::string &path, std::string_view text,
+                                      const FileAccess &access);
+[[nodiscard]] bool ReplaceFileDurably(const std::string &path, std::string_view text,
+                                      const struct stat &like);
 
 // A file of ReplaceFilesDurably.
 struct FileContent {
@@ -68,8 +73,8 @@ std::vector<std::string> ReplaceFilesDurably(const std::vector<FileContent> &fil
 
 // Flushes the directory that holds `path` to the disk, so that what was renamed or removed in it
 // stays so. False, with errno, when that failed; true where a file system has no such thing.
-bool SyncDirectoryOf(const std::string &path);
+[[nodiscard]] bool SyncDirectoryOf(const std::string &path);
 
 // The content of a regular file that the effective user or the superuser owns; nothing for any
 // other, a symbolic link included.
-std::optional<std::string> ReadOwnFile(const std::string &path);
+[[nodiscard]] std::optional<std::string> ReadOwnFile(const std::string &path);

@@ -7,7 +7,7 @@
 #include <vector>
 
 // True for the lines that the readers skip: empty ones and those that begin with "##".
-bool IsCommentOrEmpty(std::string_view line);
+[[nodiscard]] bool IsCommentOrEmpty(std::string_view line);
 
 // A setting as option files and the spooler's options hold it.
 struct KeyValue {
@@ -16,7 +16,7 @@ struct KeyValue {
 
 // The setting of a text "key=value". The value ends at a second "=". Nothing when there is no "="
 // or no key before it.
-std::optional<KeyValue> KeyValueOf(std::string_view text);
+[[nodiscard]] std::optional<KeyValue> KeyValueOf(std::string_view text);
 
 // The settings of an option file's text, in their order. Lines that the readers skip and those
 // without a setting are left out.

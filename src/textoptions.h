@@ -29,4 +29,5 @@ std::string ClampedFontSize(const std::string &text);
 
 // Stores the AFM name of a font and style, and the size as it stands, in the work copy. False, and
 // nothing stored, when there is no such font and style.
-bool StoreTextOptions(const std::string &font, const std::string &style, const std::string &size);
+[[nodiscard]] bool StoreTextOptions(const std::string &font, const std::string &style,
+                                    const std::string &size);

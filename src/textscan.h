@@ -11,7 +11,7 @@ inline std::string_view Trimmed(std::string_view text, std::string_view blanks =
 }
 
 // The value of a hexadecimal digit, -1 for another character.
-inline int HexValue(char c) {
+[[nodiscard]] inline int HexValue(char c) {
   if (c >= '0' && c <= '9') return c - '0';
   if (c >= 'A' && c <= 'F') return c - 'A' + 10;
   if (c >= 'a' && c <= 'f') return c - 'a' + 10;

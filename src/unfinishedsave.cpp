@@ -7,11 +7,13 @@
 
 #include "cmessages.h"
 #include "debug.h"
+#include "ignoreresult.h"
 #include "queuelistreader.h"
 #include "queuelistwriter.h"
 #include "textencoding.h"
 #include "textfile.h"
 #include "textline.h"
+#include "utils.h"
 
 namespace {
 
@@ -40,7 +42,9 @@ std::optional<Intention> ReadIntention(std::string_view text) {
   Intention intention{CreateHash(), CreateList()};
   if (ReadQueueList(text, intention.queues.get())) return std::nullopt;
   for (const std::string &name : *removals) {
-    fAddTail_CList_Function(intention.removed.get(), CreateStringWithValue(name.c_str()));
+    IgnoreResult(
+        fAddTail_CList_Function(intention.removed.get(), CreateStringWithValue(name.c_str())),
+        "the list is there");
   }
   return intention;
 }
@@ -85,7 +89,7 @@ bool KeepIntention(const std::string &list_path, const CHash *queues, const CLis
 
 void DropIntention(const std::string &list_path) {
   const LogScope log("DropIntention");
-  unlink(IntentionPath(list_path).c_str());
+  RemoveFile(IntentionPath(list_path));
 }
 
 Owned<CList> LoadIntention(CPrintQueues *collection, CList *messages) {
@@ -102,7 +106,7 @@ Owned<CList> LoadIntention(CPrintQueues *collection, CList *messages) {
     G_Report(messages, "WARN_SAVE_UNKNOWN", {path});
     return nullptr;
   }
-  FillQueuesFromText(collection, *text, path);
+  IgnoreResult(FillQueuesFromText(collection, *text, path), "a faulty text ends the process");
   G_Report(messages, "WARN_SAVE_UNFINISHED");
   return std::move(intention->removed);
 }

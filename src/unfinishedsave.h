@@ -21,12 +21,12 @@ std::string IntentionPath(const std::string &list_path);
 std::string IntentionText(const CHash *queues, const CList *removed);
 
 // The names that an intention's text removes; nothing when it is not whole.
-std::optional<std::vector<std::string>> RemovalsOf(std::string_view intention);
+[[nodiscard]] std::optional<std::vector<std::string>> RemovalsOf(std::string_view intention);
 
 // Writes the intention, with the list's owner and mode, flushed to the disk: true; false, reported
 // to `errors`, when it cannot be written. Then an older one is still there.
-bool KeepIntention(const std::string &list_path, const CHash *queues, const CList *removed,
-                   CList *errors);
+[[nodiscard]] bool KeepIntention(const std::string &list_path, const CHash *queues,
+                                 const CList *removed, CList *errors);
 
 // Removes the intention.
 void DropIntention(const std::string &list_path);
@@ -34,4 +34,4 @@ void DropIntention(const std::string &list_path);
 // Fills the collection with the queues of the intention beside its list, says so to `messages`, and
 // returns the names to remove (CString, not null): an interrupted save is to be finished. Null,
 // with the collection as it was, when there is none or, told to `messages`, it cannot be used.
-Owned<CList> LoadIntention(CPrintQueues *collection, CList *messages);
+[[nodiscard]] Owned<CList> LoadIntention(CPrintQueues *collection, CList *messages);

@@ -13,6 +13,8 @@
 
 #include "cstring.h"
 #include "debug.h"
+#include "ignoreresult.h"
+#include "textencoding.h"
 #include "uninterrupted.h"
 
 namespace {
@@ -23,6 +25,11 @@ struct DirectoryCloser {
 
 const passwd *FindUser(const char *user) {
   return user == nullptr ? getpwuid(geteuid()) : getpwnam(user);
+}
+
+// `path` and what is wrong with it, with the system's words for errno.
+void LogFailure(const std::string &path, const char *fault) {
+  Log(1, path + " " + fault + ": " + DecodeLine(std::strerror(errno)));
 }
 
 }  // namespace
@@ -59,7 +66,8 @@ Owned<CList> GetFilesFromDir(const char *path) {
     const dirent *entry = readdir(directory.get());
     if (entry == nullptr) break;
     if (std::strcmp(entry->d_name, ".") == 0 || std::strcmp(entry->d_name, "..") == 0) continue;
-    fAddTail_CList_Function(names.get(), CreateStringWithValue(entry->d_name));
+    IgnoreResult(fAddTail_CList_Function(names.get(), CreateStringWithValue(entry->d_name)),
+                 "the list is there");
   }
   return errno == 0 ? std::move(names) : nullptr;
 }
@@ -67,6 +75,10 @@ Owned<CList> GetFilesFromDir(const char *path) {
 bool IsDirectory(const std::string &path) {
   struct stat status = {};
   return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+void RemoveFile(const std::string &path) {
+  if (unlink(path.c_str()) != 0 && errno != ENOENT) LogFailure(path, "cannot be removed");
 }
 
 int DeleteFilesFromDir(const char *dir, const CList *names, const char *pattern) {
@@ -78,19 +90,23 @@ int DeleteFilesFromDir(const char *dir, const CList *names, const char *pattern)
     const std::string path = std::string(dir) + "/" + name;
     if (IsDirectory(path)) continue;
     if (pattern != nullptr && std::strstr(name, pattern) == nullptr) continue;
-    std::remove(path.c_str());
+    RemoveFile(path);
   }
   return 1;
 }
 
 int DeleteFilesEndingIn(const char *dir, const char *suffix) {
   const LogScope log("DeleteFilesEndingIn");
+  if (dir == nullptr || suffix == nullptr) return 0;
   const Owned<CList> all = GetFilesFromDir(dir);
-  if (all == nullptr || suffix == nullptr) return 0;
+  if (all == nullptr) {
+    LogFailure(dir, "cannot be read");
+    return 0;
+  }
   const Owned<CList> names = CreateList();
   for (const CString *element : Elements<CString>(all.get())) {
     if (!element->value.View().ends_with(suffix)) continue;
-    fAddTail_CList_Function(names.get(), CloneOf(element));
+    IgnoreResult(fAddTail_CList_Function(names.get(), CloneOf(element)), "the list is there");
   }
   return DeleteFilesFromDir(dir, names.get(), suffix);
 }

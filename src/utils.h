@@ -14,19 +14,22 @@ const char *GetHomeDir(const char *user);
 
 // Writes "<login name>:<queue>" to `out`: 1; 0 and no change when the user is unknown or `queue` or
 // `out` is null.
-int BuildUserDefFileName(const char *user, const char *queue, std::string *out);
+[[nodiscard]] int BuildUserDefFileName(const char *user, const char *queue, std::string *out);
 
 // The names (CString) of a directory's entries except "." and "..", in the directory's own order;
 // null when `path` is null or cannot be read.
-Owned<CList> GetFilesFromDir(const char *path);
+[[nodiscard]] Owned<CList> GetFilesFromDir(const char *path);
 
 // True when `path` is a directory or a symbolic link to one.
-bool IsDirectory(const std::string &path);
+[[nodiscard]] bool IsDirectory(const std::string &path);
+
+// Removes the file, if it is there. One that cannot be removed stays and is logged.
+void RemoveFile(const std::string &path);
 
 // Removes the named files of `dir` that are no directories and, when there is a `pattern`, contain
-// it. What cannot be removed stays. 1; 0 when `dir` or `names` is null.
-int DeleteFilesFromDir(const char *dir, const CList *names, const char *pattern);
+// it. What cannot be removed stays and is logged. 1; 0 when `dir` or `names` is null.
+[[nodiscard]] int DeleteFilesFromDir(const char *dir, const CList *names, const char *pattern);
 
-// Removes the files of `dir` whose names end in `suffix`, as above. 1; 0 when `dir` cannot be read
-// or an argument is null.
-int DeleteFilesEndingIn(const char *dir, const char *suffix);
+// Removes the files of `dir` whose names end in `suffix`, as above. 1; 0 when `dir` cannot be read,
+// which is logged, or an argument is null.
+[[nodiscard]] int DeleteFilesEndingIn(const char *dir, const char *suffix);

@@ -18,7 +18,7 @@ enum class ConnectEnd {
   kStopped,      // the stop request came
 };
 
-struct ConnectResult {
+struct [[nodiscard]] ConnectResult {
   ConnectEnd end = ConnectEnd::kUnreachable;
   Descriptor socket;   // connected, non-blocking, with keep-alive on; none unless kConnected
   std::string peer;    // the numeric address connected to

@@ -21,7 +21,7 @@ enum class MoveEnd {
   kBroken,       // `error` came from the connection
 };
 
-struct MoveResult {
+struct [[nodiscard]] MoveResult {
   MoveEnd end;
   std::size_t count = 0;
   int error = 0;
@@ -43,16 +43,16 @@ class JobInput {
 
   // True when nothing more can come and everything went to the socket. Reads nothing; false while
   // the input has not told its end.
-  bool AtEnd() const;
+  [[nodiscard]] bool AtEnd() const;
 
   // Makes the job's first byte the next one again; false when the input cannot give it again.
-  bool Rewind();
+  [[nodiscard]] bool Rewind();
 
  private:
   // How data moves once buffer_ is full.
   enum class Way { kSplice, kSendfile, kCopy };
 
-  bool Ready() const;
+  [[nodiscard]] bool Ready() const;
   MoveResult Fill();
   MoveResult SendBuffer(int socket);
   MoveResult SpliceTo(int socket);

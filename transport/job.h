@@ -19,5 +19,5 @@ enum class Outcome {
 // Sends the data of `input` (lent, read from its current position) to `destination`. `stop` is
 // lent: a descriptor that becomes readable when the transfer shall end, or -1. The first data is
 // awaited before the printer is called, because a printer serves one caller at a time.
-Outcome CarryJob(const Destination &destination, int input, const Limits &limits,
-                 const Report &report, int stop);
+[[nodiscard]] Outcome CarryJob(const Destination &destination, int input, const Limits &limits,
+                               const Report &report, int stop);

@@ -15,7 +15,7 @@ enum class SendEnd {
   kStopped,      // `stop` became readable
 };
 
-struct SendResult {
+struct [[nodiscard]] SendResult {
   SendEnd end = SendEnd::kBroken;
   std::string reason;              // in words, for kBroken and kInputFailed
   std::uint64_t acknowledged = 0;  // bytes that reached the printer

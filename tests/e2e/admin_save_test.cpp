@@ -3,6 +3,7 @@
 // byte.
 #include <pwd.h>
 
+#include "must.h"
 #include "printerjobs.h"
 #include "propertiesdriver.h"
 #include "savedqueues.h"
@@ -143,7 +144,7 @@ TEST_F(AdminSave, ARenamedQueueIsANewOneAndTheOldOneStaysInTheSpoolerUntilItIsDe
 TEST_F(AdminSave, ACloneHasTheOptionsOfItsQueueAndAScriptOfItsOwn) {
   AddAndSave({{.name = "lp1", .address = "10.0.0.1"}});
   const Owned<CHash> queues = CreateHash();
-  HashPut(queues.get(), "lp1", MakeFullQueue());
+  Must(HashPut(queues.get(), "lp1", MakeFullQueue()));
   int left_out = 0;
   const std::string list = QueueListText(queues.get(), &left_out);
   std::ofstream(kQueuesFile) << list;

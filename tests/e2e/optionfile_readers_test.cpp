@@ -11,6 +11,7 @@
 #include "cprintqueues.h"
 #include "deffile.h"
 #include "descriptor.h"
+#include "must.h"
 #include "spoolerstandin.h"
 
 namespace {
@@ -21,8 +22,8 @@ using Texts = std::set<std::string>;
 Owned<CPrintQueue> QueueWithOptions(const std::string &name, const std::string &value) {
   Owned<CPrintQueue> queue = MakeQueue({.name = name});
   for (int i = 0; i < 400; ++i) {
-    HashPutText(queue->Options.get(), ("*Feature" + std::to_string(1000 + i)).c_str(),
-                (value + std::string(16, '.')).c_str());
+    Must(HashPutText(queue->Options.get(), ("*Feature" + std::to_string(1000 + i)).c_str(),
+                     (value + std::string(16, '.')).c_str()));
   }
   return queue;
 }
@@ -115,7 +116,7 @@ TEST_F(OptionFileReaders, NeverFindPartOfAFileWhileAllQueuesAreWritten) {
                                               CreatePrintQueues(kQueuesFile)};
   for (int i = 0; i < 2; ++i) {
     collections[i]->queues = CreateHash();
-    HashPut(fGetPrintQueues_Function(collections[i].get()), "lp1", CloneOf(queues_[i].get()));
+    Must(HashPut(fGetPrintQueues_Function(collections[i].get()), "lp1", CloneOf(queues_[i].get())));
   }
   Reader reader(QueueFile("lp1.def"));
   WriteWhileReading(
@@ -129,7 +130,7 @@ TEST_F(OptionFileReaders, NeverFindPartOfAFileWhileKPXadminSaves) {
   Reader reader(QueueFile("lp1.def"));
   for (int save = 0; save < 10; ++save) {
     const Owned<CHash> hash = CreateHash();
-    HashPut(hash.get(), "lp1", CloneOf(queues_[save % 2].get()));
+    Must(HashPut(hash.get(), "lp1", CloneOf(queues_[save % 2].get())));
     int left_out = 0;
     std::ofstream(kQueuesFile) << QueueListText(hash.get(), &left_out);
     AdminApp app;

@@ -6,7 +6,9 @@
 #include "command.h"
 #include "cprintqueues.h"
 #include "deffile.h"
+#include "ignoreresult.h"
 #include "interfacescript.h"
+#include "must.h"
 #include "printedjobs.h"
 #include "privateworld.h"
 #include "queuecreation.h"
@@ -56,7 +58,8 @@ class QueuesInARealSpooler : public testing::Test {
     TakeSnapshot();
   }
   ~QueuesInARealSpooler() override {
-    DeleteQueuesSysV(ListOf({"ps1", "raw1"}).get(), errors_.get());
+    IgnoreResult(DeleteQueuesSysV(ListOf({"ps1", "raw1"}).get(), errors_.get()),
+                 "not every test has both");
     G_Queues_hash = G_OrgQueues_hash = nullptr;
     G_Queues.reset();
     G_OrgQueues.reset();
@@ -68,11 +71,11 @@ class QueuesInARealSpooler : public testing::Test {
   }
 
   static void Put(const QueueValues &values) {
-    HashPut(G_Queues_hash, values.name.c_str(), MakeQueue(values));
+    Must(HashPut(G_Queues_hash, values.name.c_str(), MakeQueue(values)));
   }
 
   static void ChangeAddress(const char *queue, const char *address) {
-    fSet_Address_Function(HashValue<CPrintQueue>(G_Queues_hash, queue), Text(address).get());
+    Must(fSet_Address_Function(HashValue<CPrintQueue>(G_Queues_hash, queue), Text(address).get()));
   }
 
   // The job that the printer gets when `content` is printed to the queue.

@@ -17,6 +17,7 @@
 #include "faultinjection.h"
 #include "globals.h"
 #include "loadqueues.h"
+#include "must.h"
 #include "paths.h"
 #include "queuesupport.h"
 #include "savequeues.h"
@@ -145,7 +146,7 @@ class SaveKill : public testing::Test {
   }
 
   static void Put(const std::string &name, const std::string &address) {
-    HashPut(G_Queues_hash, name.c_str(), MakeQueue({.name = name, .address = address}));
+    Must(HashPut(G_Queues_hash, name.c_str(), MakeQueue({.name = name, .address = address})));
   }
 
   // What the window's Save does: what is shown, and what was deleted in the window, `deleted`, or
@@ -163,7 +164,7 @@ class SaveKill : public testing::Test {
   static void ChangeAndSave() {
     for (const std::string &name : kOldOnly) HashRemove(G_Queues_hash, name.c_str());
     Put("old3", "10.0.0.99");
-    HashPutText(HashValue<CPrintQueue>(G_Queues_hash, "old4")->Options.get(), "*Nup", "2");
+    Must(HashPutText(HashValue<CPrintQueue>(G_Queues_hash, "old4")->Options.get(), "*Nup", "2"));
     for (int i = 1; i <= 10; ++i) Put("new" + std::to_string(i), "10.0.0.2");
     if (Save({kOldOnly.begin(), kOldOnly.end()}) != 0) _exit(1);
   }

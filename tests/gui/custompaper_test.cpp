@@ -1,6 +1,7 @@
 // The dialog of custom paper sizes: names, units, ranges, what OK stores.
 #include "ccpsparams.h"
 #include "customstest.h"
+#include "must.h"
 #include "queuelistreader.h"
 #include "queuelistwriter.h"
 
@@ -323,8 +324,8 @@ TEST_F(CustomPaper, TypedMeasuresOutOfRangeAreBroughtBackIntoIt) {
 
 TEST_F(CustomPaper, APrinterWithoutALeastSizeTakesOnePelAndTheListCanBeReadAgain) {
   CHash *limits = Printer()->custom_paper.get();
-  HashPutText(limits, "MinWidth", "0");
-  HashPutText(limits, "MinLength", "0.3");
+  Must(HashPutText(limits, "MinWidth", "0"));
+  Must(HashPutText(limits, "MinLength", "0.3"));
   OpenTab();
   OpenAdd();
   EXPECT_EQ("( 0 - 864 points )", Range(Dialog().width_range));
@@ -338,7 +339,7 @@ TEST_F(CustomPaper, APrinterWithoutALeastSizeTakesOnePelAndTheListCanBeReadAgain
   Key("Return");
   EXPECT_EQ("1 1", Stored("Least"));
   const Owned<CHash> queues = CreateHash();
-  HashPut(queues.get(), "lp1", CloneOf(G_CurrentQueue.get()));
+  Must(HashPut(queues.get(), "lp1", CloneOf(G_CurrentQueue.get())));
   int left_out = 0;
   const std::string list = QueueListText(queues.get(), &left_out);
   EXPECT_NE(std::string::npos,

@@ -1,5 +1,6 @@
 // What OK refuses and what it stores: addresses, and the printer's defaults that the administrator
 // had set otherwise.
+#include "must.h"
 #include "propertiestest.h"
 
 namespace {
@@ -16,7 +17,8 @@ class PropertiesOk : public PropertiesTest {
   void OpenWithAddress(const std::string &address) {
     G_ProgName = kModeAdministration;
     TakePrinter("vek41101");
-    HashPut(G_Queues_hash, "lp1", MakeQueue({"lp1", "Vek Norvel 4110ES", "postscript", address}));
+    Must(HashPut(G_Queues_hash, "lp1",
+                 MakeQueue({"lp1", "Vek Norvel 4110ES", "postscript", address})));
     window_ = create_PropertiesWindow();
     ASSERT_NE(nullptr, window_);
     ShowWindowOf(window_);
@@ -50,9 +52,9 @@ class PropertiesOk : public PropertiesTest {
   void OpenAsUser(int page, const char *feature, const char *option) {
     TakePrinter("vek41101");
     Owned<CPrintQueue> original = MakeQueue();
-    HashPutText(original->Options.get(), feature, option);
+    Must(HashPutText(original->Options.get(), feature, option));
     original_queues_ = CreateHash();
-    HashPut(original_queues_.get(), "lp1", std::move(original));
+    Must(HashPut(original_queues_.get(), "lp1", std::move(original)));
     G_OrgQueues_hash = original_queues_.get();
     Open(page, {{feature, option}, {"*PageSize", "A3"}});
   }

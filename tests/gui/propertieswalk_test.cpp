@@ -26,6 +26,7 @@
 #include "foreignprinters.h"
 #include "guisupport.h"
 #include "markwalk.h"
+#include "must.h"
 #include "optionlists.h"
 #include "paths.h"
 #include "propertieswalker.h"
@@ -127,8 +128,8 @@ class PropertiesWalk : public GuiTest {
     queues_ = CreateHash();
     org_queues_ = CreateHash();
     const Owned<CPrintQueue> queue = MakeQueue({"lp1", printer, language, "10.0.0.1"});
-    HashPut(queues_.get(), "lp1", CloneOf(queue.get()));
-    HashPut(org_queues_.get(), "lp1", CloneOf(queue.get()));
+    Must(HashPut(queues_.get(), "lp1", CloneOf(queue.get())));
+    Must(HashPut(org_queues_.get(), "lp1", CloneOf(queue.get())));
     G_Queues_hash = queues_.get();
     G_OrgQueues_hash = org_queues_.get();
     G_PrinterModel = 0;

@@ -7,6 +7,7 @@
 #include "ToolWindowFct.h"
 #include "cprintqueues.h"
 #include "guisupport.h"
+#include "must.h"
 #include "queuesupport.h"
 #include "xinput.h"
 
@@ -18,8 +19,8 @@ class ToolWindow : public GuiTest {
     G_Queues = CreatePrintQueues("/nowhere");
     G_Queues->queues = CreateHash();
     G_Queues_hash = fGetPrintQueues_Function(G_Queues.get());
-    HashPut(G_Queues_hash, "lp2", MakeQueue({.name = "lp2", .language = "text"}));
-    HashPut(G_Queues_hash, "lp1", MakeQueue());
+    Must(HashPut(G_Queues_hash, "lp2", MakeQueue({.name = "lp2", .language = "text"})));
+    Must(HashPut(G_Queues_hash, "lp1", MakeQueue()));
     window_ = create_ToolWindow();
   }
 

@@ -4,8 +4,9 @@
 Compares the source lists of src/CMakeLists.txt with the tables of docs/ARCHITECTURE.md and with the
 files of src/, and the #include lines with the layers: a module of the core includes neither the
 toolkit nor a module that has windows. Looks for headers of one name in two directories, and for
-types of one name that two files define: programs and tests link several of the libraries. Prints
-one line a fault; ends with 1 when there are any.
+types of one name that two files define: programs and tests link several of the libraries. Looks for
+functions of the headers whose result can tell a failure and that lack [[nodiscard]]: the compilers
+then find the calls that drop it. Prints one line a fault; ends with 1 when there are any.
 
 Usage: structure.py ROOT
 """
@@ -18,8 +19,21 @@ TOOLKIT = re.compile(r"<(gtk|gdk|gdk-pixbuf|glib|gio|pango|cairo|atk|X11)[/.-]|<
 INCLUDE = re.compile(r'^\s*#\s*include\s+(<[^>]+>|"[^"]+")')
 PROGRAMS = ("src", "filter", "transport", "pixmaps", "tests")
 SCOPE = re.compile(r"^(namespace(?: [\w:]+)?) \{|^\}  // namespace")
-TYPE = re.compile(r"^(?:class|struct|union|enum(?: class| struct)?) (\w+)\b(?!.*;$|.*\()|"
-                  r"^(?:class|struct|union|enum(?: class| struct)?) (\w+)\b[^;(]*\{")
+TYPE = re.compile(r"^(?:class|struct|union|enum(?: class| struct)?)(?: \[\[\w+\]\])? (\w+)\b(?!.*;$|.*\()|"
+                  r"^(?:class|struct|union|enum(?: class| struct)?)(?: \[\[\w+\]\])? (\w+)\b[^;(]*\{")
+
+# Results that can tell a failure. An int of a member function is a value in this tree.
+TELLING = re.compile(r"^( *)(?:(?:static|inline|constexpr|virtual) )*"
+                     r"(bool|int|std::optional<.*>|std::variant<.*>|Owned<\w+>) (\w+)\((?!\*)")
+# Functions of such types whose result may be dropped, and why.
+DROPPABLE = {
+    r"f\w+_Class_ID_Function": "a constant",
+    r"fDelete_\w+_Function|DeleteAs": "nothing is left that could be done",
+    r"BuildPafFromPpd|BuildRange|fFillAllFromDef_Function|G_FillInstallableCLists|"
+    r"G_SetStringWithConstrain|RemoveInexistentSystemVQueues": "always 1",
+    r"ListAppend": "the number of a row",
+    r"operator": "an expression",
+}
 
 
 def subsystem_lists(text):
@@ -125,6 +139,15 @@ def name_faults(root):
                 yield f"{', '.join(places)}: more than one {kind} {name}"
 
 
+def dropped_failure_faults(root):
+    droppable = re.compile("|".join(DROPPABLE))
+    for path in (path for name in PROGRAMS[:4] for path in sorted((root / name).glob("*.h"))):
+        for line in path.read_text(encoding="utf-8").splitlines():
+            indent, result, name = match.groups() if (match := TELLING.match(line)) else ("", "", "")
+            if name and not droppable.fullmatch(name) and not (indent and result == "int"):
+                yield f"{path.relative_to(root)}: {name} can tell a failure and lacks [[nodiscard]]"
+
+
 def main():
     root = pathlib.Path(sys.argv[1])
     src = root / "src"
@@ -136,7 +159,8 @@ def main():
     if not core or not gui or len(documented) != 12:
         sys.exit("structure.py: the lists or the map cannot be read any more")
     faults = [*map_faults(numbers, documented), *file_faults(src, numbers),
-              *layer_faults(src, core, gui), *name_faults(root)]
+              *layer_faults(src, core, gui), *name_faults(root),
+              *dropped_failure_faults(root)]
     for fault in faults:
         print(fault)
     return 1 if faults else 0

@@ -23,7 +23,9 @@ SOURCES = {
     "log.cpp": '#include "log.h"\n#include <gtk/gtk.h>\n'
                "namespace {\nstruct Own {};\n}  // namespace\n",
     "log.h": '#include "Window.h"\n'
-             "struct Line {\n  int size;\n};\nstruct Later;\nenum class Kind { A };\n",
+             "struct Line {\n  int size;\n};\nstruct Later;\nenum class Kind { A };\n"
+             "int fAddTail_Function(int value);\n[[nodiscard]] int fAddHead_Function(int value);\n"
+             "int fLog_Class_ID_Function();\n",
     "words.cpp": "#include <string>\n",
     "Window.cpp": '#include <gtk/gtk.h>\n#include "log.h"\n',
     "main.cpp": '#include "Window.h"\n',
@@ -31,7 +33,9 @@ SOURCES = {
 }
 
 FILTER = {
-    "log.h": "enum class Kind {\n  B\n};\nstruct Later {};\n"
+    "log.h": "enum class [[nodiscard]] Kind {\n  B\n};\nstruct Later {};\n"
+             "class Source {\n  bool Fill();\n  int Size() const;\n  [[nodiscard]] bool Rest();\n};\n"
+             "std::optional<std::map<int, int>> ReadMap(\n    int size);\n"
              "namespace job {\nstruct Line {};\n}  // namespace job\n",
     "line.cpp": "struct Own {};\nstruct Line FirstLine();\nclass Line : public Base {\n};\n",
 }
@@ -46,6 +50,9 @@ src/log.h: the core includes Window.h, a module with windows
 src/log.h, filter/log.h: more than one header log.h
 src/log.h, filter/log.h: more than one type Kind
 src/log.h, filter/line.cpp: more than one type Line
+src/log.h: fAddTail_Function can tell a failure and lacks [[nodiscard]]
+filter/log.h: Fill can tell a failure and lacks [[nodiscard]]
+filter/log.h: ReadMap can tell a failure and lacks [[nodiscard]]
 """
 
 

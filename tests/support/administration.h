@@ -13,6 +13,7 @@
 
 #include "guiapp.h"
 #include "installation.h"
+#include "must.h"
 #include "paths.h"
 #include "porting.h"
 #include "queuelistwriter.h"
@@ -162,7 +163,7 @@ class AdministrationTest : public testing::Test {
   static void PutList(const std::vector<QueueValues> &queues) {
     const Owned<CHash> hash = CreateHash();
     for (const QueueValues &values : queues) {
-      HashPut(hash.get(), values.name.c_str(), MakeQueue(values));
+      Must(HashPut(hash.get(), values.name.c_str(), MakeQueue(values)));
     }
     int left_out = 0;
     std::ofstream(kQueuesFile) << QueueListText(hash.get(), &left_out);

@@ -8,8 +8,12 @@
 #include "cprinters.h"
 #include "cprintqueues.h"
 #include "globals.h"
+#include "ignoreresult.h"
 #include "language.h"
 #include "loadqueues.h"
+#include "must.h"
+#include "porting.h"
+#include "queuelistkeep.h"
 #include "savequeues.h"
 
 namespace {
@@ -26,7 +30,7 @@ void LoadCatalogues() {
   fFillFromPaf_Function(G_Messages.get());
   BuildPrinterPaths();
   G_Printers = CreatePrinters(ppd_path.c_str(), paf_path.c_str());
-  fBuildPrinters_Function(G_Printers.get());
+  Must(fBuildPrinters_Function(G_Printers.get()));
   G_Printers_hash = fGetPrinters_Function(G_Printers.get());
 }
 

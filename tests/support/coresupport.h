@@ -6,6 +6,7 @@
 
 #include "cmessages.h"
 #include "globals.h"
+#include "must.h"
 
 inline std::vector<std::string> Texts(const CList *list) {
   std::vector<std::string> texts;
@@ -24,7 +25,7 @@ inline std::vector<std::string> Keys(const CHash *hash) {
 inline Owned<CList> ListOf(const std::vector<std::string> &texts) {
   Owned<CList> list = CreateList();
   for (const std::string &text : texts) {
-    fAddTail_CList_Function(list.get(), CreateStringWithValue(text.c_str()));
+    Must(fAddTail_CList_Function(list.get(), CreateStringWithValue(text.c_str())));
   }
   return list;
 }

@@ -15,6 +15,7 @@
 #include "PropTabCustomsFct.h"
 #include "chelp.h"
 #include "cselection.h"
+#include "must.h"
 #include "optionlists.h"
 #include "paths.h"
 #include "propertiestest.h"
@@ -39,10 +40,10 @@ class CustomsTest : public PropertiesTest {
                 Constraint("*CustomPageSize") + Constraint("*CustomMediaType"));
     Printer()->custom_paper = CreateHash();
     CHash *limits = Printer()->custom_paper.get();
-    HashPutText(limits, "MinWidth", "288");
-    HashPutText(limits, "MaxWidth", "864");
-    HashPutText(limits, "MinLength", "360");
-    HashPutText(limits, "MaxLength", "1296");
+    Must(HashPutText(limits, "MinWidth", "288"));
+    Must(HashPutText(limits, "MaxWidth", "864"));
+    Must(HashPutText(limits, "MinLength", "360"));
+    Must(HashPutText(limits, "MaxLength", "1296"));
     queue_ = MakeQueue();
   }
 
@@ -67,11 +68,11 @@ class CustomsTest : public PropertiesTest {
   }
   void Media(const char *name) { PutMedia(queue_.get(), name, name); }
   void Setting(const char *feature, const char *option) {
-    HashPutText(queue_->Options.get(), feature, option);
+    Must(HashPutText(queue_->Options.get(), feature, option));
   }
 
   void OpenTab() {
-    HashPut(G_Queues_hash, "lp1", std::move(queue_));
+    Must(HashPut(G_Queues_hash, "lp1", std::move(queue_)));
     window_ = create_PropertiesWindow();
     ASSERT_NE(nullptr, window_);
     ShowPage(PlaceOf(Page::kCustoms));

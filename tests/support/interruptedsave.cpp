@@ -42,7 +42,7 @@ void SetOption(const char *queue, const char *key, const char *value) {
   CPrintQueue *record = HashValue<CPrintQueue>(G_Queues_hash, queue);
   Must(record != nullptr, queue);
   HashRemove(record->Options.get(), key);
-  HashPutText(record->Options.get(), key, value);
+  Must(HashPutText(record->Options.get(), key, value) == 1, "no option set");
 }
 
 void MakeFirstQueues() {
@@ -59,7 +59,9 @@ void ChangeQueues() {
   SetOption("qnew", "*Delivery", "HoldJobUntilYouEnterPIN");
   const CPrintQueue *moved = HashValue<CPrintQueue>(G_Queues_hash, "qaddress");
   Must(moved != nullptr, "qaddress");
-  fSet_Address_Function(const_cast<CPrintQueue *>(moved), CreateStringWithValue("10.9.9.9").get());
+  Must(fSet_Address_Function(const_cast<CPrintQueue *>(moved),
+                             CreateStringWithValue("10.9.9.9").get()) == 1,
+       "no address set");
   SetOption("qoptions", "*PageSize", "Letter");
   DeleteQueueInSession("qdeleted");
 }

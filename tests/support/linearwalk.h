@@ -8,6 +8,7 @@
 #include "cconstrain.h"
 #include "cfeature.h"
 #include "constraints.h"
+#include "must.h"
 #include "optionstate.h"
 
 namespace linearwalk {
@@ -16,9 +17,9 @@ inline bool IsInvalidCombination(const char *feature1, const char *option1, cons
                                  const char *option2) {
   if (!feature1 || !option1 || !feature2 || !option2) return false;
   const Owned<CConstrain> candidate = CreateConstrain();
-  fSetData_Function(candidate.get(), CreateStringWithValue(feature1),
-                    CreateStringWithValue(option1), CreateStringWithValue(feature2),
-                    CreateStringWithValue(option2));
+  Must(fSetData_Function(candidate.get(), CreateStringWithValue(feature1),
+                         CreateStringWithValue(option1), CreateStringWithValue(feature2),
+                         CreateStringWithValue(option2)));
   for (const CConstrain *constraint : Elements<CConstrain>(G_PrinterConstraints_list)) {
     if (fIsEqual_Function(constraint, candidate.get()) == 1) return true;
   }

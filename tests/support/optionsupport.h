@@ -9,6 +9,7 @@
 #include "cfeature.h"
 #include "conflictresolution.h"
 #include "cprinter.h"
+#include "must.h"
 #include "optionlists.h"
 #include "optionstate.h"
 #include "queuesupport.h"
@@ -31,7 +32,7 @@ inline Owned<CFeature> MakeFeature(const FeatureValues &values) {
   feature->type = Text(values.type);
   feature->options = CreateHash();
   for (const auto &[id, text] : values.options) {
-    HashPutText(feature->options.get(), id.c_str(), text.c_str());
+    Must(HashPutText(feature->options.get(), id.c_str(), text.c_str()));
   }
   return feature;
 }
@@ -40,9 +41,9 @@ inline Owned<CFeature> MakeFeature(const FeatureValues &values) {
 inline Owned<CConstrain> MakeConstraint(const char *feature1, const char *option1,
                                         const char *feature2, const char *option2) {
   Owned<CConstrain> constraint = CreateConstrain();
-  fSetData_Function(constraint.get(), CreateStringWithValue(feature1),
-                    CreateStringWithValue(option1), CreateStringWithValue(feature2),
-                    CreateStringWithValue(option2));
+  Must(fSetData_Function(constraint.get(), CreateStringWithValue(feature1),
+                         CreateStringWithValue(option1), CreateStringWithValue(feature2),
+                         CreateStringWithValue(option2)));
   return constraint;
 }
 
@@ -69,10 +70,10 @@ class CurrentOptions {
   CPrinter *Printer() const { return printer_.get(); }
 
   void Feature(const FeatureValues &values) {
-    HashPut(printer_->features.get(), values.id.c_str(), MakeFeature(values));
+    Must(HashPut(printer_->features.get(), values.id.c_str(), MakeFeature(values)));
   }
   void Installable(const FeatureValues &values) {
-    HashPut(printer_->installable_options.get(), values.id.c_str(), MakeFeature(values));
+    Must(HashPut(printer_->installable_options.get(), values.id.c_str(), MakeFeature(values)));
   }
   void Forbid(const char *feature1, const char *option1, const char *feature2,
               const char *option2) {
@@ -82,8 +83,8 @@ class CurrentOptions {
   // The same without preparing the answers, for many: end with SetCurrentPrinter.
   void AddConstraint(const char *feature1, const char *option1, const char *feature2,
                      const char *option2) {
-    fAddTail_CList_Function(printer_->constraints.get(),
-                            MakeConstraint(feature1, option1, feature2, option2));
+    Must(fAddTail_CList_Function(printer_->constraints.get(),
+                                 MakeConstraint(feature1, option1, feature2, option2)));
   }
 
   static void Set(const char *feature, const char *option) {

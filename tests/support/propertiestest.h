@@ -16,6 +16,7 @@
 #include "cprinter.h"
 #include "fontmap.h"
 #include "guisupport.h"
+#include "must.h"
 #include "optionstate.h"
 #include "pafreader.h"
 #include "pagetable.h"
@@ -57,7 +58,7 @@ class PropertiesTest : public GuiTest {
     G_ProgName = kModePrintTool;
     // What both programs' main windows say about the queue.
     G_QueuesSelections = CreateList();
-    fAddTail_CList_Function(G_QueuesSelections.get(), CreateSelection("lp1", 1));
+    Must(fAddTail_CList_Function(G_QueuesSelections.get(), CreateSelection("lp1", 1)));
     G_QueuesWindow_helper = std::make_unique<ToolWindowHelper>();
     GtkWidget *main_window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
     GtkWidget *combo = NewCombo(main_window, "QueueCombo", "QueueComboEntry", nullptr);
@@ -97,7 +98,7 @@ class PropertiesTest : public GuiTest {
     printer->features = std::move(content.features);
     printer->installable_options = std::move(content.installable_options);
     printer->constraints = std::move(content.constraints);
-    HashPut(printers_.get(), "Vek Norvel 4110ES", std::move(printer));
+    Must(HashPut(printers_.get(), "Vek Norvel 4110ES", std::move(printer)));
   }
 
   // The queue's printer is an installed one, whatever its name.
@@ -105,7 +106,7 @@ class PropertiesTest : public GuiTest {
     const std::string file = std::string(kInstalledPafs) + description + ".paf";
     Owned<CPrinter> printer = CreatePrinter(file.c_str());
     ASSERT_NE(nullptr, fFillFromPaf_Function(printer.get()));
-    HashPut(printers_.get(), "Vek Norvel 4110ES", std::move(printer));
+    Must(HashPut(printers_.get(), "Vek Norvel 4110ES", std::move(printer)));
   }
 
   using Settings = std::vector<std::pair<const char *, const char *>>;
@@ -115,13 +116,13 @@ class PropertiesTest : public GuiTest {
                   const Settings &installed = {}) {
     Owned<CPrintQueue> queue = MakeQueue({"lp1", "Vek Norvel 4110ES", language, "10.0.0.1"});
     for (const auto &[feature, value] : settings) {
-      HashPutText(queue->Options.get(), feature, value);
+      Must(HashPutText(queue->Options.get(), feature, value));
     }
     for (const auto &[feature, value] : installed) {
-      HashPutText(queue->InstallableFeatures.get(), feature, value);
+      Must(HashPutText(queue->InstallableFeatures.get(), feature, value));
     }
     HashRemove(queues_.get(), "lp1");
-    HashPut(queues_.get(), "lp1", std::move(queue));
+    Must(HashPut(queues_.get(), "lp1", std::move(queue)));
     window_ = create_PropertiesWindow();
     ASSERT_NE(nullptr, window_);
   }

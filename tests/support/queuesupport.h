@@ -7,6 +7,7 @@
 #include "ccpsparams.h"
 #include "coresupport.h"
 #include "cprintqueue.h"
+#include "must.h"
 
 // Message texts that show their key and arguments.
 inline constexpr char kQueueMessages[] =
@@ -63,19 +64,19 @@ inline Owned<CPrintQueue> MakeQueue(const QueueValues &values = {}) {
 }
 
 inline void PutPaper(CPrintQueue *queue, const char *name, double width, double length) {
-  HashPut(queue->CustomPapers.get(), name, CreateCpsParams(width, length));
+  Must(HashPut(queue->CustomPapers.get(), name, CreateCpsParams(width, length)));
 }
 
 inline void PutMedia(CPrintQueue *queue, const char *name, const char *gui_name) {
-  HashPut(queue->CustomMedias.get(), name, CreateCmtParams(Text(gui_name)));
+  Must(HashPut(queue->CustomMedias.get(), name, CreateCmtParams(Text(gui_name))));
 }
 
 // A queue with something in each of its tables.
 inline Owned<CPrintQueue> MakeFullQueue(const QueueValues &values = {}) {
   Owned<CPrintQueue> queue = MakeQueue(values);
-  HashPutText(queue->Options.get(), "*Duplex", "DuplexNoTumble");
-  HashPutText(queue->Options.get(), "*PageSize", "A4");
-  HashPutText(queue->InstallableFeatures.get(), "*OptionHCF", "True");
+  Must(HashPutText(queue->Options.get(), "*Duplex", "DuplexNoTumble"));
+  Must(HashPutText(queue->Options.get(), "*PageSize", "A4"));
+  Must(HashPutText(queue->InstallableFeatures.get(), "*OptionHCF", "True"));
   PutPaper(queue.get(), "Ticket", 209.6, 400.4);
   PutMedia(queue.get(), "Gloss", "Glossy paper");
   return queue;

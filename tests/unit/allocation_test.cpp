@@ -6,6 +6,8 @@
 #include "childprocess.h"
 #include "coresupport.h"
 #include "cselection.h"
+#include "ignoreresult.h"
+#include "must.h"
 #include "temporarydirectory.h"
 
 namespace {
@@ -30,7 +32,7 @@ void LoadMessages(const TemporaryDirectory &directory) {
 
 void MakeRecordsWithoutEnd() {
   const Owned<CList> list = CreateList();
-  while (true) fAddTail_CList_Function(list.get(), CreateString());
+  while (true) Must(fAddTail_CList_Function(list.get(), CreateString()));
 }
 
 void MakeSelectionsWithoutEnd() {
@@ -53,7 +55,7 @@ TEST(OutOfMemory, TheObjectLibraryKeepsItsWordsWhenACatalogueIsLoaded) {
   EXPECT_EQ(result.errors, "Memory allocation error\n");
   const ChildResult of_text = WithoutMemory([] {
     const std::string text(1000, 'x');
-    while (true) CreateStringWithValue(text.c_str()).release();
+    while (true) IgnoreResult(CreateStringWithValue(text.c_str()).release(), "leaks on purpose");
   });
   EXPECT_EQ(of_text.status, 3);
   EXPECT_EQ(of_text.errors, "Memory allocation error\n");
@@ -79,7 +81,7 @@ TEST(OutOfMemory, ACloneOfTheCatalogueDoesNotTakeTheWordsWithIt) {
   const TemporaryDirectory directory;
   LoadMessages(directory);
   G_Messages->language = CreateStringWithValue("English");
-  CloneOf(G_Messages.get()).reset();
+  IgnoreResult(CloneOf(G_Messages.get()), "the copy goes at once");
   const ChildResult result = WithoutMemory(MakeSelectionsWithoutEnd);
   G_Messages.reset();
   EXPECT_EQ(result.errors, "no memory left\n");

@@ -11,6 +11,7 @@
 #include "coresupport.h"
 #include "countingrecord.h"
 #include "cselection.h"
+#include "must.h"
 
 namespace {
 
@@ -69,7 +70,7 @@ TEST_F(Hash, TheNewKeyRecordIsTheOneKept) {
   Put("a", 1);
   Owned<CString> key = CreateStringWithValue("a");
   const CString *kept = key.get();
-  fAdd_CHash_Function(hash_.get(), std::move(key), CreateStringWithValue("v"));
+  Must(fAdd_CHash_Function(hash_.get(), std::move(key), CreateStringWithValue("v")));
   EXPECT_EQ(key, nullptr);
   const auto *pair =
       static_cast<const CPairHash *>(fGetHeadPosition_CList_Function(hash_->pairs.get())->value);
@@ -106,8 +107,8 @@ TEST_F(Hash, CloneIsIndependentOfItsSource) {
   hash_.reset();
   EXPECT_EQ(Keys(clone.get()), (Strings{"a", "b"}));
   EXPECT_EQ(NumberAt(clone.get(), "b"), 2);
-  EXPECT_EQ(HashRemove(clone.get(), "a"), 1);
-  EXPECT_EQ(HashRemove(clone.get(), "b"), 1);
+  HashRemove(clone.get(), "a");
+  HashRemove(clone.get(), "b");
   EXPECT_TRUE(HashIsEmpty(clone.get()));
 }
 
@@ -180,7 +181,7 @@ TEST_F(Hash, BehavesLikeAStandardMapUnderRandomOperations) {
     switch (random() % 8) {
       case 0:
       case 1:
-        EXPECT_EQ(HashRemove(hash_.get(), key.c_str()), 1);
+        HashRemove(hash_.get(), key.c_str());
         model.erase(key);
         break;
       case 2:
@@ -213,7 +214,7 @@ double SecondsFor(int count) {
   const std::clock_t start = std::clock();
   const Owned<CHash> hash = CreateHash();
   const auto key = [count](int i) { return std::to_string((static_cast<long>(i) * 7919) % count); };
-  for (int i = 0; i < count; ++i) HashPutText(hash.get(), key(i).c_str(), "value");
+  for (int i = 0; i < count; ++i) Must(HashPutText(hash.get(), key(i).c_str(), "value"));
   int found = 0;
   for (int i = 0; i < count; ++i) found += HashText(hash.get(), key(i).c_str()) != nullptr;
   EXPECT_EQ(found, count);

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "coresupport.h"
+#include "must.h"
 #include "optionsupport.h"
 
 namespace {
@@ -127,7 +128,7 @@ TEST_F(ConstraintMessages, DuplexAndMediaAreReportedOnceInTheOrderOfTheMessage) 
   options_.Set("*Duplex", "Long");
   options_.Set("*MediaType", "Thick");
   for (const bool swapped : {false, true}) {
-    fRemoveAll_CList_Function(options_.Printer()->constraints.get());
+    Must(fRemoveAll_CList_Function(options_.Printer()->constraints.get()));
     if (swapped) {
       options_.Forbid("*MediaType", "Thick", "*Duplex", "Long");
     } else {

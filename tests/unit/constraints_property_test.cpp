@@ -6,6 +6,7 @@
 
 #include "constraints.h"
 #include "linearwalk.h"
+#include "must.h"
 #include "optionlists.h"
 #include "optionsupport.h"
 
@@ -90,9 +91,9 @@ class RandomWorld {
 
   void PutSetting(CHash *settings, const char *feature) {
     if (OneOf(20) == 0) {
-      HashPut(settings, feature, OneOf(2) == 0 ? CreateString() : Owned<CString>());
+      Must(HashPut(settings, feature, OneOf(2) == 0 ? CreateString() : Owned<CString>()));
     } else {
-      HashPutText(settings, feature, Option());
+      Must(HashPutText(settings, feature, Option()));
     }
   }
 

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "must.h"
 #include "optionsupport.h"
 
 namespace {
@@ -220,9 +221,9 @@ TEST_F(Constraints, AConstraintWrittenTwiceChangesNothing) {
 
 TEST_F(Constraints, ASettingWithoutATextConflictsWithNothing) {
   options_.Forbid("*CustomPageSize", "True", "*Duplex", "Long");
-  HashPut(G_QueueFeatures_hash, "*PageSize", CreateString());
-  HashPut(G_QueueFeatures_hash, "*MediaType", Owned<CString>());
-  HashPut(G_QueueInstallableOptions_hash, "*OptionHCF", Owned<CString>());
+  Must(HashPut(G_QueueFeatures_hash, "*PageSize", CreateString()));
+  Must(HashPut(G_QueueFeatures_hash, "*MediaType", Owned<CString>()));
+  Must(HashPut(G_QueueInstallableOptions_hash, "*OptionHCF", Owned<CString>()));
   EXPECT_EQ(Check("*Duplex", "Long"), kNone);
   EXPECT_EQ(FindLinearConflict(G_QueueFeatures_hash), std::nullopt);
 }

@@ -5,6 +5,8 @@
 
 #include "childprocess.h"
 #include "coresupport.h"
+#include "ignoreresult.h"
+#include "must.h"
 #include "pafsupport.h"
 #include "temporarydirectory.h"
 
@@ -131,7 +133,7 @@ TEST_F(Printer, IsNotClonedWithoutEachOfItsMembers) {
 TEST_F(Printer, WithAFeatureThatCannotBeClonedIsNotCloned) {
   for (const auto member : {&CPrinter::features, &CPrinter::installable_options}) {
     const Owned<CPrinter> printer = Read(kFullPaf);
-    HashPut(((*printer).*member).get(), "*Bare", CreateFeature());
+    Must(HashPut(((*printer).*member).get(), "*Bare", CreateFeature()));
     EXPECT_EQ(CloneOf(printer.get()), nullptr);
   }
 }
@@ -140,7 +142,7 @@ TEST_F(Printer, FileThatCannotBeReadEndsTheProcess) {
   for (const string &path : {directory_.Path("absent.paf"), directory_.Path()}) {
     const ChildResult result = RunInChild([&path] {
       const Owned<CPrinter> printer = CreatePrinter(path.c_str());
-      fFillFromPaf_Function(printer.get());
+      IgnoreResult(fFillFromPaf_Function(printer.get()), "ends the process");
     });
     EXPECT_EQ(result.status, 5) << path;
     EXPECT_EQ(result.errors, "cannot read <" + path + ">\n");

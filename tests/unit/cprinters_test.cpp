@@ -6,6 +6,8 @@
 #include "childprocess.h"
 #include "coresupport.h"
 #include "cprinter.h"
+#include "ignoreresult.h"
+#include "must.h"
 #include "pafsupport.h"
 #include "standinfilter.h"
 #include "temporarydirectory.h"
@@ -115,7 +117,7 @@ TEST_F(Catalogued, CorruptFileEndsTheProcess) {
 TEST_F(Catalogued, MissingPafDirectoryEndsTheProcess) {
   const ChildResult result = RunInChild([this] {
     const auto catalogue = CreatePrinters(ppds_.Path().c_str(), pafs_.Path("absent").c_str());
-    fBuildPrinters_Function(catalogue.get());
+    IgnoreResult(fBuildPrinters_Function(catalogue.get()), "ends the process");
   });
   EXPECT_EQ(result.status, 7);
   EXPECT_EQ(result.errors, "no directory <" + pafs_.Path("absent") + ">\n");
@@ -169,7 +171,7 @@ TEST_F(Catalogued, TheInstalledFilterConvertsEveryInstalledPpdOnce) {
   const Strings ppds = NamesIn(kInstalledPpds);
   ASSERT_FALSE(ppds.empty());
   catalogue_ = CreatePrinters(kInstalledPpds, pafs_.Path().c_str());
-  fBuildPrinters_Function(catalogue_.get());
+  Must(fBuildPrinters_Function(catalogue_.get()));
   const CHash *printers = fGetPrinters_Function(catalogue_.get());
   EXPECT_EQ(Keys(printers).size(), ppds.size());
   for (const auto [name, printer] : Pairs<CPrinter>(printers)) {
@@ -179,7 +181,7 @@ TEST_F(Catalogued, TheInstalledFilterConvertsEveryInstalledPpdOnce) {
   for (const string &paf : NamesIn(pafs_.Path())) {
     std::filesystem::last_write_time(pafs_.Path(paf), {});
   }
-  fBuildPrinters_Function(catalogue_.get());
+  Must(fBuildPrinters_Function(catalogue_.get()));
   for (const string &paf : NamesIn(pafs_.Path())) {
     EXPECT_EQ(std::filesystem::last_write_time(pafs_.Path(paf)), std::filesystem::file_time_type())
         << paf << " was converted again";

@@ -6,6 +6,8 @@
 #include "cfeature.h"
 #include "childprocess.h"
 #include "cprinter.h"
+#include "ignoreresult.h"
+#include "must.h"
 #include "queuesupport.h"
 
 namespace {
@@ -75,7 +77,7 @@ TEST(CPrintQueue, ATextSetterStoresACloneInItsOwnMemberAlone) {
     const Owned<CString> value = Text("first");
     EXPECT_EQ(member.set(queue.get(), value.get()), 1);
     EXPECT_NE(member.get(queue.get()), value.get());
-    fSet_CString_Value_Function(value.get(), "changed afterwards");
+    Must(fSet_CString_Value_Function(value.get(), "changed afterwards"));
     EXPECT_EQ(TextOrNull(member.get(queue.get())), "first");
     EXPECT_EQ(member.set(queue.get(), Text("second").get()), 1);
     for (const TextMember &other : kTextMembers) {
@@ -89,9 +91,9 @@ TEST(CPrintQueue, ATableSetterStoresACloneInItsOwnMemberAlone) {
     SCOPED_TRACE(member.name);
     const Owned<CPrintQueue> queue = CreatePrintQueue();
     const Owned<CHash> value = CreateHash();
-    HashPutText(value.get(), "*Nup", "2");
+    Must(HashPutText(value.get(), "*Nup", "2"));
     EXPECT_EQ(member.set(queue.get(), value.get()), 1);
-    HashPutText(value.get(), "*Later", "x");
+    Must(HashPutText(value.get(), "*Later", "x"));
     EXPECT_EQ(Keys(member.get(queue.get())), std::vector<std::string>{"*Nup"});
     for (const TableMember &other : kTableMembers) {
       EXPECT_EQ(other.get(queue.get()) != nullptr, &other == &member);
@@ -182,7 +184,7 @@ TEST(CPrintQueue, TheTableHoldsTheOperationsInTheirOrder) {
 void PutFeature(CHash *features, const char *key, const char *default_option) {
   Owned<CFeature> feature = CreateFeature();
   feature->default_option = CreateStringWithValue(default_option);
-  HashPut(features, key, std::move(feature));
+  Must(HashPut(features, key, std::move(feature)));
 }
 
 Owned<CPrinter> MakePrinter() {
@@ -197,14 +199,14 @@ Owned<CPrinter> MakePrinter() {
 
 Owned<CHash> Catalogue(Owned<CPrinter> printer) {
   Owned<CHash> printers = CreateHash();
-  HashPut(printers.get(), "Vek Norvel 4110ES", std::move(printer));
+  Must(HashPut(printers.get(), "Vek Norvel 4110ES", std::move(printer)));
   return printers;
 }
 
 TEST(FillWithDefaultOptions, TakesThePrintersDefaultsAndTracesEachOnStandardError) {
   const Owned<CHash> printers = Catalogue(MakePrinter());
   const Owned<CPrintQueue> queue = MakeFullQueue();
-  HashPutText(queue->Options.get(), "*Stale", "x");
+  Must(HashPutText(queue->Options.get(), "*Stale", "x"));
   testing::internal::CaptureStderr();
   const int result = fFillWithDefaultOptions_Function(queue.get(), printers.get());
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
@@ -224,7 +226,7 @@ TEST(FillWithDefaultOptions, EmptiesTheCustomPapersAndLeavesTheCustomMedias) {
   const CHash *papers = queue->CustomPapers.get();
   const CHash *medias = queue->CustomMedias.get();
   testing::internal::CaptureStderr();
-  fFillWithDefaultOptions_Function(queue.get(), printers.get());
+  Must(fFillWithDefaultOptions_Function(queue.get(), printers.get()));
   testing::internal::GetCapturedStderr();
   ASSERT_NE(queue->CustomPapers, nullptr);
   EXPECT_TRUE(HashIsEmpty(queue->CustomPapers.get()));
@@ -237,7 +239,7 @@ TEST(FillWithDefaultOptions, EmptiesTheCustomPapersAndLeavesTheCustomMedias) {
 void ExpectUnexpected2(CPrintQueue *queue, const CHash *printers) {
   const ChildResult result = RunInChild([&] {
     const ProgramMessages messages(kQueueMessages);
-    fFillWithDefaultOptions_Function(queue, printers);
+    IgnoreResult(fFillWithDefaultOptions_Function(queue, printers), "ends the process");
   });
   EXPECT_EQ(result.status, 5);
   EXPECT_EQ(SplitLines(result.errors).back(), "unexpected2 <CPrintQueue>");

@@ -6,6 +6,8 @@
 #include <sys/resource.h>
 
 #include "deffile.h"
+#include "ignoreresult.h"
+#include "must.h"
 #include "privateworld.h"
 #include "queuelistwriter.h"
 #include "queuesupport.h"
@@ -32,8 +34,8 @@ class CPrintQueuesTest : public testing::Test {
   // A dictionary of two queues.
   void FillCollection() {
     collection_->queues = CreateHash();
-    HashPut(Queues(), "lp1", MakeFullQueue({.name = "lp1"}));
-    HashPut(Queues(), "lp2", MakeQueue({.name = "lp2"}));
+    Must(HashPut(Queues(), "lp1", MakeFullQueue({.name = "lp1"})));
+    Must(HashPut(Queues(), "lp2", MakeQueue({.name = "lp2"})));
   }
 
   std::pair<int, std::string> Fill(int create) {
@@ -146,7 +148,8 @@ TEST_F(CPrintQueuesTest, ReadingAgainDropsTheOldQueuesWithoutDeletingThem) {
 
 TEST_F(CPrintQueuesTest, AnIncompleteEntryEndsTheProcessWithStatus3) {
   directory_.Write("queues.paf", "##\n#queue\n#name_queue\nlp1\n#end_queue of it\n");
-  const ChildResult result = RunInChild([&] { fFillFromPaf_Function_(Collection(), 1); });
+  const ChildResult result = RunInChild(
+      [&] { IgnoreResult(fFillFromPaf_Function_(Collection(), 1), "ends the process"); });
   EXPECT_EQ(result.status, 3);
   EXPECT_EQ(result.errors, "corrupted <" + Path() + "> <#end_queue of it>\n");
 }
@@ -154,7 +157,8 @@ TEST_F(CPrintQueuesTest, AnIncompleteEntryEndsTheProcessWithStatus3) {
 TEST_F(CPrintQueuesTest, AnIncompletePaperOrMediaEndsTheProcessWithStatus3) {
   for (const std::string line : {"#end_custom_paper_params", "#end_custom_paper_type_params"}) {
     directory_.Write("queues.paf", "#queue\n" + line + "\n");
-    const ChildResult result = RunInChild([&] { fFillFromPaf_Function_(Collection(), 0); });
+    const ChildResult result = RunInChild(
+        [&] { IgnoreResult(fFillFromPaf_Function_(Collection(), 0), "ends the process"); });
     EXPECT_EQ(result.status, 3);
     EXPECT_EQ(result.errors, "corrupted <" + Path() + "> <" + line + ">\n");
   }
@@ -164,7 +168,8 @@ TEST_F(CPrintQueuesTest, ACustomPaperOfWidth0MakesTheWholeListUnreadable) {
   FillCollection();
   PutPaper(HashValue<CPrintQueue>(Queues(), "lp1"), "Flat", 0.4, 100);
   ASSERT_EQ(fWriteToPaf_Function(Collection()), 1);
-  const ChildResult result = RunInChild([&] { fFillFromPaf_Function_(Collection(), 0); });
+  const ChildResult result = RunInChild(
+      [&] { IgnoreResult(fFillFromPaf_Function_(Collection(), 0), "ends the process"); });
   EXPECT_EQ(result.status, 3);
 }
 
@@ -189,7 +194,8 @@ TEST_F(CPrintQueuesTest, ACollectionThatWasNeverFilledDoesNotEmptyTheList) {
 TEST_F(CPrintQueuesTest, AFullDiskIsReportedAndNeverPassesAsSuccess) {
   const SmallDisk disk(directory_.Path(), 8192);
   FillCollection();
-  for (int i = 0; i < 40; ++i) HashPut(Queues(), ("q" + std::to_string(i)).c_str(), MakeQueue());
+  for (int i = 0; i < 40; ++i)
+    Must(HashPut(Queues(), ("q" + std::to_string(i)).c_str(), MakeQueue()));
   testing::internal::CaptureStderr();
   EXPECT_EQ(fWriteToPaf_Function(Collection()), 0);
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "write <" + Path() + ">\n");
@@ -256,7 +262,7 @@ TEST_F(CPrintQueuesTest, AnOptionFileThatCannotBeWrittenLeavesTheOldOne) {
   FillCollection();
   ASSERT_EQ(fWriteAllToDef_Function(Collection()), 1);
   const std::string before = ContentOf("/opt/orlan/data/lp1.def");
-  HashPutText(HashValue<CPrintQueue>(Queues(), "lp1")->Options.get(), "*Nup", "2");
+  Must(HashPutText(HashValue<CPrintQueue>(Queues(), "lp1")->Options.get(), "*Nup", "2"));
   {
     const FileSizeLimit limit(64);
     testing::internal::CaptureStderr();
@@ -282,7 +288,7 @@ TEST_F(CPrintQueuesTest, WithoutADictionaryTheOptionFilesEndTheProcessWithStatus
   for (const bool write : {true, false}) {
     const ChildResult result = RunInChild([&] {
       if (write) {
-        fWriteAllToDef_Function(Collection());
+        Must(fWriteAllToDef_Function(Collection()));
       } else {
         fFillAllFromDef_Function(Collection());
       }

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "must.h"
+
 TEST(Selection, CloneOfASelectedRecordIsSelected) {
   Owned<CSelection> record = CreateSelection("row", 1);
   const Owned<CSelection> clone = fClone_CSelection_Function(record.get());
@@ -45,9 +47,9 @@ TEST(Selection, AnswersTheHeaderOperations) {
 TEST(Selection, TakesTheSelectedRecordsOutInOrderAndTellsEachBefore) {
   const Owned<CList> list = CreateList();
   for (const auto &[text, flag] : {std::pair("a", 1), {"b", 0}, {"c", 1}, {"d", 1}, {"e", 0}}) {
-    fAddTail_CList_Function(list.get(), CreateSelection(text, flag));
+    Must(fAddTail_CList_Function(list.get(), CreateSelection(text, flag)));
   }
-  fAddTail_CList_Function(list.get(), CreateStringWithValue("of another class"));
+  Must(fAddTail_CList_Function(list.get(), CreateStringWithValue("of another class")));
   std::string told;
   RemoveSelectedRecords(list.get(), [&](const CNodeList *position, const CSelection &record) {
     EXPECT_EQ(fGetAt_CList_Function(list.get(), position), &record);

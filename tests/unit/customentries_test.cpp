@@ -5,6 +5,7 @@
 
 #include "cprinter.h"
 #include "entryfilters.h"
+#include "must.h"
 #include "optionstate.h"
 #include "pafsupport.h"
 #include "queuesupport.h"
@@ -36,8 +37,8 @@ class CustomEntriesTest : public testing::Test {
     printer_->custom_paper = std::move(content.custom_paper);
     SetCurrentPrinter(printer_.get());
     Owned<CPrintQueue> queue = MakeQueue();
-    HashPutText(queue->Options.get(), "*PageSize", "A4");
-    HashPutText(queue->Options.get(), "*MediaType", "Plain");
+    Must(HashPutText(queue->Options.get(), "*PageSize", "A4"));
+    Must(HashPutText(queue->Options.get(), "*MediaType", "Plain"));
     PutPaper(queue.get(), "Ticket", 612, 595);
     PutMedia(queue.get(), "Gloss", "Gloss");
     SetCurrentQueue(Text("lp1"), std::move(queue));
@@ -122,7 +123,7 @@ TEST_F(CustomEntriesTest, EveryNameIsRefusedInSilenceWhileTheQueueLacksTheSettin
 TEST_F(CustomEntriesTest, AnOptionWithoutDisplayTextIsKnownByItsIdentifier) {
   CHash *options =
       fGet_Options_Function(HashValue<CFeature>(printer_->features.get(), "*PageSize"));
-  HashPut(options, "A6", CreateString());
+  Must(HashPut(options, "A6", CreateString()));
   EXPECT_EQ(CustomNameFault::kStandard, CheckCustomName(kPaper, "A6", nullptr));
   EXPECT_EQ(CustomNameFault::kNone, CheckCustomName(kPaper, "A7", nullptr));
 }

@@ -8,6 +8,7 @@
 
 #include "coresupport.h"
 #include "cprinter.h"
+#include "must.h"
 #include "optionstate.h"
 #include "temporarydirectory.h"
 
@@ -179,7 +180,7 @@ TEST(PrinterLimit, ComesFromTheCurrentPrinterAndIsMissingWithoutCustomSizes) {
   SetCurrentPrinter(printer.get());
   EXPECT_EQ(nullptr, PrinterLimit("MinWidth"));
   printer->custom_paper = CreateHash();
-  HashPutText(printer->custom_paper.get(), "MinWidth", "288");
+  Must(HashPutText(printer->custom_paper.get(), "MinWidth", "288"));
   SetCurrentPrinter(printer.get());
   EXPECT_STREQ("288", PrinterLimit("MinWidth"));
   EXPECT_EQ(nullptr, PrinterLimit("MaxWidth"));

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "ignoreresult.h"
+#include "must.h"
 #include "privateworld.h"
 #include "queuesupport.h"
 #include "temporarydirectory.h"
@@ -82,7 +84,7 @@ TEST(DefFileText, AMissingTableIsLeftOut) {
 
 TEST(DefFileText, ALineFeedInAValueStartsNoLineOfItsOwn) {
   const Owned<CPrintQueue> queue = MakeQueue();
-  HashPutText(queue->Options.get(), "*JobName", "one\n*PIN=0000");
+  Must(HashPutText(queue->Options.get(), "*JobName", "one\n*PIN=0000"));
   EXPECT_EQ(UserDefFileText(queue.get()), "*JobName=one *PIN=0000\n");
 }
 
@@ -105,7 +107,7 @@ TEST_F(DefFile, TheUsersFileNeverHoldsCustomPapersOrMedias) {
 TEST_F(DefFile, AnOlderFileIsReplaced) {
   std::ofstream(kQueueFile) << "*Older=Value\n*More=Lines\n";
   const Owned<CPrintQueue> queue = MakeQueue();
-  HashPutText(queue->Options.get(), "*Nup", "2");
+  Must(HashPutText(queue->Options.get(), "*Nup", "2"));
   EXPECT_EQ(Write(queue.get(), 1), kWritten);
   EXPECT_EQ(ContentOf(kQueueFile), "*Nup=2\n");
 }
@@ -174,8 +176,8 @@ TEST_F(DefFile, AFileThatCannotBeMadeIsReported) {
 TEST_F(DefFile, AFullDiskIsReportedAndNeverPassesAsSuccess) {
   const Owned<CPrintQueue> queue = MakeQueue();
   for (int i = 0; i < 20; ++i) {
-    HashPutText(queue->Options.get(), ("*Key" + std::to_string(i)).c_str(),
-                std::string(900, 'x').c_str());
+    Must(HashPutText(queue->Options.get(), ("*Key" + std::to_string(i)).c_str(),
+                     std::string(900, 'x').c_str()));
   }
   const SmallDisk disk("/opt/orlan/data", 8192);
   EXPECT_EQ(Write(queue.get(), 1),
@@ -201,7 +203,7 @@ TEST_F(DefFile, TheUsersSettingsLieOverTheQueues) {
 
 TEST_F(DefFile, NupPutsOutBookletAndBookletNup) {
   const Owned<CPrintQueue> queue = MakeQueue();
-  HashPutText(queue->Options.get(), "*Booklet", "On");
+  Must(HashPutText(queue->Options.get(), "*Booklet", "On"));
   EXPECT_EQ(Overlay("*Nup=2\n", queue.get()), "*Nup=2\n");
   EXPECT_EQ(Overlay("*Booklet=On\n", queue.get()), "*Booklet=On\n");
 }
@@ -236,24 +238,32 @@ TEST_F(DefFile, AFileThatAStrangerPutThereIsNotRead) {
   fs::permissions(kAnnasFile, fs::perms(0644));
   const auto read_by_anna = [] {
     const Owned<CPrintQueue> queue = MakeFullQueue();
-    return RunAsUser("anna", [&] { _exit(fFillFromDefFile_Function(queue.get())); }).status;
+    return RunAsUser("anna", [&] {
+      G_DebugLevel = 1;
+      _exit(fFillFromDefFile_Function(queue.get()));
+    });
   };
-  EXPECT_EQ(read_by_anna(), 1) << "the superuser's file";
+  const ChildResult own = read_by_anna();
+  EXPECT_EQ(own.status, 1) << "the superuser's file";
+  EXPECT_EQ(own.errors, "");
   ASSERT_EQ(chown(kAnnasFile, getpwnam("bob")->pw_uid, 0), 0);
-  EXPECT_EQ(read_by_anna(), 0) << "bob's file";
+  const ChildResult strange = read_by_anna();
+  EXPECT_EQ(strange.status, 0) << "bob's file";
+  EXPECT_EQ(strange.errors, std::string(kAnnasFile) + " is there and cannot be used\n");
 }
 
 TEST_F(DefFile, ReadingWithoutADefFileNameEndsTheProcessWithStatus5) {
   const Owned<CPrintQueue> queue = MakeFullQueue();
   queue->DefFile.reset();
-  const ChildResult result = RunInChild([&] { fFillFromDefFile_Function(queue.get()); });
+  const ChildResult result =
+      RunInChild([&] { IgnoreResult(fFillFromDefFile_Function(queue.get()), "ends the process"); });
   EXPECT_EQ(result.status, 5);
   EXPECT_EQ(result.errors, "unexpected2 <CPrintQueue>\n");
 }
 
 TEST_F(DefFile, WhatIsWrittenForAUserIsReadBack) {
   const Owned<CPrintQueue> queue = MakeFullQueue();
-  HashPutText(queue->Options.get(), "*Nup", "4");
+  Must(HashPutText(queue->Options.get(), "*Nup", "4"));
   ASSERT_EQ(Write(queue.get(), 0), kWritten);
   const Owned<CPrintQueue> other = MakeQueue();
   EXPECT_EQ(fFillFromDefFile_Function(other.get()), 1);

@@ -6,6 +6,7 @@
 #include "childprocess.h"
 #include "cprinter.h"
 #include "debug.h"
+#include "must.h"
 #include "optionlists.h"
 #include "optionstate.h"
 #include "pafsupport.h"
@@ -52,7 +53,7 @@ class Destination : public testing::Test {
   }
 
   static void Set(const char *feature, const char *value) {
-    HashPutText(G_QueueFeatures_hash, feature, value);
+    Must(HashPutText(G_QueueFeatures_hash, feature, value));
   }
 
   // The work copy's settings, "key=value".

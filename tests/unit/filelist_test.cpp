@@ -10,6 +10,7 @@
 
 #include "coresupport.h"
 #include "cselection.h"
+#include "must.h"
 #include "temporarydirectory.h"
 
 namespace {
@@ -31,7 +32,7 @@ class FilesList : public testing::Test {
     return paths;
   }
   static void Select(CNodeList *position) {
-    fSet_Selected_Function(ObjectCast<CSelection>(fGet_CNodeList_Function(position)), 1);
+    Must(fSet_Selected_Function(ObjectCast<CSelection>(fGet_CNodeList_Function(position)), 1));
   }
   // Removes the selected ones; the paths that were announced before.
   static Strings Remove() {

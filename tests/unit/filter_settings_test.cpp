@@ -89,7 +89,7 @@ void GiveTo(const char *user, const std::string &path) {
 TEST(UserOptionFiles, DoNotCountWhenTheyBelongToAnotherUser) {
   const TemporaryDirectory directory;
   ASSERT_EQ(chmod(directory.Path().c_str(), 0755), 0);
-  for (const mode_t mode : {0644, 0000}) {
+  for (const mode_t mode : {0644U, 0000U}) {
     const std::string path = directory.Write("x:lp1.def", "*A=1\n");
     GiveTo("daemon", path);
     ASSERT_EQ(chmod(path.c_str(), mode), 0);

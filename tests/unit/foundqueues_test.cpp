@@ -7,6 +7,7 @@
 #include "cprinters.h"
 #include "globals.h"
 #include "interfacescript.h"
+#include "must.h"
 #include "paths.h"
 #include "porting.h"
 #include "queuelistwriter.h"
@@ -37,7 +38,7 @@ class FoundQueues : public testing::Test {
     static const Owned<CPrinters> printers = [] {
       Owned<CPrinters> built =
           CreatePrinters("/opt/orlan/data/nls/enu/ppds", "/opt/orlan/data/nls/enu/pafs");
-      fBuildPrinters_Function(built.get());
+      Must(fBuildPrinters_Function(built.get()));
       return built;
     }();
     G_Printers_hash = fGetPrinters_Function(printers.get());
@@ -97,7 +98,7 @@ TEST_F(FoundQueues, AQueueOfOursThatTheListLacksIsTakenInWithWhatItsScriptSays) 
   ASSERT_EQ(Keys(G_Queues_hash), Strings{"lp1"});
   int left_out = 0;
   const Owned<CHash> expected = CreateHash();
-  HashPut(expected.get(), "lp1", MakeQueue({.language = "text"}));
+  Must(HashPut(expected.get(), "lp1", MakeQueue({.language = "text"})));
   EXPECT_EQ(QueueListText(G_Queues_hash, &left_out), QueueListText(expected.get(), &left_out));
 }
 
@@ -150,7 +151,7 @@ TEST_F(FoundQueues, OthersQueuesAndThoseThatAreToGoAreLeftAlone) {
 }
 
 TEST_F(FoundQueues, AQueueWhoseScriptIsCutIsIncomplete) {
-  HashPut(G_Queues_hash, "lp1", MakeQueue());
+  Must(HashPut(G_Queues_hash, "lp1", MakeQueue()));
   const std::string script = BridgeModel("vek4110") + InterfaceBlockText(kBlock);
   spooler_.AddQueue("lp1", script.substr(0, script.size() - 40));
   EXPECT_EQ(Compare(), Strings{"incomplete <lp1>"});
@@ -162,7 +163,7 @@ TEST_F(FoundQueues, AQueueWhoseScriptIsCutIsIncomplete) {
 
 TEST_F(FoundQueues, AQueueThatTheBridgesSpoolerLostIsIncomplete) {
   for (const char *name : {"lp1", "lp2", "lp3"}) {
-    HashPut(G_Queues_hash, name, MakeQueue({.name = name}));
+    Must(HashPut(G_Queues_hash, name, MakeQueue({.name = name})));
   }
   spooler_.AddQueue("lp1", BridgeModel("vek4110") + InterfaceBlockText(kBlock));
   spooler_.AddQueue("lp2", BridgeModel("vek4110") + InterfaceBlockText(kBlock));
@@ -173,7 +174,7 @@ TEST_F(FoundQueues, AQueueThatTheBridgesSpoolerLostIsIncomplete) {
 }
 
 TEST_F(FoundQueues, AQueueThatTheBridgesSpoolerHasWithoutAScriptIsIncompleteOrToldAsUnknown) {
-  HashPut(G_Queues_hash, "lp1", MakeQueue());
+  Must(HashPut(G_Queues_hash, "lp1", MakeQueue()));
   PutBridgeSpooler({"lp1", "lp2", "going"});
   EXPECT_EQ(Compare({"going"}),
             (Strings{"incomplete <lp1>", "unknown <lp2> </usr/lib/lpadmin -x lp2>"}));

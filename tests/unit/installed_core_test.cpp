@@ -8,6 +8,7 @@
 #include "debug.h"
 #include "filesystem.h"
 #include "fontmap.h"
+#include "must.h"
 #include "paths.h"
 #include "printcommand.h"
 #include "privateworld.h"
@@ -45,9 +46,9 @@ class Printing : public InstalledCore {
     }
     G_FilesList = CreateList();
     for (const char *path : {"/a", "/b"}) {
-      fAddTail_CList_Function(G_FilesList.get(), CreateSelection(path, 0));
+      Must(fAddTail_CList_Function(G_FilesList.get(), CreateSelection(path, 0)));
     }
-    HashPut(queues_.get(), "lp1", MakeFullQueue());
+    Must(HashPut(queues_.get(), "lp1", MakeFullQueue()));
     G_Queues_hash = queues_.get();
   }
   void TearDown() override {
@@ -133,7 +134,7 @@ TEST_F(Printing, WritesTheUsersOptionsWithTheCopiesFirst) {
 
 TEST_F(Printing, UsesTheCopiesOfTheQueue) {
   InstallLp(directory_, 0);
-  HashPutText(Options(), "*NrCopies", "3");
+  Must(HashPutText(Options(), "*NrCopies", "3"));
   PrintFiles("lp1", errors_.get());
   EXPECT_EQ(Arguments()[3], "*NrCopies=3");
 }
@@ -176,10 +177,10 @@ TEST_F(Printing, TheStepsAreLoggedInOrder) {
 
 TEST_F(Printing, ThousandsOfFilesReachLp) {
   InstallLp(directory_, 0);
-  fRemoveAll_CList_Function(G_FilesList.get());
+  Must(fRemoveAll_CList_Function(G_FilesList.get()));
   for (int i = 0; i < 3000; ++i) {
     const std::string path = "/home/anna/file" + std::to_string(i);
-    fAddTail_CList_Function(G_FilesList.get(), CreateSelection(path.c_str(), 0));
+    Must(fAddTail_CList_Function(G_FilesList.get(), CreateSelection(path.c_str(), 0)));
   }
   PrintFiles("lp1", errors_.get());
   const Strings arguments = Arguments();

@@ -5,6 +5,7 @@
 
 #include "command.h"
 #include "cprintqueues.h"
+#include "must.h"
 #include "queuesupport.h"
 #include "spoolerstandin.h"
 
@@ -31,8 +32,8 @@ class Porting : public testing::Test {
   // Adds a queue of ours to the spooler, the working set and the snapshot.
   void AddOurs(const std::string &name) {
     spooler_.AddQueue(name, kMarker + "\n");
-    HashPut(G_Queues_hash, name.c_str(), MakeQueue({.name = name}));
-    HashPut(G_OrgQueues_hash, name.c_str(), MakeQueue({.name = name}));
+    Must(HashPut(G_Queues_hash, name.c_str(), MakeQueue({.name = name})));
+    Must(HashPut(G_OrgQueues_hash, name.c_str(), MakeQueue({.name = name})));
   }
 
   Strings Errors() const { return Texts(errors_.get()); }
@@ -191,7 +192,7 @@ TEST_F(Porting, QueuesWhoseScriptsCannotBeReadAreTakenBackForTheSave) {
   }
   ErrorOutput([&] { RemoveInexistentSystemVQueues(List()); });
   EXPECT_EQ(Keys(G_Queues_hash), Strings{"lp3"});
-  HashPut(G_Queues_hash, "lp2", MakeQueue({.name = "lp2", .address = "taken"}));
+  Must(HashPut(G_Queues_hash, "lp2", MakeQueue({.name = "lp2", .address = "taken"})));
   TakeBackQueuesSetAside();
   EXPECT_EQ(Keys(G_Queues_hash), (Strings{"lp1", "lp2", "lp3"}));
   EXPECT_EQ(TextOrNull(HashValue<CPrintQueue>(G_Queues_hash, "lp2")->Address.get()), "taken");
@@ -285,7 +286,7 @@ TEST_F(Porting, AQueueWithoutTheMarkerRunsNoSpoolerCommand) {
 TEST_F(Porting, AFailedRemovalBringsTheQueueBackAsItWasAtStart) {
   AddOurs("lp1");
   AddOurs("lp2");
-  fSet_Address_Function(HashValue<CPrintQueue>(G_OrgQueues_hash, "lp1"), Text("old").get());
+  Must(fSet_Address_Function(HashValue<CPrintQueue>(G_OrgQueues_hash, "lp1"), Text("old").get()));
   HashRemove(G_Queues_hash, "lp1");
   HashRemove(G_Queues_hash, "lp2");
   spooler_.Fail("lpadmin");

@@ -7,6 +7,7 @@
 #include "coresupport.h"
 #include "cselection.h"
 #include "debug.h"
+#include "must.h"
 #include "queuesupport.h"
 
 namespace {
@@ -16,14 +17,14 @@ using Strings = std::vector<std::string>;
 Owned<CList> Files(const Strings &paths) {
   Owned<CList> files = CreateList();
   for (const std::string &path : paths) {
-    fAddTail_CList_Function(files.get(), CreateSelection(path.c_str(), 0));
+    Must(fAddTail_CList_Function(files.get(), CreateSelection(path.c_str(), 0)));
   }
   return files;
 }
 
 Owned<CHash> Options(const std::vector<std::pair<const char *, const char *>> &pairs) {
   Owned<CHash> options = CreateHash();
-  for (const auto &[key, value] : pairs) HashPutText(options.get(), key, value);
+  for (const auto &[key, value] : pairs) Must(HashPutText(options.get(), key, value));
   return options;
 }
 
@@ -41,7 +42,7 @@ TEST(PrintCommand, LetsTheSpoolerCopyTheFilesWhenStandardInputIsAmongThem) {
 
 TEST(PrintCommand, NamesFilesSelectedOrNotAndTheSameFileTwice) {
   const Owned<CList> files = Files({"/a", "/a"});
-  fAddTail_CList_Function(files.get(), CreateSelection("/b", 1));
+  Must(fAddTail_CList_Function(files.get(), CreateSelection("/b", 1)));
   EXPECT_EQ(PrintCommandText("lp1", "1", false, files.get()),
             "/usr/bin/lp -d lp1 -o \"*NrCopies=1\" /a /a /b");
 }
@@ -165,8 +166,8 @@ class Queues : public testing::Test {
  protected:
   void SetUp() override {
     G_FilesList = Files({"/a"});
-    HashPut(queues_.get(), "b", MakeQueue({.name = "b", .language = "text"}));
-    HashPut(queues_.get(), "a", MakeFullQueue({.name = "a"}));
+    Must(HashPut(queues_.get(), "b", MakeQueue({.name = "b", .language = "text"})));
+    Must(HashPut(queues_.get(), "a", MakeFullQueue({.name = "a"})));
     G_Queues_hash = queues_.get();
   }
   void TearDown() override {

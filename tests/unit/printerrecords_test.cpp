@@ -8,6 +8,7 @@
 #include "cconstrain.h"
 #include "ccpsparams.h"
 #include "cfeature.h"
+#include "must.h"
 
 namespace {
 
@@ -59,8 +60,8 @@ Owned<CFeature> MakeFeature() {
   for (const FeatureText &member : kFeatureTexts)
     member.set(feature.get(), Text(member.name).get());
   const Owned<CHash> options = CreateHash();
-  HashPutText(options.get(), "A4", "A4 sheet");
-  fSet_Options_Function(feature.get(), options.get());
+  Must(HashPutText(options.get(), "A4", "A4 sheet"));
+  Must(fSet_Options_Function(feature.get(), options.get()));
   return feature;
 }
 
@@ -94,9 +95,9 @@ TEST(Feature, TakesItsOwnTextAgain) {
 TEST(Feature, StoresADeepCopyOfOptions) {
   const Owned<CFeature> feature = CreateFeature();
   const Owned<CHash> mine = CreateHash();
-  HashPutText(mine.get(), "A4", "A4 sheet");
+  Must(HashPutText(mine.get(), "A4", "A4 sheet"));
   EXPECT_EQ(fSet_Options_Function(feature.get(), mine.get()), 1);
-  HashPutText(mine.get(), "A4", "changed");
+  Must(HashPutText(mine.get(), "A4", "changed"));
   EXPECT_NE(fGet_Options_Function(feature.get()), mine.get());
   EXPECT_STREQ(HashText(fGet_Options_Function(feature.get()), "A4"), "A4 sheet");
 }
@@ -158,7 +159,7 @@ constexpr ConstrainText kConstrainTexts[] = {
 // Null texts are missing ones.
 Owned<CConstrain> MakeConstrain(const char *f1, const char *o1, const char *f2, const char *o2) {
   Owned<CConstrain> constrain = CreateConstrain();
-  fSetData_Function(constrain.get(), Text(f1), Text(o1), Text(f2), Text(o2));
+  Must(fSetData_Function(constrain.get(), Text(f1), Text(o1), Text(f2), Text(o2)));
   return constrain;
 }
 

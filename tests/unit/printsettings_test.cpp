@@ -4,6 +4,7 @@
 
 #include "cselection.h"
 #include "globals.h"
+#include "must.h"
 #include "paths.h"
 #include "printcommand.h"
 #include "privateworld.h"
@@ -35,12 +36,12 @@ class PrintSettings : public testing::Test {
     std::ofstream(kLp) << "#!/bin/sh\n: >" << directory_.Path("lp-ran") << "\n";
     fs::permissions(kLp, fs::perms(0755));
     for (CHash *queues : {window_.get(), original_.get()}) {
-      HashPut(queues, "lp1", MakeQueue());
+      Must(HashPut(queues, "lp1", MakeQueue()));
     }
     G_Queues_hash = window_.get();
     G_OrgQueues_hash = original_.get();
     G_FilesList = CreateList();
-    fAddTail_CList_Function(G_FilesList.get(), CreateSelection("/etc/motd", 0));
+    Must(fAddTail_CList_Function(G_FilesList.get(), CreateSelection("/etc/motd", 0)));
   }
   ~PrintSettings() override {
     G_Queues_hash = nullptr;
@@ -57,10 +58,10 @@ class PrintSettings : public testing::Test {
 
   // The window shows this option for the queue, the queue itself has the other.
   void Show(const char *key, const char *value) const {
-    HashPutText(HashValue<CPrintQueue>(window_.get(), "lp1")->Options.get(), key, value);
+    Must(HashPutText(HashValue<CPrintQueue>(window_.get(), "lp1")->Options.get(), key, value));
   }
   void QueueHas(const char *key, const char *value) const {
-    HashPutText(HashValue<CPrintQueue>(original_.get(), "lp1")->Options.get(), key, value);
+    Must(HashPutText(HashValue<CPrintQueue>(original_.get(), "lp1")->Options.get(), key, value));
   }
   void ShowPin() const {
     Show("*Delivery", "HoldJobUntilYouEnterPIN");

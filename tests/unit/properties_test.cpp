@@ -13,6 +13,7 @@
 #include "cprinter.h"
 #include "cselection.h"
 #include "globals.h"
+#include "must.h"
 #include "optionstate.h"
 #include "pafreader.h"
 #include "pagetable.h"
@@ -70,7 +71,7 @@ class Properties : public testing::Test {
     printer->constraints = std::move(content.constraints);
     printer->ppd_file = std::move(content.ppd_file);
     printers_ = CreateHash();
-    HashPut(printers_.get(), kPrinterName, std::move(printer));
+    Must(HashPut(printers_.get(), kPrinterName, std::move(printer)));
     G_Printers_hash = printers_.get();
     G_Queues_hash = queues_.get();
     G_OrgQueues_hash = original_.get();
@@ -89,7 +90,7 @@ class Properties : public testing::Test {
   }
 
   void Put(const QueueValues &values) {
-    HashPut(G_Queues_hash, values.name.c_str(), MakeQueue(values));
+    Must(HashPut(G_Queues_hash, values.name.c_str(), MakeQueue(values)));
   }
   CHash *StoredOptions(const char *name) {
     return HashValue<CPrintQueue>(G_Queues_hash, name)->Options.get();
@@ -138,7 +139,7 @@ TEST_F(Properties, APrinterNameThatFitsNoModelLeavesTheNumberAsItWas) {
 TEST_F(Properties, TheSelectedQueueIsTheFirstSelectedRecord) {
   const Owned<CList> selections = CreateList();
   for (const auto &[name, selected] : {std::pair{"a", 0}, {"b", 1}, {"c", 1}}) {
-    fAddTail_CList_Function(selections.get(), CreateSelection(name, selected));
+    Must(fAddTail_CList_Function(selections.get(), CreateSelection(name, selected)));
   }
   EXPECT_EQ(SelectedQueueName(selections.get()), "b");
   EXPECT_EQ(SelectedQueueName(nullptr), "");
@@ -165,7 +166,7 @@ TEST_F(Properties, ATextQueueNeedsFonts) {
   EXPECT_EQ(OpenError("lp1"), "no font");
   G_Fonts_hash = CreateHash();
   EXPECT_EQ(OpenError("lp1"), "no font");
-  HashPut(G_Fonts_hash.get(), "Courier", CreateHash());
+  Must(HashPut(G_Fonts_hash.get(), "Courier", CreateHash()));
   Open();
   EXPECT_EQ(CurrentQueueTypeKey(), "text");
 }
@@ -179,7 +180,7 @@ TEST_F(Properties, AnUnknownPrinterIsReportedByItsDescriptionFile) {
 }
 
 TEST_F(Properties, DefaultsThatTheQueueHasStayAsTheyAre) {
-  HashPutText(StoredOptions("lp1"), "*PageSize", "Letter");
+  Must(HashPutText(StoredOptions("lp1"), "*PageSize", "Letter"));
   Open();
   EXPECT_EQ(QueueFeatureValue("*PageSize"), "Letter");
 }
@@ -187,7 +188,7 @@ TEST_F(Properties, DefaultsThatTheQueueHasStayAsTheyAre) {
 TEST_F(Properties, WhatEqualsThePrintersDefaultIsNotStored) {
   Open();
   Choose("*Duplex", "DuplexNoTumble");
-  HashPutText(G_QueueFeatures_hash, "*JobName", "A4");
+  Must(HashPutText(G_QueueFeatures_hash, "*JobName", "A4"));
   RemoveDefaultSettings();
   EXPECT_EQ(Keys(G_QueueFeatures_hash), (std::vector<std::string>{"*Duplex", "*JobName"}));
   EXPECT_TRUE(HashIsEmpty(G_QueueInstallableOptions_hash));
@@ -196,9 +197,9 @@ TEST_F(Properties, WhatEqualsThePrintersDefaultIsNotStored) {
 TEST_F(Properties, AUsersDefaultForWhatTheAdministratorSetIsStored) {
   G_ProgName = kModePrintTool;
   Owned<CPrintQueue> original = MakeQueue();
-  HashPutText(original->Options.get(), "*Duplex", "DuplexNoTumble");
-  HashPutText(original->InstallableFeatures.get(), "*OptionHCF", "True");
-  HashPut(G_OrgQueues_hash, "lp1", std::move(original));
+  Must(HashPutText(original->Options.get(), "*Duplex", "DuplexNoTumble"));
+  Must(HashPutText(original->InstallableFeatures.get(), "*OptionHCF", "True"));
+  Must(HashPut(G_OrgQueues_hash, "lp1", std::move(original)));
   Open();
   RemoveDefaultSettings();
   EXPECT_EQ(Keys(G_QueueFeatures_hash), (std::vector<std::string>{"*Duplex"}));
@@ -208,8 +209,8 @@ TEST_F(Properties, AUsersDefaultForWhatTheAdministratorSetIsStored) {
 
 TEST_F(Properties, TheAdministratorKeepsNoDefaultWhateverWasSet) {
   Owned<CPrintQueue> original = MakeQueue();
-  HashPutText(original->Options.get(), "*Duplex", "DuplexNoTumble");
-  HashPut(G_OrgQueues_hash, "lp1", std::move(original));
+  Must(HashPutText(original->Options.get(), "*Duplex", "DuplexNoTumble"));
+  Must(HashPut(G_OrgQueues_hash, "lp1", std::move(original)));
   Open();
   RemoveDefaultSettings();
   EXPECT_TRUE(HashIsEmpty(G_QueueFeatures_hash));
@@ -238,7 +239,7 @@ TEST_F(Properties, ThePrintToolPutsItsCopyBackWithTheCopies) {
 TEST_F(Properties, OnlyTextQueuesHaveSeveralPagesASheet) {
   Open();
   for (const char *key : {"*Nup", "*NupOrder", "*Booklet"}) {
-    HashPutText(G_QueueFeatures_hash, key, "1");
+    Must(HashPutText(G_QueueFeatures_hash, key, "1"));
   }
   RemoveMultipleUpSettings();
   EXPECT_EQ(Keys(G_QueueFeatures_hash),
@@ -352,7 +353,7 @@ TEST_F(PropertiesHelpText, ThePrintToolHasBlocksOfItsOwn) {
 }
 
 TEST_F(PropertiesHelpText, ATextQueuesOptionsPageExplainsPagesASheet) {
-  fSet_Language_Function(G_CurrentQueue.get(), Text("text").get());
+  Must(fSet_Language_Function(G_CurrentQueue.get(), Text("text").get()));
   EXPECT_EQ(PropertiesHelp(3),
             "KPX_OPTIONS_TAB\nKPX_MULTIPLE_UP\nKPX_PROPERTIES_DEFAULTS_BUTTON\n"
             "KPX_PROPERTIES_BUTTONS\n");
@@ -395,7 +396,7 @@ TEST_F(Properties, AValueThatConflictsElsewhereIsNotChosen) {
   Open();
   Choose("*PageSize", "Letter");
   Choose("*Duplex", "DuplexNoTumble");
-  HashPutText(G_QueueInstallableOptions_hash, "*OptionHCF", "True");
+  Must(HashPutText(G_QueueInstallableOptions_hash, "*OptionHCF", "True"));
   Choose("*MediaType", "Thick");
   NoteUserChoice("*Duplex");
   const std::optional<ResolvedConflict> resolved =

@@ -6,6 +6,7 @@
 
 #include "command.h"
 #include "interfacescript.h"
+#include "must.h"
 #include "printermodels.h"
 #include "queuesupport.h"
 #include "spoolerstandin.h"
@@ -78,7 +79,7 @@ class QueueCreation : public testing::Test {
   }
 
   void Put(const QueueValues &values) {
-    HashPut(G_Queues_hash, values.name.c_str(), MakeQueue(values));
+    Must(HashPut(G_Queues_hash, values.name.c_str(), MakeQueue(values)));
   }
 
   CPrintQueue *Queue(const char *name) { return HashValue<CPrintQueue>(G_Queues_hash, name); }
@@ -87,7 +88,7 @@ class QueueCreation : public testing::Test {
   void PutExisting(const std::string &script, const std::string &old_address,
                    const std::string &new_address) {
     spooler_.AddQueue("lp1", script);
-    HashPut(G_OrgQueues_hash, "lp1", MakeQueue({.address = old_address}));
+    Must(HashPut(G_OrgQueues_hash, "lp1", MakeQueue({.address = old_address})));
     Put({.address = new_address});
   }
 
@@ -239,7 +240,7 @@ TEST_F(QueueCreation, AnIncompleteRecordIsReportedAndTheNextOnesGoOn) {
   Queue("b")->Language.reset();
   Put({.name = "c"});
   Queue("c")->Address.reset();
-  HashPut(G_Queues_hash, "d", Owned<CPrintQueue>());
+  Must(HashPut(G_Queues_hash, "d", Owned<CPrintQueue>()));
   Put({.name = "e"});
   EXPECT_EQ(Add(), 0);
   EXPECT_EQ(Errors(), (Strings{"unexpected2 <CPrintQueue>", "unexpected2 <CPrintQueue>",

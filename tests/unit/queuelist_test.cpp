@@ -5,6 +5,7 @@
 
 #include "childprocess.h"
 #include "debug.h"
+#include "must.h"
 #include "queuelistreader.h"
 #include "queuelistwriter.h"
 #include "queuesupport.h"
@@ -106,13 +107,13 @@ TEST(QueueListText, WithoutQueuesIsTheHeader) {
 
 TEST(QueueListText, HasTheHeaderOnceAndEveryItemInItsOrder) {
   const Owned<CHash> queues = CreateHash();
-  HashPut(queues.get(), "lp1", MakeFullQueue());
+  Must(HashPut(queues.get(), "lp1", MakeFullQueue()));
   EXPECT_EQ(Written(queues.get()), std::string(kHeader) + kFullEntry);
 }
 
 TEST(QueueListText, HasTheQueuesInKeyOrder) {
   const Owned<CHash> queues = CreateHash();
-  for (const char *name : {"zebra", "Alpha", "lp1"}) HashPut(queues.get(), name, MakeQueue());
+  for (const char *name : {"zebra", "Alpha", "lp1"}) Must(HashPut(queues.get(), name, MakeQueue()));
   const std::string text = Written(queues.get());
   EXPECT_LT(text.find("Alpha"), text.find("lp1\n#language"));
   EXPECT_LT(text.find("lp1\n#language"), text.find("zebra"));
@@ -120,7 +121,7 @@ TEST(QueueListText, HasTheQueuesInKeyOrder) {
 
 TEST(QueueListText, HasEmptyBracketsForEmptyTables) {
   const Owned<CHash> queues = CreateHash();
-  HashPut(queues.get(), "lp1", MakeQueue());
+  Must(HashPut(queues.get(), "lp1", MakeQueue()));
   EXPECT_TRUE(Written(queues.get())
                   .ends_with("#options\n#end_options\n"
                              "#installable_features\n#end_installable_features\n"
@@ -131,10 +132,10 @@ TEST(QueueListText, HasEmptyBracketsForEmptyTables) {
 
 TEST(QueueListText, LeavesOutAQueueThatLacksAMember) {
   const Owned<CHash> queues = CreateHash();
-  HashPut(queues.get(), "lp1", MakeFullQueue());
+  Must(HashPut(queues.get(), "lp1", MakeFullQueue()));
   Owned<CPrintQueue> incomplete = MakeFullQueue();
   incomplete->CustomMedias.reset();
-  HashPut(queues.get(), "lp2", std::move(incomplete));
+  Must(HashPut(queues.get(), "lp2", std::move(incomplete)));
   int left_out = 0;
   EXPECT_EQ(QueueListText(queues.get(), &left_out), std::string(kHeader) + kFullEntry);
   EXPECT_EQ(left_out, 1);
@@ -142,15 +143,15 @@ TEST(QueueListText, LeavesOutAQueueThatLacksAMember) {
 
 TEST(QueueListText, ReadsBackAsTheSameQueues) {
   const Owned<CHash> queues = CreateHash();
-  HashPut(queues.get(), "lp1", MakeFullQueue());
+  Must(HashPut(queues.get(), "lp1", MakeFullQueue()));
   Owned<CPrintQueue> second = MakeFullQueue({.name = "lp2",
                                              .printer = "Vek Norvel 4105",
                                              .language = "raw",
                                              .address = "printer\xC3\xA4"});
-  HashPutText(second->Options.get(), "*Empty", "");
-  HashPutText(second->Options.get(), "*Hash", "#end_options");
-  HashPutText(second->Options.get(), "*Comment", "## no comment");
-  HashPut(queues.get(), "lp2", std::move(second));
+  Must(HashPutText(second->Options.get(), "*Empty", ""));
+  Must(HashPutText(second->Options.get(), "*Hash", "#end_options"));
+  Must(HashPutText(second->Options.get(), "*Comment", "## no comment"));
+  Must(HashPut(queues.get(), "lp2", std::move(second)));
 
   const Owned<CHash> read = Read(Written(queues.get()));
   EXPECT_EQ(Keys(read.get()), (std::vector<std::string>{"lp1", "lp2"}));
@@ -176,11 +177,11 @@ TEST(QueueListText, NoValueMakesTheListUnreadable) {
     SCOPED_TRACE(value);
     const Owned<CHash> queues = CreateHash();
     Owned<CPrintQueue> odd = MakeQueue({.address = value});
-    HashPutText(odd->Options.get(), value, "setting");
+    Must(HashPutText(odd->Options.get(), value, "setting"));
     PutPaper(odd.get(), value, 1, 1);
     PutMedia(odd.get(), value, value);
-    HashPut(queues.get(), value, std::move(odd));
-    HashPut(queues.get(), "lp2", MakeQueue());
+    Must(HashPut(queues.get(), value, std::move(odd)));
+    Must(HashPut(queues.get(), "lp2", MakeQueue()));
     const Owned<CHash> read = Read(Written(queues.get()));
     EXPECT_EQ(fGetCount_CList_Function(read->pairs.get()), 2);
     ASSERT_NE(Queue(read, "lp2"), nullptr);
@@ -190,21 +191,21 @@ TEST(QueueListText, NoValueMakesTheListUnreadable) {
 
 TEST(QueueListText, AValueThatWouldReadAsAKeywordGetsABlankBeforeIt) {
   const Owned<CHash> queues = CreateHash();
-  HashPut(queues.get(), "lp1", MakeQueue({.address = "#queue"}));
+  Must(HashPut(queues.get(), "lp1", MakeQueue({.address = "#queue"})));
   const Owned<CHash> read = Read(Written(queues.get()));
   EXPECT_EQ(TextOrNull(Queue(read, "lp1")->Address.get()), " #queue");
 }
 
 TEST(QueueListText, AValueThatOnlyBeginsLikeAKeywordStandsAsItIs) {
   const Owned<CHash> queues = CreateHash();
-  HashPut(queues.get(), "lp1", MakeQueue({.address = "#5"}));
+  Must(HashPut(queues.get(), "lp1", MakeQueue({.address = "#5"})));
   EXPECT_NE(Written(queues.get()).find("\n#5\n"), std::string::npos);
   EXPECT_EQ(TextOrNull(Queue(Read(Written(queues.get())), "lp1")->Address.get()), "#5");
 }
 
 TEST(QueueListText, CutsALineThatNoReaderTakesAsOne) {
   const Owned<CHash> queues = CreateHash();
-  HashPut(queues.get(), "lp1", MakeQueue({.address = std::string(3000, 'a')}));
+  Must(HashPut(queues.get(), "lp1", MakeQueue({.address = std::string(3000, 'a')})));
   const Owned<CHash> read = Read(Written(queues.get()));
   EXPECT_EQ(TextOrNull(Queue(read, "lp1")->Address.get()), std::string(kMaxLine, 'a'));
 }
@@ -369,7 +370,7 @@ double SecondsToRead(int count) {
   for (int i = 0; i < count; ++i) {
     // Spread over the alphabet, so that no order of insertion is favoured.
     const std::string name = "lp" + std::to_string((i * 7919L) % 1000003);
-    HashPut(queues.get(), name.c_str(), MakeFullQueue({.name = name}));
+    Must(HashPut(queues.get(), name.c_str(), MakeFullQueue({.name = name})));
   }
   const std::string text = Written(queues.get());
   double best = 0;

@@ -8,6 +8,7 @@
 #include "coresupport.h"
 #include "cprinter.h"
 #include "globals.h"
+#include "must.h"
 #include "optionstate.h"
 #include "queuesupport.h"
 #include "spoolerstandin.h"
@@ -30,7 +31,7 @@ class QueueNames : public testing::Test {
     G_Printers_hash = printers_.get();
     Owned<CPrinter> printer = CreatePrinter("/nowhere/vek41201.paf");
     printer->ppd_file = CreateStringWithValue("vek41201.ppd");
-    HashPut(printers_.get(), "Vek Norvel 4120ES", std::move(printer));
+    Must(HashPut(printers_.get(), "Vek Norvel 4120ES", std::move(printer)));
   }
   ~QueueNames() override {
     G_Queues_hash = nullptr;
@@ -40,7 +41,7 @@ class QueueNames : public testing::Test {
   }
 
   void Put(const QueueValues &values) {
-    HashPut(G_Queues_hash, values.name.c_str(), MakeQueue(values));
+    Must(HashPut(G_Queues_hash, values.name.c_str(), MakeQueue(values)));
   }
   int IsUnique(const char *name) {
     const Owned<CList> errors = CreateList();
@@ -101,7 +102,7 @@ TEST_F(QueueNames, ThePrintingSystemComesFromTheWorkingSetOrElseFromTheStart) {
   const auto put = [](CHash *hash, const char *name, const char *system) {
     Owned<CPrintQueue> queue = MakeQueue({.name = name});
     queue->PrintingSystem = CreateStringWithValue(system);
-    HashPut(hash, name, std::move(queue));
+    Must(HashPut(hash, name, std::move(queue)));
   };
   put(queues_.get(), "a", "CUPS");
   put(original_.get(), "a", "LPRng");

@@ -12,6 +12,7 @@
 #include "cprinter.h"
 #include "cprinters.h"
 #include "cprintqueues.h"
+#include "ignoreresult.h"
 
 namespace {
 bool is_memory_gone = false;
@@ -32,14 +33,14 @@ TEST(OutOfMemory, EveryRecordEndsTheProcessWithTheCataloguesWords) {
     const char *name;
     void (*create)();
   } rows[] = {
-      {"CFeature", [] { CreateFeature(); }},
-      {"CConstrain", [] { CreateConstrain(); }},
-      {"CCpsParams", [] { CreateCpsParams(1, 2); }},
-      {"CCmtParams", [] { CreateCmtParams(nullptr); }},
-      {"CPrinter", [] { CreatePrinter("vek.paf"); }},
-      {"CPrinters", [] { CreatePrinters("ppds", "pafs"); }},
-      {"CPrintQueue", [] { CreatePrintQueue(); }},
-      {"CPrintQueues", [] { CreatePrintQueues("queues.paf"); }},
+      {"CFeature", [] { IgnoreResult(CreateFeature(), "ends the process"); }},
+      {"CConstrain", [] { IgnoreResult(CreateConstrain(), "ends the process"); }},
+      {"CCpsParams", [] { IgnoreResult(CreateCpsParams(1, 2), "ends the process"); }},
+      {"CCmtParams", [] { IgnoreResult(CreateCmtParams(nullptr), "ends the process"); }},
+      {"CPrinter", [] { IgnoreResult(CreatePrinter("vek.paf"), "ends the process"); }},
+      {"CPrinters", [] { IgnoreResult(CreatePrinters("ppds", "pafs"), "ends the process"); }},
+      {"CPrintQueue", [] { IgnoreResult(CreatePrintQueue(), "ends the process"); }},
+      {"CPrintQueues", [] { IgnoreResult(CreatePrintQueues("queues.paf"), "ends the process"); }},
   };
   for (const auto &row : rows) {
     const ChildResult result = RunInChild([&row] {

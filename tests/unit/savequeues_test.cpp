@@ -9,14 +9,18 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <chrono>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 
 #include "coresupport.h"
 #include "cprintqueues.h"
+#include "debug.h"
 #include "globals.h"
 #include "loadqueues.h"
+#include "must.h"
 #include "paths.h"
 #include "porting.h"
 #include "queuelistkeep.h"
@@ -63,14 +67,14 @@ class Save : public testing::Test {
   // What a start does: reads the list, looks for its queues, and takes the snapshot.
   void Start() {
     G_Queues = CreatePrintQueues(kQueuesFile);
-    LoadQueueList(G_Queues.get(), 1, errors_.get());
+    Must(LoadQueueList(G_Queues.get(), 1, errors_.get()));
     G_Queues_hash = fGetPrintQueues_Function(G_Queues.get());
     RemoveInexistentSystemVQueues(errors_.get());
     G_OrgQueues = CloneOf(G_Queues.get());
     G_OrgQueues_hash = fGetPrintQueues_Function(G_OrgQueues.get());
   }
   void Put(const std::string &name) {
-    HashPut(G_Queues_hash, name.c_str(), MakeQueue({.name = name}));
+    Must(HashPut(G_Queues_hash, name.c_str(), MakeQueue({.name = name})));
   }
   SaveResult SaveAll(const std::vector<std::string> &deleted = {}) {
     const Owned<CList> names = ListOf(deleted);
@@ -137,7 +141,7 @@ TEST_F(Save, TellsThatNoCommandIsRunForAQueueThatNeedsNone) {
   Start();
   steps_.clear();
   HashRemove(G_Queues_hash, "lp2");
-  fSet_Address_Function(HashValue<CPrintQueue>(G_Queues_hash, "lp3"), Text("new.host").get());
+  Must(fSet_Address_Function(HashValue<CPrintQueue>(G_Queues_hash, "lp3"), Text("new.host").get()));
   SaveAll({"lp2", "never-saved"});
   EXPECT_EQ(Steps(), "1 1! 2 3 4 4! 5 ");
 }
@@ -166,13 +170,13 @@ TEST_F(Save, TheListIsEmptyAndItsOldContentKeptWhileTheSpoolerWorks) {
   std::string kept;
   std::string list = "unset";
   mode_t mode = 0;
-  SaveQueues(none.get(), errors_.get(), [&](const SaveStep &) {
-    kept = ContentOf(kept_);
-    list = ContentOf(kQueuesFile);
-    struct stat status = {};
-    stat(kept_.c_str(), &status);
-    mode = status.st_mode & 07777;
-  });
+  EXPECT_EQ(SaveResult::Ended, SaveQueues(none.get(), errors_.get(), [&](const SaveStep &) {
+              kept = ContentOf(kept_);
+              list = ContentOf(kQueuesFile);
+              struct stat status = {};
+              stat(kept_.c_str(), &status);
+              mode = status.st_mode & 07777;
+            }));
   EXPECT_EQ(kept, old_list);
   EXPECT_EQ(list, "");
   EXPECT_EQ(mode, 0640U);
@@ -184,15 +188,15 @@ TEST_F(Save, EveryOptionFileIsThereBeforeTheFirstQueueIsMade) {
   SaveAll();
   Start();
   Put("lp2");
-  HashPutText(HashValue<CPrintQueue>(G_Queues_hash, "lp1")->Options.get(), "*Nup", "2");
-  HashPutText(HashValue<CPrintQueue>(G_Queues_hash, "lp2")->Options.get(), "*Nup", "4");
+  Must(HashPutText(HashValue<CPrintQueue>(G_Queues_hash, "lp1")->Options.get(), "*Nup", "2"));
+  Must(HashPutText(HashValue<CPrintQueue>(G_Queues_hash, "lp2")->Options.get(), "*Nup", "4"));
   const Owned<CList> none = CreateList();
   int steps = 0;
-  SaveQueues(none.get(), errors_.get(), [&](const SaveStep &) {
-    ++steps;
-    EXPECT_EQ(ContentOf("/opt/orlan/data/lp1.def"), "*Nup=2\n");
-    EXPECT_EQ(ContentOf("/opt/orlan/data/lp2.def"), "*Nup=4\n");
-  });
+  EXPECT_EQ(SaveResult::Ended, SaveQueues(none.get(), errors_.get(), [&](const SaveStep &) {
+              ++steps;
+              EXPECT_EQ(ContentOf("/opt/orlan/data/lp1.def"), "*Nup=2\n");
+              EXPECT_EQ(ContentOf("/opt/orlan/data/lp2.def"), "*Nup=4\n");
+            }));
   EXPECT_GT(steps, 5);
 }
 
@@ -270,7 +274,7 @@ TEST_F(Save, ThePrintToolReadsTheKeptListWithoutChangingAnything) {
   fs::rename(kQueuesFile, kept_);
   std::ofstream{kQueuesFile};
   const Owned<CPrintQueues> queues = CreatePrintQueues(kQueuesFile);
-  LoadQueueList(queues.get(), 0, nullptr);
+  Must(LoadQueueList(queues.get(), 0, nullptr));
   EXPECT_EQ(Keys(fGetPrintQueues_Function(queues.get())), std::vector<std::string>{"lp1"});
   EXPECT_EQ(ContentOf(kQueuesFile), "");
   EXPECT_TRUE(fs::exists(kept_));
@@ -284,7 +288,7 @@ TEST_F(Save, ThePrintToolDoesNotSayThatAListWasRestored) {
   std::ofstream{kQueuesFile};
   const ChildResult start = RunInChild([] {
     const Owned<CPrintQueues> queues = CreatePrintQueues(kQueuesFile);
-    LoadQueueList(queues.get(), 0, nullptr);
+    Must(LoadQueueList(queues.get(), 0, nullptr));
     _exit(HashIsEmpty(fGetPrintQueues_Function(queues.get())) ? 1 : 0);
   });
   EXPECT_EQ(start.errors, "");
@@ -317,6 +321,17 @@ TEST_F(Save, AKeptListThatIsNeededAndCannotBeReadIsNeitherOverwrittenNorDropped)
   fs::remove(kept_);
 }
 
+TEST_F(Save, AKeptCopyThatCannotBeRemovedIsLogged) {
+  fs::create_directory(kept_);
+  G_DebugLevel = 1;
+  testing::internal::CaptureStderr();
+  DropKeptQueueList(kQueuesFile);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            kept_ + " cannot be removed: " + std::strerror(EISDIR) + "\n");
+  G_DebugLevel = 0;
+  fs::remove(kept_);
+}
+
 TEST_F(Save, AStartAtAnyMomentOfASaveFindsEveryQueue) {
   constexpr int kQueues = 40;
   for (int i = 0; i < kQueues; ++i) Put("lp" + std::to_string(i));
@@ -326,10 +341,10 @@ TEST_F(Save, AStartAtAnyMomentOfASaveFindsEveryQueue) {
     // What a save does to the list, again and again.
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     for (;;) {
-      KeepQueueList(kQueuesFile, nullptr);
+      Must(KeepQueueList(kQueuesFile, nullptr));
       if (truncate(kQueuesFile, 0) != 0) _exit(1);
       usleep(200);
-      fWriteToPaf_Function(G_Queues.get(), nullptr);
+      Must(fWriteToPaf_Function(G_Queues.get(), nullptr));
       DropKeptQueueList(kQueuesFile);
       usleep(200);
     }
@@ -339,7 +354,7 @@ TEST_F(Save, AStartAtAnyMomentOfASaveFindsEveryQueue) {
   int incomplete = 0;
   while (std::chrono::steady_clock::now() < end) {
     const Owned<CPrintQueues> queues = CreatePrintQueues(kQueuesFile);
-    LoadQueueList(queues.get(), 0, nullptr);
+    Must(LoadQueueList(queues.get(), 0, nullptr));
     ++starts;
     if (Keys(fGetPrintQueues_Function(queues.get())).size() != kQueues) ++incomplete;
   }
@@ -357,7 +372,7 @@ TEST_F(Save, AWholeListIsPreferredToTheKeptOne) {
   fs::copy_file(kQueuesFile, kept_);
   Put("lp2");
   spooler_.AddQueue("lp2", std::string(kMarkerLine) + "\n");
-  WriteQueueList(kQueuesFile, G_Queues_hash);
+  Must(WriteQueueList(kQueuesFile, G_Queues_hash));
   Start();
   EXPECT_EQ(Keys(G_Queues_hash), (std::vector<std::string>{"lp1", "lp2"}));
   EXPECT_TRUE(Errors().empty());
@@ -371,7 +386,8 @@ TEST_F(Save, TheNextSaveAfterARestoredListKeepsItUntilEverythingIsWritten) {
   Start();
   std::string kept;
   const Owned<CList> none = CreateList();
-  SaveQueues(none.get(), errors_.get(), [&](const SaveStep &) { kept = ContentOf(kept_); });
+  EXPECT_EQ(SaveResult::Ended, SaveQueues(none.get(), errors_.get(),
+                                          [&](const SaveStep &) { kept = ContentOf(kept_); }));
   EXPECT_NE(kept.find("lp1"), std::string::npos);
   EXPECT_FALSE(fs::exists(kept_));
   EXPECT_NE(ContentOf(kQueuesFile).find("lp1"), std::string::npos);
@@ -383,9 +399,9 @@ const std::string kIntention = IntentionPath(kQueuesFile);
 
 TEST(Intention, IsTheListWithTheRemovalsBehindIt) {
   const Owned<CHash> queues = CreateHash();
-  HashPut(queues.get(), "lp1", MakeQueue());
+  Must(HashPut(queues.get(), "lp1", MakeQueue()));
   // A value that looks like a removal is none.
-  HashPutText(HashValue<CPrintQueue>(queues.get(), "lp1")->Options.get(), "*A", "##remove x");
+  Must(HashPutText(HashValue<CPrintQueue>(queues.get(), "lp1")->Options.get(), "*A", "##remove x"));
   int left_out = 0;
   const std::string list = QueueListText(queues.get(), &left_out);
   const std::string text = IntentionText(queues.get(), ListOf({"lp2", "lp3"}).get());
@@ -397,7 +413,7 @@ TEST(Intention, IsTheListWithTheRemovalsBehindIt) {
 
 TEST(Intention, IsNotWholeWhereverItBreaksOff) {
   const Owned<CHash> queues = CreateHash();
-  HashPut(queues.get(), "lp1", MakeQueue());
+  Must(HashPut(queues.get(), "lp1", MakeQueue()));
   const std::string text = IntentionText(queues.get(), ListOf({"lp2"}).get());
   for (size_t size = 0; size < text.size(); ++size) {
     EXPECT_EQ(RemovalsOf(text.substr(0, size)), std::nullopt) << size;

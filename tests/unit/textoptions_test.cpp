@@ -5,6 +5,7 @@
 
 #include "coresupport.h"
 #include "fontmap.h"
+#include "must.h"
 #include "optionstate.h"
 #include "queuesupport.h"
 
@@ -58,8 +59,8 @@ TEST_F(TextOptions, EighteenSizesAreOffered) {
 TEST_F(TextOptions, CourierInTwelvePointsIsWantedUnlessTheQueueSaysOtherwise) {
   EXPECT_EQ(WantedFontName(), "Courier");
   EXPECT_EQ(WantedFontSize(), "12");
-  HashPutText(G_QueueFeatures_hash, "*FontName", "Times-Roman");
-  HashPutText(G_QueueFeatures_hash, "*FontSize", "7");
+  Must(HashPutText(G_QueueFeatures_hash, "*FontName", "Times-Roman"));
+  Must(HashPutText(G_QueueFeatures_hash, "*FontSize", "7"));
   EXPECT_EQ(WantedFontName(), "Times-Roman");
   EXPECT_EQ(WantedFontSize(), "7");
 }

@@ -5,10 +5,14 @@
 #include <pwd.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <climits>
+#include <cstring>
 #include <filesystem>
 #include <set>
 
 #include "coresupport.h"
+#include "debug.h"
 #include "temporarydirectory.h"
 
 namespace {
@@ -103,6 +107,18 @@ TEST(DeleteFilesFromDir, IgnoresANameThatNoLongerExists) {
   EXPECT_TRUE(NamesIn(directory.Path()).empty());
 }
 
+TEST(DeleteFilesFromDir, LogsWhatCannotBeRemoved) {
+  const TemporaryDirectory directory;
+  const std::string path = directory.Path(std::string(NAME_MAX + 1, 'x'));
+  const Owned<CList> names = ListOf({"gone", path.substr(path.rfind('/') + 1)});
+  G_DebugLevel = 1;
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(DeleteFilesFromDir(directory.Path().c_str(), names.get(), nullptr), 1);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            path + " cannot be removed: " + std::strerror(ENAMETOOLONG) + "\n");
+  G_DebugLevel = 0;
+}
+
 TEST(DeleteFilesFromDir, ALinkToADirectoryStaysAndOneToAFileOrNothingGoes) {
   const TemporaryDirectory directory;
   std::filesystem::create_directory(directory.Path("sub"));
@@ -133,4 +149,13 @@ TEST(DeleteFilesEndingIn, FailsForMissingArgumentsAndDirectories) {
   EXPECT_EQ(DeleteFilesEndingIn(nullptr, ".def"), 0);
   EXPECT_EQ(DeleteFilesEndingIn("/tmp", nullptr), 0);
   EXPECT_EQ(DeleteFilesEndingIn("/nonexistent", ".def"), 0);
+}
+
+TEST(DeleteFilesEndingIn, LogsADirectoryThatCannotBeRead) {
+  G_DebugLevel = 1;
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(DeleteFilesEndingIn("/nonexistent", ".def"), 0);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            std::string("/nonexistent cannot be read: ") + std::strerror(ENOENT) + "\n");
+  G_DebugLevel = 0;
 }
