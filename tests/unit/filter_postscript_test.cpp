@@ -417,6 +417,12 @@ TEST_F(PostScriptJob, EachOfSeveralDocumentsGetsTheCode) {
   }
 }
 
+TEST_F(PostScriptJob, BehindADocumentsEndNoPlaceForItsCodeIsLookedFor) {
+  Set({{"*NrCopies", "2"}});
+  const std::string document = Document(kCover + std::string("%!PS\n%%EndProlog\nshowpage\n"));
+  EXPECT_LT(document.find("NumCopies"), document.find("(cover)"));
+}
+
 TEST_F(PostScriptJob, ADocumentWithoutEndIsFollowedByOneThatHidesNoPlaceOfIts) {
   Set({{"*NrCopies", "2"}});
   const std::string cover = "%!PS-Adobe-3.0\n%%EndComments\n(cover) show showpage\n";
