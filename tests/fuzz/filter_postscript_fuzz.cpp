@@ -1,7 +1,8 @@
-// PostScript and PCL jobs: any bytes go through, the same whatever the reads are cut into, and
-// unchanged where there is nothing to put in.
+// PostScript and PCL jobs: any bytes go through, or are refused, the same whatever the reads are
+// cut into, and unchanged where there is nothing to put in.
 #include "filterjob.h"
 #include "fuzz_support.h"
+#include "jobkind.h"
 #include "pcljob.h"
 #include "postscript.h"
 
@@ -32,13 +33,20 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   const JobSettings full_settings(full);
   const JobSettings plain_settings(plain);
   const std::string job(InputText(data, size));
-  const std::string whole = RunOver(FilterPostScript, full_settings, job);
-  Require(whole == RunOver(FilterPostScript, full_settings, job, 1));
+  const FilteredJob whole = ResultOver(FilterPostScript, full_settings, job);
+  const FilteredJob pieces = ResultOver(FilterPostScript, full_settings, job, 1);
+  Require(whole.output == pieces.output && whole.result.failure == pieces.result.failure);
+  for (const char *type : {"postscript", "text", "pcl6"}) {
+    JobSource source = TextSource(job);
+    JobSource slow = TextSource(job, 1);
+    Require(RefusalOf(type, &source) == RefusalOf(type, &slow));
+  }
   if (job.starts_with("%!") && job.find(kUel) == std::string::npos &&
       job.find_first_of("\r\n") != std::string::npos) {
     Require(RunOver(FilterPostScript, plain_settings, job) == job);
   }
   Require(RunOver(FilterPcl, plain_settings, job) == job);
-  Require(RunOver(FilterPcl, full_settings, job) == RunOver(FilterPcl, full_settings, job, 1));
+  const std::string pcl = ResultOver(FilterPcl, full_settings, job).output;
+  Require(pcl == ResultOver(FilterPcl, full_settings, job, 1).output);
   return 0;
 }
