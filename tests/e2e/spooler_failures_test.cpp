@@ -71,7 +71,7 @@ TEST(BridgeFailures, AFailingScriptHoldsTheJobWhichPrintsWholeWhenReleased) {
   EXPECT_TRUE(queue.Keeps(job));
   EXPECT_NE(std::string::npos, queue.State().find("is idle")) << queue.State();
   EXPECT_NE(std::string::npos,
-            log.Text().find("script failed without a word; the job is held (status 1)"));
+            log.Text().find("script failed without a message; the job is held (status 1)"));
 
   SetStatus(0);
   EXPECT_EQ(0, RunProgram({"/usr/bin/lp", "-i", "lp1-" + job, "-H", "resume"}).status);
@@ -104,8 +104,8 @@ TEST(BridgeFailures, AScriptWhoseStatusIsLostHoldsTheJobWhateverItSaid) {
       << log.Text();
   EXPECT_TRUE(queue.Keeps(job));
   const std::string state = RunProgram({"lpstat", "-l", "-p", "lp1"}).output;
-  EXPECT_NE(std::string::npos, state.find("0.5 MB sent; the job is held (how its interface script "
-                                          "ended is not known)\n"))
+  EXPECT_NE(std::string::npos, state.find("0.5 MB sent; the job is held (the exit status of its "
+                                          "interface script is unknown)\n"))
       << state;
 }
 
