@@ -54,8 +54,7 @@ std::optional<Names> AnswerOfSpooler() {
 }
 
 // Whether the queue, which is in the list, lacks a part in the spooler.
-bool IsIncomplete(const char *name, const SpoolerState &spooler) {
-  const QueueScript script = LookAtScript(name);
+bool IsIncomplete(const char *name, const QueueScript &script, const SpoolerState &spooler) {
   const bool is_there = spooler.bridge_queues && spooler.bridge_queues->contains(name);
   if (script.state == ScriptState::Gone) return is_there;
   if (script.state != ScriptState::Ours) return false;
@@ -164,12 +163,17 @@ Names NamesOf(const CList *list) {
   return names;
 }
 
-void FindIncomplete(const SpoolerState &spooler, CList *messages) {
-  for (const auto [name, queue] : Pairs<CPrintQueue>(G_Queues_hash)) {
-    if (!IsIncomplete(name, spooler)) continue;
-    MarkIncompleteQueue(name);
-    G_Report(messages, "WARN_QUEUE_INCOMPLETE", {name});
-  }
+// Marks and tells the queue if the spooler has it only in part.
+bool CheckQueue(const char *name, const QueueScript &script, const SpoolerState &spooler,
+                CList *messages) {
+  if (!IsIncomplete(name, script, spooler)) return false;
+  MarkIncompleteQueue(name);
+  G_Report(messages, "WARN_QUEUE_INCOMPLETE", {name});
+  return true;
+}
+
+// What is left of queues that an unfinished save was to remove may be removed whatever it is.
+void MarkRests(const SpoolerState &spooler) {
   for (const std::string &name : spooler.removed) {
     if (LookAtScript(name.c_str()).state != ScriptState::Gone) continue;
     if (spooler.entries.contains(name) || IsRest(name, spooler)) MarkIncompleteQueue(name.c_str());
@@ -233,6 +237,17 @@ void CompareWithSpooler(const CList *removed, CList *messages) {
   ForgetIncompleteQueues();
   const Owned<CList> entries = GetFilesFromDir(kSpoolPrintersDir);
   const SpoolerState spooler = {AnswerOfSpooler(), NamesOf(entries.get()), NamesOf(removed)};
-  FindIncomplete(spooler, messages);
+  const auto check = [&](const char *name, const QueueScript &script) {
+    return CheckQueue(name, script, spooler, messages);
+  };
+  if (removed == nullptr) {
+    RemoveInexistentSystemVQueues(messages, check);
+  } else {
+    // What an unfinished save was to make need not be in the spooler yet.
+    for (const auto [name, queue] : Pairs<CPrintQueue>(G_Queues_hash)) {
+      check(name, LookAtScript(name));
+    }
+  }
+  MarkRests(spooler);
   TakeInUnlisted(spooler, messages);
 }

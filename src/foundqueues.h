@@ -24,11 +24,13 @@ std::string SpoolerQuestion();
 void AskSpooler();
 
 // Compares the working set with the spooler, which is asked now unless that was done before.
+// `removed` (CString) is what an unfinished save still has to remove; null when there is none.
 //
 // Queues of G_Queues_hash that the spooler has only in part are marked as incomplete, so that a
 // save makes them anew: those whose script is cut, or that the spooler has lost, or whose script is
-// gone while the spooler still has them. So are those of `removed` (CString, may be null) of which
-// the spooler still has something. Queues in the spooler that are ours and in neither set come into
+// gone while the spooler still has them. So are those of `removed` of which the spooler still has
+// something. Without an unfinished save the other queues that the spooler has not are dropped
+// (RemoveInexistentSystemVQueues). Queues in the spooler that are ours and in neither set come into
 // G_Queues_hash. All but those of `removed` are told to `messages`, and so is what KPXadmin left in
 // the spooler and cannot be understood, with the command that removes it.
 void CompareWithSpooler(const CList *removed, CList *messages);

@@ -87,9 +87,8 @@ void LoadForAdministration(CList *messages) {
                  "a list that cannot be read is reported");
   G_Queues_hash = fGetPrintQueues_Function(G_Queues.get());
   CompareWithSpooler(G_UnfinishedRemovals.get(), messages);
-  // What an unfinished save was to make need not be in the spooler yet.
-  if (G_UnfinishedRemovals == nullptr) RemoveInexistentSystemVQueues(messages);
   TakeSnapshot();
+  if (G_UnfinishedRemovals == nullptr) return;
   AddRemovedToSnapshot(fGet_CString_Value_Function(fGetPafFile_Function(G_Queues.get())));
 }
 

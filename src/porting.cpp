@@ -16,6 +16,7 @@
 #include "ignoreresult.h"
 #include "paths.h"
 #include "textencoding.h"
+#include "textfile.h"
 #include "utils.h"
 
 namespace {
@@ -34,9 +35,8 @@ bool MeansMissing(int error) { return error == ENOENT || error == ENOTDIR; }
 
 bool HasMarkerLine(std::string_view script) {
   LineReader lines(script);
-  while (std::optional<std::string> line = lines.Next()) {
-    line->erase(line->find_last_not_of(" \t") + 1);
-    if (*line == kMarkerLine) return true;
+  while (std::optional<std::string_view> line = lines.NextView()) {
+    if (line->substr(0, line->find_last_not_of(" \t") + 1) == kMarkerLine) return true;
   }
   return false;
 }
@@ -97,15 +97,10 @@ std::string InterfacePath(const std::string &name) {
 
 QueueScript LookAtScript(const char *name) {
   if (name == nullptr) return {ScriptState::Gone, ""};
-  const std::string path = InterfacePath(name);
-  struct stat status = {};
-  if (stat(path.c_str(), &status) != 0) {
-    return {MeansMissing(errno) ? ScriptState::Gone : ScriptState::Unreadable, ""};
-  }
-  // Only a file is opened: a named pipe would hold the program up.
-  if (!S_ISREG(status.st_mode)) return {ScriptState::NotAFile, ""};
-  std::optional<std::string> script = ReadWholeFile(path);
-  if (!script) return {ScriptState::Unreadable, ""};
+  bool is_file = true;
+  std::optional<std::string> script = ReadRegularFile(InterfacePath(name), &is_file);
+  if (!is_file) return {ScriptState::NotAFile, ""};
+  if (!script) return {MeansMissing(errno) ? ScriptState::Gone : ScriptState::Unreadable, ""};
   return {HasMarkerLine(*script) ? ScriptState::Ours : ScriptState::NotOurs, std::move(*script)};
 }
 
@@ -150,22 +145,26 @@ int OurQueueExistsSysV(const char *name, CList *errors) {
   return ReadQueueScript(name, errors).state == ScriptState::Ours ? 1 : 0;
 }
 
-int RemoveInexistentSystemVQueues(CList *errors) {
+int RemoveInexistentSystemVQueues(CList *errors, const QueueFilter &stays) {
   const LogScope log("RemoveInexistentSystemVQueues");
   L_SetAside.reset();
   L_TakenBack.clear();
   const Owned<CList> names = fGetKeys_CHash_Function(G_Queues_hash);
   for (const CString *element : Elements<CString>(names.get())) {
     const char *name = fGet_CString_Value_Function(element);
-    if (IsIncompleteQueue(name)) continue;
-    const ScriptState script = ReadQueueScript(name, errors).state;
-    if (script == ScriptState::Ours) continue;
-    if (script == ScriptState::NotOurs) G_Report(errors, "WARN_QUEUE_SCRIPT_CHANGED", {name});
-    if (script == ScriptState::Unreadable || script == ScriptState::NotAFile) SetAside(name);
+    const QueueScript script = ReadQueueScript(name, errors);
+    if (script.state == ScriptState::NotOurs) G_Report(errors, "WARN_QUEUE_SCRIPT_CHANGED", {name});
+    if (stays && stays(name, script)) continue;
+    if (script.state == ScriptState::Ours) continue;
+    if (script.state == ScriptState::Unreadable || script.state == ScriptState::NotAFile) {
+      SetAside(name);
+    }
     HashRemove(G_Queues_hash, name);
   }
   return 1;
 }
+
+bool IsSetAside(const char *name) { return HashFind(L_SetAside.get(), name) != nullptr; }
 
 void TakeBackQueuesSetAside() {
   for (const auto [name, queue] : Pairs<CPrintQueue>(L_SetAside.get())) {

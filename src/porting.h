@@ -60,10 +60,17 @@ void ForgetIncompleteQueues();
 // `name` is null, and, reported to `errors`, when the script cannot be read.
 [[nodiscard]] int OurQueueExistsSysV(const char *name, CList *errors);
 
-// Drops from G_Queues_hash every queue that is not ours in the spooler and not marked as
-// incomplete: silently when its script is gone, with a report to `errors` when the script has lost
-// the marker or cannot be read. Those whose script cannot be read are set aside. 1.
-int RemoveInexistentSystemVQueues(CList *errors);
+// Whether the queue `name`, which has that script, is to stay whatever the script says.
+using QueueFilter = std::function<bool(const char *name, const QueueScript &script)>;
+
+// Drops from G_Queues_hash every queue that is not ours in the spooler, but for those that `stays`,
+// which may be empty, lets pass: silently when its script is gone, with a report to `errors` when
+// the script has lost the marker or cannot be read. Those whose script cannot be read are set
+// aside. 1.
+int RemoveInexistentSystemVQueues(CList *errors, const QueueFilter &stays = {});
+
+// True for a queue that was set aside.
+[[nodiscard]] bool IsSetAside(const char *name);
 
 // Puts the queues that were set aside back into G_Queues_hash, so that a save does not forget them;
 // one whose name has been taken meanwhile is left out.

@@ -259,6 +259,15 @@ bool SyncDirectoryOf(const std::string &path) {
   return file.IsOpen() && (Uninterrupted(fsync, file.Descriptor()) == 0 || errno == EINVAL);
 }
 
+std::optional<std::string> ReadRegularFile(const std::string &path, bool *is_file) {
+  const OpenFile file(Uninterrupted(open, path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+  struct stat status = {};
+  *is_file = true;
+  if (!file.IsOpen() || fstat(file.Descriptor(), &status) != 0) return std::nullopt;
+  *is_file = S_ISREG(status.st_mode);
+  return *is_file ? ReadToEnd(file) : std::nullopt;
+}
+
 std::optional<std::string> ReadOwnFile(const std::string &path) {
   // Non-blocking, so that a named pipe in the file's place cannot hold the program up.
   OpenFile file(Uninterrupted(open, path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));

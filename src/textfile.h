@@ -75,6 +75,10 @@ std::vector<std::string> ReplaceFilesDurably(const std::vector<FileContent> &fil
 // stays so. False, with errno, when that failed; true where a file system has no such thing.
 [[nodiscard]] bool SyncDirectoryOf(const std::string &path);
 
+// The content of a regular file; nothing, with errno, when it cannot be read. `is_file` tells
+// whether something else stands there, which is not read: a named pipe would hold the program up.
+[[nodiscard]] std::optional<std::string> ReadRegularFile(const std::string &path, bool *is_file);
+
 // The content of a regular file that the effective user or the superuser owns; nothing for any
 // other, a symbolic link included.
 [[nodiscard]] std::optional<std::string> ReadOwnFile(const std::string &path);

@@ -185,7 +185,9 @@ TEST_F(AdministratorLock, ACommandThatTheKilledProgramHadStartedDoesNotKeepIt) {
   KillNow(killed);
   {
     AdminApp next;
-    EXPECT_EQ(std::vector<std::string>{}, next.QueueNames());
+    next.WaitWindow("KPXErrorWarningDialog");
+    EXPECT_EQ(CatalogueText("WARN_SAVE_UNFINISHED") + "\n", next.Text("ErrorWarningText"));
+    EXPECT_EQ(std::vector<std::string>{"-lp1"}, next.QueueNames());
   }
   spooler.Open();
 }

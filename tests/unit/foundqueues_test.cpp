@@ -179,7 +179,16 @@ TEST_F(FoundQueues, AQueueThatTheBridgesSpoolerHasWithoutAScriptIsIncompleteOrTo
   EXPECT_EQ(Compare({"going"}),
             (Strings{"incomplete <lp1>", "unknown <lp2> </usr/lib/lpadmin -x lp2>"}));
   EXPECT_TRUE(IsIncompleteQueue("going"));
-  EXPECT_EQ(RemoveInexistentSystemVQueues(nullptr), 1);
+}
+
+TEST_F(FoundQueues, WithoutAnUnfinishedSaveTheQueuesThatTheSpoolerHasNotAreDropped) {
+  for (const char *name : {"lp1", "lp2"}) {
+    HashPut(G_Queues_hash, name, MakeQueue({.name = name}));
+  }
+  PutBridgeSpooler({"lp1"});
+  const Owned<CList> messages = CreateList();
+  CompareWithSpooler(nullptr, messages.get());
+  EXPECT_EQ(Texts(messages.get()), Strings{"incomplete <lp1>"});
   EXPECT_EQ(Keys(G_Queues_hash), Strings{"lp1"}) << "a save makes it anew";
 }
 

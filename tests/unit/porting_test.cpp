@@ -333,13 +333,15 @@ TEST_F(Porting, WhatIsLeftOfAQueueWhoseRemovalWasInterruptedIsRemoved) {
   EXPECT_EQ(NamesIn(kUsers), Strings{});
 }
 
-TEST_F(Porting, AnIncompleteQueueIsNotPruned) {
+TEST_F(Porting, AQueueThatIsToStayIsNotPruned) {
   AddOurs("lp1");
-  fs::remove(spooler_.ScriptPath("lp1"));
-  MarkIncompleteQueue("lp1");
-  RemoveInexistentSystemVQueues(List());
-  ForgetIncompleteQueues();
-  EXPECT_EQ(Keys(G_Queues_hash), Strings{"lp1"});
+  AddOurs("lp2");
+  for (const char *name : {"lp1", "lp2"}) fs::remove(spooler_.ScriptPath(name));
+  RemoveInexistentSystemVQueues(List(), [](const char *name, const QueueScript &script) {
+    EXPECT_EQ(script.state, ScriptState::Gone);
+    return std::string(name) == "lp2";
+  });
+  EXPECT_EQ(Keys(G_Queues_hash), Strings{"lp2"});
 }
 
 TEST_F(Porting, AnEmptySetSucceedsANullOneFails) {
