@@ -140,6 +140,58 @@ TEST_F(PackageTest, ItsControlFieldsNameItAndWhatItNeeds) {
   }
 }
 
+// The programs that the package runs, or has run for it, and that are not its own.
+constexpr const char *kForeignPrograms[] = {
+    "/bin/bash",
+    "/bin/chgrp",
+    "/bin/chmod",
+    "/bin/chown",
+    "/bin/sh",
+    "/usr/bin/awk",
+    "/usr/bin/cat",
+    "/usr/bin/find",
+    "/usr/bin/flock",
+    "/usr/bin/lp",
+    "/usr/bin/lpstat",
+    "/usr/bin/mktemp",
+    "/usr/bin/sed",
+    "/usr/bin/sync",
+    "/usr/lib/cups/filter/gziptoany",
+    "/usr/sbin/cupsaccept",
+    "/usr/sbin/cupsd",
+    "/usr/sbin/cupsenable",
+    "/usr/sbin/lpadmin",
+};
+
+TEST_F(PackageTest, ItNeedsEveryPackageWhoseProgramsItRuns) {
+  const std::string needs = " " + Shell("dpkg-deb -f " + Package() + " Depends") + ",";
+  for (const std::string program : kForeignPrograms) {
+    // The package database may know a file without the /usr that leads to it.
+    const std::string owner = Shell("file=$(readlink -f " + program +
+                                    "); { dpkg -S \"$file\" || dpkg -S \"${file#/usr}\"; }"
+                                    " 2>/dev/null | sed 's/:.*//'");
+    const std::string importance = Shell("dpkg-query -W -f '${Essential} ${Priority}' " + owner);
+    const bool is_everywhere = importance == "yes required" || importance == "no required";
+    EXPECT_TRUE(is_everywhere || needs.find(" " + owner + ",") != std::string::npos ||
+                needs.find(" " + owner + " ") != std::string::npos)
+        << program << " is in " << owner << "; the package needs" << needs;
+  }
+}
+
+TEST_F(PackageTest, EveryCommandOfItHasAManualPage) {
+  const TemporaryDirectory directory;
+  const std::string tree = directory.Path("tree");
+  Shell("dpkg-deb -x " + Package() + " " + tree);
+  Strings commands = NamesIn(tree + "/usr/bin");
+  for (const std::string &program : NamesIn(tree + "/opt/orlan/bin")) commands.push_back(program);
+  for (const std::string &command : commands) {
+    const std::string page = Shell("cd " + tree + "/usr/share/man && zcat man[18]/" + command +
+                                   ".[18].gz | sed 's/^\\.so \\(.*\\)/\\1/;q'");
+    const std::string other = tree + "/usr/share/man/" + page + ".gz";
+    EXPECT_TRUE(page.starts_with(".TH") || fs::is_regular_file(other)) << command << ": " << page;
+  }
+}
+
 TEST_F(PackageTest, ItHoldsWhatAnInstallationHoldsAndNothingElse) {
   const TemporaryDirectory directory;
   const std::string tree = directory.Path("tree");

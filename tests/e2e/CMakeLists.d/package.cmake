@@ -13,3 +13,11 @@ target_compile_definitions(test_package PRIVATE KPX_MAKEQUEUES="$<TARGET_FILE:ma
   KPX_PACKAGE_DIR="${KPX_PACKAGE}")
 add_dependencies(test_package makequeues)
 set_tests_properties(package PROPERTIES FIXTURES_REQUIRED "stage;package")
+
+# In a minimal Debian of its own, which is downloaded.
+if(KPX_LONG)
+  add_test(NAME package_minimal_root
+           COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/e2e/minimal_root ${KPX_PACKAGE} ${CMAKE_BINARY_DIR}/tests)
+  set_tests_properties(package_minimal_root PROPERTIES FIXTURES_REQUIRED package LABELS e2e
+                       TIMEOUT 3600 SKIP_RETURN_CODE 77)
+endif()
