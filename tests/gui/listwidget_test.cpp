@@ -2,7 +2,8 @@
 
 #include "ListWidget.h"
 
-#include <chrono>
+#include <algorithm>
+#include <ctime>
 #include <utility>
 
 #include "guisupport.h"
@@ -232,17 +233,22 @@ TEST_F(ListWidget, RowsCanBeRemovedWhileFrozen) {
   EXPECT_EQ("row 2", ListCell(list_, 1, 0));
 }
 
-TEST_F(ListWidget, TenThousandRowsAreFilledSelectedAndRemovedInReasonableTime) {
-  constexpr int kRows = 10000;
-  const auto start = std::chrono::steady_clock::now();
-  NewShownList(kRows);
-  gtk_tree_selection_select_all(gtk_tree_view_get_selection(GTK_TREE_VIEW(list_)));
-  EXPECT_EQ(size_t{kRows}, TakeReports().size());
-  for (int row = kRows - 1; row >= 0; --row) ListRemove(list_, row);
-  EXPECT_EQ(0, ListRowCount(list_));
-  EXPECT_EQ(size_t{kRows}, TakeReports().size());
-  const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
-  EXPECT_LT(seconds.count(), 5.0);
+TEST_F(ListWidget, FourTimesTheRowsCostLittleMoreThanFourTimesTheWork) {
+  // Processor time to fill, select and remove rows.
+  const auto seconds_of = [&](int rows) {
+    const std::clock_t start = std::clock();
+    NewShownList(rows);
+    gtk_tree_selection_select_all(gtk_tree_view_get_selection(GTK_TREE_VIEW(list_)));
+    EXPECT_EQ(static_cast<size_t>(rows), TakeReports().size());
+    for (int row = rows - 1; row >= 0; --row) ListRemove(list_, row);
+    EXPECT_EQ(0, ListRowCount(list_));
+    EXPECT_EQ(static_cast<size_t>(rows), TakeReports().size());
+    return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
+  };
+  const double small = std::min(seconds_of(2500), seconds_of(2500));
+  const double large = seconds_of(10000);
+  // A walk of the list for each row would make it 16.
+  EXPECT_LT(large, 9 * small) << small << " s for 2,500 rows, " << large << " s for 10,000";
 }
 
 TEST_F(ListWidget, ARowHasTheTooltipItWasGivenAndNoOther) {

@@ -13,22 +13,31 @@
 #include <string>
 #include <vector>
 
+#include "deadline.h"
+
 struct ChildResult {
   int status = -1;     // exit status; 128 plus the signal's number when a signal ended it
   std::string errors;  // its standard error
 };
 
+// Throws std::runtime_error when the end does not come in time.
 inline std::string ReadToEnd(int descriptor) {
+  const Deadline deadline(RunPatience());
   std::string text;
   char buffer[4096];
-  ssize_t count = 0;
-  while ((count = read(descriptor, buffer, sizeof buffer)) > 0) {
+  for (;;) {
+    if (!HasEvents(descriptor, POLLIN, deadline)) {
+      throw deadline.Missed("the end of\n" +
+                            text.substr(text.size() - std::min<size_t>(text.size(), 4000)));
+    }
+    const ssize_t count = read(descriptor, buffer, sizeof buffer);
+    if (count <= 0) return text;
     text.append(buffer, static_cast<size_t>(count));
   }
-  return text;
 }
 
-// `body` may end the process itself; when it returns the status is 0.
+// `body` may end the process itself; when it returns the status is 0. A child that does not end in
+// RunPatience is killed, and std::runtime_error tells what it wrote.
 inline ChildResult RunInChild(const std::function<void()> &body) {
   int ends[2];
   if (pipe2(ends, O_CLOEXEC) != 0) throw std::runtime_error("pipe");
@@ -43,10 +52,16 @@ inline ChildResult RunInChild(const std::function<void()> &body) {
   }
   close(ends[1]);
   ChildResult result;
-  result.errors = ReadToEnd(ends[0]);
+  try {
+    result.errors = ReadToEnd(ends[0]);
+  } catch (...) {
+    kill(child, SIGKILL);
+    waitpid(child, nullptr, 0);
+    close(ends[0]);
+    throw;
+  }
   close(ends[0]);
-  int status = 0;
-  waitpid(child, &status, 0);
+  const int status = AwaitChild(child, "a child process that wrote\n" + result.errors);
   result.status = WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
   return result;
 }

@@ -6,6 +6,7 @@
 
 #include <stdexcept>
 
+#include "deadline.h"
 #include "temporarydirectory.h"
 
 namespace {
@@ -72,7 +73,6 @@ int StartFilter(const std::vector<std::string> &arguments, int input, int output
 }
 
 int WaitFor(int process) {
-  int status = 0;
-  waitpid(process, &status, 0);
+  const int status = AwaitChild(process, "kpxfilter");
   return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
 }

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <fcntl.h>
-#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -11,6 +10,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "deadline.h"
 #include "descriptor.h"
 #include "spoolerstandin.h"
 
@@ -33,10 +33,10 @@ class GatedSpooler {
   // Until a call waits: "<command> <queue>".
   std::string WaitReached() const {
     std::string line;
-    pollfd waiting = {reached_.get(), POLLIN, 0};
     while (!line.ends_with('\n')) {
       char letter = 0;
-      if (poll(&waiting, 1, kDeadlineMilliseconds) != 1 || read(reached_.get(), &letter, 1) != 1) {
+      if (!HasEvents(reached_.get(), POLLIN, Deadline(EventPatience())) ||
+          read(reached_.get(), &letter, 1) != 1) {
         throw std::runtime_error("no command came to the gate");
       }
       line += letter;
@@ -52,7 +52,6 @@ class GatedSpooler {
   static constexpr char kReached[] = "/run/kpx/gate-reached";
   static constexpr char kGate[] = "/run/kpx/gate";
   static constexpr char kHolds[] = "/run/kpx/gate-holds";
-  static constexpr int kDeadlineMilliseconds = 60000;
 
   static std::string HoldMark(const std::string &command, const std::string &queue) {
     return std::string(kHolds) + "/" + command + "-" + queue;

@@ -12,7 +12,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
@@ -22,13 +21,11 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "deadline.h"
 #include "xinput.h"
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-constexpr std::chrono::seconds kDeadline{60};
 // How long to watch for X events before looking again; only a bound, what happens ends it.
 constexpr int kPauseMilliseconds = 10;
 
@@ -156,9 +153,7 @@ void RunImport(std::vector<std::string> arguments) {
     execvp(pointers[0], pointers.data());
     _exit(127);
   }
-  int status = 0;
-  waitpid(child, &status, 0);
-  if (status != 0) throw std::runtime_error("import failed");
+  if (AwaitChild(child, "import") != 0) throw std::runtime_error("import failed");
 }
 
 }  // namespace
@@ -232,9 +227,9 @@ bool GuiApp::Connect() {
 
 std::optional<std::string> GuiApp::Ask(const std::string &request,
                                        const std::function<void()> &meanwhile) {
-  const Clock::time_point deadline = Clock::now() + kDeadline;
+  const Deadline deadline(EventPatience());
   while (!Connect()) {
-    if (Pause() || Clock::now() > deadline) Fail("the program shows no windows");
+    if (Pause() || deadline.Left() == 0) Fail("the program shows no windows");
   }
   const std::string line = request + "\n";
   send(connection_.get(), line.data(), line.size(), MSG_NOSIGNAL);
@@ -242,9 +237,8 @@ std::optional<std::string> GuiApp::Ask(const std::string &request,
   std::string answer;
   size_t expected = std::string::npos;
   while (answer.size() < expected) {
-    pollfd waiting = {connection_.get(), POLLIN, 0};
     char buffer[4096];
-    const ssize_t count = poll(&waiting, 1, static_cast<int>(kDeadline.count()) * 1000) == 1
+    const ssize_t count = HasEvents(connection_.get(), POLLIN, Deadline(EventPatience()))
                               ? read(connection_.get(), buffer, sizeof buffer)
                               : -1;
     if (count <= 0) Fail("no answer to \"" + request + "\"");
@@ -275,9 +269,9 @@ void GuiApp::Fail(const std::string &what) {
 }
 
 void GuiApp::WaitUntil(const std::string &what, const std::function<bool()> &holds) {
-  const Clock::time_point deadline = Clock::now() + kDeadline;
+  const Deadline deadline(EventPatience());
   while (!holds()) {
-    if (Pause() || Clock::now() > deadline) Fail("waited in vain for " + what);
+    if (Pause() || deadline.Left() == 0) Fail("waited in vain for " + what);
   }
 }
 
@@ -297,11 +291,10 @@ void GuiApp::WaitGone(const std::string &name) {
 }
 
 int GuiApp::WaitExit() {
-  const Clock::time_point deadline = Clock::now() + kDeadline;
+  const Deadline deadline(EventPatience());
   while (!HasEnded()) {
-    pollfd waiting = {process_.get(), POLLIN, 0};
-    poll(&waiting, 1, static_cast<int>(kDeadline.count()) * 1000);
-    if (!HasEnded() && Clock::now() > deadline) Fail("waited in vain for the program's end");
+    HasEvents(process_.get(), POLLIN, deadline);
+    if (!HasEnded() && deadline.Left() == 0) Fail("waited in vain for the program's end");
   }
   return status_;
 }
@@ -418,6 +411,20 @@ void GuiApp::WaitDrawn() { Demand("drawn"); }
 std::string GuiApp::Stderr() const {
   std::ifstream file(directory_ + "/stderr", std::ios::binary);
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+double GuiApp::ProcessorSeconds() const {
+  std::ifstream file("/proc/" + std::to_string(pid_) + "/stat");
+  std::string line;
+  std::getline(file, line);
+  // Behind the name, which may hold anything: the state, ten numbers, then user and system time.
+  std::istringstream fields(line.substr(line.rfind(')') + 1));
+  std::string skipped;
+  for (int i = 0; i < 11; ++i) fields >> skipped;
+  double user = 0;
+  double system = 0;
+  if (!(fields >> user >> system)) throw std::runtime_error("no times in " + line);
+  return (user + system) / static_cast<double>(sysconf(_SC_CLK_TCK));
 }
 
 void Screenshot(const std::string &path) { RunImport({"-window", "root", path}); }

@@ -93,6 +93,8 @@ class GuiApp {
 
   // What the program has written to standard error so far.
   std::string Stderr() const;
+  // The processor time that the program has used, in seconds; the system counts in hundredths.
+  double ProcessorSeconds() const;
 
  private:
   std::optional<std::string> Ask(

@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <optional>
@@ -14,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "deadline.h"
 #include "temporarydirectory.h"
 
 class PrintedJobs {
@@ -33,20 +33,16 @@ class PrintedJobs {
   PrintedJobs(const PrintedJobs &) = delete;
   PrintedJobs &operator=(const PrintedJobs &) = delete;
 
-  // The bytes of the next job; nothing when none has arrived in a minute.
+  // The bytes of the next job; nothing when none has arrived in EventPatience.
   std::optional<std::string> Next() {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+    const Deadline deadline(EventPatience());
     for (;;) {
       for (const std::string &file : Files()) {
         if (std::find(seen_.begin(), seen_.end(), file) != seen_.end()) continue;
         seen_.push_back(file);
         return ContentOf(file);
       }
-      const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
-          end - std::chrono::steady_clock::now());
-      if (left.count() <= 0) return std::nullopt;
-      pollfd ready{.fd = watch_, .events = POLLIN, .revents = 0};
-      poll(&ready, 1, static_cast<int>(left.count()));
+      if (deadline.Left() == 0 || !HasEvents(watch_, POLLIN, deadline)) return std::nullopt;
       char events[4096];
       while (read(watch_, events, sizeof events) > 0) {
       }

@@ -1,6 +1,5 @@
 #include "printerjobs.h"
 
-#include <poll.h>
 #include <sys/inotify.h>
 #include <unistd.h>
 
@@ -9,25 +8,20 @@
 #include <filesystem>
 #include <stdexcept>
 
+#include "deadline.h"
+#include "spooler.h"
 #include "temporarydirectory.h"
 
 namespace {
 
-constexpr int kDeadlineMilliseconds = 60000;
 constexpr char kEnterPostScript[] = "@PJL ENTER LANGUAGE=POSTSCRIPT";
 constexpr char kUniversalExit[] = "\x1B%-12345X";
 
 // What a command prints on both streams; throws when it fails.
 std::string OutputOf(const std::string &command) {
-  FILE *pipe = popen((command + " 2>&1").c_str(), "r");
-  if (pipe == nullptr) throw std::runtime_error("cannot run " + command);
-  std::string output;
-  char buffer[4096];
-  for (size_t count = 0; (count = fread(buffer, 1, sizeof buffer, pipe)) > 0;) {
-    output.append(buffer, count);
-  }
-  if (pclose(pipe) != 0) throw std::runtime_error(command + " failed: " + output);
-  return output;
+  const CommandResult result = RunProgram({"/bin/sh", "-c", command});
+  if (result.status != 0) throw std::runtime_error(command + " failed: " + result.output);
+  return result.output;
 }
 
 std::string SpoolerLog() {
@@ -55,8 +49,7 @@ bool PrinterJobs::HasMore() const { return std::filesystem::exists(PathOf(next_)
 
 std::string PrinterJobs::Next() {
   while (!HasMore()) {
-    pollfd waiting = {watch_.get(), POLLIN, 0};
-    if (poll(&waiting, 1, kDeadlineMilliseconds) != 1) {
+    if (!HasEvents(watch_.get(), POLLIN, Deadline(EventPatience()))) {
       throw std::runtime_error("no job came to the printer; the spooler says:\n" + SpoolerLog());
     }
     char events[4096];

@@ -8,7 +8,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
@@ -70,14 +69,11 @@ class SchedulerLog {
     return whole.substr(std::min(start_, whole.size()));
   }
 
-  // Waits until the log says `words`; throws, with its end, when it does not in a minute.
+  // Waits until the log says `words`; throws, with its end, when it does not in EventPatience.
   void WaitFor(const std::string &words) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+    const Deadline deadline(EventPatience());
     while (Text().find(words) == std::string::npos) {
-      const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
-          end - std::chrono::steady_clock::now());
-      pollfd ready = {watch_, POLLIN, 0};
-      if (left.count() <= 0 || poll(&ready, 1, static_cast<int>(left.count())) != 1) {
+      if (deadline.Left() == 0 || !HasEvents(watch_, POLLIN, deadline)) {
         const std::string text = Text();
         throw std::runtime_error("the scheduler never said \"" + words + "\" but:\n" +
                                  text.substr(text.size() - std::min<size_t>(text.size(), 6000)));
@@ -110,9 +106,10 @@ class NoScheduler {
     if (pid <= 1) throw std::runtime_error("no cupsd");
     const int handle = static_cast<int>(syscall(SYS_pidfd_open, pid, 0));
     kill(pid, SIGTERM);
-    pollfd ended = {handle, POLLIN, 0};
-    poll(&ended, 1, 30000);
+    const Deadline deadline(EventPatience());
+    const bool ended = HasEvents(handle, POLLIN, deadline);
     close(handle);
+    if (!ended) throw deadline.Missed("the end of cupsd");
   }
   ~NoScheduler() {
     [[maybe_unused]] const int status = std::system("\"$KPX_CUPSD\" >/dev/null 2>&1 </dev/null");

@@ -3,16 +3,14 @@
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <fcntl.h>
-#include <poll.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
 #include <stdexcept>
 
-namespace {
+#include "deadline.h"
 
-constexpr int kDeadlineMilliseconds = 30000;
+namespace {
 
 bool IsManaged(Display *display) {
   Atom type = None;
@@ -32,10 +30,10 @@ bool WaitUntilManaged() {
   Display *display = XOpenDisplay(nullptr);
   if (display == nullptr) return false;
   XSelectInput(display, DefaultRootWindow(display), PropertyChangeMask);
+  const Deadline deadline(EventPatience());
   bool managed = IsManaged(display);
   while (!managed) {
-    pollfd waiting = {ConnectionNumber(display), POLLIN, 0};
-    if (XPending(display) == 0 && poll(&waiting, 1, kDeadlineMilliseconds) != 1) break;
+    if (XPending(display) == 0 && !HasEvents(ConnectionNumber(display), POLLIN, deadline)) break;
     XEvent event;
     while (XPending(display) > 0) XNextEvent(display, &event);
     managed = IsManaged(display);
@@ -61,5 +59,9 @@ WindowManager::WindowManager() : pid_(fork()) {
 
 WindowManager::~WindowManager() {
   kill(pid_, SIGTERM);
-  waitpid(pid_, nullptr, 0);
+  try {
+    AwaitChild(pid_, "openbox", nullptr, EventPatience());
+  } catch (const std::runtime_error &) {
+    // It was killed then.
+  }
 }

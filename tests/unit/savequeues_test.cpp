@@ -352,7 +352,7 @@ TEST_F(Save, AStartAtAnyMomentOfASaveFindsEveryQueue) {
   const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(3);
   int starts = 0;
   int incomplete = 0;
-  while (std::chrono::steady_clock::now() < end) {
+  while (std::chrono::steady_clock::now() < end || starts <= 100) {
     const Owned<CPrintQueues> queues = CreatePrintQueues(kQueuesFile);
     Must(LoadQueueList(queues.get(), 0, nullptr));
     ++starts;
@@ -362,7 +362,6 @@ TEST_F(Save, AStartAtAnyMomentOfASaveFindsEveryQueue) {
   int status = 0;
   waitpid(saver, &status, 0);
   EXPECT_TRUE(WIFSIGNALED(status)) << "the saves did not go on";
-  EXPECT_GT(starts, 100);
   EXPECT_EQ(incomplete, 0) << "of " << starts << " starts";
 }
 
