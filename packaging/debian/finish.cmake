@@ -6,7 +6,8 @@ configure_file(${CMAKE_CURRENT_LIST_DIR}/lintian-overrides
                ${stage}/usr/share/lintian/overrides/kpx COPYONLY)
 configure_file(${CMAKE_CURRENT_LIST_DIR}/../../CHANGELOG.md ${stage}/usr/share/doc/kpx/changelog
                COPYONLY)
-file(GLOB compressed ${stage}/usr/share/man/man*/*.[1-8] ${stage}/usr/share/doc/kpx/changelog)
+file(GLOB compressed ${stage}/usr/share/man/man*/*.[1-8] ${stage}/usr/share/man/*/man*/*.[1-8]
+     ${stage}/usr/share/doc/kpx/changelog)
 execute_process(COMMAND gzip -9nf ${compressed} COMMAND_ERROR_IS_FATAL ANY)
 
 # Whatever the builder's umask. The users' directory too: until postinst has given it to the

@@ -4,6 +4,7 @@ set(KPX_PAF_DIR ${CMAKE_BINARY_DIR}/data/pafs)
 
 kpx_add_test(NAME data_messages SOURCES unit/data_messages_test.cpp LIBS kpx_core LABEL unit)
 kpx_add_test(NAME data_help SOURCES unit/data_help_test.cpp LIBS kpx_core LABEL unit)
+kpx_add_test(NAME data_manuals SOURCES unit/data_manuals_test.cpp LIBS kpx_core LABEL unit)
 kpx_add_test(NAME data_fontmap SOURCES unit/data_fontmap_test.cpp LIBS kpx_core LABEL unit)
 kpx_add_test(NAME data_ppd SOURCES unit/data_ppd_test.cpp LIBS kpx_core LABEL unit)
 kpx_add_test(NAME data_paf SOURCES unit/data_paf_test.cpp LIBS kpx_core LABEL unit)
