@@ -183,7 +183,7 @@ TEST_F(FoundQueues, AQueueThatTheBridgesSpoolerHasWithoutAScriptIsIncompleteOrTo
 
 TEST_F(FoundQueues, WithoutAnUnfinishedSaveTheQueuesThatTheSpoolerHasNotAreDropped) {
   for (const char *name : {"lp1", "lp2"}) {
-    HashPut(G_Queues_hash, name, MakeQueue({.name = name}));
+    Must(HashPut(G_Queues_hash, name, MakeQueue({.name = name})));
   }
   PutBridgeSpooler({"lp1"});
   const Owned<CList> messages = CreateList();
