@@ -30,7 +30,8 @@ inline constexpr char kQueueMessages[] =
     "#WARN_QUEUE_FOUND\nfound <%s>\n"
     "#WARN_QUEUE_INCOMPLETE\nincomplete <%s>\n"
     "#WARN_QUEUE_UNKNOWN\nunknown <%s> <%s>\n"
-    "#WARN_QUEUE_SCRIPT_CHANGED\nchanged <%s>\n";
+    "#WARN_QUEUE_SCRIPT_CHANGED\nchanged <%s>\n"
+    "#WARN_SETTINGS_SHARED\nshared <%s>\n";
 
 inline Owned<CString> Text(const std::string &text) { return CreateStringWithValue(text.c_str()); }
 
