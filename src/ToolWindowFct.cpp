@@ -46,14 +46,18 @@ void TakeDroppedFiles(GtkWidget *, GdkDragContext *context, gint, gint, GtkSelec
   const LogScope log("TakeDroppedFiles");
   const guchar *bytes = gtk_selection_data_get_data(data);
   const gint length = gtk_selection_data_get_length(data);
+  const Owned<CList> errors = CreateList();
   std::vector<std::string> paths;
   if (bytes != nullptr && length > 0) {
-    paths = PathsFromUriList({reinterpret_cast<const char *>(bytes), static_cast<size_t>(length)});
+    paths = DroppedPaths({reinterpret_cast<const char *>(bytes), static_cast<size_t>(length)},
+                         errors.get());
   }
   for (const std::string &path : paths) {
     AddChosenPath(IsDirectory(path) && !path.ends_with('/') ? path + "/" : path);
   }
   gtk_drag_finish(context, paths.empty() ? FALSE : TRUE, FALSE, time);
+  if (fIsEmpty_CList_Function(errors.get()) == 1) return;
+  gtk_widget_show(create_ErrorWarningWindow(errors.get(), kReturn));
 }
 
 }  // namespace

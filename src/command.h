@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstdio>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 // A command that asks the spooler for something.
@@ -18,8 +20,15 @@ struct CommandRecord {
 
 // Runs `command`, however long, through the shell and waits for it: its exit status, 128 plus the
 // signal's number when a signal ended it, -1 when it could not be started. What it prints goes
-// where this process prints.
-[[nodiscard]] int RunCommand(const std::string &command);
+// where this process prints. With `output`, what it prints on standard output goes there once it
+// has ended, and stands in `output` too, as far as it can be had.
+[[nodiscard]] int RunCommand(const std::string &command, std::string *output = nullptr);
+
+// What the program words[0] prints on standard output when it is run without a shell, in the C
+// locale and without the user's environment; nothing when it cannot be run, does not end with
+// status 0, or not within `milliseconds`: then it is killed.
+[[nodiscard]] std::optional<std::string> OutputOf(const std::vector<std::string> &words,
+                                                  int milliseconds);
 
 // A command that runs in the same way, while this process goes on.
 class BackgroundCommand {
@@ -43,6 +52,10 @@ const std::vector<CommandRecord> &CommandRecords();
 
 // The redirection that throws away all that a command prints.
 inline constexpr char kDiscardOutput[] = ">/dev/null 2>&1";
+
+// `text` as one word of a shell command: as it stands when it consists of ASCII letters, digits and
+// "_@%+=:,./-", else in single quotes, whatever bytes it has.
+std::string ShellWord(std::string_view text);
 
 // `words` joined by single blanks.
 std::string JoinWords(const std::vector<std::string> &words);

@@ -6,10 +6,12 @@
 #include <algorithm>
 #include <optional>
 
+#include "cmessages.h"
 #include "cselection.h"
 #include "debug.h"
 #include "globals.h"
 #include "ignoreresult.h"
+#include "textencoding.h"
 #include "textscan.h"
 #include "utils.h"
 
@@ -94,7 +96,7 @@ std::vector<std::string> FilesOfSelection(const std::string &path) {
   return files;
 }
 
-std::vector<std::string> PathsFromUriList(std::string_view text) {
+std::vector<std::string> PathsFromUriList(std::string_view text, std::vector<std::string> *others) {
   const LogScope log("PathsFromUriList");
   // Some senders count the terminating NUL in.
   text = text.substr(0, text.find('\0'));
@@ -103,9 +105,30 @@ std::vector<std::string> PathsFromUriList(std::string_view text) {
     const std::string_view line = text.substr(0, text.find('\n'));
     text.remove_prefix(std::min(text.size(), line.size() + 1));
     const std::string_view uri = Trimmed(line);
-    if (uri.starts_with("#")) continue;
-    if (std::optional<std::string> path = PathFromFileUri(uri)) paths.push_back(*std::move(path));
+    if (uri.empty() || uri.starts_with("#")) continue;
+    if (std::optional<std::string> path = PathFromFileUri(uri)) {
+      paths.push_back(*std::move(path));
+    } else if (others != nullptr) {
+      others->emplace_back(uri);
+    }
   }
+  return paths;
+}
+
+std::vector<std::string> DroppedPaths(std::string_view text, CList *errors) {
+  const LogScope log("DroppedPaths");
+  std::vector<std::string> paths;
+  std::vector<std::string> others;
+  for (const std::string &path : PathsFromUriList(text, &others)) {
+    if (std::any_of(path.begin(), path.end(), IsControlCharacter)) {
+      G_Report(errors, "ERR_DROP_CONTROL", {PlainText(path)});
+    } else if (access(path.c_str(), F_OK) != 0) {
+      G_Report(errors, "ERR_DROP_MISSING", {PlainText(path)});
+    } else {
+      paths.push_back(path);
+    }
+  }
+  for (const std::string &uri : others) G_Report(errors, "ERR_DROP_REMOTE", {PlainText(uri)});
   return paths;
 }
 

@@ -17,8 +17,14 @@ CNodeList *AppendFile(const std::string &path);
 std::vector<std::string> FilesOfSelection(const std::string &path);
 
 // The paths of the local files that a text/uri-list (RFC 2483) names, in its order. Comments, other
-// schemes, other hosts and malformed file URIs (RFC 8089) are left out.
-std::vector<std::string> PathsFromUriList(std::string_view text);
+// schemes, other hosts and malformed file URIs (RFC 8089) are left out; those that are no comments
+// are added to `others` when it is not null.
+std::vector<std::string> PathsFromUriList(std::string_view text,
+                                          std::vector<std::string> *others = nullptr);
+
+// The paths of such a list that are there and hold no control characters. Whatever else it names is
+// reported to `errors`.
+std::vector<std::string> DroppedPaths(std::string_view text, CList *errors);
 
 // 1 when standard input was captured and its file is still in the list, else 0.
 [[nodiscard]] int IsStdinDataToPrint();

@@ -13,6 +13,7 @@
 #include "queuetypes.h"
 #include "textencoding.h"
 #include "textfile.h"
+#include "textscan.h"
 
 namespace {
 

@@ -17,6 +17,7 @@
 #include "paths.h"
 #include "textencoding.h"
 #include "textfile.h"
+#include "textscan.h"
 #include "utils.h"
 
 namespace {
@@ -72,11 +73,6 @@ void RestoreQueue(const char *name) {
 }
 
 }  // namespace
-
-bool IsControlCharacter(char c) {
-  const auto byte = static_cast<unsigned char>(c);
-  return byte < 0x20 || byte == 0x7F;
-}
 
 bool IsCommandSafeName(std::string_view name) {
   return !name.empty() && name.front() != '-' && std::none_of(name.begin(), name.end(), [](char c) {

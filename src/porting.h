@@ -13,9 +13,6 @@ inline constexpr char kMarkerLine[] = "# the following lines are inserted by KPX
 // The characters that no queue name may hold, because the shell or a path gives them a meaning.
 inline constexpr std::string_view kNotInQueueNames = "/\\.,;: '`*@#$=!&|()\"~%^[]{}<>";
 
-// True for the control characters of ASCII.
-[[nodiscard]] bool IsControlCharacter(char c);
-
 // True when `name` can stand in a command unquoted: not empty, no option, and without
 // those characters, "?" and control characters.
 [[nodiscard]] bool IsCommandSafeName(std::string_view name);

@@ -1,5 +1,9 @@
 #include "printcommand.h"
 
+#include <unistd.h>
+
+#include <cstdio>
+
 #include "cmessages.h"
 #include "command.h"
 #include "cprintqueue.h"
@@ -29,18 +33,61 @@ void CloseQuotes(std::string &command) {
   command += '"';
 }
 
-// Kept on purpose: the names are not quoted.
-void AppendFileNames(std::string &command, const CList *files) {
+// How a command is written: for the shell, or so that it can be shown and copied from there.
+enum class Form { Run, Shown };
+
+// The bytes that are no UTF-8, which a window cannot show, as the shell makes them.
+std::string MadeByPrintf(std::string_view bytes) {
+  std::string word = "\"$(printf '";
+  for (const char c : bytes) {
+    char octal[8];
+    std::snprintf(octal, sizeof octal, "\\%03o", static_cast<unsigned char>(c));
+    word += octal;
+  }
+  return word + "')\"";
+}
+
+// ShellWord of a name that is not UTF-8, with nothing but UTF-8 in it.
+std::string ShownWord(std::string_view name) {
+  std::string word;
+  while (!name.empty()) {
+    const size_t valid = ValidUtf8Length(name);
+    if (valid != 0) word += ShellWord(name.substr(0, valid));
+    name.remove_prefix(valid);
+    size_t invalid = 0;
+    while (invalid < name.size() && ValidUtf8Length(name.substr(invalid)) == 0) ++invalid;
+    if (invalid != 0) word += MadeByPrintf(name.substr(0, invalid));
+    name.remove_prefix(invalid);
+  }
+  return word;
+}
+
+std::string FileWord(const char *text, Form form) {
+  std::string name = text == nullptr ? "" : text;
+  // Not an option of lp.
+  if (name.starts_with('-')) name.insert(0, "./");
+  return form == Form::Run || IsValidUtf8(name) ? ShellWord(name) : ShownWord(name);
+}
+
+void AppendFileNames(std::string &command, const CList *files, Form form) {
   size_t capacity = L_CommandStep;
   for (const CSelection *file : Elements<CSelection>(files)) {
-    const char *text = fGet_CSelection_Value_Function(file);
-    const std::string_view name = text == nullptr ? "" : text;
-    if (command.size() + name.size() >= capacity) {
+    const std::string word = FileWord(fGet_CSelection_Value_Function(file), form);
+    if (command.size() + word.size() >= capacity) {
       capacity += L_CommandStep;
       Log(3, FormatMessage("realloc'ed lpr_cmd, now >>%i<<", {static_cast<long>(capacity)}));
     }
     command += ' ';
-    command += name;
+    command += word;
+  }
+}
+
+// lp takes all files or none, and its words are not seen in the window.
+void ReportUnreadableFiles(CList *errors) {
+  for (const CSelection *file : Elements<CSelection>(G_FilesList.get())) {
+    const char *path = fGet_CSelection_Value_Function(file);
+    if (path == nullptr || access(path, R_OK) == 0) continue;
+    G_Report(errors, "ERR_UNABLE_TO_READ_FILE", {DisplayText(path)});
   }
 }
 
@@ -59,7 +106,7 @@ std::string PrintCommandText(const std::string &queue, const std::string &copies
   const LogScope log("PrintCommandText");
   std::string command = CommandStart(queue, copies, copy_files);
   CloseQuotes(command);
-  AppendFileNames(command, files);
+  AppendFileNames(command, files, Form::Run);
   return command;
 }
 
@@ -76,7 +123,7 @@ std::string DisplayedCommandText(const std::string &queue, const CHash *options,
     command += FormatMessage(" %s=%s", {key, fGet_CString_Value_Function(value)});
   }
   CloseQuotes(command);
-  AppendFileNames(command, files);
+  AppendFileNames(command, files, Form::Shown);
   return command;
 }
 
@@ -113,7 +160,9 @@ void PrintFiles(const std::string &queue, CList *errors) {
       PrintCommandText(queue, copies, IsStdinDataToPrint() == 1, G_FilesList.get());
   Log(2, "The entire lpr_cmd is:");
   Log(2, command);
-  if (RunCommand(command) != 0) G_Report(errors, "ERR_CMD_FOR_QUEUE", {"lp", queue});
+  if (RunCommand(command) == 0) return;
+  G_Report(errors, "ERR_CMD_FOR_QUEUE", {"lp", queue});
+  ReportUnreadableFiles(errors);
 }
 
 std::string DisplayedPrintCommand(const std::string &queue) {

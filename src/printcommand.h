@@ -19,13 +19,14 @@ std::vector<std::string> QueueEntries();
 // The queue name in a combo entry: its text up to the first blank.
 std::string QueueNameFromEntry(std::string_view entry);
 
-// The command that prints the files (CSelection), selected or not. File names are appended as they
-// stand: the shell will split them at blanks.
+// The command that prints the files (CSelection), selected or not. Each name is one word for the
+// shell (ShellWord), whatever characters it has, and one that begins with "-" no option of lp.
 std::string PrintCommandText(const std::string &queue, const std::string &copies, bool copy_files,
                              const CList *files);
 
 // The text that shows the command: as above, and inside the quotes every pair of `options` (CString
-// values, may be null) beside the copies, which the command itself does not carry.
+// values, may be null) beside the copies, which the command itself does not carry. In a name, bytes
+// that are no UTF-8 stand as a printf command that makes them.
 std::string DisplayedCommandText(const std::string &queue, const CHash *options, bool copy_files,
                                  const CList *files);
 
@@ -33,8 +34,8 @@ std::string DisplayedCommandText(const std::string &queue, const CHash *options,
 std::string CopiesToPrint(CHash *options);
 
 // Stores the options of the queue for its user, then prints the files of G_FilesList. Settings that
-// the job would miss (StoreSettings) and a failed command are reported on standard error and in
-// `errors`.
+// the job would miss (StoreSettings) and a failed command, with the files that cannot be read, are
+// reported on standard error and in `errors`.
 void PrintFiles(const std::string &queue, CList *errors);
 
 // The command for the queue and the files of G_FilesList, to be shown. Changes and runs nothing.

@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "textscan.h"
 #include "uninterrupted.h"
 
 namespace {
@@ -90,16 +91,18 @@ size_t AsciiLength(std::string_view bytes) {
 
 }  // namespace
 
-bool IsValidUtf8(std::string_view bytes) {
-  while (!bytes.empty()) {
-    bytes.remove_prefix(AsciiLength(bytes));
-    if (bytes.empty()) break;
-    const size_t length = SequenceLength(bytes);
-    if (length == 0) return false;
-    bytes.remove_prefix(length);
+size_t ValidUtf8Length(std::string_view bytes) {
+  size_t valid = 0;
+  while (true) {
+    valid += AsciiLength(bytes.substr(valid));
+    if (valid == bytes.size()) return valid;
+    const size_t length = SequenceLength(bytes.substr(valid));
+    if (length == 0) return valid;
+    valid += length;
   }
-  return true;
 }
+
+bool IsValidUtf8(std::string_view bytes) { return ValidUtf8Length(bytes) == bytes.size(); }
 
 std::string Utf8FromLatin1(std::string_view bytes) {
   std::string text;
@@ -130,6 +133,12 @@ std::string DisplayText(std::string_view bytes) {
     }
     bytes.remove_prefix(length == 0 ? 1 : length);
   }
+  return text;
+}
+
+std::string PlainText(std::string_view bytes) {
+  std::string text = DisplayText(bytes);
+  std::replace_if(text.begin(), text.end(), IsControlCharacter, '?');
   return text;
 }
 

@@ -15,9 +15,15 @@ std::string Utf8FromLatin1(std::string_view bytes);
 // A line of a file as UTF-8: as it stands when it is valid UTF-8, else read as ISO-8859-1.
 std::string DecodeLine(std::string_view bytes);
 
+// How many bytes at the start of `bytes` are well-formed UTF-8.
+size_t ValidUtf8Length(std::string_view bytes);
+
 // Text that is made of several parts, made fit to be shown: what is valid UTF-8 stays, every other
 // byte is read as ISO-8859-1.
 std::string DisplayText(std::string_view bytes);
+
+// The same with "?" for each control character: for names that somebody else chose.
+std::string PlainText(std::string_view bytes);
 
 // The first at most `max_bytes` bytes of `text`, without splitting a UTF-8 sequence.
 std::string_view Utf8Prefix(std::string_view text, size_t max_bytes);

@@ -10,33 +10,11 @@
 #include <cstdlib>
 #include <memory>
 #include <span>
-#include <utility>
 
+#include "openfile.h"
 #include "uninterrupted.h"
 
 namespace {
-
-// A file descriptor that is closed when it goes.
-class OpenFile {
- public:
-  explicit OpenFile(int descriptor) : descriptor_(descriptor) {}
-  ~OpenFile() {
-    if (descriptor_ != -1) close(descriptor_);
-  }
-  OpenFile(const OpenFile &) = delete;
-  OpenFile &operator=(const OpenFile &) = delete;
-
-  bool IsOpen() const { return descriptor_ != -1; }
-  int Descriptor() const { return descriptor_; }
-
-  bool Write(std::string_view text) const { return WriteWhole(descriptor_, text); }
-
-  // Some file systems report a full disk only here.
-  bool Close() { return close(std::exchange(descriptor_, -1)) == 0; }
-
- private:
-  int descriptor_;
-};
 
 std::optional<std::string> ReadToEnd(const OpenFile &file) {
   std::string content;
@@ -68,15 +46,18 @@ bool FillNewFile(const OpenFile &file, std::string_view text, const struct stat 
   return file.Write(text) && fchmod(file.Descriptor(), like.st_mode & 07777) == 0;
 }
 
+constexpr char L_RandomPart[] = ".XXXXXX";
+
 // The extension stays at the end: what a killed process leaves behind goes with the other files of
-// its kind.
+// its kind, and IsLeftoverName knows it.
 std::string TemplateBeside(const std::string &path, size_t extension_size) {
-  return path.substr(0, path.size() - extension_size) + ".XXXXXX" +
+  return path.substr(0, path.size() - extension_size) + L_RandomPart +
          path.substr(path.size() - extension_size);
 }
 
 size_t ExtensionSize(const std::string &path) {
-  return path.size() - std::min(path.find('.', path.rfind('/') + 1), path.size());
+  const std::string name = path.substr(path.rfind('/') + 1);
+  return name.size() - std::min(name.rfind('.'), name.size());
 }
 
 // Makes a new file beside `path`, whose name goes to `temporary`.
@@ -266,6 +247,17 @@ std::optional<std::string> ReadRegularFile(const std::string &path, bool *is_fil
   if (!file.IsOpen() || fstat(file.Descriptor(), &status) != 0) return std::nullopt;
   *is_file = S_ISREG(status.st_mode);
   return *is_file ? ReadToEnd(file) : std::nullopt;
+}
+
+bool IsLeftoverName(std::string_view name, std::string_view extension) {
+  constexpr size_t kRandom = sizeof L_RandomPart - 2;
+  if (!name.ends_with(extension)) return false;
+  name.remove_suffix(extension.size());
+  if (name.size() <= kRandom + 1 || name[name.size() - kRandom - 1] != '.') return false;
+  name.remove_prefix(name.size() - kRandom);
+  return std::all_of(name.begin(), name.end(), [](char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
+  });
 }
 
 std::optional<std::string> ReadOwnFile(const std::string &path) {

@@ -79,6 +79,10 @@ std::vector<std::string> ReplaceFilesDurably(const std::vector<FileContent> &fil
 // whether something else stands there, which is not read: a named pipe would hold the program up.
 [[nodiscard]] std::optional<std::string> ReadRegularFile(const std::string &path, bool *is_file);
 
+// Whether `name` is that of a new file that a killed process has left beside one whose name ends in
+// `extension`: "<beginning>.<six letters or digits><extension>".
+[[nodiscard]] bool IsLeftoverName(std::string_view name, std::string_view extension);
+
 // The content of a regular file that the effective user or the superuser owns; nothing for any
 // other, a symbolic link included.
 [[nodiscard]] std::optional<std::string> ReadOwnFile(const std::string &path);

@@ -246,6 +246,12 @@ TEST_F(ToolWindow, FilesDroppedFromAFileManagerAreAddedAsChosenOnes) {
   Drag(source, List());
   ASSERT_TRUE(RunUntil([&] { return Rows().size() == 2; }));
   EXPECT_EQ((Lines{directory.Path("a file.ps"), directory.Path("folder/inside")}), Records());
+  ASSERT_TRUE(RunUntil([&] { return WindowNamed("KPXErrorWarningDialog") != nullptr; }));
+  GtkWidget *told = WindowNamed("KPXErrorWarningDialog");
+  EXPECT_EQ(CatalogueText("ERR_DROP_REMOTE", {"http://example.org/x"}) + "\n",
+            TextOf(lookup_widget(told, "ErrorWarningText")));
+  gtk_button_clicked(GTK_BUTTON(lookup_widget(told, "OKButton")));
+  EXPECT_EQ(nullptr, WindowNamed("KPXErrorWarningDialog"));
 }
 
 TEST_F(ToolWindow, FilesCanBeDroppedAnywhereOnTheWindow) {

@@ -192,3 +192,40 @@ TEST(UriListText, LongerThanAnyLineLimitIsTakenWhole) {
   for (int i = 0; i < 100; ++i) text += "file:///" + name + "\r\n";
   EXPECT_EQ(PathsFromUriList(text), Strings(100, "/" + name));
 }
+
+namespace {
+
+class Dropped : public testing::Test {
+ protected:
+  const ProgramMessages messages_{
+      "#ERR_DROP_CONTROL\ncontrol <%s>\n#ERR_DROP_MISSING\nmissing <%s>\n"
+      "#ERR_DROP_REMOTE\nremote <%s>\n"};
+  const Owned<CList> errors_ = CreateList();
+  const TemporaryDirectory directory_;
+};
+
+}  // namespace
+
+TEST_F(Dropped, FilesAndFoldersThatAreThereAreTaken) {
+  const std::string file = directory_.Write("a;b$(c).ps", "");
+  const std::string uris = "file://" + file + "\r\nfile://" + directory_.Path() + "\r\n# x\r\n\r\n";
+  EXPECT_EQ((Strings{file, directory_.Path()}), DroppedPaths(uris, errors_.get()));
+  EXPECT_EQ(Strings{}, Texts(errors_.get()));
+}
+
+TEST_F(Dropped, WhatIsNotThereIsTold) {
+  EXPECT_EQ(Strings{}, DroppedPaths("file://" + directory_.Path("none"), errors_.get()));
+  EXPECT_EQ(Strings{"missing <" + directory_.Path("none") + ">"}, Texts(errors_.get()));
+}
+
+TEST_F(Dropped, ANameWithControlCharactersIsToldWithoutThem) {
+  const std::string file = directory_.Write("a\n\x1B[2J", "");
+  EXPECT_EQ(Strings{}, DroppedPaths("file://" + directory_.Path("a%0A%1b[2J"), errors_.get()));
+  EXPECT_EQ(Strings{"control <" + directory_.Path("a??[2J") + ">"}, Texts(errors_.get()));
+}
+
+TEST_F(Dropped, WhatNamesNoFileOfThisComputerIsTold) {
+  EXPECT_EQ(Strings{}, DroppedPaths("http://x/a\r\nfile://other/b\r\nfile:///%zz", errors_.get()));
+  EXPECT_EQ((Strings{"remote <http://x/a>", "remote <file://other/b>", "remote <file:///%zz>"}),
+            Texts(errors_.get()));
+}

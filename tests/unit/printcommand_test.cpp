@@ -4,11 +4,14 @@
 #include <gtest/gtest.h>
 
 #include "childprocess.h"
+#include "command.h"
 #include "coresupport.h"
 #include "cselection.h"
 #include "debug.h"
 #include "must.h"
 #include "queuesupport.h"
+#include "temporarydirectory.h"
+#include "textencoding.h"
 
 namespace {
 
@@ -47,9 +50,42 @@ TEST(PrintCommand, NamesFilesSelectedOrNotAndTheSameFileTwice) {
             "/usr/bin/lp -d lp1 -o \"*NrCopies=1\" /a /a /b");
 }
 
-TEST(PrintCommand, FileNamesAreNotQuoted) {
-  EXPECT_EQ(PrintCommandText("lp1", "1", false, Files({"/a b", "/$c;d"}).get()),
-            "/usr/bin/lp -d lp1 -o \"*NrCopies=1\" /a b /$c;d");
+TEST(PrintCommand, NamesOfPlainCharactersStandAsTheyAre) {
+  const std::string name = "/home/a-b/x_1@%+=:,./Z9.ps";
+  EXPECT_EQ(PrintCommandText("lp1", "1", false, Files({name}).get()),
+            "/usr/bin/lp -d lp1 -o \"*NrCopies=1\" " + name);
+}
+
+TEST(PrintCommand, AnyOtherNameIsOneWordInSingleQuotes) {
+  EXPECT_EQ(PrintCommandText("lp1", "1", false, Files({"/a b", "/$c;d", "/it's", "/e\nf"}).get()),
+            "/usr/bin/lp -d lp1 -o \"*NrCopies=1\" '/a b' '/$c;d' '/it'\\''s' '/e\nf'");
+}
+
+TEST(PrintCommand, ANameThatBeginsWithAMinusIsNoOption) {
+  EXPECT_EQ(PrintCommandText("lp1", "1", false, Files({"-d", "- x"}).get()),
+            "/usr/bin/lp -d lp1 -o \"*NrCopies=1\" ./-d './- x'");
+}
+
+TEST(DisplayedCommand, QuotesNamesAsTheCommandThatIsRun) {
+  const Owned<CList> files = Files({"/My report.ps", "/b\xC3\xBCro.ps", "-x"});
+  EXPECT_EQ(DisplayedCommandText("lp1", nullptr, false, files.get()),
+            PrintCommandText("lp1", "1", false, files.get()));
+}
+
+// What the shell makes of the words of a command, each ended by a NUL.
+TEST(DisplayedCommand, CopiedToATerminalItMeansTheSameFilesWhateverTheirBytes) {
+  const Strings names = {"/caf\xE9.ps",       "/\xFF\xFE'$(exit)\\n", "\xA0",
+                         "/tab\tand\nline\n", "/b\xC3\xBCro",         "/\"q\" `x` *"};
+  const std::string command = DisplayedCommandText("lp1", nullptr, false, Files(names).get());
+  EXPECT_TRUE(IsValidUtf8(command));
+  const TemporaryDirectory directory;
+  const std::string words = directory.Path("words");
+  const std::string start = "/usr/bin/lp -d lp1 -o \"*NrCopies=1\"";
+  ASSERT_TRUE(command.starts_with(start));
+  ASSERT_EQ(0, RunCommand("printf '%s\\0'" + command.substr(start.size()) + " >" + words));
+  std::string expected;
+  for (const std::string &name : names) expected += name + '\0';
+  EXPECT_EQ(expected, ContentOf(words));
 }
 
 TEST(PrintCommand, AFormatInANameIsText) {
