@@ -26,11 +26,13 @@ void Warn(const std::string &text) { PrintErrorLine("kpxfilter: " + text); }
 // The user's settings for the job: those of the waiting request, where there are some, else those
 // for the queue.
 OptionFile OptionsOfUser(const FilterArguments &arguments) {
-  OptionFile file = ReadRequestOptions(arguments.def_file, arguments.user, arguments.request);
-  if (file.counts || !file.error.empty()) return file;
-  if (!file.warning.empty()) Warn(file.warning);
   const std::string path = UserOptionFile(arguments.def_file, arguments.user);
-  return path.empty() ? OptionFile() : ReadUserOptions(path, arguments.user);
+  // Read first: it holds this job's settings until the request has those of its own.
+  OptionFile of_queue = path.empty() ? OptionFile() : ReadUserOptions(path, arguments.user);
+  OptionFile of_request = ReadRequestOptions(arguments.def_file, arguments.user, arguments.request);
+  if (of_request.counts || !of_request.error.empty()) return of_request;
+  if (!of_request.warning.empty()) Warn(of_request.warning);
+  return of_queue;
 }
 
 // The layers of settings over the printer's defaults: the queue's file, the user's, the job's

@@ -7,6 +7,9 @@
 
 #include "cprintqueue.h"
 
+// What the names of option files end in.
+inline constexpr char kDefExtension[] = ".def";
+
 // The lines of the user's file: the options.
 std::string UserDefFileText(const CPrintQueue *queue);
 

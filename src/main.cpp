@@ -34,6 +34,7 @@
 #include "language.h"
 #include "loadqueues.h"
 #include "paths.h"
+#include "printsettings.h"
 #include "queuelistkeep.h"
 #include "stdindata.h"
 #include "textencoding.h"
@@ -160,6 +161,11 @@ gboolean CancelOnSignal(gpointer) {
   return G_SOURCE_CONTINUE;
 }
 
+gboolean TidyOnce(gpointer) {
+  TidyUsersFiles();
+  return G_SOURCE_REMOVE;
+}
+
 XIOErrorHandler L_ToolkitErrorHandler = nullptr;
 
 // The session has ended with the window open: the toolkit ends the program at once.
@@ -208,6 +214,8 @@ int Run(int argc, char **argv) {
   if (fIsEmpty_CList_Function(messages.get()) == 0) {
     gtk_widget_show(create_ErrorWarningWindow(messages.get(), kReturn));
   }
+  // Once the window is there: the spooler may take its time.
+  if (G_ProgName == kModePrintTool) g_idle_add(TidyOnce, nullptr);
   for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
     g_unix_signal_add(signal, CancelOnSignal, nullptr);
   }

@@ -14,6 +14,7 @@
 #include "filesystem.h"
 #include "globals.h"
 #include "ignoreresult.h"
+#include "jobcopies.h"
 #include "paths.h"
 #include "textencoding.h"
 #include "textfile.h"
@@ -202,6 +203,7 @@ int DeleteQueuesSysV(const CList *names, CList *errors, const QueueObserver &obs
     if (observer) observer(name, true);
     if (DeleteQueueSysV(name, errors) == 1) {
       DeleteUsersFiles(name);
+      RemoveJobCopiesOfQueue(name);
     } else {
       RestoreQueue(name);
       result = 0;

@@ -91,6 +91,26 @@ void ReportUnreadableFiles(CList *errors) {
   }
 }
 
+// False, reported to `errors`, when the job was not sent.
+bool SendFiles(const std::string &queue, const CPrintQueue *record, const std::string &copies,
+               CList *errors) {
+  PrintSettings settings;
+  Log(2, "Write the features_hash in the .def file");
+  if (!settings.Store(queue, record, errors)) return false;
+  const std::string command =
+      PrintCommandText(queue, copies, IsStdinDataToPrint() == 1, G_FilesList.get());
+  Log(2, "The entire lpr_cmd is:");
+  Log(2, command);
+  std::string output;
+  if (RunCommand(command, &output) != 0) {
+    G_Report(errors, "ERR_CMD_FOR_QUEUE", {"lp", queue});
+    ReportUnreadableFiles(errors);
+    return false;
+  }
+  settings.Sent(queue, output);
+  return true;
+}
+
 }  // namespace
 
 std::string QueueEntry(const char *name, const char *printer_name, const char *language) {
@@ -154,15 +174,7 @@ void PrintFiles(const std::string &queue, CList *errors) {
   if (!CheckCommandSafeName(queue.c_str(), errors)) return;
   const auto *record = HashValue<CPrintQueue>(G_Queues_hash, queue.c_str());
   const std::string copies = CopiesToPrint(fGet_Options_Function(record));
-  Log(2, "Write the features_hash in the .def file");
-  if (!StoreSettings(queue, record, errors)) return;
-  const std::string command =
-      PrintCommandText(queue, copies, IsStdinDataToPrint() == 1, G_FilesList.get());
-  Log(2, "The entire lpr_cmd is:");
-  Log(2, command);
-  if (RunCommand(command) == 0) return;
-  G_Report(errors, "ERR_CMD_FOR_QUEUE", {"lp", queue});
-  ReportUnreadableFiles(errors);
+  if (SendFiles(queue, record, copies, errors)) TidyUsersFiles();
 }
 
 std::string DisplayedPrintCommand(const std::string &queue) {

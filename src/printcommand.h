@@ -34,7 +34,7 @@ std::string DisplayedCommandText(const std::string &queue, const CHash *options,
 std::string CopiesToPrint(CHash *options);
 
 // Stores the options of the queue for its user, then prints the files of G_FilesList. Settings that
-// the job would miss (StoreSettings) and a failed command, with the files that cannot be read, are
+// the job would miss (PrintSettings) and a failed command, with the files that cannot be read, are
 // reported on standard error and in `errors`.
 void PrintFiles(const std::string &queue, CList *errors);
 

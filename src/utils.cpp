@@ -40,6 +40,11 @@ const char *GetUserName(const char *user) {
   return entry == nullptr ? nullptr : entry->pw_name;
 }
 
+std::string UserNameOf(uid_t user) {
+  const passwd *entry = getpwuid(user);
+  return entry == nullptr ? std::to_string(user) : entry->pw_name;
+}
+
 const char *GetHomeDir(const char *user) {
   const LogScope log("GetHomeDir");
   const passwd *entry = FindUser(user);

@@ -1,6 +1,8 @@
 // Services over the user database and directories.
 #pragma once
 
+#include <sys/types.h>
+
 #include <string>
 
 #include "clist.h"
@@ -8,6 +10,9 @@
 // The login name of `user` (null: of the effective user) as the user database has it, or null when
 // there is no such user. Lent until the next look-up in the user database.
 const char *GetUserName(const char *user);
+
+// The login name of the user `user`; the number where there is no such user.
+std::string UserNameOf(uid_t user);
 
 // The home directory of `user`, with the same rules.
 const char *GetHomeDir(const char *user);

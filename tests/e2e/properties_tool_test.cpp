@@ -27,7 +27,7 @@ class ToolProperties : public testing::Test {
   }
   ~ToolProperties() override {
     for (const std::string &name : NamesIn(kUsersDir)) {
-      std::filesystem::remove(std::string(kUsersDir) + "/" + name);
+      std::filesystem::remove_all(std::string(kUsersDir) + "/" + name);
     }
   }
 
