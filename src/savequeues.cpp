@@ -12,6 +12,7 @@
 #include "porting.h"
 #include "queuecreation.h"
 #include "queuelistkeep.h"
+#include "strangersfiles.h"
 #include "textfile.h"
 #include "unfinishedsave.h"
 #include "uninterrupted.h"
@@ -104,5 +105,6 @@ SaveResult SaveQueues(const CList *deleted, CList *errors, const SaveObserver &o
   const int list_written = fWriteToPaf_Function(G_Queues.get(), errors);
   const int options_written = fWriteAllToDef_Function(G_Queues.get(), errors);
   if (list_written == 1 && options_written == 1) EndSave(list);
+  RemoveStrangersFiles();
   return SaveResult::Ended;
 }

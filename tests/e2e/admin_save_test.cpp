@@ -112,6 +112,25 @@ TEST_F(AdminSave, DeletesOnlyTheQueueThatWasDeletedWithItsUsersFiles) {
   EXPECT_EQ((Strings{"ps1.def", "queues.paf", "queues.paf.lock"}), DataFiles());
 }
 
+TEST_F(AdminSave, RemovesTheJobSettingsOfADeletedQueueAndWhatLiesUnderAnotherUsersName) {
+  if (!HasOrdinaryUsers()) GTEST_SKIP() << "without root the sandbox has no ordinary users";
+  AddAndSave({kPs1, kRaw1});
+  const std::string users = std::string(kUsersDir) + "/";
+  std::filesystem::create_directory(users + "anna");
+  for (const char *name : {"anna/ps1-7", "anna/raw1-8", "anna:ps1.def", "bob:ps1.def"}) {
+    std::ofstream(users + name) << "*Nup=2\n";
+  }
+  for (const char *name : {"anna", "anna:ps1.def", "bob:ps1.def"}) {
+    ASSERT_EQ(0, chown((users + name).c_str(), getpwnam("anna")->pw_uid, static_cast<gid_t>(-1)));
+  }
+  AdminApp app;
+  app.SelectQueues({1});
+  app.Click("DeleteButton");
+  Save(app);
+  EXPECT_EQ((Strings{"anna", "anna:ps1.def"}), NamesIn(kUsersDir));
+  EXPECT_EQ(Strings{"ps1-7"}, NamesIn(users + "anna"));
+}
+
 // As the help says.
 TEST_F(AdminSave, ARenamedQueueIsANewOneAndTheOldOneStaysInTheSpoolerUntilItIsDeletedToo) {
   AddAndSave({kPs1});
