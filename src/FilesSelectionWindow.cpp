@@ -1,10 +1,17 @@
 #include "FilesSelectionWindow.h"
 
+#include <unistd.h>
+
+#include <string>
+#include <vector>
+
 #include "AccessKeys.h"
+#include "MessageDialogs.h"
 #include "Support.h"
 #include "ToolWindowFct.h"
 #include "cmessages.h"
 #include "debug.h"
+#include "utils.h"
 
 std::unique_ptr<FilesSelectionWindow> G_FilesSelectionWindow_helper;
 
@@ -23,6 +30,37 @@ void HandleResponse(GtkDialog *, gint response, gpointer) {
 }
 
 GtkFileChooser *Chooser() { return GTK_FILE_CHOOSER(G_FilesSelectionWindow_helper->window); }
+
+// The toolkit highlights the first row of a folder that it has just opened, which may well be a
+// folder: nobody has chosen it. What a user does comes with an event.
+void UndoOwnChoice(GtkFileChooser *chooser, gpointer) {
+  GdkEvent *event = gtk_get_current_event();
+  if (event == nullptr) {
+    gtk_file_chooser_unselect_all(chooser);
+  } else {
+    gdk_event_free(event);
+  }
+}
+
+// What is highlighted or typed.
+std::vector<std::string> ChosenPaths() {
+  std::vector<std::string> paths;
+  GSList *names = gtk_file_chooser_get_filenames(Chooser());
+  for (GSList *link = names; link != nullptr; link = link->next) {
+    paths.emplace_back(static_cast<const char *>(link->data));
+  }
+  g_slist_free_full(names, g_free);
+  return paths;
+}
+
+// The folder whose files are listed; none while other files are, such as the recent ones.
+std::vector<std::string> ShownFolder() {
+  gchar *folder = gtk_file_chooser_get_current_folder(Chooser());
+  std::vector<std::string> folders;
+  if (folder != nullptr) folders.emplace_back(folder);
+  g_free(folder);
+  return folders;
+}
 
 void AddResponse(GtkWidget *window, const char *name, const char *title_key, int response) {
   GtkWidget *button = gtk_dialog_add_button(GTK_DIALOG(window), G_Translate(title_key), response);
@@ -50,6 +88,7 @@ GtkWidget *create_FilesSelectionWindow() {
   AddResponse(window, "OKButton", "DEF_BTN_OK_TITLE", GTK_RESPONSE_OK);
   GiveAccessKeys(window);
   gtk_dialog_set_default_response(GTK_DIALOG(window), GTK_RESPONSE_OK);
+  g_signal_connect(window, "selection-changed", G_CALLBACK(UndoOwnChoice), nullptr);
   g_signal_connect(window, "response", G_CALLBACK(HandleResponse), nullptr);
   G_FilesSelectionWindow_helper =
       std::make_unique<FilesSelectionWindow>(FilesSelectionWindow{window});
@@ -58,21 +97,27 @@ GtkWidget *create_FilesSelectionWindow() {
 
 void ButtonOkFilesPressed() {
   const LogScope log("ButtonOkFilesPressed");
-  GSList *paths = gtk_file_chooser_get_filenames(Chooser());
-  for (GSList *link = paths; link != nullptr; link = link->next) {
-    std::string path = static_cast<const char *>(link->data);
-    if (g_file_test(path.c_str(), G_FILE_TEST_IS_DIR) != FALSE) path += '/';
-    AddChosenPath(path);
+  for (const std::string &path : ChosenPaths()) {
+    AddChosenPath(IsDirectory(path) ? path + "/" : path);
   }
-  g_slist_free_full(paths, g_free);
   ButtonCancelFilesPressed();
 }
 
 void ButtonFolderFilesPressed() {
   const LogScope log("ButtonFolderFilesPressed");
-  gchar *folder = gtk_file_chooser_get_current_folder(Chooser());
-  if (folder != nullptr) AddChosenPath(std::string(folder) + "/");
-  g_free(folder);
+  std::vector<std::string> folders;
+  for (const std::string &path : ChosenPaths()) {
+    if (IsDirectory(path)) folders.push_back(path);
+    if (access(path.c_str(), F_OK) == 0) continue;
+    gtk_widget_show(create_ErrorWindow(nullptr, G_Message("ERR_UNABLE_TO_READ_DIR", {path})));
+    return;
+  }
+  if (folders.empty()) folders = ShownFolder();
+  if (folders.empty()) {
+    ShowError("MSG_NO_FOLDER");
+    return;
+  }
+  for (const std::string &folder : folders) AddChosenPath(folder + "/");
   ButtonCancelFilesPressed();
 }
 

@@ -11,6 +11,9 @@ GtkWidget *create_LprCmdWindow(const std::string &text) {
   gtk_box_pack_start(GTK_BOX(dialog.box),
                      NewScrolledText(dialog.window, "LprCmdScrolledwindow", "LprCmdText", text),
                      TRUE, TRUE, 0);
+  // One line, as a terminal takes it.
+  gtk_text_view_set_wrap_mode(GTK_TEXT_VIEW(lookup_widget(dialog.window, "LprCmdText")),
+                              GTK_WRAP_NONE);
   AddOkButton(dialog, "OKButton", nullptr);
   return dialog.window;
 }

@@ -126,7 +126,8 @@ GtkWidget *NewScrolledText(GtkWidget *window, const char *scrolled_name, const c
   gtk_text_view_set_editable(GTK_TEXT_VIEW(area), FALSE);
   gtk_text_view_set_cursor_visible(GTK_TEXT_VIEW(area), FALSE);
   gtk_text_view_set_accepts_tab(GTK_TEXT_VIEW(area), FALSE);
-  gtk_text_view_set_wrap_mode(GTK_TEXT_VIEW(area), GTK_WRAP_WORD_CHAR);
+  // Never inside a word: the toolkit would draw a hyphen there that is not in the text.
+  gtk_text_view_set_wrap_mode(GTK_TEXT_VIEW(area), GTK_WRAP_WORD);
   gtk_text_view_set_left_margin(GTK_TEXT_VIEW(area), L_ButtonSpacing);
   gtk_text_view_set_right_margin(GTK_TEXT_VIEW(area), L_ButtonSpacing);
   // The buffer takes UTF-8 only; a file name in a message may be anything.

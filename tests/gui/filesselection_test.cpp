@@ -4,6 +4,7 @@
 
 #include "FilesSelectionWindow.h"
 #include "ListWidget.h"
+#include "Support.h"
 #include "ToolWindow.h"
 #include "ToolWindowFct.h"
 #include "guisupport.h"
@@ -82,10 +83,61 @@ class FilesSelection : public GuiTest {
     ASSERT_TRUE(RunUntil([&] { return CountSelected(window) == static_cast<size_t>(count); }));
   }
 
-  // Selects one file by its path.
-  static void Select(GtkWidget *window, const std::string &path) {
-    gtk_file_chooser_select_filename(GTK_FILE_CHOOSER(window), path.c_str());
-    ASSERT_TRUE(RunUntil([&] { return CountSelected(window) == 1; })) << path;
+  // Whether the folder has been read to its end: then the cursor is put on its first row.
+  static bool HasCursor(GtkWidget *list) {
+    GtkTreePath *path = nullptr;
+    gtk_tree_view_get_cursor(GTK_TREE_VIEW(list), &path, nullptr);
+    const bool has_cursor = path != nullptr;
+    gtk_tree_path_free(path);
+    return has_cursor;
+  }
+
+  // Selects the last of two rows, which is a folder.
+  static void SelectLastRow(GtkWidget *window) {
+    GtkWidget *list = FindList(window);
+    ASSERT_TRUE(RunUntil([&] {
+      GtkTreeModel *model = gtk_tree_view_get_model(GTK_TREE_VIEW(list));
+      return model != nullptr && gtk_tree_model_iter_n_children(model, nullptr) == 2 &&
+             HasCursor(list);
+    }));
+    gtk_widget_grab_focus(list);
+    XInputChord("End");
+    ASSERT_TRUE(RunUntil([&] {
+      GSList *names = gtk_file_chooser_get_filenames(GTK_FILE_CHOOSER(window));
+      const bool is_folder = g_slist_length(names) == 1 &&
+                             std::filesystem::is_directory(static_cast<char *>(names->data));
+      g_slist_free_full(names, g_free);
+      return is_folder;
+    }));
+  }
+
+  static GtkWidget *FindEntry(GtkWidget *widget) {
+    if (std::string(G_OBJECT_TYPE_NAME(widget)) == "GtkFileChooserEntry") return widget;
+    if (!GTK_IS_CONTAINER(widget)) return nullptr;
+    GtkWidget *found = nullptr;
+    gtk_container_forall(
+        GTK_CONTAINER(widget),
+        [](GtkWidget *child, gpointer result) {
+          auto **entry = static_cast<GtkWidget **>(result);
+          if (*entry == nullptr) *entry = FindEntry(child);
+        },
+        &found);
+    return found;
+  }
+
+  // Opens the location entry and types a path.
+  static void TypePath(GtkWidget *window, const std::string &path) {
+    XInputChord("ctrl+l");
+    ASSERT_TRUE(RunUntil([&] { return FindEntry(window) != nullptr; }));
+    XInputType(path);
+    ASSERT_TRUE(RunUntil([&] { return gtk_entry_get_text(GTK_ENTRY(FindEntry(window))) == path; }))
+        << gtk_entry_get_text(GTK_ENTRY(FindEntry(window)));
+  }
+
+  // What the place "Recent" of the side bar does.
+  static void ShowRecentFiles(GtkWidget *window) {
+    XInputChord("alt+r");
+    ASSERT_TRUE(RunUntil([&] { return FolderOf(window).empty(); }));
   }
 
   static Lines Records() {
@@ -96,6 +148,11 @@ class FilesSelection : public GuiTest {
     }
     std::sort(records.begin(), records.end());
     return records;
+  }
+
+  static std::string ErrorText() {
+    GtkWidget *label = lookup_widget(WindowNamed("ErrorDialog"), "ErrorLabel1");
+    return gtk_label_get_text(GTK_LABEL(label));
   }
 
   static bool IsClosed() { return G_FilesSelectionWindow_helper == nullptr; }
@@ -119,7 +176,7 @@ TEST_F(FilesSelection, SeveralFilesAreTakenAtOnce) {
 TEST_F(FilesSelection, TheSameFileCanBeTakenTwice) {
   for (int i = 0; i < 2; ++i) {
     GtkWidget *window = Open(files_.Path());
-    Select(window, files_.Path("a.ps"));
+    TypePath(window, files_.Path("a.ps"));
     ButtonOkFilesPressed();
   }
   EXPECT_EQ((Lines{files_.Path("a.ps"), files_.Path("a.ps")}), Records());
@@ -132,6 +189,62 @@ TEST_F(FilesSelection, TheWholeFolderIsItsPlainFilesAndNoneOfTheFoldersBelow) {
   EXPECT_EQ((Lines{files_.Path("docs/one"), files_.Path("docs/two")}), Records());
 }
 
+TEST_F(FilesSelection, TheWholeFolderIsTheOneThatIsHighlighted) {
+  GtkWidget *window = Open(files_.Path());
+  SelectLastRow(window);
+  ClickOn(lookup_widget(window, "FolderButton"));
+  ASSERT_TRUE(RunUntil(IsClosed));
+  EXPECT_EQ((Lines{files_.Path("docs/one"), files_.Path("docs/two")}), Records());
+}
+
+TEST_F(FilesSelection, AFolderThatTheToolkitHighlightsByItselfIsNotChosen) {
+  GtkWidget *window = Open(files_.Path());
+  gtk_file_chooser_set_current_folder(GTK_FILE_CHOOSER(window), files_.Path("docs").c_str());
+  GtkWidget *list = FindList(window);
+  ASSERT_TRUE(RunUntil([&] {
+    GtkTreeModel *model = gtk_tree_view_get_model(GTK_TREE_VIEW(list));
+    return FolderOf(window) == files_.Path("docs") && model != nullptr &&
+           gtk_tree_model_iter_n_children(model, nullptr) == 3 && HasCursor(list);
+  }));
+  ClickOn(lookup_widget(window, "FolderButton"));
+  ASSERT_TRUE(RunUntil(IsClosed));
+  EXPECT_EQ((Lines{files_.Path("docs/one"), files_.Path("docs/two")}), Records());
+}
+
+TEST_F(FilesSelection, TheWholeFolderIsTheOneThatIsTyped) {
+  for (const char *typed : {"docs/", "docs/below"}) {
+    G_FilesList = CreateList();
+    GtkWidget *window = Open(files_.Path());
+    TypePath(window, files_.Path(typed));
+    // Not by a click: the list of completions, which opens at a time of its own, would take it.
+    ButtonFolderFilesPressed();
+    ASSERT_TRUE(IsClosed()) << typed;
+    EXPECT_EQ(typed == std::string("docs/")
+                  ? (Lines{files_.Path("docs/one"), files_.Path("docs/two")})
+                  : (Lines{files_.Path("docs/below/four"), files_.Path("docs/below/three")}),
+              Records());
+  }
+}
+
+TEST_F(FilesSelection, TheWholeFolderOfATypedNameThatIsNotThereIsToldAndAddsNothing) {
+  GtkWidget *window = Open(files_.Path());
+  TypePath(window, files_.Path("docx"));
+  ClickOn(lookup_widget(window, "FolderButton"));
+  ASSERT_TRUE(RunUntil([] { return WindowNamed("ErrorDialog") != nullptr; }));
+  EXPECT_EQ(CatalogueText("ERR_UNABLE_TO_READ_DIR", {files_.Path("docx")}), ErrorText());
+  EXPECT_FALSE(IsClosed());
+  EXPECT_EQ(Lines{}, Records());
+}
+
+TEST_F(FilesSelection, WithoutAnyFolderTheWholeFolderIsToldAndAddsNothing) {
+  GtkWidget *window = Open(files_.Path());
+  ShowRecentFiles(window);
+  ClickOn(lookup_widget(window, "FolderButton"));
+  ASSERT_TRUE(RunUntil([] { return WindowNamed("ErrorDialog") != nullptr; }));
+  EXPECT_EQ(CatalogueText("MSG_NO_FOLDER"), ErrorText());
+  EXPECT_FALSE(IsClosed());
+}
+
 TEST_F(FilesSelection, AFolderAmongTheSelectedStandsForItsPlainFiles) {
   GtkWidget *window = Open(files_.Path());
   SelectAll(window, 2);
@@ -142,7 +255,7 @@ TEST_F(FilesSelection, AFolderAmongTheSelectedStandsForItsPlainFiles) {
 
 TEST_F(FilesSelection, CancelTakesNothing) {
   GtkWidget *window = Open(files_.Path());
-  Select(window, files_.Path("a.ps"));
+  TypePath(window, files_.Path("a.ps"));
   ClickOn(lookup_widget(window, "CancelButton"));
   ASSERT_TRUE(RunUntil(IsClosed));
   EXPECT_EQ(Lines{}, Records());

@@ -202,6 +202,50 @@ TEST_F(MessageDialogs, TheListsOkIsLoggedUnderItsOtherName) {
       testing::internal::GetCapturedStderr());
 }
 
+// The places in a shown text where a new line begins, as numbers of characters.
+static std::vector<int> LineStarts(GtkWidget *area) {
+  GtkTextView *view = GTK_TEXT_VIEW(area);
+  std::vector<int> starts;
+  GtkTextIter place;
+  gtk_text_buffer_get_start_iter(gtk_text_view_get_buffer(view), &place);
+  while (gtk_text_view_forward_display_line(view, &place) != FALSE) {
+    starts.push_back(gtk_text_iter_get_offset(&place));
+  }
+  return starts;
+}
+
+TEST_F(MessageDialogs, ALongWordOfAMessageIsNeverBroken) {
+  const std::string word = "/home/anna/" + std::string(150, 'w') + "International/Division.ps";
+  const std::string text = "short words come before and after the long one: ";
+  const Owned<CList> messages = ListOf({text + word + " " + text});
+  GtkWidget *dialog = create_ErrorWarningWindow(messages.get(), kReturn);
+  ShowWindowOf(dialog);
+  RunPending();
+  const std::string shown = text + word + " " + text + "\n";
+  const std::vector<int> starts = LineStarts(lookup_widget(dialog, "ErrorWarningText"));
+  EXPECT_GE(starts.size(), 2U) << "the message fits: nothing was tested";
+  for (const int start : starts) {
+    const char before = shown[static_cast<size_t>(start) - 1];
+    EXPECT_TRUE(before == ' ' || before == '\n' || before == '/') << shown.substr(0, start);
+  }
+  gtk_widget_destroy(dialog);
+  G_ErrorWarningWindow_helper.reset();
+}
+
+TEST_F(MessageDialogs, TheCommandIsOneLineHoweverLongItIs) {
+  const std::string command = "/usr/bin/lp -d lp1 -o \"*NrCopies=1\" /home/anna/" +
+                              std::string(150, 'w') + "International-Division.ps /b /c";
+  GtkWidget *dialog = create_LprCmdWindow(command);
+  ShowWindowOf(dialog);
+  RunPending();
+  GtkWidget *area = lookup_widget(dialog, "LprCmdText");
+  EXPECT_EQ(std::vector<int>{}, LineStarts(area));
+  GtkAdjustment *place = gtk_scrolled_window_get_hadjustment(
+      GTK_SCROLLED_WINDOW(lookup_widget(dialog, "LprCmdScrolledwindow")));
+  EXPECT_GT(gtk_adjustment_get_upper(place), gtk_adjustment_get_page_size(place));
+  gtk_widget_destroy(dialog);
+}
+
 TEST_F(MessageDialogs, TheCommandWindowShowsItsText) {
   GtkWidget *dialog = create_LprCmdWindow("/usr/bin/lp -d lp1");
   EXPECT_EQ(CatalogueText("DEF_WND_LPR_TITLE"), TitleOf(dialog));
