@@ -134,6 +134,7 @@ void TakeStandardInput() {
   std::string error;
   if (GetStdinData(&name, &error) == 0) {
     PrintErrorLine(error);
+    RemoveUnfinishedCapture();
     std::exit(1);
   }
   if (name.empty()) return;
@@ -163,6 +164,7 @@ gboolean CancelOnSignal(gpointer) {
 
 gboolean TidyOnce(gpointer) {
   TidyUsersFiles();
+  RemoveLeftCaptures();
   return G_SOURCE_REMOVE;
 }
 

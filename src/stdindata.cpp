@@ -2,17 +2,22 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
+#include <cstdlib>
 #include <ctime>
 
 #include "cmessages.h"
+#include "cstring.h"
 #include "debug.h"
+#include "openfile.h"
 #include "textencoding.h"
-#include "textfile.h"
+#include "utils.h"
 
 namespace {
 
@@ -39,15 +44,86 @@ ssize_t ReadInput(char *buffer, size_t size) {
   return count;
 }
 
-// A file of our own in a directory where everybody may write; -1 when that cannot be had.
-int CreatePrivateFile(const std::string &path) {
-  unlink(path.c_str());
-  return open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
-              S_IRUSR | S_IWUSR);
+constexpr char L_Directory[] = "/tmp/";
+constexpr char L_NamePrefix[] = "KPXtool.stdindata.";
+
+// Open for the rest of the run: its lock tells other print tools that the file is in use.
+OpenFile L_InUse;
+
+bool Lock(const OpenFile &file, int how) {
+  int result = 0;
+  do {
+    result = flock(file.Descriptor(), how);
+  } while (result != 0 && errno == EINTR);
+  return result == 0;
+}
+
+bool IsOurFile(const struct stat &status) {
+  return S_ISREG(status.st_mode) && status.st_uid == geteuid();
+}
+
+bool StandsAt(const OpenFile &file, const std::string &path) {
+  struct stat opened = {};
+  struct stat there = {};
+  return fstat(file.Descriptor(), &opened) == 0 && lstat(path.c_str(), &there) == 0 &&
+         opened.st_dev == there.st_dev && opened.st_ino == there.st_ino;
+}
+
+enum class Owner { Nobody, Ours, OurProgram, Stranger };
+
+// Whose the file at `path` is. With OurProgram a print tool of the user's uses it; with Ours none
+// does, and none begins to while `file` is open.
+Owner OwnerOf(const std::string &path, OpenFile *file) {
+  struct stat status = {};
+  if (lstat(path.c_str(), &status) != 0) return Owner::Nobody;
+  if (status.st_uid != geteuid()) return Owner::Stranger;
+  if (!IsOurFile(status)) return Owner::Ours;
+  *file = OpenFile(open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+  return file->IsOpen() && !Lock(*file, LOCK_EX | LOCK_NB) ? Owner::OurProgram : Owner::Ours;
+}
+
+// A file of our own, in use, in a directory where everybody may write; not open, with errno, when
+// that cannot be had.
+OpenFile CreatePrivateFile(const std::string &path) {
+  while (true) {
+    unlink(path.c_str());
+    OpenFile file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
+                       S_IRUSR | S_IWUSR));
+    // A print tool that tidies may have removed it before it was locked.
+    if (!file.IsOpen() || (Lock(file, LOCK_EX) && StandsAt(file, path))) return file;
+  }
+}
+
+// The same under a name that nobody can have taken: `path` gets it.
+OpenFile CreateUnderAnotherName(std::string *path) {
+  while (true) {
+    std::string name = *path + ".XXXXXX";
+    OpenFile file(mkostemp(name.data(), O_CLOEXEC));
+    if (file.IsOpen() && !(Lock(file, LOCK_EX) && StandsAt(file, name))) continue;
+    if (file.IsOpen()) *path = name;
+    return file;
+  }
+}
+
+// The file at `path` or, where that is somebody else's or in use, beside it.
+OpenFile CreateFileFor(std::string *path) {
+  const std::string wanted = *path;
+  OpenFile found;
+  const Owner owner = OwnerOf(wanted, &found);
+  if (owner == Owner::OurProgram) return CreateUnderAnotherName(path);
+  OpenFile file = CreatePrivateFile(wanted);
+  struct stat status = {};
+  if (file.IsOpen() || owner != Owner::Stranger || lstat(wanted.c_str(), &status) != 0) return file;
+  file = CreateUnderAnotherName(path);
+  if (file.IsOpen()) {
+    G_Report(nullptr, "WARN_STDIN_NAME", {wanted, UserNameOf(status.st_uid), *path});
+  }
+  return file;
 }
 
 // Read by the signal handler, which can use no other text; longer than any name of such a file.
 char L_FileBeingWritten[64];
+constexpr int L_TerminatingSignals[] = {SIGHUP, SIGINT, SIGTERM};
 
 // Takes the unfinished file along; the signal comes again when this returns, and then ends the
 // program as always.
@@ -60,7 +136,7 @@ void RemoveFileAndEnd(int signal) {
 // for the rest of the run takes over. One that is ignored (nohup) stays ignored.
 void RemoveFileOnSignal(const std::string &path) {
   path.copy(L_FileBeingWritten, sizeof L_FileBeingWritten - 1);
-  for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
+  for (const int signal : L_TerminatingSignals) {
     struct sigaction action = {};
     if (sigaction(signal, nullptr, &action) != 0 || action.sa_handler != SIG_DFL) continue;
     action.sa_handler = RemoveFileAndEnd;
@@ -69,34 +145,47 @@ void RemoveFileOnSignal(const std::string &path) {
   }
 }
 
+// Keeps the signals of RemoveFileOnSignal back while it lives.
+class HeldSignals {
+ public:
+  HeldSignals() {
+    sigset_t held;
+    sigemptyset(&held);
+    for (const int signal : L_TerminatingSignals) sigaddset(&held, signal);
+    sigprocmask(SIG_BLOCK, &held, &before_);
+  }
+  ~HeldSignals() { sigprocmask(SIG_SETMASK, &before_, nullptr); }
+  HeldSignals(const HeldSignals &) = delete;
+  HeldSignals &operator=(const HeldSignals &) = delete;
+
+ private:
+  sigset_t before_;
+};
+
 // The file of captured data, made when the first data comes.
 class Capture {
  public:
-  Capture() : path_(StdinDataFileName(getpid())) {}
-  ~Capture() { Close(); }
-  Capture(const Capture &) = delete;
-  Capture &operator=(const Capture &) = delete;
-
   const std::string &Path() const { return path_; }
-  bool HasData() const { return file_ >= 0; }
+  bool HasData() const { return file_.IsOpen(); }
 
   bool Append(const char *bytes, size_t count) {
-    if (file_ < 0) {
-      RemoveFileOnSignal(path_);
-      file_ = CreatePrivateFile(path_);
-    }
-    return file_ >= 0 && WriteWhole(file_, {bytes, count});
+    if (!file_.IsOpen()) Create();
+    return file_.IsOpen() && file_.Write({bytes, count});
   }
 
-  bool Close() {
-    const int file = file_;
-    file_ = -1;
-    return file < 0 || close(file) == 0;
-  }
+  bool Close() { return !file_.IsOpen() || file_.Close(); }
 
  private:
-  std::string path_;
-  int file_ = -1;
+  void Create() {
+    const HeldSignals held;
+    file_ = CreateFileFor(&path_);
+    if (!file_.IsOpen()) return;
+    L_InUse = OpenFile(fcntl(file_.Descriptor(), F_DUPFD_CLOEXEC, 0));
+    RemoveFileOnSignal(path_);
+  }
+
+  std::string path_ = StdinDataFileName(getpid());
+  OpenFile file_;
 };
 
 int Fail(std::string *error_text, const char *key, const std::string &name) {
@@ -107,7 +196,7 @@ int Fail(std::string *error_text, const char *key, const std::string &name) {
 }  // namespace
 
 std::string StdinDataFileName(pid_t pid) {
-  return "/tmp/KPXtool.stdindata." + std::to_string(static_cast<int16_t>(pid));
+  return std::string(L_Directory) + L_NamePrefix + std::to_string(static_cast<int16_t>(pid));
 }
 
 int GetStdinData(std::string *name, std::string *error_text) {
@@ -126,4 +215,22 @@ int GetStdinData(std::string *name, std::string *error_text) {
   if (!capture.Close()) return Fail(error_text, "ERR_UNABLE_TO_WRITE_FILE", capture.Path());
   if (has_data) *name = capture.Path();
   return 1;
+}
+
+void RemoveUnfinishedCapture() {
+  if (L_FileBeingWritten[0] != '\0') unlink(L_FileBeingWritten);
+}
+
+void RemoveLeftCaptures() {
+  const LogScope log("RemoveLeftCaptures");
+  const Owned<CList> names = GetFilesFromDir(L_Directory);
+  for (const CString *element : Elements<CString>(names.get())) {
+    const std::string_view name = element->value.View();
+    if (!name.starts_with(L_NamePrefix)) continue;
+    const std::string path = L_Directory + std::string(name);
+    OpenFile file;
+    if (OwnerOf(path, &file) == Owner::Ours && file.IsOpen() && StandsAt(file, path)) {
+      unlink(path.c_str());
+    }
+  }
 }

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <csignal>
+
 #include "printtooltest.h"
 #include "xinput.h"
 
@@ -134,6 +136,37 @@ TEST_F(PrintTool, StandardInputIsPrintedAndItsCopyRemoved) {
   EXPECT_EQ(2, PagesOf(programs[0]));
 }
 
+TEST_F(PrintTool, StandardInputThatDoesNotFitEndsTheToolAndLeavesNothing) {
+  // No file may be longer than a block: the disk is as good as full.
+  GuiApp app({.program = "/bin/sh",
+              .arguments = {"-c", "trap '' XFSZ; ulimit -f 1; exec /usr/bin/KPXtool"},
+              .input = std::string(10000, 'x'),
+              .user = User()});
+  EXPECT_EQ(1, app.WaitExit());
+  const std::string captured = CapturedFileOf(app);
+  EXPECT_NE(std::string::npos,
+            app.Stderr().find(CatalogueText("ERR_UNABLE_TO_WRITE_FILE", {captured})))
+      << app.Stderr();
+  EXPECT_FALSE(std::filesystem::exists(captured));
+}
+
+TEST_F(PrintTool, WhatAKilledToolHadCapturedIsRemovedAtTheNextStart) {
+  std::string captured;
+  {
+    GuiApp app({.input = "hi\n", .user = User()});
+    app.WaitWindow("ToolWindow");
+    captured = CapturedFileOf(app);
+    ASSERT_EQ(0, kill(app.pid(), SIGKILL));
+    EXPECT_EQ(128 + SIGKILL, app.WaitExit());
+  }
+  ASSERT_TRUE(std::filesystem::exists(captured));
+  GuiApp running({.input = "other\n", .user = User()});
+  running.WaitWindow("ToolWindow");
+  running.WaitUntil("no file of the killed tool",
+                    [&] { return !std::filesystem::exists(captured); });
+  EXPECT_EQ("other\n", ContentOf(CapturedFileOf(running)));
+}
+
 TEST_F(PrintTool, CancelRemovesTheCapturedStandardInput) {
   GuiApp app({.input = "hi\n"});
   app.WaitWindow("ToolWindow");
@@ -248,6 +281,47 @@ TEST_F(PrintTool, SeveralThousandFilesReachTheSpoolerInOneCommand) {
   app.WaitUntil("the files", [&] { return app.Rows("FilesClist").size() == 3000; });
   Print(app);
   EXPECT_EQ("3004\n", ContentOf(count));  // -d lp1 -o "..." and the files
+}
+
+TEST_F(PrintTool, FilesOfEveryNamePrintAndNoNameIsRun) {
+  const std::string folder = files_.Path("names");
+  for (const char *name :
+       {"My report.ps", "z$(touch PWNED)`touch PWNED`;touch PWNED;.ps", "it's \".ps",
+        "b\xC3\xBCro.ps", "caf\xE9.ps", "two\nlines.ps", "-d.ps"}) {
+    std::filesystem::remove_all(folder);
+    std::filesystem::create_directory(folder);
+    MakePostScriptFile(folder + "/document", 1);
+    std::filesystem::rename(folder + "/document", folder + "/" + name);
+    ASSERT_EQ(0, chmod(folder.c_str(), 0777));
+    GuiApp app({.program = "/bin/sh",
+                .arguments = {"-c", "cd '" + folder + "' && exec /usr/bin/KPXtool"},
+                .user = User()});
+    app.WaitWindow("ToolWindow");
+    app.Click("AddButton");
+    app.WaitWindow("FilesSelectionWindow");
+    app.Click("FolderButton");
+    app.WaitUntil("the file", [&] { return app.Rows("FilesClist").size() == 1; });
+    Print(app);
+    EXPECT_EQ(1, PagesOf(PostScriptOf(jobs_.Next()).at(0))) << name;
+    EXPECT_EQ(std::vector<std::string>{name}, NamesIn(folder));
+  }
+}
+
+TEST_F(PrintTool, AFileThatIsGoneIsToldByItsName) {
+  const std::string path = files_.Path("My report.ps");
+  MakePostScriptFile(files_.Path("document"), 1);
+  std::filesystem::rename(files_.Path("document"), path);
+  GuiApp app({.user = User()});
+  app.WaitWindow("ToolWindow");
+  AddFile(app, path);
+  std::filesystem::remove(path);
+  app.Click("PrintButton");
+  app.WaitWindow("KPXErrorWarningDialog");
+  EXPECT_EQ(CatalogueText("ERR_CMD_FOR_QUEUE", {"lp", "lp1"}) + "\n" +
+                CatalogueText("ERR_UNABLE_TO_READ_FILE", {path}) + "\n",
+            app.Text("ErrorWarningText"));
+  app.Click("KPXErrorWarningDialog/OKButton");
+  EXPECT_EQ(1, app.WaitExit());
 }
 
 TEST_F(PrintTool, AWholeFolderIsAddedWithoutTheFoldersBelow) {

@@ -13,6 +13,7 @@
 #include "printcommand.h"
 #include "privateworld.h"
 #include "queuesupport.h"
+#include "stdindata.h"
 #include "temporarydirectory.h"
 #include "utils.h"
 
@@ -42,10 +43,10 @@ class Printing : public InstalledCore {
  protected:
   void SetUp() override {
     for (const std::string &name : NamesIn(kUsersDir)) {
-      std::filesystem::remove(std::string(kUsersDir) + "/" + name);
+      std::filesystem::remove_all(std::string(kUsersDir) + "/" + name);
     }
     G_FilesList = CreateList();
-    for (const char *path : {"/a", "/b"}) {
+    for (const char *path : {"/etc/passwd", "/etc/group"}) {
       Must(fAddTail_CList_Function(G_FilesList.get(), CreateSelection(path, 0)));
     }
     Must(HashPut(queues_.get(), "lp1", MakeFullQueue()));
@@ -120,10 +121,11 @@ TEST_F(InstalledCore, AMissingFontMapIsReportedAndGivesNoTable) {
 TEST_F(Printing, RunsLpOnceForAllFilesAndAddsTheCopies) {
   InstallLp(directory_, 0);
   PrintFiles("lp1", errors_.get());
-  EXPECT_EQ(Arguments(), (Strings{"-d", "lp1", "-o", "*NrCopies=1", "/a", "/b"}));
+  EXPECT_EQ(Arguments(), (Strings{"-d", "lp1", "-o", "*NrCopies=1", "/etc/passwd", "/etc/group"}));
   EXPECT_STREQ(HashText(Options(), "*NrCopies"), "1");
   EXPECT_EQ(Texts(errors_.get()), Strings{});
-  EXPECT_EQ(CommandRecords().back().command, "/usr/bin/lp -d lp1 -o \"*NrCopies=1\" /a /b");
+  EXPECT_EQ(CommandRecords().back().command,
+            "/usr/bin/lp -d lp1 -o \"*NrCopies=1\" /etc/passwd /etc/group");
 }
 
 TEST_F(Printing, WritesTheUsersOptionsWithTheCopiesFirst) {
@@ -141,9 +143,10 @@ TEST_F(Printing, UsesTheCopiesOfTheQueue) {
 
 TEST_F(Printing, LetsLpCopyTheFilesWhenCapturedInputIsAmongThem) {
   InstallLp(directory_, 0);
-  G_StdinFileName = "/b";
+  G_StdinFileName = "/etc/group";
   PrintFiles("lp1", errors_.get());
-  EXPECT_EQ(Arguments(), (Strings{"-c", "-d", "lp1", "-o", "*NrCopies=1", "/a", "/b"}));
+  EXPECT_EQ(Arguments(),
+            (Strings{"-c", "-d", "lp1", "-o", "*NrCopies=1", "/etc/passwd", "/etc/group"}));
 }
 
 TEST_F(Printing, AFailedLpIsReportedWithItsNameAndTheQueue) {
@@ -153,6 +156,14 @@ TEST_F(Printing, AFailedLpIsReportedWithItsNameAndTheQueue) {
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "command <lp> <lp1>\n");
   EXPECT_EQ(Texts(errors_.get()), Strings{"command <lp> <lp1>"});
   EXPECT_EQ(CommandRecords().back().status, 7);
+}
+
+TEST_F(Printing, AFailedLpIsToldWithTheFilesThatCannotBeRead) {
+  InstallLp(directory_, 1);
+  const std::string missing = directory_.Path("My report.ps");
+  fAddTail_CList_Function(G_FilesList.get(), CreateSelection(missing.c_str(), 0));
+  PrintFiles("lp1", errors_.get());
+  EXPECT_EQ(Texts(errors_.get()), (Strings{"command <lp> <lp1>", "read <" + missing + ">"}));
 }
 
 TEST_F(Printing, AMissingLpIsReportedToo) {
@@ -171,8 +182,8 @@ TEST_F(Printing, TheStepsAreLoggedInOrder) {
   EXPECT_EQ(SplitLines(result.errors),
             (Strings{"The NRCOPIES feature was not founded in the features_hash. Put it with "
                      "default 1",
-                     "Write the features_hash in the .def file",
-                     "The entire lpr_cmd is:", "/usr/bin/lp -d lp1 -o \"*NrCopies=1\" /a /b"}));
+                     "Write the features_hash in the .def file", "The entire lpr_cmd is:",
+                     "/usr/bin/lp -d lp1 -o \"*NrCopies=1\" /etc/passwd /etc/group"}));
 }
 
 TEST_F(Printing, ThousandsOfFilesReachLp) {
@@ -186,4 +197,35 @@ TEST_F(Printing, ThousandsOfFilesReachLp) {
   const Strings arguments = Arguments();
   ASSERT_EQ(arguments.size(), 3004U);
   EXPECT_EQ(arguments.back(), "/home/anna/file2999");
+}
+
+TEST_F(InstalledCore, StandardInputIsKeptElsewhereWhereItsNameIsAnotherUsersFile) {
+  if (!HasOrdinaryUsers()) GTEST_SKIP() << "without root the sandbox has no ordinary users";
+  const ProgramMessages messages("#WARN_STDIN_NAME\ntaken <%s> <%s> <%s>\n");
+  const TemporaryDirectory directory;
+  const std::string report = directory.Write("report", "");
+  const passwd *bob = getpwnam("bob");
+  const uid_t user = bob->pw_uid;
+  ASSERT_EQ(0, chown(report.c_str(), user, bob->pw_gid));
+  std::filesystem::permissions(directory.Path(), std::filesystem::perms(0755));
+  const ChildResult result = RunInChild([&] {
+    const std::string own = StdinDataFileName(getpid());
+    WriteFile(own, "anna's");
+    if (chown(own.c_str(), getpwnam("anna")->pw_uid, 100) != 0) _exit(90);
+    int ends[2];
+    if (pipe(ends) != 0 || write(ends[1], "hi\n", 3) != 3 || dup2(ends[0], STDIN_FILENO) < 0) {
+      _exit(91);
+    }
+    if (setgid(100) != 0 || setuid(user) != 0) _exit(92);
+    std::string name;
+    std::string error;
+    if (GetStdinData(&name, &error) != 1) _exit(93);
+    if (ContentOf(name) != "hi\n" || !name.starts_with(own + ".")) _exit(94);
+    std::ofstream(report) << "taken <" << own << "> <anna> <" << name << ">\n";
+    unlink(name.c_str());
+    RemoveLeftCaptures();
+    if (access(own.c_str(), F_OK) != 0) _exit(95);
+  });
+  EXPECT_EQ(0, result.status) << result.errors;
+  EXPECT_EQ(ContentOf(report), result.errors);
 }

@@ -4,6 +4,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -227,4 +228,103 @@ TEST(GetStdinData, ReportsAShortWriteAndLeavesThePartWritten) {
   EXPECT_TRUE(captured.error.starts_with("write </tmp/KPXtool.stdindata.")) << captured.error;
   EXPECT_FALSE(captured.named);
   EXPECT_EQ(captured.left_size, 3000U);
+}
+
+// Names that are taken, and what is left behind.
+
+namespace {
+
+// Captures `text` in this process: where it lies now.
+std::string CaptureText(const std::string &text) {
+  Put(PipeAsInput(), text);
+  std::string name;
+  std::string error;
+  if (GetStdinData(&name, &error) != 1) _exit(101);
+  return name;
+}
+
+void Write(const std::string &path, const std::string &text) { std::ofstream(path) << text; }
+
+// A file that a running print tool has captured under the name of process `pid`, until this goes.
+class FileInUse {
+ public:
+  explicit FileInUse(const std::string &path) : path_(path) {
+    Write(path, "theirs");
+    file_ = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    flock(file_, LOCK_EX);
+  }
+  ~FileInUse() {
+    close(file_);
+    unlink(path_.c_str());
+  }
+  FileInUse(const FileInUse &) = delete;
+  FileInUse &operator=(const FileInUse &) = delete;
+
+ private:
+  std::string path_;
+  int file_ = -1;
+};
+
+}  // namespace
+
+TEST(GetStdinData, TwoPrintToolsWithTheSameLastBitsOfTheirNumberShareNoFile) {
+  const ChildResult result = RunInChild([] {
+    const ProgramMessages messages(kMessages);
+    const std::string own = StdinDataFileName(getpid());
+    const FileInUse other(own);
+    const std::string name = CaptureText("ours");
+    if (!name.starts_with(own + ".") || name.size() != own.size() + 7) _exit(1);
+    if (ContentOf(name) != "ours" || ContentOf(own) != "theirs") _exit(2);
+    unlink(name.c_str());
+  });
+  EXPECT_EQ(0, result.status);
+  EXPECT_EQ("", result.errors);
+}
+
+TEST(GetStdinData, TheFileIsKnownToBeInUseAsLongAsTheProgramRuns) {
+  const ChildResult result = RunInChild([] {
+    const ProgramMessages messages(kMessages);
+    const std::string name = CaptureText("ours");
+    const int again = open(name.c_str(), O_RDONLY | O_CLOEXEC);
+    if (flock(again, LOCK_EX | LOCK_NB) == 0) _exit(1);
+    RemoveLeftCaptures();
+    if (ContentOf(name) != "ours") _exit(2);
+    unlink(name.c_str());
+  });
+  EXPECT_EQ(0, result.status);
+}
+
+TEST(GetStdinData, AnUnfinishedFileCanBeRemoved) {
+  const TemporaryDirectory directory;
+  const std::string path = directory.Write("large", std::string(10'000, 'x'));
+  const ChildResult result = RunInChild([&] {
+    const ProgramMessages messages(kMessages);
+    FileAsInput(path);
+    std::signal(SIGXFSZ, SIG_IGN);
+    SetFileSizeLimit(3000);
+    std::string name;
+    std::string error;
+    if (GetStdinData(&name, &error) != 0) _exit(1);
+    if (SizeOf(StdinDataFileName(getpid())) != 3000) _exit(2);
+    RemoveUnfinishedCapture();
+    if (access(StdinDataFileName(getpid()).c_str(), F_OK) == 0) _exit(3);
+  });
+  EXPECT_EQ(0, result.status);
+}
+
+TEST(RemoveLeftCaptures, RemovesTheFilesThatNoPrintToolUses) {
+  const std::string left = StdinDataFileName(11) + ".left";
+  const std::string used = StdinDataFileName(12) + ".used";
+  const std::string link = StdinDataFileName(13) + ".link";
+  Write(left, "");
+  unlink(link.c_str());
+  ASSERT_EQ(0, symlink("/etc/passwd", link.c_str()));
+  {
+    const FileInUse in_use(used);
+    RemoveLeftCaptures();
+    EXPECT_NE(0, access(left.c_str(), F_OK));
+    EXPECT_EQ("theirs", ContentOf(used));
+  }
+  EXPECT_EQ(0, access("/etc/passwd", F_OK));
+  unlink(link.c_str());
 }
