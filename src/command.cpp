@@ -16,6 +16,7 @@
 #include <utility>
 
 #include "debug.h"
+#include "ignoreresult.h"
 #include "openfile.h"
 #include "textfile.h"
 
@@ -72,13 +73,13 @@ class DivertedOutput {
   OpenFile before_;
 };
 
-// Nobody may be reading any more: that is no reason to end.
+// That nobody reads any more is no reason to end.
 void Print(const std::string &text) {
   struct sigaction ignore = {};
   struct sigaction before = {};
   ignore.sa_handler = SIG_IGN;
   sigaction(SIGPIPE, &ignore, &before);
-  WriteWhole(STDOUT_FILENO, text);
+  IgnoreResult(WriteWhole(STDOUT_FILENO, text), "nobody may be reading any more");
   sigaction(SIGPIPE, &before, nullptr);
 }
 
@@ -196,7 +197,7 @@ std::optional<std::string> OutputOf(const std::vector<std::string> &words, int m
   const OpenFile input(ends[0]);
   OpenFile output(ends[1]);
   const pid_t child = StartPlain(words, output.Descriptor());
-  output.Close();
+  IgnoreResult(output.Close(), "a pipe");
   if (child == -1) return std::nullopt;
   std::optional<std::string> text = ReadUntil(input.Descriptor(), deadline);
   if (!text) kill(child, SIGKILL);

@@ -4,6 +4,7 @@
 
 #include "cstring.h"
 #include "debug.h"
+#include "ignoreresult.h"
 #include "paths.h"
 #include "requestfile.h"
 #include "utils.h"
@@ -32,14 +33,18 @@ void RemoveJobCopies(const UserDirectory &directory,
                      const std::function<bool(const std::string &request)> &has_ended) {
   const LogScope log("RemoveJobCopies");
   for (const std::string &name : directory.Names()) {
-    if (IsRequestName(name) && has_ended(name)) directory.Remove(name);
+    if (IsRequestName(name) && has_ended(name)) {
+      IgnoreResult(directory.Remove(name), "it is tried again at the next start");
+    }
   }
 }
 
 void RemoveUnsentCopies(const UserDirectory &own) {
   const LogScope log("RemoveUnsentCopies");
   for (const std::string &name : own.Names()) {
-    if (name.starts_with(L_Unsent)) own.Remove(name);
+    if (name.starts_with(L_Unsent)) {
+      IgnoreResult(own.Remove(name), "it is tried again at the next start");
+    }
   }
 }
 

@@ -12,14 +12,14 @@
 #include "userdirectory.h"
 
 // Whether `request` (IsRequestName) is that of a job of `queue`.
-bool IsRequestOf(std::string_view request, std::string_view queue);
+[[nodiscard]] bool IsRequestOf(std::string_view request, std::string_view queue);
 
 // Writes the settings of a job that is about to be sent to `own`: the name to rename when it has
 // been; empty, with errno, when that failed.
-std::string WriteUnsentCopy(const UserDirectory &own, std::string_view settings);
+[[nodiscard]] std::string WriteUnsentCopy(const UserDirectory &own, std::string_view settings);
 
 // Whether there is a copy of a job that was sent.
-bool HasJobCopies(const UserDirectory &directory);
+[[nodiscard]] bool HasJobCopies(const UserDirectory &directory);
 
 // Removes the copies whose request id `has_ended`.
 void RemoveJobCopies(const UserDirectory &directory,

@@ -21,13 +21,13 @@ class OpenFile {
     return *this;
   }
 
-  bool IsOpen() const { return descriptor_ != -1; }
+  [[nodiscard]] bool IsOpen() const { return descriptor_ != -1; }
   int Descriptor() const { return descriptor_; }
 
-  bool Write(std::string_view text) const { return WriteWhole(descriptor_, text); }
+  [[nodiscard]] bool Write(std::string_view text) const { return WriteWhole(descriptor_, text); }
 
   // Some file systems report a full disk only here.
-  bool Close() { return close(std::exchange(descriptor_, -1)) == 0; }
+  [[nodiscard]] bool Close() { return close(std::exchange(descriptor_, -1)) == 0; }
 
  private:
   int descriptor_;

@@ -64,6 +64,7 @@ void SetAside(const char *name) {
 
 void DeleteUsersFiles(const char *name) {
   IgnoreResult(G_DeleteAllUsersDefForQueue(name), "a file that cannot be removed is logged");
+  RemoveJobCopiesOfQueue(name);
 }
 
 // The queue comes back as it was when the program started.
@@ -203,7 +204,6 @@ int DeleteQueuesSysV(const CList *names, CList *errors, const QueueObserver &obs
     if (observer) observer(name, true);
     if (DeleteQueueSysV(name, errors) == 1) {
       DeleteUsersFiles(name);
-      RemoveJobCopiesOfQueue(name);
     } else {
       RestoreQueue(name);
       result = 0;

@@ -14,6 +14,7 @@
 #include "debug.h"
 #include "deffile.h"
 #include "globals.h"
+#include "ignoreresult.h"
 #include "jobcopies.h"
 #include "paths.h"
 #include "printcommand.h"
@@ -83,7 +84,7 @@ std::vector<std::string> OwnLeftovers(const std::string &login) {
 }  // namespace
 
 PrintSettings::~PrintSettings() {
-  if (!unsent_.empty()) own_.Remove(unsent_);
+  if (!unsent_.empty()) IgnoreResult(own_.Remove(unsent_), "the next start removes it");
 }
 
 bool PrintSettings::Store(const std::string &name, const CPrintQueue *queue, CList *errors) {
@@ -97,8 +98,7 @@ bool PrintSettings::StoreCopy(const std::string &name, const CPrintQueue *queue,
   own_ = UserDirectory::MakeOwn();
   int error = own_.Error();
   if (own_.IsOpen()) {
-    // On a file system that has no locks two prints at the same moment may still meet.
-    own_.Lock(true);
+    IgnoreResult(own_.Lock(true), "a file system without locks keeps nobody from printing");
     unsent_ = WriteUnsentCopy(own_, UserDefFileText(queue));
     error = errno;
   }

@@ -12,8 +12,8 @@ std::string RequestIn(std::string_view output, std::string_view queue);
 
 // The request ids in the list of jobs that lpstat prints in the C locale; nothing when it holds a
 // line of another form.
-std::optional<std::set<std::string>> RequestsInList(std::string_view output);
+[[nodiscard]] std::optional<std::set<std::string>> RequestsInList(std::string_view output);
 
 // The request ids of all jobs that have not ended; nothing when the spooler of this host does not
 // tell within a second.
-std::optional<std::set<std::string>> WaitingRequests();
+[[nodiscard]] std::optional<std::set<std::string>> WaitingRequests();

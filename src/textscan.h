@@ -19,7 +19,7 @@ inline std::string_view Trimmed(std::string_view text, std::string_view blanks =
 }
 
 // True for the control characters of ASCII.
-inline bool IsControlCharacter(char c) {
+[[nodiscard]] inline bool IsControlCharacter(char c) {
   const auto byte = static_cast<unsigned char>(c);
   return byte < 0x20 || byte == 0x7F;
 }

@@ -21,24 +21,24 @@ class UserDirectory {
   // That of the user `login`, as it stands; not open when there is none or it is not that user's.
   static UserDirectory Of(const std::string &login);
 
-  bool IsOpen() const { return directory_.IsOpen(); }
+  [[nodiscard]] bool IsOpen() const { return directory_.IsOpen(); }
   int Error() const { return error_; }  // an errno
   const std::string &Path() const { return path_; }
 
   // Keeps everybody else who asks away until this object goes: true. Without `wait` false when
   // somebody has it.
-  bool Lock(bool wait) const;
+  [[nodiscard]] bool Lock(bool wait) const;
 
   // The names in it, without "." and "..", in no order.
   std::vector<std::string> Names() const;
 
   // Writes a file of a name of its own that begins with `prefix`, on the disk when this returns:
   // its name; empty, with errno, when that failed.
-  std::string WriteNew(const std::string &prefix, std::string_view text) const;
+  [[nodiscard]] std::string WriteNew(const std::string &prefix, std::string_view text) const;
 
   // False, with errno, when it failed.
-  bool Rename(const std::string &from, const std::string &to) const;
-  bool Remove(const std::string &name) const;
+  [[nodiscard]] bool Rename(const std::string &from, const std::string &to) const;
+  [[nodiscard]] bool Remove(const std::string &name) const;
 
  private:
   explicit UserDirectory(std::string path) : path_(std::move(path)) {}
