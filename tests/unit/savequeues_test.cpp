@@ -19,6 +19,7 @@
 #include "cprintqueues.h"
 #include "debug.h"
 #include "globals.h"
+#include "ignoreresult.h"
 #include "loadqueues.h"
 #include "must.h"
 #include "paths.h"
@@ -67,7 +68,7 @@ class Save : public testing::Test {
   // What a start does: reads the list, looks for its queues, and takes the snapshot.
   void Start() {
     G_Queues = CreatePrintQueues(kQueuesFile);
-    Must(LoadQueueList(G_Queues.get(), 1, errors_.get()));
+    IgnoreResult(LoadQueueList(G_Queues.get(), 1, errors_.get()), "there may be no list yet");
     G_Queues_hash = fGetPrintQueues_Function(G_Queues.get());
     RemoveInexistentSystemVQueues(errors_.get());
     G_OrgQueues = CloneOf(G_Queues.get());
