@@ -36,6 +36,10 @@ enum class State {
   ConstraintOption2,
 };
 
+// Kept on purpose: one state for all reads of a run, so a description without header lines at its
+// start goes on where the one before it ended.
+State L_State = State::None;
+
 constexpr std::array L_LimitNames{"MinWidth", "MaxWidth", "MinLength", "MaxLength"};
 
 using FourValues = std::array<SharedText, 4>;
@@ -44,7 +48,8 @@ bool AllPresent(const FourValues &values) {
   return std::all_of(values.begin(), values.end(), [](const auto &value) { return !!value; });
 }
 
-// The state machine. What is pending stays until it is used up or replaced, also between blocks.
+// The state machine. What is pending stays until it is used up or replaced, also between blocks of
+// one description; only the state outlives it.
 class PafParser {
  public:
   PafParser();
@@ -102,7 +107,6 @@ class PafParser {
   TextPool texts_;  // a description says the same few words thousands of times
   PafContent content_;
   const char *error_ = nullptr;
-  State state_ = State::None;
 
   Owned<CFeature> feature_;
   bool installable_ = false;
@@ -166,14 +170,14 @@ const PafParser::Keyword *PafParser::FindKeyword(std::string_view line) {
 
 void PafParser::TakeLine(std::string_view line) {
   if (line.empty()) {
-    state_ = State::None;
+    L_State = State::None;
     return;
   }
   const Keyword *keyword = FindKeyword(line);
   if (keyword == nullptr) {
     TakeValue(line);
   } else {
-    state_ = keyword->routine == nullptr ? keyword->next : (this->*keyword->routine)(line);
+    L_State = keyword->routine == nullptr ? keyword->next : (this->*keyword->routine)(line);
   }
 }
 
@@ -184,11 +188,12 @@ void PafParser::TakeEnd() {
 
 State PafParser::Fail(const char *reason) {
   error_ = reason;
+  L_State = State::None;
   return State::None;
 }
 
 void PafParser::TakeValue(std::string_view line) {
-  switch (state_) {
+  switch (L_State) {
     case State::FeatureId:
       feature_id_ = TextOf(line);
       break;
@@ -211,14 +216,14 @@ void PafParser::TakeValue(std::string_view line) {
     case State::CpsMaxWidth:
     case State::CpsMinLength:
     case State::CpsMaxLength:
-      limits_[static_cast<size_t>(state_) - static_cast<size_t>(State::CpsMinWidth)] =
+      limits_[static_cast<size_t>(L_State) - static_cast<size_t>(State::CpsMinWidth)] =
           texts_.Get(line);
       break;
     case State::ConstraintFeature1:
     case State::ConstraintOption1:
     case State::ConstraintFeature2:
     case State::ConstraintOption2:
-      SetEnd(static_cast<size_t>(state_) - static_cast<size_t>(State::ConstraintFeature1), line);
+      SetEnd(static_cast<size_t>(L_State) - static_cast<size_t>(State::ConstraintFeature1), line);
       break;
     case State::None:
     case State::FeatureStarted:
@@ -265,14 +270,14 @@ State PafParser::StartInstallable(std::string_view line) {
 }
 
 State PafParser::Identify(std::string_view) {
-  if (state_ == State::FeatureStarted) return State::FeatureId;
-  if (state_ == State::OptionStarted) return State::OptionId;
+  if (L_State == State::FeatureStarted) return State::FeatureId;
+  if (L_State == State::OptionStarted) return State::OptionId;
   return Fail("#id that does not follow the start of a feature or option");
 }
 
 State PafParser::Translate(std::string_view) {
-  if (state_ == State::FeatureId) return State::FeatureTranslation;
-  if (state_ == State::OptionId) return State::OptionTranslation;
+  if (L_State == State::FeatureId) return State::FeatureTranslation;
+  if (L_State == State::OptionId) return State::OptionTranslation;
   return Fail("#translation that does not follow an identifier");
 }
 
@@ -318,7 +323,7 @@ State PafParser::EndCustomPaper(std::string_view line) {
   if (line != "#end_cps") {
     // Kept on purpose: with anything behind it the keyword is a value line.
     TakeValue(line);
-    return state_;
+    return L_State;
   }
   if (!custom_paper_started_ || !AllPresent(limits_)) return Fail("incomplete custom paper block");
   content_.custom_paper = CreateHash();

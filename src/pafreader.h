@@ -25,8 +25,10 @@ struct PafError {
   std::string reason;  // English, for the log
 };
 
-// The whole description or the first error. Every content is accepted or refused; nothing is kept
-// from one call to the next.
+// The whole description or the first error. Every content is accepted or refused. What the next
+// value line means is one state for all reads of a run: every header line, comment and empty line
+// sets it to nothing, so it only matters to a description that begins with something else. After an
+// error it is nothing.
 [[nodiscard]] std::variant<PafContent, PafError> ReadPaf(LineReader &lines);
 
 // Whether the reader takes `line` for a keyword, a comment or a separator instead of a value.

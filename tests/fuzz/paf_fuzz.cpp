@@ -79,7 +79,9 @@ std::string Written(const PafContent &paf) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-  LineReader lines(InputText(data, size));
+  // The comment ends the state that the input before left, so an input finds the same alone.
+  const std::string text = "##\n" + std::string(InputText(data, size));
+  LineReader lines(text);
   const auto result = ReadPaf(lines);
   if (const auto *error = std::get_if<PafError>(&result)) {
     Require(!error->reason.empty() && IsValidUtf8(error->line));

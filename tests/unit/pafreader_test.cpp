@@ -353,9 +353,26 @@ TEST(PafBytes, ALineThatIsNotUtf8IsReadAsLatin1) {
             "name <B\xC3\xBCro>\nppd <b\xC3\xBCro.ppd>\n");
 }
 
-TEST(PafReader, KeepsNothingFromOneDescriptionToTheNext) {
-  EXPECT_EQ(ReadAsText(kHeader + "#uio\n#id\n"), kHeaderText);
-  EXPECT_EQ(ReadAsText("*A\n#translation\n"), "corrupt 2 #translation");
+TEST(PafReader, GoesOnInTheStateInWhichTheDescriptionBeforeEnded) {
+  const string rest = kHeader + "#ccc\n#o1\n1\n#f2\n*B\n#o2\n2\n#end_ccc\n";
+  EXPECT_EQ(ReadAsText(kHeader + "#ccc\n#f1"), kHeaderText);
+  EXPECT_EQ(ReadAsText("*Kept\n" + rest),
+            kHeaderText + string("constraint <*Kept> <1> <*B> <2>\n"));
+  EXPECT_EQ(ReadAsText("*Lost\n" + rest), "corrupt 11 #end_ccc");
+}
+
+TEST(PafReader, TakesOnlyTheStateFromOneDescriptionToTheNext) {
+  EXPECT_EQ(ReadAsText(kHeader + "#ccc\n#f1\n*A\n#o1\n1\n#f2\n*B\n#o2\n2"), kHeaderText);
+  EXPECT_EQ(ReadAsText("#end_ccc\n" + kHeader), "corrupt 1 #end_ccc");
+  EXPECT_EQ(ReadAsText(kHeader + "#uio\n#id"), kHeaderText);
+  EXPECT_EQ(ReadAsText("#translation\nT\n" + kHeader), "corrupt 2 T");
+}
+
+TEST(PafReader, BeginsAnewAfterAnError) {
+  EXPECT_EQ(ReadAsText(kHeader + "#uio\n#id\n*A\n#translation\n#end_ui\n#default\n"),
+            "corrupt 7 #end_ui");
+  EXPECT_EQ(ReadAsText("#type\n"), "corrupt 1 ");
+  EXPECT_EQ(ReadAsText("*A\n" + kHeader), kHeaderText);
 }
 
 TEST(PafReader, TellsTheReasonOfAnError) {
