@@ -33,13 +33,22 @@ std::string ResultText(const std::optional<ResolvedConflict> &resolved) {
                     OptionDisplayText(resolved->feature.c_str(), resolved->option.c_str())});
 }
 
-// Where the user changes it: its combo box, or the list of installed hardware.
+// The list of installed hardware; null without an open properties window.
+GtkWidget *ListOfInstalled() {
+  if (G_ProgName == kModeAdministration) {
+    return G_PropTabFeatures_helper == nullptr ? nullptr : G_PropTabFeatures_helper->installed.list;
+  }
+  return G_PropTabGenPrntool_helper == nullptr ? nullptr
+                                               : G_PropTabGenPrntool_helper->features_list;
+}
+
+// Where the user changes it: its combo box, or the list of installed hardware; null when neither is
+// there.
 GtkWidget *PlaceOf(const std::string &feature) {
   GtkWidget *combo = OptionCombo(feature.c_str());
   if (combo != nullptr) return combo;
   if (HashFind(G_PrinterInstallableOptions_hash, feature.c_str()) == nullptr) return nullptr;
-  if (G_ProgName == kModeAdministration) return G_PropTabFeatures_helper->installed.list;
-  return G_PropTabGenPrntool_helper->features_list;
+  return ListOfInstalled();
 }
 
 // The first that has a combo box, else the list.

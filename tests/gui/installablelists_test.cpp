@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "ConflictDialog.h"
 #include "ListWidget.h"
 #include "constraintmessages.h"
 #include "cstring.h"
@@ -173,4 +174,22 @@ TEST_F(InstallableLists, WithoutListsThereIsNothingToFill) {
   EXPECT_EQ(1, G_FillInstallableCLists());
   G_FillFeaturesCList();
   EXPECT_EQ(0, ListRowCount(available_) + ListRowCount(features_));
+}
+
+TEST_F(InstallableLists, TheirConflictIsToldAndMendedWithoutAPropertiesWindow) {
+  for (const int program : {kModeAdministration, kModePrintTool}) {
+    G_ProgName = program;
+    printer_->Install("*OptionPunch", "Punch2Hole");
+    ASSERT_EQ(1, G_CheckLinearConstraints(G_QueueInstallableOptions_hash));
+    GtkWidget *box = WindowNamed("ErrorDialog");
+    ASSERT_NE(nullptr, box);
+    GtkWidget *resolve = lookup_widget(box, "ResolveButton");
+    EXPECT_EQ(program == kModeAdministration, resolve != nullptr);
+    if (resolve != nullptr) {
+      gtk_button_clicked(GTK_BUTTON(resolve));
+      EXPECT_EQ(0, G_CheckLinearConstraints(G_QueueInstallableOptions_hash));
+    }
+    gtk_widget_destroy(box);
+  }
+  G_ProgName = kModeNeither;
 }
