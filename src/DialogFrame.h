@@ -12,12 +12,13 @@ struct Dialog {
 Dialog NewDialog(const char *name, const char *title_key);
 
 // Puts the one button, stored as `name`, below the content and shows the content; Return and Escape
-// press it. A null handler destroys the dialog.
+// press it, Return unless the focus is on a button added beside it. A null handler destroys the
+// dialog.
 GtkWidget *AddOkButton(const Dialog &dialog, const char *name, void (*pressed)());
 
 // Puts the buttons "OKButton", "CancelButton" and "HelpButton" below the content, in a box stored
-// as `box_name`, and shows all but the window. Return presses OK, F1 Help; Escape and closing the
-// window press Cancel.
+// as `box_name`, and shows all but the window. Return presses the button that has the focus, else
+// OK; F1 presses Help; Escape and closing the window press Cancel.
 struct DialogHandlers {
   void (*ok)();
   void (*cancel)();

@@ -35,6 +35,15 @@ GtkAccelGroup *WindowAccelGroup(GtkWidget *window) {
   return group;
 }
 
+// Accelerators come before the focus, so a focused button would never get the key.
+gboolean PressFocusedButton(GtkWidget *window, GdkEventKey *key, gpointer) {
+  if (key->keyval != GDK_KEY_Return && key->keyval != GDK_KEY_KP_Enter) return FALSE;
+  const GtkWidget *focus = gtk_window_get_focus(GTK_WINDOW(window));
+  // A choice is made with the blank; to press it again would do nothing.
+  if (!GTK_IS_BUTTON(focus) || GTK_IS_CHECK_BUTTON(focus)) return FALSE;
+  return gtk_window_activate_focus(GTK_WINDOW(window));
+}
+
 // The window that a new dialog belongs above: the active one, else the one shown last.
 GtkWindow *CurrentWindow(const GtkWidget *dialog) {
   GtkWindow *current = nullptr;
@@ -166,6 +175,7 @@ void AddAccelerator(GtkWidget *window, GtkWidget *button, guint key) {
 void AddReturnAccelerator(GtkWidget *window, GtkWidget *button) {
   AddAccelerator(window, button, GDK_KEY_Return);
   AddAccelerator(window, button, GDK_KEY_KP_Enter);
+  g_signal_connect(window, "key-press-event", G_CALLBACK(PressFocusedButton), nullptr);
 }
 
 void OnDeleteEvent(GtkWidget *window, void (*handler)()) {

@@ -38,7 +38,8 @@ GtkWidget *NewScrolledList(GtkWidget *window, const char *name, GtkWidget *list)
 // `key` presses `button` wherever the focus is, through the window's one accelerator group.
 void AddAccelerator(GtkWidget *window, GtkWidget *button, guint key);
 
-// Return and the keypad's Enter press `button`.
+// Return and the keypad's Enter press `button`, except when the focus is on another button, which
+// they press then; a check or radio button is none in this sense. Once a window.
 void AddReturnAccelerator(GtkWidget *window, GtkWidget *button);
 
 // Closing `window` through its manager runs `handler` and leaves the rest to it.

@@ -218,6 +218,25 @@ TEST_F(AddQueueDialog, ReturnIsOkWhereverTheFocusIs) {
   EXPECT_EQ((Strings{"-lp1", "-lp2", "-lp3", "*lp4"}), app.QueueNames());
 }
 
+TEST_F(AddQueueDialog, ReturnPressesTheButtonThatHasTheFocus) {
+  AdminApp app;
+  app.OpenAddQueue();
+  app.FillAddQueue({.name = "lp1"});
+  app.TabTo("AboutButton");
+  app.Key("Return");
+  app.WaitWindow("dialogAbout");
+  app.Key("Return");
+  app.WaitGone("dialogAbout");
+  app.TabTo("ApplyButton");
+  app.Key("Return");
+  app.WaitUntil("the queue", [&] { return app.QueueNames() == Strings{"*lp1"}; });
+  app.TypeInto("QueueEntry", "lp2");
+  app.TabTo("CancelButton");
+  app.Key("Return");
+  app.WaitGone("AddQueueWindow");
+  EXPECT_EQ(Strings{"*lp1"}, app.QueueNames());
+}
+
 TEST_F(AddQueueDialog, EscapeCancelAndTheCloseButtonLeaveTheListAlone) {
   AdminApp app;
   for (const char *way : {"Escape", "CancelButton", "close"}) {

@@ -183,11 +183,7 @@ TEST_F(AdminWindow, TypingSearchesTheListAndEscapeEndsOnlyTheSearch) {
 TEST_F(AdminWindow, IsDrivenWithTheKeyboardAlone) {
   PutQueues(Strings{"lp1", "lp2"});
   AdminApp app;
-  const auto tab_to = [&app](const std::string &widget) {
-    for (int i = 0; i < 12 && app.Focus() != "AdminWindow/" + widget; ++i) app.Key("Tab");
-    ASSERT_EQ("AdminWindow/" + widget, app.Focus());
-  };
-  tab_to("QueuesClist");
+  app.TabTo("QueuesClist");
   app.Key("Down");
   app.Key("Down");
   EXPECT_EQ((Strings{"-lp1", "*lp2"}), app.QueueNames());
@@ -195,15 +191,15 @@ TEST_F(AdminWindow, IsDrivenWithTheKeyboardAlone) {
   EXPECT_EQ((Strings{"-lp1", "-lp2"}), app.QueueNames());
   app.Key("ctrl+a");
   EXPECT_EQ((Strings{"*lp1", "*lp2"}), app.QueueNames());
-  tab_to("DeleteButton");
+  app.TabTo("DeleteButton");
   app.Key("space");
   EXPECT_EQ(Strings{}, app.QueueNames());
-  tab_to("AddButton");
+  app.TabTo("AddButton");
   app.Key("space");
   app.WaitWindow("AddQueueWindow");
   app.Key("Escape");
   app.WaitGone("AddQueueWindow");
-  tab_to("CancelButton");
+  app.TabTo("CancelButton");
   app.Key("space");
   EXPECT_EQ(0, app.WaitExit());
 }

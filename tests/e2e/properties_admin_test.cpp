@@ -181,7 +181,9 @@ TEST_F(AdminProperties, PartsThatDoNotGoTogetherShowTheirTabAndCanBeSetRight) {
   PressProperties(app, "OK");
   app.WaitWindow("ErrorDialog");
   EXPECT_EQ(CatalogueText("DEF_WND_ADMIN_PROP_FEATURES_TITLE"), app.Text("PropertiesWindow"));
-  app.Click("ErrorDialog/ResolveButton");
+  app.Key("Tab");
+  ASSERT_EQ("ErrorDialog/ResolveButton", app.Focus());
+  app.Key("Return");
   EXPECT_EQ("\"Finisher\" has been set to \"Installed\".", app.Text("ErrorLabel2"));
   app.Key("Return");
   app.WaitGone("ErrorDialog");

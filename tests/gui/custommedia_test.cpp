@@ -24,7 +24,7 @@ class CustomMedia : public CustomsTest {
   // Presses OK on a name that is refused; the dialog stays with the focus on the name.
   static std::string Refuse(const char *name) {
     TypeInto(Dialog().name_entry, name);
-    gtk_widget_grab_focus(lookup_widget(Dialog().window, "HelpButton"));
+    gtk_widget_grab_focus(lookup_widget(Dialog().window, "OKButton"));
     Key("Return");
     const std::string message =
         TakeErrorKey({"DCMT_Dlg_Media_Error1", "DCMT_Dlg_Media_Error2", "DCMT_Dlg_Media_Error3"});

@@ -144,6 +144,16 @@ TEST_F(CustomPaper, EscapeAndClosingTheWindowStoreNothing) {
   EXPECT_EQ(Strings{}, Names(kPaper));
 }
 
+TEST_F(CustomPaper, ReturnOnCancelStoresNothing) {
+  OpenTab();
+  OpenAdd();
+  TypeInto(Dialog().name_entry, "Ticket");
+  gtk_widget_grab_focus(lookup_widget(Dialog().window, "CancelButton"));
+  Key("Return");
+  EXPECT_EQ(nullptr, G_CpsParamWindow_helper);
+  EXPECT_EQ(Strings{}, Keys(G_QueueCustomPapers_hash));
+}
+
 TEST_F(CustomPaper, HelpShowsTheDialogsText) {
   OpenTab();
   OpenAdd();

@@ -217,6 +217,24 @@ TEST_F(PropertiesOk, AUserKeepsWhatDefaultsPutBackToo) {
   ClickOn(Named("ApplyButton"));
   EXPECT_EQ(Stored("*Duplex"), "None");
   EXPECT_EQ(Stored("*PageSize"), "(none)");
+  Focus("DuplexComboEntry");
   ASSERT_TRUE(PressOk());
   EXPECT_EQ(Stored("*Duplex"), "None") << "the second time as well";
+}
+
+TEST_F(PropertiesOk, ReturnPressesTheButtonThatHasTheFocus) {
+  const char *user = "*UserName";
+  TakePrinter("vek41101");
+  Open(kDestinationPage, {{user, "ann"}});
+  Type("UserNameEntry", "bob");
+  Focus("ApplyButton");
+  EXPECT_FALSE(PressOk());
+  EXPECT_EQ("bob", Stored(user));
+  Focus("DefaultDestinationButton");
+  EXPECT_FALSE(PressOk());
+  EXPECT_NE("bob", Text("UserNameEntry"));
+  Type("UserNameEntry", "eve");
+  Focus("CancelButton");
+  EXPECT_TRUE(PressOk());
+  EXPECT_EQ("bob", Stored(user));
 }

@@ -74,16 +74,35 @@ TEST_F(Support, ButtonsShowTheirTextAndRunTheirHandler) {
   EXPECT_EQ(1, g_pressed);
 }
 
-TEST_F(Support, ReturnPressesItsButtonWhereverTheFocusIs) {
+TEST_F(Support, ReturnPressesItsButtonWhateverElseHasTheFocus) {
   GtkWidget *button = NewButton(window_, box_, "OKButton", "DEF_BTN_OK_TITLE", [] { ++g_pressed; });
-  GtkWidget *other = NewButton(window_, box_, "Other", "DEF_BTN_HELP_TITLE", nullptr);
   AddReturnAccelerator(window_, button);
-  ShowWindowOf(button);
+  int presses = 0;
+  for (GtkWidget *other : {gtk_entry_new(), gtk_spin_button_new_with_range(1, 9, 1),
+                           gtk_radio_button_new(nullptr), gtk_check_button_new(), button}) {
+    if (other != button) gtk_container_add(GTK_CONTAINER(box_), other);
+    ShowWindowOf(button);
+    gtk_widget_grab_focus(other);
+    for (const char *key : {"Return", "KP_Enter"}) {
+      XInputChord(key);
+      ++presses;
+      EXPECT_TRUE(RunUntil([&] { return g_pressed >= presses; })) << G_OBJECT_TYPE_NAME(other);
+      EXPECT_EQ(presses, g_pressed) << G_OBJECT_TYPE_NAME(other);
+    }
+  }
+}
+
+TEST_F(Support, ReturnPressesTheButtonThatHasTheFocusInstead) {
+  GtkWidget *ok = NewButton(window_, box_, "OKButton", "DEF_BTN_OK_TITLE", [] { g_pressed += 10; });
+  GtkWidget *other = NewButton(window_, box_, "Other", "DEF_BTN_HELP_TITLE", [] { ++g_pressed; });
+  AddReturnAccelerator(window_, ok);
+  ShowWindowOf(ok);
   gtk_widget_grab_focus(other);
-  XInputChord("Return");
-  XInputChord("KP_Enter");
-  ASSERT_TRUE(RunUntil([] { return g_pressed >= 2; }));
-  EXPECT_EQ(2, g_pressed);
+  for (int presses = 1; presses <= 2; ++presses) {
+    XInputChord(presses == 1 ? "Return" : "KP_Enter");
+    EXPECT_TRUE(RunUntil([&] { return g_pressed >= presses; }));
+    EXPECT_EQ(presses, g_pressed);
+  }
 }
 
 TEST_F(Support, AnAcceleratorOfAnInsensitiveButtonDoesNothing) {

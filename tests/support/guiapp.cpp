@@ -359,6 +359,15 @@ void GuiApp::Key(const std::string &key) {
   XInputChord(key);
 }
 
+void GuiApp::TabTo(const std::string &name) {
+  constexpr int kMostWidgets = 40;
+  for (int i = 0; i < kMostWidgets; ++i) {
+    if (Focus().ends_with("/" + name)) return;
+    Key("Tab");
+  }
+  Fail("the Tab key does not reach " + name);
+}
+
 void GuiApp::CloseWindow(const std::string &name) {
   XInputClose(std::stoul(Demand("xid " + name)));
 }

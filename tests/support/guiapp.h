@@ -60,6 +60,8 @@ class GuiApp {
   // Types UTF-8 text, or one key with its modifiers ("Return", "ctrl+a"), into what has the focus.
   void Type(const std::string &text);
   void Key(const std::string &key);
+  // Moves the focus with the Tab key to the widget; throws when that goes round past it.
+  void TabTo(const std::string &name);
   // What a window manager sends when its close button is pressed.
   void CloseWindow(const std::string &name);
   // Ends the program's connection to the X server, as the end of a session does.
