@@ -178,6 +178,7 @@ TEST_F(InstallableLists, WithoutListsThereIsNothingToFill) {
 
 TEST_F(InstallableLists, TheirConflictIsToldAndMendedWithoutAPropertiesWindow) {
   for (const int program : {kModeAdministration, kModePrintTool}) {
+    printer_->Install("*OptionFinisher", "False");
     G_ProgName = program;
     printer_->Install("*OptionPunch", "Punch2Hole");
     ASSERT_EQ(1, G_CheckLinearConstraints(G_QueueInstallableOptions_hash));
