@@ -17,6 +17,7 @@
 #include "AdminWindow.h"
 #include "AdminWindowFct.h"
 #include "MessageDialogs.h"
+#include "ModuleGuard.h"
 #include "Pixmaps.h"
 #include "Support.h"
 #include "ToolWindow.h"
@@ -43,6 +44,7 @@
 namespace {
 
 constexpr char L_VerboseSwitch[] = "-verbose";
+constexpr int L_WrongCall = 2;  // exit status
 
 // The first file opened gets the lowest free descriptor: without this the connection to the X
 // server could become standard error, and every message would break it.
@@ -60,13 +62,24 @@ int ModeFromProgramName(const char *path) {
   return kModeNeither;
 }
 
+void PrintUsage(const char *program) {
+  std::fprintf(stderr, "Usage: %s -verbose <n>\n", program);
+  std::fprintf(stderr, "\n");
+  std::fflush(stderr);
+}
+
+// A rule of the site may let a user start the administration through pkexec and nothing else as
+// root, so nothing that this user says besides reaches the toolkit.
+bool IsRefusedByPkexec(int argc, char **argv) {
+  if (G_ProgName != kModeAdministration || std::getenv("PKEXEC_UID") == nullptr) return false;
+  return argc != 1 && (argc != 3 || std::strcmp(argv[1], L_VerboseSwitch) != 0);
+}
+
 // Sets the log level; false when only the usage was wanted.
 bool ReadVerboseSwitch(int argc, char **argv) {
   if (argc < 2 || std::strcmp(argv[1], L_VerboseSwitch) != 0) return true;
   if (argc == 2) {
-    std::fprintf(stderr, "Usage: %s -verbose <n>\n", argv[0]);
-    std::fprintf(stderr, "\n");
-    std::fflush(stderr);
+    PrintUsage(argv[0]);
     return false;
   }
   // As atoi reads it, but defined for numbers out of range too.
@@ -191,9 +204,12 @@ GtkWidget *StartUp(CList *messages) {
 
 // Nothing here is drawn with OpenGL. Left to itself, the first GTK program on a display loads the
 // OpenGL drivers to rate the display's visuals, which costs as much time as all else up to the
-// window. The user's own setting is kept; the commands started from here draw nothing.
+// window. The user's own setting is kept, but not as root: drivers are code that the environment
+// can name. The commands started from here draw nothing.
 void InitialiseGtk(int *argc, char ***argv) {
-  g_setenv("GDK_GL", "disable", FALSE);
+  const bool administration = G_ProgName == kModeAdministration;
+  if (administration) GuardModules(argc, *argv);
+  g_setenv("GDK_GL", "disable", administration ? TRUE : FALSE);
   gtk_init(argc, argv);
 }
 
@@ -237,5 +253,9 @@ int main(int argc, char **argv) {
   InstallAllocationHandler();
   G_ProgName = ModeFromProgramName(argv[0]);
   if (!ReadVerboseSwitch(argc, argv)) return 0;
+  if (IsRefusedByPkexec(argc, argv)) {
+    PrintUsage(argv[0]);
+    return L_WrongCall;
+  }
   return Run(argc, argv);
 }

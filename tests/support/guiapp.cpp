@@ -57,12 +57,22 @@ std::string CopyInto(const std::string &directory, const std::string &file) {
   return copy;
 }
 
-// A user's settings, without animations: what is on the screen is then finished.
-std::string SettingsIn(const std::string &directory) {
-  const std::string settings = directory + "/config";
-  std::filesystem::create_directories(settings + "/gtk-3.0");
-  std::ofstream(settings + "/gtk-3.0/settings.ini") << "[Settings]\ngtk-enable-animations=false\n";
-  return settings;
+// Puts the module where GTK finds it without the program's environment, which the administration
+// does not trust. Another program may be running with it, so the file is replaced, not written
+// over. No animations: what is on the screen is then finished.
+void InstallInspection() {
+  static bool installed = false;
+  if (installed) return;
+  const std::string modules = std::string(KPX_LIBRARIES) + "/gtk-3.0/modules";
+  std::filesystem::create_directories(modules);
+  const std::string module = modules + "/libkpxinspect.so";
+  std::filesystem::copy_file(KPX_INSPECT_MODULE, module + ".new",
+                             std::filesystem::copy_options::overwrite_existing);
+  std::filesystem::rename(module + ".new", module);
+  std::filesystem::create_directories("/etc/gtk-3.0");
+  std::ofstream("/etc/gtk-3.0/settings.ini")
+      << "[Settings]\ngtk-modules=kpxinspect\ngtk-enable-animations=false\n";
+  installed = true;
 }
 
 void SetVariable(std::vector<std::string> &environment, const std::string &setting) {
@@ -78,9 +88,8 @@ std::vector<std::string> EnvironmentFor(const GuiAppOptions &options, const User
   std::vector<std::string> environment;
   for (char **entry = environ; *entry != nullptr; ++entry) environment.emplace_back(*entry);
   const std::string inner = directory + "/inner";
-  SetVariable(environment, "GTK_MODULES=" + CopyInto(directory, KPX_INSPECT_MODULE));
   SetVariable(environment, "KPX_INSPECT_SOCKET=" + inner + "/socket");
-  SetVariable(environment, "XDG_CONFIG_HOME=" + SettingsIn(directory));
+  SetVariable(environment, "XDG_CONFIG_HOME=" + directory + "/config");
   if (std::getenv("LSAN_OPTIONS") != nullptr) {
     SetVariable(environment, "LSAN_OPTIONS=print_suppressions=0:suppressions=" +
                                  CopyInto(directory, KPX_LEAK_SUPPRESSIONS));
@@ -171,6 +180,7 @@ GuiApp::~GuiApp() {
 
 void GuiApp::Start(const GuiAppOptions &options) {
   const User user = UserNamed(options.user);
+  InstallInspection();
   std::vector<std::string> environment = EnvironmentFor(options, user, directory_);
   std::vector<std::string> arguments = options.arguments;
   arguments.insert(arguments.begin(),
@@ -408,6 +418,7 @@ std::vector<std::string> GuiApp::Windows() {
 std::vector<std::string> GuiApp::ClippedTexts() { return LinesOf(Demand("clipped")); }
 
 std::vector<std::string> GuiApp::AccessKeys() { return LinesOf(Demand("keys")); }
+std::vector<std::string> GuiApp::UnnamedControls() { return LinesOf(Demand("unnamed")); }
 
 std::vector<std::string> GuiApp::ShownTexts() { return LinesOf(Demand("texts")); }
 

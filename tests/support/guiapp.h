@@ -83,11 +83,14 @@ class GuiApp {
   // Every text in the windows, their lists and tooltips, line by line, "<window>/<widget> TAB
   // <text>"; without those of the toolkit's own file chooser.
   std::vector<std::string> ShownTexts();
-  // The texts that are not shown whole, "<window>/<widget> TAB <text>".
+  // The texts that are not shown whole or are covered, "<window>/<widget> TAB <text>".
   std::vector<std::string> ClippedTexts();
   // The access keys of the foremost window, "<window>/<widget> TAB <text> TAB <letter>"; "-"
   // without one, "*" for a button that another key presses.
   std::vector<std::string> AccessKeys();
+  // The controls, lists, pictures and windows without a name for assistive technology,
+  // "<window>/<widget> TAB <role>"; without those of the toolkit's own file chooser.
+  std::vector<std::string> UnnamedControls();
   ScreenArea Geometry(const std::string &name);
 
   // Until the screen shows all windows as they are now; before a screenshot.

@@ -1,11 +1,12 @@
 // A GTK module that tells tests what the windows of a program show. It is loaded into the program
-// as it ships by GTK itself (GTK_MODULES=/path/libkpxinspect.so) and only looks: input is given to
-// the program by the X server.
+// as it ships by GTK itself (gtk-modules=kpxinspect in GTK's settings of the system) and only
+// looks: input is given to the program by the X server.
 //
-// Listens on the Unix socket named by KPX_INSPECT_SOCKET. A request is one line, "WORD" or
-// "WORD NAME" or "WORD NAME NUMBER"; an answer is a line "ok <bytes>" or "none <bytes>" (nothing of
-// that name) and that many bytes. Widgets are found by their names in the visible top-level
-// windows, that of the current grab first; "WINDOW/NAME" looks in one window alone.
+// Listens on the Unix socket named by KPX_INSPECT_SOCKET, without it on none. A request is one
+// line, "WORD" or "WORD NAME" or "WORD NAME NUMBER"; an answer is a line "ok <bytes>" or "none
+// <bytes>" (nothing of that name) and that many bytes. Widgets are found by their names in the
+// visible top-level windows, that of the current grab first; "WINDOW/NAME" looks in one window
+// alone.
 //
 //   windows       lines "<name> TAB <title>"
 //   geometry N    "<x> <y> <width> <height>" in pixels of the screen
@@ -17,7 +18,10 @@
 //   focus         "<window>/<widget>" of the window that has the focus
 //   rows N        lines of a list's or combo's cells with TAB between; "*" before a selected row,
 //                 "-" before another
-//   clipped       lines "<window>/<widget> TAB <text>" for every text that is not shown whole
+//   clipped       lines "<window>/<widget> TAB <text>" for every text that is not shown whole, or
+//                 that another one or a button covers
+//   unnamed       lines "<window>/<widget> TAB <role>" for every control, list, picture and window
+//                 without a name or label for assistive technology
 //   keys          lines "<window>/<widget> TAB <text> TAB <letter>" for every button, tab and label
 //   of
 //                 a field in the foremost window; the letter is that of its access key, "-" without
@@ -45,66 +49,14 @@
 #include <cstring>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <sstream>
 #include <string>
 #include <vector>
 
+#include "inspectchecks.h"
+#include "inspectwidgets.h"
+
 namespace {
-
-using Answer = std::optional<std::string>;
-
-std::string Taken(gchar *text) {
-  const std::string result = text == nullptr ? "" : text;
-  g_free(text);
-  return result;
-}
-
-std::string OneLine(std::string text) {
-  for (char &c : text) {
-    if (c == '\n' || c == '\t') c = ' ';
-  }
-  return text;
-}
-
-// The mapped top-level windows, that of the current grab first, then the newest first.
-std::vector<GtkWidget *> VisibleWindows() {
-  std::vector<GtkWidget *> windows;
-  GtkWidget *grab = gtk_grab_get_current();
-  if (grab != nullptr) windows.push_back(gtk_widget_get_toplevel(grab));
-  GList *all = gtk_window_list_toplevels();
-  for (GList *link = g_list_last(all); link != nullptr; link = link->prev) {
-    GtkWidget *window = GTK_WIDGET(link->data);
-    if (gtk_widget_get_mapped(window) != FALSE && (windows.empty() || windows.front() != window)) {
-      windows.push_back(window);
-    }
-  }
-  g_list_free(all);
-  return windows;
-}
-
-// Internal children too.
-std::vector<GtkWidget *> ChildrenOf(GtkWidget *widget) {
-  std::vector<GtkWidget *> children;
-  if (!GTK_IS_CONTAINER(widget)) return children;
-  gtk_container_forall(
-      GTK_CONTAINER(widget),
-      [](GtkWidget *child, gpointer data) {
-        static_cast<std::vector<GtkWidget *> *>(data)->push_back(child);
-      },
-      &children);
-  return children;
-}
-
-// Calls `visit` for the widget and everything mapped in it, parents first, until it returns false.
-bool Walk(GtkWidget *widget, const std::function<bool(GtkWidget *)> &visit) {
-  if (gtk_widget_get_mapped(widget) == FALSE) return true;
-  if (!visit(widget)) return false;
-  for (GtkWidget *child : ChildrenOf(widget)) {
-    if (!Walk(child, visit)) return false;
-  }
-  return true;
-}
 
 GtkWidget *Find(const std::string &path) {
   const size_t slash = path.find('/');
@@ -120,11 +72,6 @@ GtkWidget *Find(const std::string &path) {
     if (!go_on) break;
   }
   return found;
-}
-
-std::string PathOf(GtkWidget *widget) {
-  return std::string(gtk_widget_get_name(gtk_widget_get_toplevel(widget))) + "/" +
-         gtk_widget_get_name(widget);
 }
 
 Answer ScreenRectangle(GtkWidget *widget, GdkRectangle area) {
@@ -159,30 +106,6 @@ Answer RowGeometry(GtkWidget *widget, int row) {
   if (cell.height == 0 || top < seen.y || top + cell.height > seen.y + seen.height) return {};
   gtk_tree_view_convert_bin_window_to_widget_coords(list, cell.x, cell.y, &cell.x, &cell.y);
   return ScreenRectangle(widget, cell);
-}
-
-std::string TextOfArea(GtkTextView *area) {
-  GtkTextBuffer *buffer = gtk_text_view_get_buffer(area);
-  GtkTextIter start;
-  GtkTextIter end;
-  gtk_text_buffer_get_bounds(buffer, &start, &end);
-  return Taken(gtk_text_buffer_get_text(buffer, &start, &end, TRUE));
-}
-
-std::string OrEmpty(const char *text) { return text == nullptr ? "" : text; }
-
-Answer Text(GtkWidget *widget) {
-  if (GTK_IS_LABEL(widget)) return OrEmpty(gtk_label_get_text(GTK_LABEL(widget)));
-  if (GTK_IS_ENTRY(widget)) return OrEmpty(gtk_entry_get_text(GTK_ENTRY(widget)));
-  if (GTK_IS_BUTTON(widget)) return OrEmpty(gtk_button_get_label(GTK_BUTTON(widget)));
-  if (GTK_IS_FRAME(widget)) return OrEmpty(gtk_frame_get_label(GTK_FRAME(widget)));
-  if (GTK_IS_WINDOW(widget)) return OrEmpty(gtk_window_get_title(GTK_WINDOW(widget)));
-  if (GTK_IS_TEXT_VIEW(widget)) return TextOfArea(GTK_TEXT_VIEW(widget));
-  if (GTK_IS_COMBO_BOX(widget)) {
-    GtkWidget *child = gtk_bin_get_child(GTK_BIN(widget));
-    if (GTK_IS_ENTRY(child)) return OrEmpty(gtk_entry_get_text(GTK_ENTRY(child)));
-  }
-  return {};
 }
 
 // How many texts a row shows; those behind them in the model are its tooltip and the like.
@@ -256,110 +179,6 @@ std::string Focus() {
   return "";
 }
 
-// Smaller than what it wants to show its text in. What a widget wants has its margins in it, what
-// it is given has not.
-bool IsTooSmall(GtkWidget *widget) {
-  GtkAllocation given;
-  gtk_widget_get_allocation(widget, &given);
-  given.width += gtk_widget_get_margin_start(widget) + gtk_widget_get_margin_end(widget);
-  given.height += gtk_widget_get_margin_top(widget) + gtk_widget_get_margin_bottom(widget);
-  int wanted = 0;
-  if (GTK_IS_LABEL(widget) && gtk_label_get_line_wrap(GTK_LABEL(widget)) != FALSE) {
-    gtk_widget_get_preferred_height_for_width(widget, given.width, &wanted, nullptr);
-    return given.height < wanted;
-  }
-  GtkRequisition natural;
-  gtk_widget_get_preferred_size(widget, nullptr, &natural);
-  return given.width < natural.width || given.height < natural.height;
-}
-
-bool IsOutside(GtkWidget *widget) {
-  GtkWidget *window = gtk_widget_get_toplevel(widget);
-  GtkAllocation given;
-  GtkAllocation room;
-  gtk_widget_get_allocation(widget, &given);
-  gtk_widget_get_allocation(window, &room);
-  int x = 0;
-  int y = 0;
-  if (gtk_widget_translate_coordinates(widget, window, 0, 0, &x, &y) == FALSE) return false;
-  return x < 0 || y < 0 || x + given.width > room.width || y + given.height > room.height;
-}
-
-// A column's title that its list shows only when it is scrolled sideways.
-bool IsOutsideItsList(GtkWidget *widget) {
-  GtkWidget *list = gtk_widget_get_ancestor(widget, GTK_TYPE_TREE_VIEW);
-  int x = 0;
-  int y = 0;
-  if (list == nullptr || gtk_widget_translate_coordinates(widget, list, 0, 0, &x, &y) == FALSE) {
-    return false;
-  }
-  GtkAllocation given;
-  GtkAllocation room;
-  gtk_widget_get_allocation(widget, &given);
-  gtk_widget_get_allocation(list, &room);
-  return x + given.width > room.width;
-}
-
-bool IsInScrolledWindow(GtkWidget *widget) {
-  return gtk_widget_get_ancestor(widget, GTK_TYPE_SCROLLED_WINDOW) != nullptr;
-}
-
-bool IsClipped(GtkWidget *widget) {
-  if (!GTK_IS_LABEL(widget) && !GTK_IS_BUTTON(widget)) return false;
-  const Answer text = Text(widget);
-  if (!text || text->empty()) return false;
-  if (GTK_IS_LABEL(widget) &&
-      pango_layout_is_ellipsized(gtk_label_get_layout(GTK_LABEL(widget))) != FALSE) {
-    return true;
-  }
-  return IsTooSmall(widget) || IsOutsideItsList(widget) ||
-         (!IsInScrolledWindow(widget) && IsOutside(widget));
-}
-
-std::string Clipped() {
-  std::string lines;
-  for (GtkWidget *window : VisibleWindows()) {
-    Walk(window, [&](GtkWidget *widget) {
-      if (IsClipped(widget)) lines += PathOf(widget) + "\t" + OneLine(*Text(widget)) + "\n";
-      return true;
-    });
-  }
-  return lines;
-}
-
-// Whether the label stands for something that can be pressed, shown or filled in.
-bool NamesSomething(GtkWidget *label) {
-  GtkWidget *parent = gtk_widget_get_parent(label);
-  if (GTK_IS_BUTTON(parent)) return gtk_widget_get_ancestor(label, GTK_TYPE_TREE_VIEW) == nullptr;
-  if (GTK_IS_NOTEBOOK(parent)) return true;
-  GtkWidget *field = gtk_label_get_mnemonic_widget(GTK_LABEL(label));
-  return field != nullptr && (gtk_widget_get_can_focus(field) != FALSE || GTK_IS_COMBO_BOX(field));
-}
-
-std::string KeyOf(GtkWidget *label) {
-  const guint key = gtk_label_get_mnemonic_keyval(GTK_LABEL(label));
-  if (key != GDK_KEY_VoidSymbol) return Taken(g_strdup(gdk_keyval_name(key)));
-  GtkWidget *button = gtk_widget_get_parent(label);
-  GList *accelerators = GTK_IS_BUTTON(button) ? gtk_widget_list_accel_closures(button) : nullptr;
-  const bool has = accelerators != nullptr;
-  g_list_free(accelerators);
-  return has ? "*" : "-";
-}
-
-std::string AccessKeys() {
-  std::string lines;
-  const std::function<void(GtkWidget *)> add = [&](GtkWidget *widget) {
-    if (gtk_widget_get_mapped(widget) == FALSE || GTK_IS_FILE_CHOOSER_WIDGET(widget)) return;
-    if (GTK_IS_LABEL(widget) && NamesSomething(widget)) {
-      lines += PathOf(widget) + "\t" + OneLine(*Text(widget)) + "\t" + KeyOf(widget) + "\n";
-    }
-    for (GtkWidget *child : ChildrenOf(widget)) add(child);
-  };
-  const std::vector<GtkWidget *> windows = VisibleWindows();
-  if (!windows.empty()) add(windows.front());
-  return lines;
-}
-
 // The lines of a widget's own texts; a button's is that of the label in it.
 std::string LinesAbout(GtkWidget *widget) {
   std::string text = Taken(gtk_widget_get_tooltip_text(widget)) + "\n";
@@ -419,6 +238,7 @@ Answer AnswerTo(const std::string &request) {
   if (word == "focus") return Focus();
   if (word == "clipped") return Clipped();
   if (word == "keys") return AccessKeys();
+  if (word == "unnamed") return Unnamed();
   if (word == "texts") return AllTexts();
   if (word == "idle") return "1";
   if (first == std::string::npos) return {};
@@ -554,7 +374,8 @@ int ListenOn(const char *path) {
 
 extern "C" G_MODULE_EXPORT void gtk_module_init(gint *, gchar ***) {
   const char *path = std::getenv("KPX_INSPECT_SOCKET");
-  const int listener = path == nullptr ? -1 : ListenOn(path);
+  if (path == nullptr) return;
+  const int listener = ListenOn(path);
   if (listener < 0) {
     g_printerr("libkpxinspect: no socket\n");
     return;

@@ -15,3 +15,13 @@ kpx_add_test(NAME optionfile_readers LIBS kpx_core kpx_guidriver LABEL e2e SANDB
   SOURCES e2e/optionfile_readers_test.cpp)
 kpx_add_test(NAME large_texts LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
   SOURCES e2e/large_texts_test.cpp)
+
+# A module that the administration must not load.
+add_library(markingmodule MODULE support/markingmodule.cpp)
+kpx_add_test(NAME module_guard LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
+  SOURCES e2e/module_guard_test.cpp)
+foreach(target markingmodule test_module_guard)
+  target_compile_definitions(${target} PRIVATE KPX_MODULE_MARK="/tmp/kpx-module-mark"
+    KPX_MARKING_MODULE="$<TARGET_FILE:markingmodule>")
+endforeach()
+add_dependencies(test_module_guard markingmodule)

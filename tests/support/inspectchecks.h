@@ -1,0 +1,16 @@
+// What is wrong with the windows that a program shows; each answer is lines "<window>/<widget> TAB
+// <what>".
+#pragma once
+
+#include <string>
+
+// The texts that are not shown whole, or that another text or a button covers.
+std::string Clipped();
+
+// The controls, lists, pictures and windows that assistive technology has no name for, with their
+// roles.
+std::string Unnamed();
+
+// The access keys of the foremost window, "<window>/<widget> TAB <text> TAB <letter>"; "-" without
+// one, "*" for a button that another key presses.
+std::string AccessKeys();
