@@ -169,6 +169,7 @@ GtkWidget *NewCombo(GtkWidget *window, const char *combo_name, const char *entry
                                  kTipColumn, nullptr);
   GtkWidget *entry = EntryOf(combo);
   gtk_editable_set_editable(GTK_EDITABLE(entry), FALSE);
+  gtk_style_context_add_class(gtk_widget_get_style_context(entry), kNotEditableClass);
   // So that the wheel works over the entry too, not only over the arrow.
   gtk_widget_add_events(entry, GDK_SCROLL_MASK);
   g_signal_connect(entry, "key-press-event", G_CALLBACK(ChooseByLetter), combo);
@@ -179,6 +180,12 @@ GtkWidget *NewCombo(GtkWidget *window, const char *combo_name, const char *entry
   });
   StoreWidget(window, entry, entry_name);
   return StoreWidget(window, combo, combo_name);
+}
+
+void ComboMakeEditable(GtkWidget *combo) {
+  GtkWidget *entry = EntryOf(combo);
+  gtk_editable_set_editable(GTK_EDITABLE(entry), TRUE);
+  gtk_style_context_remove_class(gtk_widget_get_style_context(entry), kNotEditableClass);
 }
 
 void ComboFillRows(GtkWidget *combo, const std::vector<ComboRow> &rows) {

@@ -22,6 +22,9 @@ struct ComboRow {
 GtkWidget *NewCombo(GtkWidget *window, const char *combo_name, const char *entry_name,
                     std::function<void()> changed);
 
+// What is typed into the combo's entry becomes its text.
+void ComboMakeEditable(GtkWidget *combo);
+
 // Makes these the pop-up's rows (UTF-8). Only rows that differ are written, what is too much or
 // missing is removed or added at the end; the entry keeps its text, and the chosen row stays the
 // row of that number.

@@ -21,9 +21,9 @@ void AddQuestion(const Dialog &dialog) {
   gtk_box_pack_start(GTK_BOX(dialog.box), box, TRUE, TRUE, 0);
   const char *key = Cps_Or_Cmt == 1 ? "DEF_LBL_CONFIRM_MSG_CPS" : "DEF_LBL_CONFIRM_MSG_CMT";
   GtkWidget *label = NewLabel(dialog.window, "ConfirmationLabel", G_Translate(key), nullptr);
-  gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
-  gtk_label_set_max_width_chars(GTK_LABEL(label), L_LineLength);
+  BreakLines(label, L_LineLength);
   gtk_box_pack_start(GTK_BOX(box), label, TRUE, TRUE, 0);
+  SetAlert(dialog.window, G_Translate(key));
 }
 
 }  // namespace

@@ -21,8 +21,7 @@ GtkWidget *AddField(GtkWidget *window, GtkGrid *grid, int row, const FieldLabel 
 }
 
 GtkWidget *NewDescribedField(GtkWidget *field, GtkWidget *description) {
-  atk_object_add_relationship(gtk_widget_get_accessible(field), ATK_RELATION_DESCRIBED_BY,
-                              gtk_widget_get_accessible(description));
+  DescribeBy(field, description);
   GtkWidget *box = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, kFieldSpacing);
   gtk_box_pack_start(GTK_BOX(box), field, FALSE, FALSE, 0);
   gtk_box_pack_start(GTK_BOX(box), description, FALSE, FALSE, 0);

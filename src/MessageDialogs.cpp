@@ -19,6 +19,11 @@ namespace {
 
 constexpr int L_Spacing = 8;
 constexpr size_t L_MessageBuffer = 1023;
+// The about box, in pixels: its size, and its text's width and place.
+constexpr int L_AboutWidth = 410;
+constexpr int L_AboutHeight = 360;
+constexpr int L_AboutTextWidth = 370;
+constexpr int L_AboutTextTop = 140;
 constexpr int L_ErrorWidth = 60;  // characters
 constexpr int L_AroundText = 48;  // pixels of margins, scroll bar and window border beside a text
 
@@ -54,18 +59,35 @@ std::string LinesOf(const CList *messages) {
   return lines;
 }
 
+// The box is larger than usual when the text would reach below the button, whose height includes
+// the margin below it; the picture stays in the middle.
+void MakeRoomForLargeText(GtkWidget *fixed, GtkWidget *picture, GtkWidget *label,
+                          GtkWidget *buttons) {
+  GtkRequisition text;
+  GtkRequisition foot;
+  gtk_widget_get_preferred_size(label, &text, nullptr);
+  gtk_widget_get_preferred_size(buttons, &foot, nullptr);
+  int lines = 0;
+  // As high as its lines, which may be less than the place that it has.
+  pango_layout_get_pixel_size(gtk_label_get_layout(GTK_LABEL(label)), nullptr, &lines);
+  gtk_widget_set_size_request(fixed, -1, L_AboutTextTop + lines + L_Spacing + foot.height);
+  gtk_fixed_move(GTK_FIXED(fixed), picture, 40 + std::max(0, text.width - L_AboutTextWidth) / 2,
+                 15);
+}
+
 }  // namespace
 
 GtkWidget *create_AboutWindow() {
   const LogScope log("create_AboutWindow");
   const Dialog dialog = NewDialog("dialogAbout", "DEF_WND_ABOUT_TITLE");
-  gtk_widget_set_size_request(dialog.window, 410, 360);
+  gtk_widget_set_size_request(dialog.window, L_AboutWidth, L_AboutHeight);
   gtk_window_set_resizable(GTK_WINDOW(dialog.window), FALSE);
   gtk_container_set_border_width(GTK_CONTAINER(dialog.box), 0);
 
   GtkWidget *fixed = StoreWidget(dialog.window, gtk_fixed_new(), "fixed1");
   GtkWidget *picture = create_pixmap(dialog.window, "np_vek.xpm");
   gtk_widget_set_size_request(StoreWidget(dialog.window, picture, "AboutPixmap"), 328, 117);
+  SetAccessibleName(picture, G_Translate("DEF_WND_ABOUT_TITLE"));
   gtk_fixed_put(GTK_FIXED(fixed), picture, 40, 15);
   GtkWidget *label = NewLabel(dialog.window, "label1",
                               fGetHelp_Function(G_Help.get(), "KPX_ABOUT_BEGIN"), nullptr);
@@ -76,8 +98,8 @@ GtkWidget *create_AboutWindow() {
   // The fixed layout gives a label the height that it needs at its smallest width.
   gtk_label_set_width_chars(GTK_LABEL(label), 36);
   gtk_label_set_max_width_chars(GTK_LABEL(label), 36);
-  gtk_widget_set_size_request(label, 370, 200);
-  gtk_fixed_put(GTK_FIXED(fixed), label, 10, 140);
+  gtk_widget_set_size_request(label, L_AboutTextWidth, 200);
+  gtk_fixed_put(GTK_FIXED(fixed), label, 10, L_AboutTextTop);
 
   // The button lies over the foot of the fixed layout, which fills the whole box.
   GtkWidget *overlay = gtk_overlay_new();
@@ -91,6 +113,9 @@ GtkWidget *create_AboutWindow() {
   gtk_widget_set_margin_bottom(buttons, L_Spacing);
   gtk_overlay_add_overlay(GTK_OVERLAY(overlay), buttons);
   g_object_unref(buttons);
+  MakeRoomForLargeText(fixed, picture, label, buttons);
+  atk_object_set_description(gtk_widget_get_accessible(dialog.window),
+                             gtk_label_get_text(GTK_LABEL(label)));
   return dialog.window;
 }
 
@@ -107,18 +132,14 @@ GtkWidget *create_ErrorWindow(const char *detail, const std::string &text) {
                      TRUE, 0);
   AddErrorLabel(dialog.window, "ErrorLabel1", text);
   AddErrorLabel(dialog.window, "ErrorLabel2", detail == nullptr ? "" : detail);
+  SetAlert(dialog.window, DecodeLine(text) + (detail == nullptr ? "" : "\n" + DecodeLine(detail)));
   AddOkButton(dialog, "OKButton", nullptr);
   return dialog.window;
 }
 
 void AddErrorLabel(GtkWidget *window, const char *name, const std::string &text) {
-  const std::string shown = DecodeLine(text);
-  GtkWidget *label = NewLabel(window, name, shown, nullptr);
-  gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
-  gtk_label_set_max_width_chars(GTK_LABEL(label), L_ErrorWidth);
-  // The box is never lower than the label wants to be at its smallest width.
-  const auto characters = static_cast<int>(g_utf8_strlen(shown.c_str(), -1));
-  gtk_label_set_width_chars(GTK_LABEL(label), std::min(characters, L_ErrorWidth));
+  GtkWidget *label = NewLabel(window, name, DecodeLine(text), nullptr);
+  BreakLines(label, L_ErrorWidth);
   gtk_label_set_selectable(GTK_LABEL(label), TRUE);
   gtk_widget_set_can_focus(label, FALSE);
   gtk_widget_show(label);
@@ -157,6 +178,7 @@ GtkWidget *create_ErrorWarningWindow(const CList *messages, int exit_or_return) 
                      NewScrolledText(dialog.window, "ErrorWarningScrolledwindow",
                                      "ErrorWarningText", LinesOf(messages)),
                      TRUE, TRUE, 0);
+  SetAlert(dialog.window, G_Translate("ERR_ERRS_AND_WRNS"));
   AddOkButton(dialog, "OKButton", ButtonOkErrorWarningPressed);
   OnDeleteEvent(dialog.window, ButtonOkErrorWarningPressed);
   G_ErrorWarningWindow_helper = std::make_unique<ErrorWarningWindow>(

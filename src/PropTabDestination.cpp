@@ -12,6 +12,7 @@
 #include "cmessages.h"
 #include "debug.h"
 #include "entryfilters.h"
+#include "globals.h"
 
 std::unique_ptr<PropTabDestinationHelper> G_PropTabDestination_helper;
 
@@ -87,6 +88,15 @@ void AddPinRow(GtkGrid *grid, int row) {
   AttachRow(grid, row, L_Pin, NewDescribedField(entry, range));
 }
 
+// The filter of every user must be able to read a queue's defaults.
+void AddPinWarning(GtkGrid *grid, int row) {
+  GtkWidget *label = NewLabel(G_PropertiesWindow_helper->window, "PinReadableLabel",
+                              G_Translate("DEF_LBL_PIN_READABLE"), nullptr);
+  BreakLines(label, L_TextWidth);
+  gtk_grid_attach(grid, label, 1, row, 1, 1);
+  DescribeBy(G_PropTabDestination_helper->pin, label);
+}
+
 // The entry with its label.
 void SetSensitive(GtkWidget *entry, bool sensitive) {
   gtk_widget_set_sensitive(entry, sensitive ? TRUE : FALSE);
@@ -119,6 +129,7 @@ void AddJobRows(GtkGrid *grid) {
   AddTextRow(grid, 0, L_JobName);
   AddTextRow(grid, 1, L_UserName);
   AddPinRow(grid, 3);
+  if (G_ProgName == kModeAdministration) AddPinWarning(grid, 4);
   DeliveryShown(nullptr);
   AddOptionRow(G_PropertiesWindow_helper->window, grid, 2, "*Delivery", "DEF_LBL_DELIVERY", false);
 }

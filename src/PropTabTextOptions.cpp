@@ -9,6 +9,7 @@
 #include "OptionDefaults.h"
 #include "PropertiesWindow.h"
 #include "Support.h"
+#include "cmessages.h"
 #include "debug.h"
 #include "entryfilters.h"
 #include "fontmap.h"
@@ -21,7 +22,8 @@ std::unique_ptr<PropTabTextOptionsHelper> G_PropTabTextOptions_helper;
 
 namespace {
 
-constexpr int L_SizeWidth = 4;  // characters
+constexpr int L_SizeWidth = 4;    // characters
+constexpr int L_LineLength = 40;  // characters
 
 GtkWidget *EntryOf(GtkWidget *combo) { return gtk_bin_get_child(GTK_BIN(combo)); }
 
@@ -59,11 +61,27 @@ GtkWidget *AddCombo(GtkGrid *grid, int row, const std::string &name, const char 
 
 void MakeSizeEditable(GtkWidget *combo) {
   GtkWidget *entry = EntryOf(combo);
-  gtk_editable_set_editable(GTK_EDITABLE(entry), TRUE);
+  ComboMakeEditable(combo);
   gtk_entry_set_width_chars(GTK_ENTRY(entry), L_SizeWidth);
   gtk_widget_set_halign(combo, GTK_ALIGN_START);
   g_signal_connect(entry, "insert-text", G_CALLBACK(FontSize_EntryText), nullptr);
   g_signal_connect(entry, "focus-out-event", G_CALLBACK(FontSizeEntryFocusOut), nullptr);
+}
+
+// The page of other queues stays, since the pages are known by their numbers; it says why it is
+// empty.
+GtkWidget *PageOfOtherTypes(const OptionTab &tab) {
+  gtk_widget_set_no_show_all(tab.page, TRUE);
+  gtk_widget_hide(tab.page);
+  GtkWidget *page = gtk_box_new(GTK_ORIENTATION_VERTICAL, kTabSpacing);
+  gtk_container_set_border_width(GTK_CONTAINER(page), kTabBorder);
+  gtk_box_pack_start(GTK_BOX(page), tab.page, FALSE, FALSE, 0);
+  GtkWidget *label = NewLabel(G_PropertiesWindow_helper->window, "FontsOfTextLabel",
+                              G_Translate("DEF_LBL_FONT_TEXT_ONLY"), nullptr);
+  BreakLines(label, L_LineLength);
+  gtk_box_pack_start(GTK_BOX(page), label, FALSE, FALSE, 0);
+  gtk_widget_show(label);
+  return page;
 }
 
 }  // namespace
@@ -82,12 +100,7 @@ GtkWidget *create_PropTabTextOptions() {
   FillFontComboBox();
   FillFontSizeComboBox();
   AddDefaultsButton(tab, "DefaultTextButton", ButtonTextDefaultsPressed);
-  // The page stays, since the pages are known by their numbers.
-  if (!CurrentQueueType().has_fonts) {
-    gtk_widget_set_no_show_all(tab.page, TRUE);
-    gtk_widget_hide(tab.page);
-  }
-  return tab.page;
+  return CurrentQueueType().has_fonts ? tab.page : PageOfOtherTypes(tab);
 }
 
 void FillFontComboBox() {

@@ -52,9 +52,8 @@ GtkWindow *CurrentWindow(const GtkWidget *dialog) {
     GtkWidget *window = GTK_WIDGET(link->data);
     if (window == dialog || !gtk_widget_get_visible(window)) continue;
     if (gtk_window_get_window_type(GTK_WINDOW(window)) != GTK_WINDOW_TOPLEVEL) continue;
-    const bool active = gtk_window_is_active(GTK_WINDOW(window)) != FALSE;
-    if (current == nullptr || active) current = GTK_WINDOW(window);
-    if (active) break;
+    current = GTK_WINDOW(window);  // the newest comes last
+    if (gtk_window_is_active(current) != FALSE) break;
   }
   g_list_free(windows);
   return current;
@@ -126,7 +125,37 @@ GtkWidget *NewLabel(GtkWidget *window, const char *name, const std::string &text
   GtkWidget *label = gtk_label_new(text.c_str());
   gtk_label_set_xalign(GTK_LABEL(label), 0.0F);
   if (target != nullptr) gtk_label_set_mnemonic_widget(GTK_LABEL(label), target);
+  if (GTK_IS_COMBO_BOX(target)) LabelBy(gtk_bin_get_child(GTK_BIN(target)), label);
   return StoreWidget(window, label, name);
+}
+
+void LabelBy(GtkWidget *widget, GtkWidget *label) {
+  atk_object_add_relationship(gtk_widget_get_accessible(widget), ATK_RELATION_LABELLED_BY,
+                              gtk_widget_get_accessible(label));
+}
+
+void DescribeBy(GtkWidget *widget, GtkWidget *description) {
+  atk_object_add_relationship(gtk_widget_get_accessible(widget), ATK_RELATION_DESCRIBED_BY,
+                              gtk_widget_get_accessible(description));
+}
+
+void SetAccessibleName(GtkWidget *widget, const std::string &name) {
+  atk_object_set_name(gtk_widget_get_accessible(widget), name.c_str());
+}
+
+void SetAlert(GtkWidget *window, const std::string &message) {
+  AtkObject *object = gtk_widget_get_accessible(window);
+  atk_object_set_role(object, ATK_ROLE_ALERT);
+  atk_object_set_description(object, message.c_str());
+}
+
+void BreakLines(GtkWidget *label, int characters) {
+  auto *text = GTK_LABEL(label);
+  const auto length = static_cast<int>(g_utf8_strlen(gtk_label_get_text(text), -1));
+  gtk_label_set_line_wrap(text, TRUE);
+  gtk_label_set_max_width_chars(text, characters);
+  // A window is never lower than a label wants to be at its smallest width.
+  gtk_label_set_width_chars(text, std::min(length, characters));
 }
 
 GtkWidget *NewScrolledText(GtkWidget *window, const char *scrolled_name, const char *text_name,
@@ -144,6 +173,8 @@ GtkWidget *NewScrolledText(GtkWidget *window, const char *scrolled_name, const c
   gtk_text_buffer_set_text(gtk_text_view_get_buffer(GTK_TEXT_VIEW(area)), shown.c_str(),
                            static_cast<gint>(shown.size()));
 
+  const char *title = gtk_window_get_title(GTK_WINDOW(window));
+  if (title != nullptr) SetAccessibleName(area, title);
   GtkWidget *scrolled = gtk_scrolled_window_new(nullptr, nullptr);
   gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_AUTOMATIC,
                                  GTK_POLICY_ALWAYS);
@@ -212,6 +243,7 @@ void KeepOnScreen(GtkWidget *window) {
 void MakeModal(GtkWidget *dialog) {
   gtk_window_set_modal(GTK_WINDOW(dialog), TRUE);
   gtk_window_set_type_hint(GTK_WINDOW(dialog), GDK_WINDOW_TYPE_HINT_DIALOG);
+  atk_object_set_role(gtk_widget_get_accessible(dialog), ATK_ROLE_DIALOG);
   GtkWindow *parent = CurrentWindow(dialog);
   if (parent != nullptr) {
     gtk_window_set_transient_for(GTK_WINDOW(dialog), parent);
@@ -233,8 +265,11 @@ void DropInput() {
 void InstallStyle() {
   // A pop-up as list: a menu-style one costs ten times as much for long lists.
   GtkCssProvider *provider = gtk_css_provider_new();
-  gtk_css_provider_load_from_data(provider, "combobox { -GtkComboBox-appears-as-list: true; }", -1,
-                                  nullptr);
+  const std::string style = std::string("combobox { -GtkComboBox-appears-as-list: true; } entry.") +
+                            kNotEditableClass + " { caret-color: transparent; }";
+  gtk_css_provider_load_from_data(provider, style.c_str(), -1, nullptr);
+  // The name that the desktop entries have too.
+  gtk_window_set_default_icon_name("printer");
   gtk_style_context_add_provider_for_screen(gdk_screen_get_default(), GTK_STYLE_PROVIDER(provider),
                                             GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
   g_object_unref(provider);

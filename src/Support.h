@@ -22,13 +22,27 @@ GtkWidget *NewButton(GtkWidget *window, GtkWidget *box, const char *name, const 
 // top.
 GtkWidget *NewButtonBox(GtkWidget *window, GtkOrientation orientation, const char *name);
 
-// A left-aligned label stored as `name`; assistive technology reads it as the label of `target`,
-// which may be null.
+// A left-aligned label stored as `name`; assistive technology reads it as the label of `target`, a
+// combo's entry included. `target` may be null.
 GtkWidget *NewLabel(GtkWidget *window, const char *name, const std::string &text,
                     GtkWidget *target);
 
+// Assistive technology reads `label`, or `description`, with `widget`.
+void LabelBy(GtkWidget *widget, GtkWidget *label);
+void DescribeBy(GtkWidget *widget, GtkWidget *description);
+
+// The name under which assistive technology knows what no label names.
+void SetAccessibleName(GtkWidget *widget, const std::string &name);
+
+// Assistive technology reads the message of a window as soon as that appears.
+void SetAlert(GtkWidget *window, const std::string &message);
+
+// The label breaks its text beyond so many characters a line.
+void BreakLines(GtkWidget *label, int characters);
+
 // A scrolled window stored as `scrolled_name` with a read-only, word-wrapped text area stored as
 // `text_name` that shows `text` (UTF-8; what is none, as in a file name, is read as ISO-8859-1).
+// Assistive technology knows it by the title of `window`.
 GtkWidget *NewScrolledText(GtkWidget *window, const char *scrolled_name, const char *text_name,
                            const std::string &text);
 
@@ -65,7 +79,10 @@ void KeepOneLine(GtkWidget *entry);
 // window that comes next. Everything else that waits from the X server is handled.
 void DropInput();
 
-// Style settings that every window needs; once, after gtk_init.
+// The style class of entries that nothing can be typed into: they show no text cursor.
+inline constexpr char kNotEditableClass[] = "kpx-not-editable";
+
+// Style settings and the icon that every window needs; once, after gtk_init.
 void InstallStyle();
 
 // Frees one string of GLib (null is ignored).

@@ -20,6 +20,12 @@ std::string ValueOr(const char *feature, const char *otherwise) {
   return value == nullptr ? otherwise : value;
 }
 
+long SizeOf(const std::string &text) { return std::strtol(text.c_str(), nullptr, 10); }
+
+bool IsFontSize(const std::string &text) {
+  return SizeOf(text) >= L_SmallestSize && SizeOf(text) <= L_LargestSize;
+}
+
 }  // namespace
 
 std::vector<std::string> FontNames() {
@@ -43,8 +49,7 @@ std::string WantedFontName() { return ValueOr(L_FontName, kDefaultFontName); }
 std::string WantedFontSize() { return ValueOr(L_FontSize, kDefaultFontSize); }
 
 std::string ClampedFontSize(const std::string &text) {
-  const long size = std::strtol(text.c_str(), nullptr, 10);
-  return std::to_string(std::clamp(size, L_SmallestSize, L_LargestSize));
+  return std::to_string(std::clamp(SizeOf(text), L_SmallestSize, L_LargestSize));
 }
 
 bool StoreTextOptions(const std::string &font, const std::string &style, const std::string &size) {
@@ -52,6 +57,6 @@ bool StoreTextOptions(const std::string &font, const std::string &style, const s
   const char *afm_name = GetAfmFontName(font.c_str(), style.c_str());
   if (afm_name == nullptr) return false;
   SetQueueValue(G_QueueFeatures_hash, L_FontName, afm_name);
-  SetQueueValue(G_QueueFeatures_hash, L_FontSize, size);
+  SetQueueValue(G_QueueFeatures_hash, L_FontSize, IsFontSize(size) ? size : ClampedFontSize(size));
   return true;
 }

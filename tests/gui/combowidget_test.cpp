@@ -35,6 +35,22 @@ TEST_F(ComboWidget, ArrowKeysChooseAndRunTheHandlerOnce) {
   EXPECT_EQ(1, g_choices);
 }
 
+TEST_F(ComboWidget, OnlyAnEditableEntryHasATextCursor) {
+  GtkWidget *entry = lookup_widget(combo_, "ComboEntry");
+  const auto opacity = [entry] {
+    GtkStyleContext *style = gtk_widget_get_style_context(entry);
+    GdkRGBA *color = nullptr;
+    gtk_style_context_get(style, gtk_style_context_get_state(style), "caret-color", &color,
+                          nullptr);
+    const double alpha = color == nullptr ? -1 : color->alpha;
+    gdk_rgba_free(color);
+    return alpha;
+  };
+  EXPECT_EQ(0, opacity());
+  ComboMakeEditable(combo_);
+  EXPECT_EQ(1, opacity());
+}
+
 TEST_F(ComboWidget, TheWheelChoosesAndRunsTheHandlerOnce) {
   const GdkRectangle area = OnScreen(lookup_widget(combo_, "ComboEntry"));
   XInputClick(area.x + 20, area.y + area.height / 2, 5);

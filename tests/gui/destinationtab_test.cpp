@@ -76,6 +76,7 @@ TEST_F(DestinationTab, ATranslationThatTheFilterWouldChangeStaysWhatItIs) {
   EXPECT_EQ(Text("JobNameEntry"), "Comme dans l'application");
   ClickOn(Named("DefaultDestinationButton"));
   EXPECT_EQ(Text("JobNameEntry"), "Comme dans l'application");
+  Focus("JobNameEntry");
   ASSERT_TRUE(PressOk());
   EXPECT_EQ(Stored("*JobName"), "UseAppSetting");
 }
@@ -92,6 +93,22 @@ TEST_F(DestinationTab, EveryFieldIsNamedForAssistiveTechnology) {
            {"EmailNotifMessageEntry", "EmailNotifMessageLabel"}}) {
     EXPECT_TRUE(IsLabelledBy(field, label)) << field;
   }
+}
+
+TEST_F(DestinationTab, TheAdministrationSaysWhoCanReadADefaultPin) {
+  OpenTab();
+  EXPECT_EQ(nullptr, lookup_widget(window_, "PinReadableLabel")) << "a user's own PIN";
+  ButtonCancelPropertiesPressed();
+  G_ProgName = kModeAdministration;
+  OpenTab();
+  GtkWidget *label = Named("PinReadableLabel");
+  EXPECT_TRUE(gtk_widget_get_mapped(label));
+  EXPECT_EQ(CatalogueText("DEF_LBL_PIN_READABLE"), gtk_label_get_text(GTK_LABEL(label)));
+  AtkRelationSet *relations =
+      atk_object_ref_relation_set(gtk_widget_get_accessible(Named("PinEntry")));
+  EXPECT_TRUE(atk_relation_set_contains_target(relations, ATK_RELATION_DESCRIBED_BY,
+                                               gtk_widget_get_accessible(label)));
+  g_object_unref(relations);
 }
 
 TEST_F(DestinationTab, TabGoesThroughTheFieldsFromTheTop) {

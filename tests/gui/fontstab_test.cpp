@@ -46,15 +46,32 @@ TEST_F(FontsTab, IsThereInBothPrograms) {
   EXPECT_EQ(Page(), PlaceOf(Page::kFonts));
   EXPECT_TRUE(gtk_widget_get_mapped(Named("TextVbox")));
   EXPECT_TRUE(gtk_widget_get_mapped(Named("FontSizeComboEntry")));
+  EXPECT_EQ(nullptr, lookup_widget(window_, "FontsOfTextLabel"));
   EXPECT_EQ(Shown(), "Courier/Regular/12");
 }
 
-TEST_F(FontsTab, HasNoBodyForQueuesOfAnotherType) {
+TEST_F(FontsTab, SaysWhyItHasNoBodyForQueuesOfAnotherType) {
   for (const char *language : {"postscript", "pcl6", "raw"}) {
     Open(PlaceOf(Page::kFonts), {}, language);
     EXPECT_EQ(Page(), PlaceOf(Page::kFonts)) << "the page itself stays";
     EXPECT_FALSE(gtk_widget_get_visible(Named("TextVbox"))) << language;
+    GtkWidget *label = Named("FontsOfTextLabel");
+    EXPECT_TRUE(gtk_widget_get_mapped(label)) << language;
+    EXPECT_EQ(CatalogueText("DEF_LBL_FONT_TEXT_ONLY"), gtk_label_get_text(GTK_LABEL(label)));
     ButtonCancelPropertiesPressed();
+  }
+}
+
+TEST_F(FontsTab, ASizeIsStoredInItsRangeHoweverTheEntryWasLeft) {
+  const struct {
+    const char *typed;
+    const char *stored;
+  } rows[] = {{"100", "72"}, {"3", "4"}, {"", "4"}, {"72", "72"}, {"13", "13"}};
+  for (const auto &row : rows) {
+    OpenTab();
+    Type("FontSizeComboEntry", row.typed);
+    ASSERT_TRUE(PressOk());
+    EXPECT_EQ(row.stored, Stored("*FontSize")) << row.typed;
   }
 }
 
@@ -150,18 +167,12 @@ TEST_F(FontsTab, LeavingTheEntryByPressingOkWithTheMouseBringsTheSizeIntoRange) 
   EXPECT_EQ(Stored("*FontSize"), "72");
 }
 
-TEST_F(FontsTab, TheSizeIsStoredAsItStands) {
-  OpenTab();
-  Type("FontSizeComboEntry", "99");
-  ASSERT_TRUE(PressOk());
-  EXPECT_EQ(Stored("*FontSize"), "99");
-}
-
 TEST_F(FontsTab, DefaultsShowCourierInTwelvePoints) {
   OpenTab({{"*FontName", "Times-Bold"}, {"*FontSize", "36"}});
   ClickOn(Named("DefaultTextButton"));
   EXPECT_EQ(Shown(), "Courier/Regular/12");
   EXPECT_EQ(Rows("FontStyle"), (Strings{"Bold", "Oblique", "Regular"}));
+  Focus("FontNameComboEntry");
   ASSERT_TRUE(PressOk());
   EXPECT_EQ(Stored("*FontName"), "Courier");
   EXPECT_EQ(Stored("*FontSize"), "12");
@@ -172,6 +183,7 @@ TEST_F(FontsTab, DefaultsWithoutCourierSetTheSizeAlone) {
   OpenTab({{"*FontName", "Times-Roman"}, {"*FontSize", "36"}});
   ClickOn(Named("DefaultTextButton"));
   EXPECT_EQ(Shown(), "Times/Roman/12");
+  Focus("FontNameComboEntry");
   ASSERT_TRUE(PressOk());
   EXPECT_EQ(Stored("*FontName"), "Times-Roman");
 }

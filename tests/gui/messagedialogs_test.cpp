@@ -2,6 +2,7 @@
 
 #include "MessageDialogs.h"
 
+#include "ConfirmationWindow.h"
 #include "ListWidget.h"
 #include "LprCmdWindow.h"
 #include "Pixmaps.h"
@@ -62,6 +63,32 @@ TEST_F(MessageDialogs, TheErrorBoxShowsItsDetailBelow) {
             OnScreen(lookup_widget(dialog, "ErrorLabel1")).y);
   ClickOn(lookup_widget(dialog, "OKButton"));
   EXPECT_EQ(nullptr, WindowNamed("ErrorDialog"));
+}
+
+TEST_F(MessageDialogs, MessagesAreAlertsAndWhatTheySayIsRead) {
+  const Owned<CList> list = CreateList();
+  const std::string about = fGetHelp_Function(G_Help.get(), "KPX_ABOUT_BEGIN");
+  const struct {
+    GtkWidget *dialog;
+    AtkRole role;
+    std::string description;
+  } rows[] = {
+      {create_ErrorWindow(nullptr, "the text"), ATK_ROLE_ALERT, "the text"},
+      {create_ErrorWindow("the detail", "the text"), ATK_ROLE_ALERT, "the text\nthe detail"},
+      {create_ErrorWarningWindow(list.get(), kReturn), ATK_ROLE_ALERT,
+       CatalogueText("ERR_ERRS_AND_WRNS")},
+      {create_ConfirmationWindow(1), ATK_ROLE_ALERT, CatalogueText("DEF_LBL_CONFIRM_MSG_CPS")},
+      {create_AboutWindow(), ATK_ROLE_DIALOG, about},
+      {create_HelpWindow("help"), ATK_ROLE_DIALOG, ""},
+  };
+  for (const auto &row : rows) {
+    AtkObject *object = gtk_widget_get_accessible(row.dialog);
+    const char *description = atk_object_get_description(object);
+    EXPECT_EQ(row.role, atk_object_get_role(object)) << gtk_widget_get_name(row.dialog);
+    EXPECT_EQ(row.description, description == nullptr ? "" : description)
+        << gtk_widget_get_name(row.dialog);
+  }
+  ButtonNOConfirmationPressed();
 }
 
 TEST_F(MessageDialogs, TheHelpBoxShowsTheBlock) {

@@ -105,6 +105,26 @@ TEST_F(Support, ReturnPressesTheButtonThatHasTheFocusInstead) {
   }
 }
 
+TEST_F(Support, ADialogBelongsToTheNewestWindowWhenNoneIsActive) {
+  gtk_widget_show(window_);
+  GtkWidget *newer = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+  gtk_widget_show(newer);
+  RunPending();
+  FocusNoWindow();
+  ASSERT_TRUE(RunUntil([&] {
+    return gtk_window_is_active(GTK_WINDOW(window_)) == FALSE &&
+           gtk_window_is_active(GTK_WINDOW(newer)) == FALSE;
+  }));
+  GtkWidget *dialog = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+  MakeModal(dialog);
+  EXPECT_EQ(GTK_WINDOW(newer), gtk_window_get_transient_for(GTK_WINDOW(dialog)));
+  EXPECT_EQ(ATK_ROLE_DIALOG, atk_object_get_role(gtk_widget_get_accessible(dialog)));
+}
+
+TEST_F(Support, WindowsHaveTheIconOfThePrograms) {
+  EXPECT_STREQ("printer", gtk_window_get_default_icon_name());
+}
+
 TEST_F(Support, AnAcceleratorOfAnInsensitiveButtonDoesNothing) {
   GtkWidget *button = NewButton(window_, box_, "OKButton", "DEF_BTN_OK_TITLE", [] { ++g_pressed; });
   AddAccelerator(window_, button, GDK_KEY_Delete);

@@ -84,6 +84,10 @@ void FocusWindowOf(GtkWidget *widget) {
   XInputFocus(gdk_x11_window_get_xid(gtk_widget_get_window(gtk_widget_get_toplevel(widget))));
 }
 
+void FocusNoWindow() {
+  XSetInputFocus(GDK_DISPLAY_XDISPLAY(gdk_display_get_default()), None, RevertToNone, CurrentTime);
+}
+
 void Drag(GtkWidget *from, GtkWidget *to) {
   GdkDragContext *drag = nullptr;
   const auto remember = +[](GtkWidget *, GdkDragContext *context, gpointer data) {

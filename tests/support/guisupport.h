@@ -32,6 +32,9 @@ void Drag(GtkWidget *from, GtkWidget *to);
 // Gives the top-level window of `widget` the input focus.
 void FocusWindowOf(GtkWidget *widget);
 
+// Takes the input focus from all windows.
+void FocusNoWindow();
+
 // The description that assistive technology reads of the cell with that text; "(no cell)" without
 // it.
 std::string CellDescription(AtkObject *list, const std::string &text);

@@ -92,9 +92,16 @@ TEST_F(TextOptions, FontAndStyleAreStoredByTheirAfmName) {
   EXPECT_EQ(QueueFeatureValue("*FontSize"), "9");
 }
 
-TEST_F(TextOptions, TheSizeIsStoredAsItStands) {
-  EXPECT_TRUE(StoreTextOptions("Courier", "Bold", "099"));
-  EXPECT_EQ(QueueFeatureValue("*FontSize"), "099");
+TEST_F(TextOptions, TheSizeIsStoredAsItStandsOrMovedIntoTheRange) {
+  const struct {
+    const char *size;
+    const char *stored;
+  } rows[] = {{"4", "4"},    {"013", "013"}, {"72", "72"}, {"73", "72"},
+              {"099", "72"}, {"3", "4"},     {"", "4"}};
+  for (const auto &row : rows) {
+    EXPECT_TRUE(StoreTextOptions("Courier", "Bold", row.size));
+    EXPECT_EQ(QueueFeatureValue("*FontSize"), row.stored) << row.size;
+  }
 }
 
 TEST_F(TextOptions, AStyleThatTheFontLacksIsRefusedAndNothingStored) {
