@@ -25,6 +25,7 @@ void AddQueueList(KPXadminWindowHelper &helper, GtkWidget *parent) {
                                 {"DEF_LBL_IPADDRESS_TITLE", 120}},
                                GTK_SELECTION_MULTIPLE);
   StoreWidget(helper.window, helper.queues_list, "QueuesClist");
+  SetAccessibleName(helper.queues_list, G_Translate("DEF_LBL_QUEUES"));
   ListOnSelection(helper.queues_list, QueuesCListRowSelection, QueuesCListRowUnSelection);
   g_signal_connect(helper.queues_list, "button-press-event", G_CALLBACK(LogMultipleClick), nullptr);
   GtkWidget *scrolled = NewScrolledList(helper.window, "QueuesScrolledwindow", helper.queues_list);
@@ -88,7 +89,8 @@ GtkWidget *create_AdminWindow() {
   AddAdminButtons(helper.window, box);
   gtk_widget_show_all(box);
   GiveAccessKeys(helper.window);
-  AddAllQueues(helper.queues_list);
+  // Before the queues are there: long names do not make it wide.
   SetOpeningSize(helper.window, 432, 315);
+  AddAllQueues(helper.queues_list);
   return helper.window;
 }

@@ -102,6 +102,8 @@ void ButtonKPXDeletePressed(int flag) {
                           HashRemove(G_Queues_hash, name.c_str());
                           if (flag != 0) RememberDeleted(name.c_str());
                         });
+  // The button that was pressed is dead now.
+  if (flag != 0) gtk_widget_grab_focus(G_KPXadminWindow_helper->queues_list);
 }
 
 void RememberUnfinishedRemovals() {

@@ -81,6 +81,7 @@ void ResolvePressed(GtkButton *button, gpointer) {
   GtkWidget *ok = lookup_widget(widget, "OKButton");
   const std::optional<ResolvedConflict> resolved = ResolveConflict(L_Conflict);
   gtk_label_set_text(GTK_LABEL(detail), ResultText(resolved).c_str());
+  SetAlert(gtk_widget_get_toplevel(widget), ResultText(resolved));
   gtk_widget_hide(widget);
   gtk_widget_grab_focus(ok);
   if (!resolved) return;

@@ -1,6 +1,7 @@
 #include "CpsParamWindow.h"
 
 #include <algorithm>
+#include <clocale>
 #include <string>
 
 #include "CustomDialog.h"
@@ -126,12 +127,23 @@ int LongestRange(const std::string &min, const std::string &max) {
   return static_cast<int>(longest);
 }
 
+// The toolkit's own filter would drop the point of another locale than the user's.
+void CpsMeasure_EntryText(GtkEditable *entry, const gchar *text, gint length, gint *position,
+                          gpointer data) {
+  const std::string point = std::localeconv()->decimal_point;
+  const std::string shown = gtk_entry_get_text(GTK_ENTRY(entry));
+  const bool takes_point = gtk_spin_button_get_digits(GTK_SPIN_BUTTON(entry)) > 0 &&
+                           shown.find(point) == std::string::npos;
+  InsertFiltered(entry, CpsMeasure_EntryText,
+                 FilterMeasure(InsertedText(text, length), takes_point, point), position, data);
+}
+
 // A row of label, spin button and range; the last two come back through the pointers.
 void AddMeasureRow(GtkGrid *grid, int row, const std::string &name, const char *label_key,
                    GtkWidget **spin, GtkWidget **range) {
   GtkWidget *window = G_CpsParamWindow_helper->window;
   *spin = StoreWidget(window, gtk_spin_button_new(nullptr, 0, 0), (name + "Spinbutton").c_str());
-  gtk_spin_button_set_numeric(GTK_SPIN_BUTTON(*spin), TRUE);
+  g_signal_connect(*spin, "insert-text", G_CALLBACK(CpsMeasure_EntryText), nullptr);
   gtk_entry_set_width_chars(GTK_ENTRY(*spin), L_MeasureWidth);
   *range = NewLabel(window, (name + "RangeLabel").c_str(), "", nullptr);
   AddField(window, grid, row, {name + "Label", label_key}, NewDescribedField(*spin, *range), *spin);

@@ -150,6 +150,7 @@ void AddOptionRow(GtkWidget *window, GtkGrid *grid, int row, const char *feature
         offered ? create_pixmap(window, PictureFor(feature).c_str()) : create_dummy_pixmap(window);
     StoreWidget(window, widgets.picture, (name + "Pixmap").c_str());
     gtk_widget_set_margin_start(widgets.picture, L_PictureSpacing);
+    LabelBy(widgets.picture, label);
     gtk_grid_attach(grid, widgets.picture, 2, row, 1, 1);
   }
   Keep(widgets);

@@ -16,15 +16,11 @@ std::string OverlayName(size_t group) {
   return "PrinterFeature" + std::to_string(group + 1) + "Pixmap";
 }
 
-void Describe(GtkWidget *picture, const std::string &text) {
-  atk_object_set_name(gtk_widget_get_accessible(picture), text.c_str());
-}
-
 void DrawOverlay(GtkWidget *overlay, size_t group, const std::string &file) {
   gtk_widget_set_visible(overlay, file.empty() ? FALSE : TRUE);
   if (file.empty()) return;
   change_pixmap(overlay, file.c_str());
-  Describe(overlay, InstalledOfGroup(group));
+  SetAccessibleName(overlay, InstalledOfGroup(group));
 }
 
 }  // namespace
@@ -37,7 +33,7 @@ GtkWidget *NewPrinterPicture(GtkWidget *window) {
       StoreWidget(window, create_pixmap(window, files.base.c_str()), "PrinterBasePixmap");
   const char *printer =
       fGet_CString_Value_Function(fGet_PrinterName_Function(G_CurrentQueue.get()));
-  Describe(base, printer == nullptr ? "" : printer);
+  SetAccessibleName(base, printer == nullptr ? "" : printer);
   gtk_fixed_put(GTK_FIXED(fixed), base, 0, 0);
   gtk_widget_show(base);
   for (size_t group = 0; group < kPrinterOptionGroups; ++group) {

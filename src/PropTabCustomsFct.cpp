@@ -166,6 +166,7 @@ void DeleteSelectedCustomEntries(CustomKind kind) {
     RefillSetupList(kind);
   });
   if (done) UpdateCustomButtons(kind);
+  gtk_widget_grab_focus(CustomList(kind).list);  // the button that asked may be dead now
 }
 
 void RemoveEditedCustomEntry(CustomKind kind) {

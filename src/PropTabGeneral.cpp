@@ -41,6 +41,7 @@ class Rows {
                const std::string &text) {
     GtkWidget *label = NewLabel(window_, name, text, nullptr);
     gtk_label_set_selectable(GTK_LABEL(label), TRUE);
+    gtk_widget_set_can_focus(label, FALSE);  // the Tab key goes from field to field
     gtk_label_set_ellipsize(GTK_LABEL(label), PANGO_ELLIPSIZE_END);
     gtk_widget_set_tooltip_text(label, text.c_str());
     Add(label_name, label_key, label);
@@ -96,6 +97,7 @@ void AddFeaturesList(const OptionTab &tab) {
   GtkWidget *list = NewList(
       {{"DEF_LBL_FEATURE_TITLE", L_FeatureWidth}, {"DEF_LBL_STATUS_TITLE", 0}}, GTK_SELECTION_NONE);
   StoreWidget(window, list, "FeaturesClist");
+  SetAccessibleName(list, G_Translate("DEF_TAB_FEATURES"));
   GtkWidget *scrolled = NewScrolledList(window, "FeaturesScrolledwindow", list);
   gtk_widget_set_size_request(scrolled, -1, L_ListHeight);
   gtk_box_pack_start(GTK_BOX(tab.page), scrolled, TRUE, TRUE, 0);

@@ -147,7 +147,7 @@ NupButton NewNupButton(const NupButtonFacts &facts, const std::string &picture_f
                            (name + "Vbox").c_str());
   choice.picture =
       StoreWidget(window, create_pixmap(window, picture_file.c_str()), (name + "Pixmap").c_str());
-  atk_object_set_name(gtk_widget_get_accessible(choice.picture), text);
+  SetAccessibleName(choice.picture, text);
   auto *member = group.button == nullptr ? nullptr : GTK_RADIO_BUTTON(group.button);
   choice.button = StoreWidget(window, gtk_radio_button_new_with_label_from_widget(member, text),
                               (name + "Radiobutton").c_str());

@@ -65,8 +65,8 @@ struct PageSize {
 };
 constexpr PageSize L_Width = {100, 30};
 constexpr PageSize L_WidthWithPagesASheet = {285, 36};
-// Of six rows with pictures, which are higher than texts, or of two lists in large text.
-constexpr int L_Height = 490;
+// Of six rows with pictures, or of the two lists with their buttons.
+constexpr PageSize L_Height = {290, 15};
 constexpr double L_UsualResolution = 96;
 constexpr double L_PointsPerInch = 72;
 
@@ -112,6 +112,8 @@ void AddTab(const PropertiesWindowHelper &helper, const PropertyPage &tab) {
   GtkWidget *place = gtk_scrolled_window_new(nullptr, nullptr);
   gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(place), GTK_POLICY_AUTOMATIC,
                                  GTK_POLICY_AUTOMATIC);
+  // A bar that shows only under the pointer would hide that the page goes on.
+  gtk_scrolled_window_set_overlay_scrolling(GTK_SCROLLED_WINDOW(place), FALSE);
   gtk_scrolled_window_set_propagate_natural_width(GTK_SCROLLED_WINDOW(place), TRUE);
   gtk_scrolled_window_set_propagate_natural_height(GTK_SCROLLED_WINDOW(place), TRUE);
   gtk_widget_show(place);
@@ -173,5 +175,8 @@ bool ArePropertiesPagesBuilt() {
 
 GtkRequisition LargestPropertiesPage() {
   const PageSize width = CurrentQueueType().has_pages_a_sheet ? L_WidthWithPagesASheet : L_Width;
-  return {static_cast<int>(width.pixels + width.ems * Em()), L_Height};
+  const auto pixels = [em = Em()](const PageSize &size) {
+    return static_cast<int>(size.pixels + size.ems * em);
+  };
+  return {pixels(width), pixels(L_Height)};
 }

@@ -24,8 +24,6 @@ namespace {
 
 constexpr int L_Border = 8;
 constexpr int L_Spacing = 8;
-// The largest size in which the window opens, in pixels; a smaller screen than that is not met.
-constexpr int L_LargestHeight = 700;
 
 // The queue that the program's main window is on; empty without one.
 std::string ChosenQueueName() {
@@ -68,7 +66,7 @@ void SetSize(GtkWidget *window, GtkWidget *notebook) {
   gtk_notebook_set_scrollable(GTK_NOTEBOOK(notebook), TRUE);
   gtk_widget_set_size_request(first, -1, -1);
   gtk_window_set_default_size(GTK_WINDOW(window), std::min(natural.width, RoomOnScreen().width),
-                              std::min({natural.height, L_LargestHeight, RoomOnScreen().height}));
+                              std::min(natural.height, RoomOnScreen().height));
 }
 
 }  // namespace

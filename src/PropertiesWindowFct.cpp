@@ -136,6 +136,7 @@ void SwitchPageProperties(GtkNotebook *, GtkWidget *, guint number, gpointer) {
   const std::string key = PropertiesTitleKey(static_cast<int>(number));
   if (key.empty()) return;
   gtk_window_set_title(GTK_WINDOW(G_PropertiesWindow_helper->window), G_Translate(key.c_str()));
+  SetAccessibleName(G_PropertiesWindow_helper->notebook, G_Translate(key.c_str()));
 }
 
 int GetAndSaveUserDataProperties() {

@@ -72,6 +72,7 @@ void SaveProgressWindow::Create() {
   gtk_label_set_width_chars(GTK_LABEL(label_), 48);
   gtk_box_pack_start(GTK_BOX(box), label_, FALSE, FALSE, 0);
   bar_ = StoreWidget(window_, gtk_progress_bar_new(), "SaveProgressBar");
+  LabelBy(bar_, label_);
   gtk_box_pack_start(GTK_BOX(box), bar_, FALSE, FALSE, 0);
   gtk_widget_show_all(box);
   gtk_widget_show(window_);

@@ -35,6 +35,7 @@ GtkWidget *NewFilesList(ToolWindowHelper &helper) {
   helper.files_list = NewList({{nullptr, 0}}, GTK_SELECTION_MULTIPLE);
   ListOnSelection(helper.files_list, FilesCListRowSelection, FilesCListRowUnSelection);
   StoreWidget(helper.window, helper.files_list, "FilesClist");
+  SetAccessibleName(helper.files_list, G_Translate("DEF_LBL_FILES_TITLE"));
   return NewScrolledList(helper.window, "FilesScrolledwindow", helper.files_list);
 }
 

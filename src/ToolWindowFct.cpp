@@ -101,6 +101,7 @@ void ButtonDeleteFilesPressed() {
   GtkWidget *list = G_QueuesWindow_helper->files_list;
   RemoveSelectedFiles(
       [list](const CNodeList *position) { ListRemove(list, ListFindData(list, position)); });
+  gtk_widget_grab_focus(list);  // the button that was pressed is dead now
 }
 
 void ButtonHelpToolPressed() {

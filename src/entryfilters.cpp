@@ -55,6 +55,19 @@ std::string FilterDigits(std::string_view inserted) {
   return kept;
 }
 
+std::string FilterMeasure(std::string_view inserted, bool takes_point, std::string_view point) {
+  std::string kept;
+  for (const char c : inserted) {
+    if (L_Digits.find(c) != std::string_view::npos) {
+      kept += c;
+    } else if (takes_point && (c == '.' || c == ',')) {
+      kept += point;
+      takes_point = false;
+    }
+  }
+  return kept;
+}
+
 std::string FilterJobText(std::string_view inserted) { return Without(inserted, L_NotInJobTexts); }
 
 std::string FilterEmailAddress(std::string_view inserted) {

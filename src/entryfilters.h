@@ -23,6 +23,10 @@ std::string FilterAddress(std::string_view inserted);
 // The digits of `inserted`, for PIN and font size.
 std::string FilterDigits(std::string_view inserted);
 
+// The digits of `inserted`, for a measure, and as its decimal point `point` in the place of the
+// first point or comma when the measure may take one.
+std::string FilterMeasure(std::string_view inserted, bool takes_point, std::string_view point);
+
 // `inserted` without apostrophes, equals signs and commas, for job name, user name and message.
 std::string FilterJobText(std::string_view inserted);
 

@@ -194,6 +194,7 @@ TEST_F(AdminWindow, IsDrivenWithTheKeyboardAlone) {
   app.TabTo("DeleteButton");
   app.Key("space");
   EXPECT_EQ(Strings{}, app.QueueNames());
+  EXPECT_EQ("AdminWindow/QueuesClist", app.Focus());
   app.TabTo("AddButton");
   app.Key("space");
   app.WaitWindow("AddQueueWindow");
@@ -202,6 +203,17 @@ TEST_F(AdminWindow, IsDrivenWithTheKeyboardAlone) {
   app.TabTo("CancelButton");
   app.Key("space");
   EXPECT_EQ(0, app.WaitExit());
+}
+
+TEST_F(AdminWindow, LongNamesDoNotMakeItWider) {
+  PutQueues(Strings{"lp1"});
+  const auto width = [] {
+    AdminApp app;
+    return app.Geometry("AdminWindow").width;
+  };
+  const int usual = width();
+  PutQueues(Strings{std::string(128, 'w')});
+  EXPECT_EQ(usual, width());
 }
 
 TEST_F(AdminWindow, CutsNoTextOffInAnyLanguage) {

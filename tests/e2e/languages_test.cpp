@@ -1,6 +1,7 @@
-// Every window and tab of both programs in every language, at the usual and at 150 % text size:
-// nothing is cut off, no text is missing from the language, none is left in English, and every
-// button, tab and field has an access key of its own.
+// Every window and tab of both programs in every language, at the usual, at 150 % and at 200 % text
+// size: nothing is cut off or covered, everything has a name for assistive technology, no text is
+// missing from the language, none is left in English, and every button, tab and field has an access
+// key of its own.
 #include <set>
 
 #include "administration.h"
@@ -71,7 +72,7 @@ bool IsMessageFilledIn(const std::string &message, const std::string &text) {
 }
 
 class Languages : public AdministrationTest,
-                  public testing::WithParamInterface<std::tuple<Language, bool>> {
+                  public testing::WithParamInterface<std::tuple<Language, int>> {
  protected:
   static void SetUpTestSuite() {
     for (const Language &language : kLanguages) MakeLocale(language.lang);
@@ -88,9 +89,13 @@ class Languages : public AdministrationTest,
   GuiAppOptions Options(const char *program = kAdmin) const {
     GuiAppOptions options = InLocale(language_.lang);
     options.program = program;
-    if (std::get<1>(GetParam())) options.environment.emplace_back("GDK_DPI_SCALE=1.5");
+    if (TextSize() != 100) {
+      options.environment.push_back("GDK_DPI_SCALE=" + std::to_string(TextSize() / 100.0));
+    }
     return options;
   }
+
+  static int TextSize() { return std::get<1>(GetParam()); }  // in per cent
 
   // The texts of the foremost window, which is waited for by name.
   void ExpectGood(GuiApp &app, const std::string &window) {
@@ -105,6 +110,7 @@ class Languages : public AdministrationTest,
     for (const std::string &text : app.ClippedTexts()) {
       EXPECT_TRUE(IsFileChoosersOwn(text)) << "cut off: " << text;
     }
+    EXPECT_EQ(Strings{}, app.UnnamedControls());
     const ScreenArea area = app.Geometry(name);
     EXPECT_LE(area.width, kScreenWidth) << name;
     EXPECT_LE(area.height, kScreenHeight) << name;
@@ -191,8 +197,8 @@ class Languages : public AdministrationTest,
   void Picture(GuiApp &app, const std::string &window) {
     const char *directory = std::getenv("KPX_PICTURES");
     if (directory == nullptr) return;
-    Screenshot(app, std::string(directory) + "/" + language_.name +
-                        (std::get<1>(GetParam()) ? "-150-" : "-") + window + "-" +
+    Screenshot(app, std::string(directory) + "/" + language_.name + "-" +
+                        std::to_string(TextSize()) + "-" + window + "-" +
                         std::to_string(++pictures_) + ".png");
   }
 
@@ -333,10 +339,11 @@ TEST_P(Languages, AreWholeOnEveryTabOfTheJobProperties) {
 }
 
 INSTANTIATE_TEST_SUITE_P(, Languages,
-                         testing::Combine(testing::ValuesIn(kLanguages), testing::Bool()),
+                         testing::Combine(testing::ValuesIn(kLanguages),
+                                          testing::Values(100, 150, 200)),
                          [](const auto &row) {
-                           return std::string(std::get<0>(row.param).name) +
-                                  (std::get<1>(row.param) ? "_150" : "");
+                           return std::string(std::get<0>(row.param).name) + "_" +
+                                  std::to_string(std::get<1>(row.param));
                          });
 
 }  // namespace

@@ -1,6 +1,6 @@
 // The windows with longer and larger texts: what a translation that is 40 % longer than English,
-// and a user who has set 150 % text size, see. Nothing may be cut off, and the screen holds the
-// windows.
+// and a user who has set 150 or 200 % text size, see. Nothing may be cut off or covered, and the
+// screen holds the windows.
 #include <cmath>
 
 #include "administration.h"
@@ -97,6 +97,7 @@ TEST_P(LargeTexts, AreWholeInThePrintToolsWindows) {
 INSTANTIATE_TEST_SUITE_P(, LargeTexts,
                          testing::Values(Appearance{"longer", true, {}},
                                          Appearance{"larger", false, {"GDK_DPI_SCALE=1.5"}},
+                                         Appearance{"largest", false, {"GDK_DPI_SCALE=2"}},
                                          Appearance{"both", true, {"GDK_DPI_SCALE=1.5"}}),
                          [](const auto &appearance) { return appearance.param.name; });
 

@@ -144,10 +144,16 @@ TEST_F(CustomPaper, EscapeAndClosingTheWindowStoreNothing) {
   EXPECT_EQ(Strings{}, Names(kPaper));
 }
 
-TEST_F(CustomPaper, ReturnOnCancelStoresNothing) {
+TEST_F(CustomPaper, ReturnOnHelpAndCancelStoresNothing) {
   OpenTab();
   OpenAdd();
   TypeInto(Dialog().name_entry, "Ticket");
+  gtk_widget_grab_focus(lookup_widget(Dialog().window, "HelpButton"));
+  Key("Return");
+  GtkWidget *help = WindowNamed("KPXHelpDialog");
+  ASSERT_NE(nullptr, help);
+  gtk_widget_destroy(help);
+  FocusWindowOf(Dialog().window);
   gtk_widget_grab_focus(lookup_widget(Dialog().window, "CancelButton"));
   Key("Return");
   EXPECT_EQ(nullptr, G_CpsParamWindow_helper);
@@ -383,6 +389,19 @@ TEST_F(CustomPaper, AMeasureIsANumber) {
   OpenAdd();
   TypeInto(Dialog().width_spin, "4x0y0");
   EXPECT_EQ("400", In(Dialog().width_spin));
+}
+
+TEST_F(CustomPaper, PointAndCommaBothStandForTheDecimalPointOfTheLocale) {
+  OpenTab();
+  OpenAdd();
+  TypeInto(Dialog().width_spin, "4.0,0");
+  EXPECT_EQ("400", In(Dialog().width_spin)) << "pels are whole";
+  ClickOn(Unit("MillimetersRadiobutton"));
+  for (const char *typed : {"210.5", "210,5", "210.,5"}) {
+    TypeInto(Dialog().width_spin, typed);
+    Key("Tab");
+    EXPECT_EQ("210.5", In(Dialog().width_spin)) << typed;
+  }
 }
 
 TEST_F(CustomPaper, TheEighthSizeIsTheLast) {

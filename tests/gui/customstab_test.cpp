@@ -98,6 +98,20 @@ TEST_F(CustomsTab, NoLeavesEntriesAndSelectionUnchanged) {
   EXPECT_EQ(3, G_PropTabCustoms_helper->papers.number_defined);
 }
 
+TEST_F(CustomsTab, AfterADeletionTheListHasTheFocus) {
+  Paper("One");
+  Media("Gloss");
+  OpenTab();
+  for (const auto &[kind, name, entry] :
+       {std::tuple{kPaper, "Cps", "One"}, std::tuple{kMedia, "Cmt", "Gloss"}}) {
+    Select(kind, {entry});
+    Press((std::string(name) + "ButtonDelete").c_str(), "ConfirmationDialog");
+    ClickOn(G_ConfirmationWindow_helper->yes_button);
+    EXPECT_EQ(Strings{}, Names(kind));
+    EXPECT_EQ(List(kind), gtk_window_get_focus(GTK_WINDOW(window_)));
+  }
+}
+
 TEST_F(CustomsTab, EscapeAndClosingTheQuestionMeanNo) {
   Media("Gloss");
   OpenTab();

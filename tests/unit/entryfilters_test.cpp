@@ -51,6 +51,15 @@ TEST(FilterDigits, KeepsDigitsAlone) {
   EXPECT_EQ(FilterDigits("\u0663\u00b2"), "") << "digits of other scripts are none";
 }
 
+TEST(FilterMeasure, TakesPointAndCommaOnceAsTheLocalesDecimalPoint) {
+  EXPECT_EQ(FilterMeasure("210.5", true, ","), "210,5");
+  EXPECT_EQ(FilterMeasure("210,5", true, ","), "210,5");
+  EXPECT_EQ(FilterMeasure("210,5", true, "."), "210.5");
+  EXPECT_EQ(FilterMeasure("1.2,3.4", true, "."), "1.234");
+  EXPECT_EQ(FilterMeasure(".5", false, "."), "5");
+  EXPECT_EQ(FilterMeasure("-4x 0e1", true, "."), "401");
+}
+
 TEST(FilterJobText, LeavesOutApostrophesEqualsSignsAndCommas) {
   EXPECT_EQ(FilterJobText("it's a=b, c"), "its ab c");
   EXPECT_EQ(FilterJobText("',='"), "");
