@@ -27,8 +27,12 @@ inline std::string PageOfTab(const std::string &name) {
   return (name == "Fonts" ? "Text" : name) + "Vbox";
 }
 
-// Shows the tab of that name.
+// Shows the tab of that name. In a large text the last tabs are seen only when one beside them is
+// shown.
 inline void ShowTab(GuiApp &app, const std::string &name) {
+  for (size_t i = 0; i < kAdminTabs.size() && !app.HasWidget(name + "Label"); ++i) {
+    app.Key("ctrl+Page_Down");
+  }
   app.Click(name + "Label");
   // The one of the fonts is empty unless the queue takes text.
   if (name != "Fonts") {
