@@ -133,7 +133,7 @@ TEST_F(InstallableLists, TheTipOfTheFeederIsAWholeSentenceThatNamesItAndThePaper
   ASSERT_EQ(Cells{"!   High-capacity feeder"}, Column(available_));
   const std::string why = ListTip(available_, 0);
   EXPECT_NE(std::string::npos, why.find('"' + OptionDisplayText("*InputSlot", "HCF") + '"')) << why;
-  EXPECT_NE(std::string::npos, why.find("high-capacity feeder")) << why;
+  EXPECT_NE(std::string::npos, why.find("paper source")) << why;
   EXPECT_TRUE(why.ends_with(".")) << why;
 }
 
