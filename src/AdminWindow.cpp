@@ -17,6 +17,7 @@ namespace {
 
 constexpr int L_Border = 10;
 constexpr int L_Spacing = 8;
+constexpr int L_UsualCharacters = 24;  // of a cell; longer ones do not make the window wider
 
 void AddQueueList(KPXadminWindowHelper &helper, GtkWidget *parent) {
   helper.queues_list = NewList({{"DEF_LBL_QUEUE_TITLE", 120},
@@ -89,8 +90,8 @@ GtkWidget *create_AdminWindow() {
   AddAdminButtons(helper.window, box);
   gtk_widget_show_all(box);
   GiveAccessKeys(helper.window);
-  // Before the queues are there: long names do not make it wide.
-  SetOpeningSize(helper.window, 432, 315);
   AddAllQueues(helper.queues_list);
+  SetOpeningSize(helper.window, 432, 315,
+                 ListWidthOfLongCells(helper.queues_list, L_UsualCharacters));
   return helper.window;
 }

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "RowTips.h"
+#include "Support.h"
 #include "cmessages.h"
 
 namespace {
@@ -253,6 +254,22 @@ bool ListIsSelected(GtkWidget *list, int row) {
   GtkTreeIter iter;
   return !IsFrozen(list) && RowIter(list, row, &iter) &&
          gtk_tree_selection_iter_is_selected(SelectionOf(list), &iter) != FALSE;
+}
+
+int ListWidthOfLongCells(GtkWidget *list, int characters) {
+  int excess = 0;
+  for (int column = 0; column < StateOf(list)->text_columns; ++column) {
+    std::string longest;
+    for (int row = 0; row < ListRowCount(list); ++row) {
+      const std::string cell = ListCell(list, row, column);
+      if (g_utf8_strlen(cell.c_str(), -1) > g_utf8_strlen(longest.c_str(), -1)) longest = cell;
+    }
+    if (g_utf8_strlen(longest.c_str(), -1) <= characters) continue;
+    const char *end = g_utf8_offset_to_pointer(longest.c_str(), characters);
+    excess += TextWidth(list, longest) -
+              TextWidth(list, longest.substr(0, static_cast<size_t>(end - longest.c_str())));
+  }
+  return excess;
 }
 
 void ListShowRow(GtkWidget *list, int row) {

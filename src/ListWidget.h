@@ -52,6 +52,9 @@ void ListUnselectRow(GtkWidget *list, int row);
 void ListUnselectAll(GtkWidget *list);
 [[nodiscard]] bool ListIsSelected(GtkWidget *list, int row);
 
+// By how much, in pixels, cells of more than `characters` characters make the list wider than that.
+int ListWidthOfLongCells(GtkWidget *list, int characters);
+
 // Scrolls so far that the row is seen.
 void ListShowRow(GtkWidget *list, int row);
 

@@ -29,15 +29,6 @@ constexpr int L_AroundText = 48;  // pixels of margins, scroll bar and window bo
 
 int L_ExitOrReturn = kReturn;
 
-// Of the longest line, in the widget's font.
-int TextWidth(GtkWidget *widget, const std::string &text) {
-  PangoLayout *layout = gtk_widget_create_pango_layout(widget, text.c_str());
-  int width = 0;
-  pango_layout_get_pixel_size(layout, &width, nullptr);
-  g_object_unref(layout);
-  return width;
-}
-
 void AllowNarrower(GtkWidget *scrolled, gpointer) {
   gtk_scrolled_window_set_min_content_width(GTK_SCROLLED_WINDOW(scrolled), -1);
 }
@@ -73,6 +64,14 @@ void MakeRoomForLargeText(GtkWidget *fixed, GtkWidget *picture, GtkWidget *label
   gtk_widget_set_size_request(fixed, -1, L_AboutTextTop + lines + L_Spacing + foot.height);
   gtk_fixed_move(GTK_FIXED(fixed), picture, 40 + std::max(0, text.width - L_AboutTextWidth) / 2,
                  15);
+}
+
+// What assistive technology reads of the box grows by that text.
+void AddToAlert(GtkWidget *window, const std::string &text) {
+  if (text.empty()) return;
+  const char *before = atk_object_get_description(gtk_widget_get_accessible(window));
+  const bool is_first = before == nullptr || *before == '\0';
+  SetAlert(window, is_first ? text : std::string(before) + "\n" + text);
 }
 
 }  // namespace
@@ -132,13 +131,14 @@ GtkWidget *create_ErrorWindow(const char *detail, const std::string &text) {
                      TRUE, 0);
   AddErrorLabel(dialog.window, "ErrorLabel1", text);
   AddErrorLabel(dialog.window, "ErrorLabel2", detail == nullptr ? "" : detail);
-  SetAlert(dialog.window, DecodeLine(text) + (detail == nullptr ? "" : "\n" + DecodeLine(detail)));
   AddOkButton(dialog, "OKButton", nullptr);
   return dialog.window;
 }
 
 void AddErrorLabel(GtkWidget *window, const char *name, const std::string &text) {
-  GtkWidget *label = NewLabel(window, name, DecodeLine(text), nullptr);
+  const std::string shown = DecodeLine(text);
+  AddToAlert(window, shown);
+  GtkWidget *label = NewLabel(window, name, shown, nullptr);
   BreakLines(label, L_ErrorWidth);
   gtk_label_set_selectable(GTK_LABEL(label), TRUE);
   gtk_widget_set_can_focus(label, FALSE);

@@ -198,6 +198,16 @@ GtkWidget *NewScrolledList(GtkWidget *window, const char *name, GtkWidget *list)
   return StoreWidget(window, scrolled, name);
 }
 
+void FitButtons(GtkWidget *box) {
+  int width = 0;
+  gtk_widget_get_preferred_width(box, nullptr, &width);
+  if (width <= RoomOnScreen().width) return;
+  const auto let_be = [](GtkWidget *button, gpointer parent) {
+    gtk_button_box_set_child_non_homogeneous(GTK_BUTTON_BOX(parent), button, TRUE);
+  };
+  gtk_container_foreach(GTK_CONTAINER(box), let_be, box);
+}
+
 void AddAccelerator(GtkWidget *window, GtkWidget *button, guint key) {
   gtk_widget_add_accelerator(button, "clicked", WindowAccelGroup(window), key, GdkModifierType(0),
                              GTK_ACCEL_VISIBLE);
@@ -223,12 +233,20 @@ GtkRequisition RoomOnScreen() {
   return {area.width - L_FrameRoom, area.height - L_FrameRoom};
 }
 
-void SetOpeningSize(GtkWidget *window, int width, int height) {
+int TextWidth(GtkWidget *widget, const std::string &text) {
+  PangoLayout *layout = gtk_widget_create_pango_layout(widget, text.c_str());
+  int width = 0;
+  pango_layout_get_pixel_size(layout, &width, nullptr);
+  g_object_unref(layout);
+  return width;
+}
+
+void SetOpeningSize(GtkWidget *window, int width, int height, int unwanted) {
   GtkRequisition natural;
   gtk_widget_get_preferred_size(gtk_bin_get_child(GTK_BIN(window)), nullptr, &natural);
   const GtkRequisition room = RoomOnScreen();
   gtk_window_set_default_size(GTK_WINDOW(window),
-                              std::min(std::max(width, natural.width), room.width),
+                              std::min(std::max(width, natural.width - unwanted), room.width),
                               std::min(std::max(height, natural.height), room.height));
 }
 

@@ -22,6 +22,10 @@ GtkWidget *NewButton(GtkWidget *window, GtkWidget *box, const char *name, const 
 // top.
 GtkWidget *NewButtonBox(GtkWidget *window, GtkOrientation orientation, const char *name);
 
+// The shown buttons of a box are of one size; where the screen is too narrow for that, each becomes
+// as wide as its text.
+void FitButtons(GtkWidget *box);
+
 // A left-aligned label stored as `name`; assistive technology reads it as the label of `target`, a
 // combo's entry included. `target` may be null.
 GtkWidget *NewLabel(GtkWidget *window, const char *name, const std::string &text,
@@ -59,9 +63,12 @@ void AddReturnAccelerator(GtkWidget *window, GtkWidget *button);
 // Closing `window` through its manager runs `handler` and leaves the rest to it.
 void OnDeleteEvent(GtkWidget *window, void (*handler)());
 
-// The size, in pixels, in which a window opens: larger when its content, which is shown, wants
-// more, but never larger than the screen.
-void SetOpeningSize(GtkWidget *window, int width, int height);
+// The width, in pixels, of the longest line of `text` in the widget's font.
+int TextWidth(GtkWidget *widget, const std::string &text);
+
+// The size, in pixels, in which a window opens: larger when its content, which is shown, wants more
+// (`unwanted` of its width left out), but never larger than the screen.
+void SetOpeningSize(GtkWidget *window, int width, int height, int unwanted = 0);
 
 // What the first screen has for a window without its frame, in pixels.
 GtkRequisition RoomOnScreen();

@@ -104,6 +104,7 @@ GtkWidget *create_ToolWindow() {
   AddQueueRow(helper, data);
   ShowQueues();
   gtk_widget_show_all(box);
+  FitButtons(lookup_widget(helper.window, "ToolHbuttonbox"));
   GiveAccessKeys(helper.window);
   return helper.window;
 }

@@ -225,7 +225,7 @@ TEST_F(PropertiesOk, AUserKeepsWhatDefaultsPutBackToo) {
 TEST_F(PropertiesOk, ReturnPressesTheButtonThatHasTheFocus) {
   const char *user = "*UserName";
   TakePrinter("vek41101");
-  Open(kDestinationPage, {{user, "ann"}});
+  Open(PlaceOf(Page::kDestination), {{user, "ann"}});
   Type("UserNameEntry", "bob");
   Focus("ApplyButton");
   EXPECT_FALSE(PressOk());

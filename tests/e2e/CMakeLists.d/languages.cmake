@@ -1,5 +1,5 @@
 # The windows in every language.
-kpx_add_test(NAME languages LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full TIMEOUT 900
+kpx_add_test(NAME languages LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full TIMEOUT 1800
   SOURCES e2e/languages_test.cpp)
 target_compile_definitions(test_languages PRIVATE KPX_PROJECT_VERSION="${PROJECT_VERSION}")
 kpx_add_test(NAME locales LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
