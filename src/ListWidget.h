@@ -53,7 +53,7 @@ void ListUnselectAll(GtkWidget *list);
 [[nodiscard]] bool ListIsSelected(GtkWidget *list, int row);
 
 // By how much, in pixels, cells of more than `characters` characters make the list wider than that.
-int ListWidthOfLongCells(GtkWidget *list, int characters);
+[[nodiscard]] int ListWidthOfLongCells(GtkWidget *list, int characters);
 
 // Scrolls so far that the row is seen.
 void ListShowRow(GtkWidget *list, int row);

@@ -64,7 +64,7 @@ void AddReturnAccelerator(GtkWidget *window, GtkWidget *button);
 void OnDeleteEvent(GtkWidget *window, void (*handler)());
 
 // The width, in pixels, of the longest line of `text` in the widget's font.
-int TextWidth(GtkWidget *widget, const std::string &text);
+[[nodiscard]] int TextWidth(GtkWidget *widget, const std::string &text);
 
 // The size, in pixels, in which a window opens: larger when its content, which is shown, wants more
 // (`unwanted` of its width left out), but never larger than the screen.
