@@ -161,7 +161,7 @@ TEST_F(Printing, AFailedLpIsReportedWithItsNameAndTheQueue) {
 TEST_F(Printing, AFailedLpIsToldWithTheFilesThatCannotBeRead) {
   InstallLp(directory_, 1);
   const std::string missing = directory_.Path("My report.ps");
-  fAddTail_CList_Function(G_FilesList.get(), CreateSelection(missing.c_str(), 0));
+  Must(fAddTail_CList_Function(G_FilesList.get(), CreateSelection(missing.c_str(), 0)));
   PrintFiles("lp1", errors_.get());
   EXPECT_EQ(Texts(errors_.get()), (Strings{"command <lp> <lp1>", "read <" + missing + ">"}));
 }
