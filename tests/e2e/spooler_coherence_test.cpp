@@ -186,3 +186,69 @@ TEST_F(Coherence, ASchedulerThatDoesNotAnswerIsNotTakenForOneWithoutTheQueue) {
             std::string::npos);
   RunProgram({"/usr/sbin/lpadmin", "-x", "lp1"});
 }
+
+// What a power cut leaves that comes before CUPS has written its queues to the disk.
+class CupsAfterAPowerCut : public Coherence {
+ protected:
+  CupsAfterAPowerCut() {
+    EXPECT_EQ(RunProgram(kMake).status, 0);
+    EXPECT_EQ(RunProgram(kMakeOther).status, 0);
+  }
+  ~CupsAfterAPowerCut() override { RunProgram({"/usr/lib/lpadmin", "-x", "lp2"}); }
+
+  static void LoseQueue() { EXPECT_EQ(RunProgram({"/usr/sbin/lpadmin", "-x", "lp1"}).status, 0); }
+  static void RemoveFiles(const std::string &name) {
+    fs::remove(std::string(kBridgeInterfaces) + "/" + name);
+    fs::remove(std::string(kBridgePrinters) + "/" + name);
+  }
+  static CommandResult Restore() { return RunProgram({"/usr/lib/lpadmin", "-R"}); }
+  static std::string Line(const char *option) {
+    return RunProgram({"lpstat", option, "lp1"}).output;
+  }
+
+  const Strings kMakeOther = {"/usr/lib/lpadmin", "-p", "lp2", "-m", "vek4120"};
+};
+
+TEST_F(CupsAfterAPowerCut, ALostQueueComesBackReadyAndKeepsItsScript) {
+  const std::string script = std::string(kBridgeInterfaces) + "/lp1";
+  std::ofstream(script, std::ios::app) << "# its own\n";
+  const std::string before = ContentOf(script);
+  LoseQueue();
+
+  const CommandResult result = Restore();
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.output, "lpadmin: CUPS gets the queue \"lp1\" back\n");
+  EXPECT_EQ(Line("-v"), "device for lp1: kpxlp:/interface\n");
+  EXPECT_EQ(Line("-a").find("lp1 accepting"), 0U) << Line("-a");
+  EXPECT_EQ(Line("-p").find("printer lp1 is idle.  enabled"), 0U) << Line("-p");
+  EXPECT_EQ(ContentOf(script), before);
+}
+
+TEST_F(CupsAfterAPowerCut, ARemovedQueueThatCameBackGoes) {
+  RemoveFiles("lp1");
+  const CommandResult result = Restore();
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.output,
+            "lpadmin: the queue \"lp1\", which had been removed, leaves CUPS again\n");
+  EXPECT_EQ(PlacesOfQueue(), Strings{});
+  EXPECT_EQ(RunProgram({"lpstat", "-v", "lp2"}).status, 0);
+}
+
+TEST_F(CupsAfterAPowerCut, NothingIsChangedThatFits) {
+  // A queue that only the administrator has stopped, one that KPXadmin has yet to remove, and one
+  // of CUPS itself.
+  EXPECT_EQ(RunProgram({"/usr/sbin/cupsdisable", "lp2"}).status, 0);
+  fs::remove(std::string(kBridgePrinters) + "/lp1");
+  EXPECT_EQ(RunProgram({"/usr/sbin/lpadmin", "-p", "own", "-v", "file:/dev/null"}).status, 0);
+  const std::string before = RunProgram({"lpstat", "-v", "-a", "-p"}).output;
+  EXPECT_EQ(Restore().output, "");
+  EXPECT_EQ(RunProgram({"lpstat", "-v", "-a", "-p"}).output, before);
+  RunProgram({"/usr/sbin/lpadmin", "-x", "own"});
+}
+
+TEST_F(CupsAfterAPowerCut, WithoutTheDiskOfTheQueuesNoneIsRemoved) {
+  RemoveFiles("lp1");
+  RemoveFiles("lp2");
+  EXPECT_EQ(Restore().output, "");
+  EXPECT_EQ(PlacesOfQueue(), Strings{"CUPS"});
+}
