@@ -9,6 +9,7 @@
 #include "deffile.h"
 #include "globals.h"
 #include "ignoreresult.h"
+#include "paths.h"
 #include "porting.h"
 #include "queuecreation.h"
 #include "queuelistkeep.h"
@@ -16,6 +17,7 @@
 #include "textfile.h"
 #include "unfinishedsave.h"
 #include "uninterrupted.h"
+#include "utils.h"
 
 namespace {
 
@@ -70,6 +72,46 @@ void BringSpoolerInLine(const CList *deleted, CList *errors, const SaveObserver 
   }
 }
 
+// True when each queue that the save made has its lines in its interface script.
+bool HasAllScripts() {
+  for (const auto [name, queue] : Pairs<CPrintQueue>(G_Queues_hash)) {
+    if (LookAtScript(name).state == ScriptState::NotOurs) return false;
+  }
+  return true;
+}
+
+// Tells the users' option files of the queue that are among `files`; true when there are none. What
+// users put there that is no file is nobody's option file.
+bool HasNoUsersFile(const CList *files, const std::string &queue, CList *errors) {
+  const std::string end = ":" + queue + ".def";
+  bool has_none = true;
+  for (const CString *file : Elements<CString>(files)) {
+    if (!file->value.View().ends_with(end)) continue;
+    const std::string path = UserDefFilePath(std::string(file->value.View()));
+    if (IsDirectory(path)) continue;
+    G_Report(errors, "ERR_REMOVE", {path});
+    has_none = false;
+  }
+  return has_none;
+}
+
+// True when no user's option file of a removed queue is left; tells what is.
+bool HasNoRemovedUsersFiles(const CList *deleted, CList *errors) {
+  if (CountOf(deleted) == 0) return true;
+  const Owned<CList> files = GetFilesFromDir(kUsersDir);
+  if (files == nullptr && access(kUsersDir, F_OK) == 0) {
+    G_Report(errors, "ERR_UNABLE_TO_READ_DIR", {kUsersDir});
+    return false;
+  }
+  bool has_none = true;
+  for (const CString *element : Elements<CString>(deleted)) {
+    const char *name = fGet_CString_Value_Function(element);
+    if (name == nullptr || HashFind(G_Queues_hash, name) != nullptr) continue;
+    if (!HasNoUsersFile(files.get(), name, errors)) has_none = false;
+  }
+  return has_none;
+}
+
 // Everything is written: what would have been needed to finish the save goes.
 void EndSave(const std::string &list) {
   DropIntention(list);
@@ -104,7 +146,11 @@ SaveResult SaveQueues(const CList *deleted, CList *errors, const SaveObserver &o
   BringSpoolerInLine(deleted, errors, observer);
   const int list_written = fWriteToPaf_Function(G_Queues.get(), errors);
   const int options_written = fWriteAllToDef_Function(G_Queues.get(), errors);
-  if (list_written == 1 && options_written == 1) EndSave(list);
+  const bool users_files_are_gone = HasNoRemovedUsersFiles(deleted, errors);
+  // What is left undone the next start shows as an unfinished save.
+  if (list_written == 1 && options_written == 1 && users_files_are_gone && HasAllScripts()) {
+    EndSave(list);
+  }
   RemoveStrangersFiles();
   return SaveResult::Ended;
 }

@@ -40,10 +40,14 @@ bool FillNewFile(const OpenFile &file, std::string_view text, const FileAccess &
   return file.Write(text) && fchmod(file.Descriptor(), mode) == 0;
 }
 
+// An owner that may not be given, as on some network file systems, is no failure.
+bool GiveTo(const OpenFile &file, const struct stat &like) {
+  return fchown(file.Descriptor(), like.st_uid, like.st_gid) == 0 || errno == EPERM ||
+         errno == EINVAL || errno == EOPNOTSUPP;
+}
+
 bool FillNewFile(const OpenFile &file, std::string_view text, const struct stat &like) {
-  // An owner that cannot be given, as on some network file systems, does not cost the text.
-  [[maybe_unused]] const int given = fchown(file.Descriptor(), like.st_uid, like.st_gid);
-  return file.Write(text) && fchmod(file.Descriptor(), like.st_mode & 07777) == 0;
+  return GiveTo(file, like) && file.Write(text) && fchmod(file.Descriptor(), like.st_mode & 07777) == 0;
 }
 
 constexpr char L_RandomPart[] = ".XXXXXX";

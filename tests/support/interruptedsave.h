@@ -49,7 +49,8 @@ class InterruptedSave {
   SaveOutcome Judge(const World &world) const;
 
   // What a file of a queue, or of none, is now that it neither was before the save nor after it,
-  // one a line: empty or half files, files with other owners. What is only missing does not count.
+  // one a line: empty or half files, files with other owners. What is only missing does not count,
+  // nor does the model's script alone, which has its jobs wait.
   std::string SpoiltFiles() const;
 
   // The words that the last run with faults wrote to standard error.
