@@ -47,7 +47,8 @@ bool GiveTo(const OpenFile &file, const struct stat &like) {
 }
 
 bool FillNewFile(const OpenFile &file, std::string_view text, const struct stat &like) {
-  return GiveTo(file, like) && file.Write(text) && fchmod(file.Descriptor(), like.st_mode & 07777) == 0;
+  return GiveTo(file, like) && file.Write(text) &&
+         fchmod(file.Descriptor(), like.st_mode & 07777) == 0;
 }
 
 constexpr char L_RandomPart[] = ".XXXXXX";
