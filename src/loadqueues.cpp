@@ -42,8 +42,8 @@ bool IsTemporaryName(std::string_view name, std::string_view extension) {
 bool IsDataLeftover(std::string_view name) {
   if (IsTemporaryName(name, ".def")) return true;
   if (!name.starts_with("queues.")) return false;
-  return IsTemporaryName(name, ".paf") || IsTemporaryName(name, ".paf.save") ||
-         IsTemporaryName(name, ".paf.next");
+  return IsTemporaryName(name, ".paf") || IsTemporaryName(name, ".save") ||
+         IsTemporaryName(name, ".next");
 }
 
 bool IsScriptLeftover(std::string_view name) { return name.ends_with(kTemporaryScriptSuffix); }

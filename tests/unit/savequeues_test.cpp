@@ -553,7 +553,7 @@ TEST_F(UnfinishedSave, TheIntentionStaysWhenAnOptionFileCouldNotBeWritten) {
 TEST_F(UnfinishedSave, AStartRemovesWhatKilledProgramsLeftBesideTheirFiles) {
   const std::string data = std::string(kDataDir) + "/";
   const std::vector<std::string> leftovers = {
-      data + "queues.a1B2c3.paf", data + "queues.a1B2c3.paf.save", data + "queues.a1B2c3.paf.next",
+      data + "queues.a1B2c3.paf", data + "queues.paf.a1B2c3.save", data + "queues.paf.a1B2c3.next",
       data + "lp1.a1B2c3.def", SpoolerStandIn::ScriptPath("lp1.KPXadmin")};
   const std::vector<std::string> kept = {data + "lp1.def", data + "queues.paf.bak",
                                          data + "my.notes", SpoolerStandIn::ScriptPath("theirs")};
