@@ -31,7 +31,7 @@ inline std::string PageOfTab(const std::string &name) {
 // shown.
 inline void ShowTab(GuiApp &app, const std::string &name) {
   for (size_t i = 0; i < kAdminTabs.size() && !app.HasWidget(name + "Label"); ++i) {
-    app.Key("ctrl+Page_Down");
+    app.Key("ctrl+alt+Page_Down");  // a list would take the key without Alt
   }
   app.Click(name + "Label");
   // The one of the fonts is empty unless the queue takes text.
