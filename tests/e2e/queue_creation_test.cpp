@@ -55,6 +55,7 @@ class QueuesInARealSpooler : public testing::Test {
     EXPECT_EQ(AddQueuesSysV(errors_.get()), 1);
     EXPECT_EQ(Texts(errors_.get()), Strings{});
     EXPECT_EQ(fWriteAllToDef_Function(G_Queues.get()), 1);
+    EXPECT_EQ(fWriteToPaf_Function(G_Queues.get()), 1);  // as a save does before its queues print
     TakeSnapshot();
   }
   ~QueuesInARealSpooler() override {
