@@ -32,6 +32,7 @@ inline std::string PageOfTab(const std::string &name) {
 inline void ShowTab(GuiApp &app, const std::string &name) {
   for (size_t i = 0; i < kAdminTabs.size() && !app.HasWidget(name + "Label"); ++i) {
     app.Key("ctrl+alt+Page_Down");  // a list would take the key without Alt
+    app.WaitDrawn();                // or the next key would go on before the tab is seen
   }
   app.Click(name + "Label");
   // The one of the fonts is empty unless the queue takes text.
