@@ -215,4 +215,17 @@ TEST_F(PropertiesPages, LeaveTheWindowItsSizeAndAreSeenWhole) {
   }
 }
 
+TEST_F(PropertiesPages, APageThatDoesNotFitShowsItsScrollBarAllTheTime) {
+  const int page = PlaceOf(Page::kSetup);
+  TakePrinter(kSixPictures);
+  Open(page);
+  auto *place = GTK_SCROLLED_WINDOW(ScrolledPlace(page));
+  GtkWidget *bar = gtk_scrolled_window_get_vscrollbar(place);
+  EXPECT_FALSE(gtk_widget_get_mapped(bar));
+  gtk_window_resize(GTK_WINDOW(window_), Size().first, 1);
+  ASSERT_TRUE(RunUntil([&] { return !IsWhole(page); }));
+  EXPECT_TRUE(RunUntil([&] { return gtk_widget_get_mapped(bar) != FALSE; }));
+  EXPECT_FALSE(gtk_scrolled_window_get_overlay_scrolling(place));
+}
+
 }  // namespace
