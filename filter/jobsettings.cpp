@@ -77,7 +77,8 @@ void JobSettings::Define(const KeyValue &setting) {
   if (paper) {
     papers_[value.substr(0, first)] = *paper;
   } else {
-    warnings_.push_back("\"" + setting.key + "=" + value + "\" defines no paper size, ignored");
+    warnings_.push_back("\"" + setting.key + "=" + value +
+                        "\" does not define a paper size; ignored");
   }
 }
 
@@ -93,7 +94,7 @@ void JobSettings::ApplyOne(const KeyValue &setting) {
     if (copies && *copies >= 1 && *copies <= kMostCopies) {
       copies_ = *copies;
     } else {
-      warnings_.push_back("\"*NrCopies=" + setting.value + "\" is no number of copies, ignored");
+      warnings_.push_back("\"*NrCopies=" + setting.value + "\" is not a number of copies; ignored");
     }
     return;
   }
@@ -119,7 +120,7 @@ void JobSettings::ApplyOne(const KeyValue &setting) {
     others_[setting.key] = setting.value;
   } else {
     warnings_.push_back("\"" + setting.key + "=" + setting.value +
-                        "\" is no option of the printer, ignored");
+                        "\" is not an option of this printer; ignored");
   }
 }
 
@@ -138,7 +139,7 @@ bool JobSettings::IsBeyondLimits(const KeyValue &setting) {
   warnings_.push_back("\"" + setting.key + "=" + setting.value + "\" (" + size(width, length) +
                       " points) is beyond the printer's limits for custom paper (" +
                       size(limits.min_width, limits.min_length) + " to " +
-                      size(limits.max_width, limits.max_length) + "), ignored");
+                      size(limits.max_width, limits.max_length) + "); ignored");
   return true;
 }
 

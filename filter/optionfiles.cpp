@@ -87,7 +87,7 @@ enum class Kind { File, Directory };
 bool IsKind(mode_t mode, Kind kind) { return kind == Kind::File ? S_ISREG(mode) : S_ISDIR(mode); }
 
 const char *WrongKind(Kind kind) {
-  return kind == Kind::File ? "it is no regular file" : "it is no directory";
+  return kind == Kind::File ? "it is not a regular file" : "it is not a directory";
 }
 
 bool BelongsTo(const struct stat &status, const std::string &login) {

@@ -60,7 +60,7 @@ JobResult FilterPcl(const JobSettings &settings, const JobIdentity &identity, Jo
     source->CopyRest(sink);
     sink->Flush();
     if (settings.Copies() > 1) {
-      result.Warn("one copy only: the printer description gives no way to ask for more");
+      result.Warn("printing one copy only: the printer description has no way to ask for more");
     }
     WarnOfSettings(settings, &result);
     return result;

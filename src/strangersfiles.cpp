@@ -101,7 +101,7 @@ class Sweep {
   const char *WhyFileGoes(const std::string &name, const std::string &login) {
     const std::optional<struct stat> status = StatusOf(name);
     if (!status) return nullptr;
-    if (!S_ISREG(status->st_mode)) return "it is no regular file";
+    if (!S_ISREG(status->st_mode)) return "it is not a regular file";
     const std::optional<uid_t> user = UserOf(login);
     const uid_t owner = status->st_uid;
     if (owner != 0 && user && owner != *user) return "it belongs to another user";

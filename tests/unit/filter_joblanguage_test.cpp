@@ -220,7 +220,8 @@ TEST(PclJob, OneCopyOnlyIsAWarningWhereThePrinterKnowsNoPjl) {
   const auto warning = [&settings] { return WarningsOver(FilterPcl, settings, "data"); };
   EXPECT_EQ(warning(), "");
   settings.Apply({{"*NrCopies", "2"}});
-  EXPECT_EQ(warning(), "one copy only: the printer description gives no way to ask for more\n");
+  EXPECT_EQ(warning(),
+            "printing one copy only: the printer description has no way to ask for more\n");
 }
 
 // A printer that has job commands for the sides and the collation.

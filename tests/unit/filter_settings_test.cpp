@@ -114,7 +114,7 @@ TEST(UserOptionFiles, ThatCannotBeOpenedAndAreNoFilesDoNotStopTheJob) {
     const std::string path = directory.Path(name);
     GiveTo("daemon", path);
     const OptionFile file = ReadUnprivileged(path, "bin");
-    EXPECT_EQ(file.warning, path + ": ignored: it is no regular file");
+    EXPECT_EQ(file.warning, path + ": ignored: it is not a regular file");
     EXPECT_EQ(file.error, "");
   }
 }
@@ -142,7 +142,7 @@ TEST(UserOptionFiles, ThatAreNoRegularFilesDoNotStopTheJob) {
   const TemporaryDirectory directory;
   ASSERT_EQ(mkfifo(directory.Path("fifo").c_str(), 0600), 0);
   EXPECT_EQ(ReadUserOptions(directory.Path("fifo"), OwnName()).warning,
-            directory.Path("fifo") + ": ignored: it is no regular file");
+            directory.Path("fifo") + ": ignored: it is not a regular file");
 }
 
 TEST(QueueOptionFiles, OneThatIsNotThereOrCannotBeReadIsAnError) {
@@ -266,14 +266,14 @@ TEST_F(RequestFiles, AreNotReadThroughALinkNorFromWhatIsNoDirectory) {
   ExpectIgnored("lp1-8", own_ + "/lp1-8: ignored: it is a symbolic link");
   ASSERT_EQ(mkfifo((own_ + "/lp1-9").c_str(), 0600), 0);
   GiveTo("bin", own_ + "/lp1-9");
-  ExpectIgnored("lp1-9", own_ + "/lp1-9: ignored: it is no regular file");
+  ExpectIgnored("lp1-9", own_ + "/lp1-9: ignored: it is not a regular file");
   std::filesystem::rename(own_, directory_.Path("users/other"));
   ASSERT_EQ(symlink("other", own_.c_str()), 0);
   ExpectIgnored("lp1-7", own_ + ": ignored: it is a symbolic link");
   std::filesystem::remove(own_);
   directory_.Write("users/bin", "");
   GiveTo("bin", own_);
-  ExpectIgnored("lp1-7", own_ + ": ignored: it is no directory");
+  ExpectIgnored("lp1-7", own_ + ": ignored: it is not a directory");
 }
 
 TEST_F(RequestFiles, OnesOwnThatCannotBeReadIsAnError) {
@@ -311,7 +311,8 @@ TEST_F(Settings, AValueThatThePrinterDoesNotOfferLeavesTheLayerBelow) {
   EXPECT_EQ(ChoiceOf(settings_, "Duplex"), "DuplexTumble");
   EXPECT_EQ(ChoiceOf(settings_, "PageSize"), "A4");
   ASSERT_EQ(settings_.Warnings().size(), 2u);
-  EXPECT_EQ(settings_.Warnings()[0], "\"*Duplex=Sideways\" is no option of the printer, ignored");
+  EXPECT_EQ(settings_.Warnings()[0],
+            "\"*Duplex=Sideways\" is not an option of this printer; ignored");
 }
 
 TEST_F(Settings, CopiesThatAreNoNumberAreIgnored) {
@@ -345,7 +346,7 @@ TEST_F(Settings, ACustomPaperBeyondThePrintersLimitsLeavesTheLayerBelow) {
   EXPECT_EQ(
       settings_.Warnings()[1],
       "\"*PageSize=Long\" (5000 x 9000 points) is beyond the printer's limits for custom paper "
-      "(72 x 100.25 to 700 x 1300.5), ignored");
+      "(72 x 100.25 to 700 x 1300.5); ignored");
   for (const char *name : {"Most", "Least"}) {
     settings_.Apply({{"*PageSize", name}});
     EXPECT_EQ(settings_.PaperName(), name);
