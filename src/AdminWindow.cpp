@@ -93,5 +93,6 @@ GtkWidget *create_AdminWindow() {
   AddAllQueues(helper.queues_list);
   SetOpeningSize(helper.window, 432, 315,
                  ListWidthOfLongCells(helper.queues_list, L_UsualCharacters));
+  ShowFocusAtOnce(helper.window);
   return helper.window;
 }

@@ -10,6 +10,7 @@
 #include "MessageDialogs.h"
 #include "PropertiesWindow.h"
 #include "SaveWindow.h"
+#include "Support.h"
 #include "addqueue.h"
 #include "cmessages.h"
 #include "cselection.h"
@@ -71,6 +72,7 @@ void ButtonAddPressed() {
 
 void ButtonClonePressed() {
   const LogScope log("ButtonClonePressed");
+  const FocusKeeper keeper(G_KPXadminWindow_helper->window);
   const std::string clone = CloneQueue(FirstSelectedQueue().c_str());
   if (!clone.empty()) {
     UnselectAllAndSelectOneInQueuesCList(AddItemInQueuesCListWidget(clone.c_str()));

@@ -7,7 +7,9 @@
 #include "FieldGrid.h"
 #include "FilteredEntry.h"
 #include "MessageDialogs.h"
+#include "PropTabCustoms.h"
 #include "PropTabCustomsFct.h"
+#include "PropertiesWindow.h"
 #include "Support.h"
 #include "ccmtparams.h"
 #include "debug.h"
@@ -75,6 +77,8 @@ int GetAndSaveUserDataCmtParam() {
 
 void ButtonOkCmtPressed() {
   const LogScope log("ButtonOkCmtPressed");
+  // The tab's buttons are dead while the edited entry is replaced, and Add is with the last one.
+  const FocusKeeper keeper(G_PropertiesWindow_helper->window, CustomList(CustomKind::kMedia).list);
   if (GetAndSaveUserDataCmtParam() == 0) return;
   ButtonCancelCmtPressed();
   CountNewCustomEntry(CustomKind::kMedia);

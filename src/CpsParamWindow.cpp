@@ -9,7 +9,9 @@
 #include "FieldGrid.h"
 #include "FilteredEntry.h"
 #include "MessageDialogs.h"
+#include "PropTabCustoms.h"
 #include "PropTabCustomsFct.h"
+#include "PropertiesWindow.h"
 #include "Support.h"
 #include "ccpsparams.h"
 #include "cmessages.h"
@@ -209,6 +211,8 @@ int GetAndSaveUserDataCpsParam() {
 
 void ButtonOkCpsPressed() {
   const LogScope log("ButtonOkCpsPressed");
+  // The tab's buttons are dead while the edited entry is replaced, and Add is with the last one.
+  const FocusKeeper keeper(G_PropertiesWindow_helper->window, CustomList(CustomKind::kPaper).list);
   if (GetAndSaveUserDataCpsParam() == 0) return;
   ButtonCancelCpsPressed();
   CountNewCustomEntry(CustomKind::kPaper);

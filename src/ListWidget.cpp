@@ -274,6 +274,9 @@ int ListWidthOfLongCells(GtkWidget *list, int characters) {
 
 void ListShowRow(GtkWidget *list, int row) {
   GtkTreePath *path = gtk_tree_path_new_from_indices(row, -1);
+  // The arrow keys go on from it.
+  if (ListIsSelected(list, row))
+    gtk_tree_view_set_cursor(GTK_TREE_VIEW(list), path, nullptr, FALSE);
   gtk_tree_view_scroll_to_cell(GTK_TREE_VIEW(list), path, nullptr, FALSE, 0, 0);
   gtk_tree_path_free(path);
 }

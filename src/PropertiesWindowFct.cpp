@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "AdminWindow.h"
 #include "AdminWindowFct.h"
 #include "ConflictDialog.h"
 #include "InstallableLists.h"
@@ -79,6 +80,8 @@ int SaveIdentity() {
     ShowError(WarningKey(fault));
     return 0;
   }
+  // The button that opened the properties is dead without a selected queue.
+  const FocusKeeper keeper(G_KPXadminWindow_helper->window);
   ButtonKPXDeletePressed(0);
   PutBackIdentity(identity);
   UnselectAllAndSelectOneInQueuesCList(AddItemInQueuesCListWidget(identity.name.c_str()));

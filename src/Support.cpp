@@ -16,6 +16,7 @@ constexpr int L_FrameRoom = 48;  // pixels for the frame that the window manager
 using Handler = void (*)();
 
 constexpr char L_AccelGroupKey[] = "accel_group";
+constexpr char L_FocusedClass[] = "kpx-focused";
 constexpr int L_ButtonSpacing = 6;
 constexpr int L_ListHeight = 140;
 
@@ -57,6 +58,22 @@ GtkWindow *CurrentWindow(const GtkWidget *dialog) {
   }
   g_list_free(windows);
   return current;
+}
+
+// The toolkit hides it again whenever a window that belongs to no other appears.
+void ShowFocus(GtkWidget *window, gpointer) {
+  gtk_window_set_focus_visible(GTK_WINDOW(window), TRUE);
+}
+
+// A text without a cursor does not show that it has the focus; its frame does.
+gboolean ShowFocusOfText(GtkWidget *, GdkEventFocus *event, gpointer frame) {
+  GtkStyleContext *style = gtk_widget_get_style_context(GTK_WIDGET(frame));
+  if (event->in != 0) {
+    gtk_style_context_add_class(style, L_FocusedClass);
+  } else {
+    gtk_style_context_remove_class(style, L_FocusedClass);
+  }
+  return FALSE;
 }
 
 bool IsInput(const GdkEvent *event) {
@@ -181,6 +198,8 @@ GtkWidget *NewScrolledText(GtkWidget *window, const char *scrolled_name, const c
   gtk_scrolled_window_set_shadow_type(GTK_SCROLLED_WINDOW(scrolled), GTK_SHADOW_IN);
   gtk_scrolled_window_set_overlay_scrolling(GTK_SCROLLED_WINDOW(scrolled), FALSE);
   gtk_container_add(GTK_CONTAINER(scrolled), StoreWidget(window, area, text_name));
+  g_signal_connect(area, "focus-in-event", G_CALLBACK(ShowFocusOfText), scrolled);
+  g_signal_connect(area, "focus-out-event", G_CALLBACK(ShowFocusOfText), scrolled);
   return StoreWidget(window, scrolled, scrolled_name);
 }
 
@@ -217,6 +236,24 @@ void AddReturnAccelerator(GtkWidget *window, GtkWidget *button) {
   AddAccelerator(window, button, GDK_KEY_Return);
   AddAccelerator(window, button, GDK_KEY_KP_Enter);
   g_signal_connect(window, "key-press-event", G_CALLBACK(PressFocusedButton), nullptr);
+}
+
+void ShowFocusAtOnce(GtkWidget *window) {
+  g_signal_connect_after(window, "map", G_CALLBACK(ShowFocus), nullptr);
+}
+
+FocusKeeper::FocusKeeper(GtkWidget *window, GtkWidget *instead)
+    : window_(window), instead_(instead), focus_(gtk_window_get_focus(GTK_WINDOW(window))) {
+  if (focus_ != nullptr) g_object_ref(focus_);
+}
+
+FocusKeeper::~FocusKeeper() {
+  if (focus_ == nullptr) return;
+  GtkWidget *next = gtk_widget_is_sensitive(focus_) != FALSE ? focus_ : instead_;
+  if (next != nullptr && gtk_window_get_focus(GTK_WINDOW(window_)) == nullptr) {
+    gtk_widget_grab_focus(next);
+  }
+  g_object_unref(focus_);
 }
 
 void OnDeleteEvent(GtkWidget *window, void (*handler)()) {
@@ -284,7 +321,8 @@ void InstallStyle() {
   // A pop-up as list: a menu-style one costs ten times as much for long lists.
   GtkCssProvider *provider = gtk_css_provider_new();
   const std::string style = std::string("combobox { -GtkComboBox-appears-as-list: true; } entry.") +
-                            kNotEditableClass + " { caret-color: transparent; }";
+                            kNotEditableClass + " { caret-color: transparent; } scrolledwindow." +
+                            L_FocusedClass + " { border-color: @theme_selected_bg_color; }";
   gtk_css_provider_load_from_data(provider, style.c_str(), -1, nullptr);
   // The name that the desktop entries have too.
   gtk_window_set_default_icon_name("printer");

@@ -60,6 +60,24 @@ void AddAccelerator(GtkWidget *window, GtkWidget *button, guint key);
 // they press then; a check or radio button is none in this sense. Once a window.
 void AddReturnAccelerator(GtkWidget *window, GtkWidget *button);
 
+// The window shows which widget has the focus before a key has been pressed.
+void ShowFocusAtOnce(GtkWidget *window);
+
+// For its lifetime: a widget of `window` that loses the focus because it is insensitive for a while
+// has it again at the end; `instead` (may be null) gets it when that widget stays insensitive.
+class FocusKeeper {
+ public:
+  explicit FocusKeeper(GtkWidget *window, GtkWidget *instead = nullptr);
+  ~FocusKeeper();
+  FocusKeeper(const FocusKeeper &) = delete;
+  FocusKeeper &operator=(const FocusKeeper &) = delete;
+
+ private:
+  GtkWidget *window_;
+  GtkWidget *instead_;
+  GtkWidget *focus_;  // referenced; null without one
+};
+
 // Closing `window` through its manager runs `handler` and leaves the rest to it.
 void OnDeleteEvent(GtkWidget *window, void (*handler)());
 

@@ -106,5 +106,6 @@ GtkWidget *create_ToolWindow() {
   gtk_widget_show_all(box);
   FitButtons(lookup_widget(helper.window, "ToolHbuttonbox"));
   GiveAccessKeys(helper.window);
+  ShowFocusAtOnce(helper.window);
   return helper.window;
 }

@@ -1,20 +1,13 @@
 // Alt and a letter, typed: buttons are pressed, fields focused, tabs shown.
 #include "administration.h"
+#include "keyboard.h"
 #include "propertiesdriver.h"
 
 namespace {
 
 class AccessKeys : public AdministrationTest {
  protected:
-  // Types the access key of the widget whose shown text that is.
-  static void Press(GuiApp &app, const std::string &text) {
-    for (const std::string &line : app.AccessKeys()) {
-      const size_t key = line.rfind('\t');
-      const size_t begin = line.find('\t') + 1;
-      if (line.substr(begin, key - begin) == text) return app.Key("alt+" + line.substr(key + 1));
-    }
-    ADD_FAILURE() << "no key for " << text;
-  }
+  static void Press(GuiApp &app, const std::string &text) { Keyboard(app).Press(text); }
 };
 
 TEST_F(AccessKeys, PressButtonsAndFocusFields) {

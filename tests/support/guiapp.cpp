@@ -407,6 +407,13 @@ std::vector<std::string> GuiApp::Rows(const std::string &list) {
 
 std::string GuiApp::Focus() { return Demand("focus"); }
 
+ScreenArea GuiApp::FocusArea() { return AreaFrom(Demand("focusarea")); }
+
+std::string GuiApp::FocusFault() {
+  FocusForemost();
+  return Demand("focusfault");
+}
+
 std::vector<std::string> GuiApp::Windows() {
   std::vector<std::string> names;
   for (const std::string &line : LinesOf(Demand("windows"))) {

@@ -78,6 +78,10 @@ class GuiApp {
   std::vector<std::string> Rows(const std::string &list);
   // "<window>/<widget>" of the focus.
   std::string Focus();
+  // Where it is seen: all of the widget, of a list the cursor's row.
+  ScreenArea FocusArea();
+  // What keeps a user from seeing where it is, in words; empty when nothing does.
+  std::string FocusFault();
   // Names of the windows shown, the foremost first.
   std::vector<std::string> Windows();
   // Every text in the windows, their lists and tooltips, line by line, "<window>/<widget> TAB

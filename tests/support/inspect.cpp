@@ -16,6 +16,8 @@
 //   active N      "1" or "0" for a toggle or radio button
 //   xid N         the X identifier of its top-level window; "none" in a pop-up
 //   focus         "<window>/<widget>" of the window that has the focus
+//   focusarea     "<x> <y> <width> <height>" of the focus, of the cursor's row when it is in a list
+//   focusfault    what keeps a user from seeing where the focus is; empty when nothing does
 //   rows N        lines of a list's or combo's cells with TAB between; "*" before a selected row,
 //                 "-" before another
 //   clipped       lines "<window>/<widget> TAB <text>" for every text that is not shown whole, or
@@ -179,6 +181,36 @@ std::string Focus() {
   return "";
 }
 
+// The widget that has the focus in the window that has the input; null without one.
+GtkWidget *FocusWidget() {
+  for (GtkWidget *window : VisibleWindows()) {
+    if (!GTK_IS_WINDOW(window) || gtk_window_has_toplevel_focus(GTK_WINDOW(window)) == FALSE) {
+      continue;
+    }
+    return gtk_window_get_focus(GTK_WINDOW(window));
+  }
+  return nullptr;
+}
+
+Answer FocusArea() {
+  GtkWidget *focus = FocusWidget();
+  if (focus == nullptr) return {};
+  const GdkRectangle area = FocusRectangle(focus);
+  return ScreenRectangle(focus, area);
+}
+
+std::string FocusFault() {
+  GtkWidget *focus = FocusWidget();
+  if (focus == nullptr) return "no widget has the focus";
+  if (gtk_widget_get_mapped(focus) == FALSE) return PathOf(focus) + " is not shown";
+  if (gtk_widget_is_sensitive(focus) == FALSE) return PathOf(focus) + " is insensitive";
+  GtkWidget *window = gtk_widget_get_toplevel(focus);
+  if (gtk_window_get_focus_visible(GTK_WINDOW(window)) == FALSE) {
+    return PathOf(focus) + " draws no focus";
+  }
+  return IsScrolledAway(focus) ? PathOf(focus) + " is scrolled out of sight" : "";
+}
+
 // The lines of a widget's own texts; a button's is that of the label in it.
 std::string LinesAbout(GtkWidget *widget) {
   std::string text = Taken(gtk_widget_get_tooltip_text(widget)) + "\n";
@@ -236,6 +268,8 @@ Answer AnswerTo(const std::string &request) {
   const std::string word = request.substr(0, first);
   if (word == "windows") return Windows();
   if (word == "focus") return Focus();
+  if (word == "focusarea") return FocusArea();
+  if (word == "focusfault") return FocusFault();
   if (word == "clipped") return Clipped();
   if (word == "keys") return AccessKeys();
   if (word == "unnamed") return Unnamed();

@@ -215,3 +215,35 @@ std::string AccessKeys() {
   if (!windows.empty()) add(windows.front());
   return lines;
 }
+
+GdkRectangle FocusRectangle(GtkWidget *focus) {
+  GdkRectangle area = {0, 0, gtk_widget_get_allocated_width(focus),
+                       gtk_widget_get_allocated_height(focus)};
+  if (!GTK_IS_TREE_VIEW(focus)) return area;
+  GtkTreeView *list = GTK_TREE_VIEW(focus);
+  GtkTreePath *path = nullptr;
+  gtk_tree_view_get_cursor(list, &path, nullptr);
+  if (path == nullptr) return area;
+  GdkRectangle row;
+  gtk_tree_view_get_background_area(list, path, nullptr, &row);
+  gtk_tree_path_free(path);
+  gtk_tree_view_convert_bin_window_to_widget_coords(list, 0, row.y, &area.x, &area.y);
+  area.height = row.height;
+  return area;
+}
+
+bool IsScrolledAway(GtkWidget *focus) {
+  const GdkRectangle area = FocusRectangle(focus);
+  for (GtkWidget *parent = gtk_widget_get_parent(focus); parent != nullptr;
+       parent = gtk_widget_get_parent(parent)) {
+    if (!GTK_IS_SCROLLED_WINDOW(parent)) continue;
+    int x = 0;
+    int y = 0;
+    gtk_widget_translate_coordinates(focus, parent, area.x, area.y, &x, &y);
+    // The columns of a list may be wider than it is.
+    const bool is_list = GTK_IS_TREE_VIEW(focus);
+    if (y < 0 || y + area.height > gtk_widget_get_allocated_height(parent)) return true;
+    if (!is_list && (x < 0 || x + area.width > gtk_widget_get_allocated_width(parent))) return true;
+  }
+  return false;
+}

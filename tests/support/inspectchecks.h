@@ -2,6 +2,8 @@
 // <what>".
 #pragma once
 
+#include <gtk/gtk.h>
+
 #include <string>
 
 // The texts that are not shown whole, or that another text or a button covers.
@@ -14,3 +16,9 @@ std::string Unnamed();
 // The access keys of the foremost window, "<window>/<widget> TAB <text> TAB <letter>"; "-" without
 // one, "*" for a button that another key presses.
 std::string AccessKeys();
+
+// Where the focus of the widget is drawn, in its own coordinates: the cursor's row of a list, else
+// all of it.
+GdkRectangle FocusRectangle(GtkWidget *focus);
+// Whether a part of that is scrolled out of sight.
+bool IsScrolledAway(GtkWidget *focus);

@@ -3,6 +3,7 @@
 #include <X11/XKBlib.h>
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
+#include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>
 #include <X11/keysym.h>
 
@@ -208,6 +209,25 @@ std::vector<std::string> XInputWindowTitles() {
   }
   XFree(windows);
   return titles;
+}
+
+ScreenPixels XInputPixels() {
+  Display *server = Server();
+  ScreenPixels pixels;
+  pixels.width = DisplayWidth(server, DefaultScreen(server));
+  pixels.height = DisplayHeight(server, DefaultScreen(server));
+  XImage *image =
+      XGetImage(server, DefaultRootWindow(server), 0, 0, static_cast<unsigned>(pixels.width),
+                static_cast<unsigned>(pixels.height), AllPlanes, ZPixmap);
+  if (image == nullptr) throw std::runtime_error("the screen cannot be read");
+  pixels.colours.reserve(static_cast<size_t>(pixels.width) * static_cast<size_t>(pixels.height));
+  for (int y = 0; y < pixels.height; ++y) {
+    for (int x = 0; x < pixels.width; ++x) {
+      pixels.colours.push_back(XGetPixel(image, x, y) & 0xFFFFFFUL);
+    }
+  }
+  XDestroyImage(image);
+  return pixels;
 }
 
 void XInputBackground(unsigned long colour) {

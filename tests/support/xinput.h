@@ -30,5 +30,15 @@ void XInputClose(unsigned long window);
 void XInputDisconnect(unsigned long window);
 // The titles of the windows shown, which the X server tells even while a program does not answer.
 std::vector<std::string> XInputWindowTitles();
+// What the screen shows, row by row from the top left, 0xRRGGBB each.
+struct ScreenPixels {
+  int width = 0;
+  int height = 0;
+  std::vector<unsigned long> colours;
+  unsigned long At(int x, int y) const {
+    return colours.at(static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x));
+  }
+};
+ScreenPixels XInputPixels();
 // Fills the screen behind all windows with a colour, 0xRRGGBB.
 void XInputBackground(unsigned long colour);

@@ -1,0 +1,75 @@
+// A user who has no pointer: what the keys do to the foremost window, and that it is always seen
+// which control they go to.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "guiapp.h"
+
+// The key of the widget whose shown text that is, as Key takes it; "" when it has none.
+inline std::string AccessKeyOf(GuiApp &app, const std::string &text) {
+  for (const std::string &line : app.AccessKeys()) {
+    const size_t key = line.rfind('\t');
+    const size_t begin = line.find('\t') + 1;
+    if (line.substr(begin, key - begin) == text) return "alt+" + line.substr(key + 1);
+  }
+  return "";
+}
+
+class Keyboard {
+ public:
+  explicit Keyboard(GuiApp &app) : app_(app) {}
+
+  void Key(const std::string &key) {
+    app_.Key(key);
+    ExpectFocusSeen("after " + key);
+  }
+  void Type(const std::string &text) {
+    app_.Type(text);
+    ExpectFocusSeen("after \"" + text + "\"");
+  }
+  // Alt and the letter of the button, tab or field of that text.
+  void Press(const std::string &text) {
+    const std::string key = AccessKeyOf(app_, text);
+    ASSERT_NE("", key) << "no key for " << text;
+    app_.Key(key);
+  }
+  // The same for a field, which then has the focus.
+  void GoTo(const std::string &text, const std::string &widget) {
+    Press(text);
+    app_.WaitUntil("the focus on " + widget, [&] { return app_.Focus().ends_with("/" + widget); });
+    ExpectFocusSeen("in " + widget);
+  }
+  void TabTo(const std::string &widget) {
+    app_.TabTo(widget);
+    ExpectFocusSeen("in " + widget);
+  }
+  // Presses the arrow keys in the list of a combo until it shows the option, behind its mark.
+  void Choose(const std::string &row, const std::string &option) {
+    const auto chosen = [&] { return app_.Text(row + "ComboEntry").ends_with(option); };
+    const size_t rows = app_.Rows(row + "Combo").size();
+    for (const char *key : {"Up", "Down"}) {
+      for (size_t i = 0; i < rows && !chosen(); ++i) Key(key);
+    }
+    EXPECT_TRUE(chosen()) << row << " shows " << app_.Text(row + "ComboEntry");
+  }
+  // Until the window is there, with its focus.
+  void Await(const std::string &window) {
+    app_.WaitWindow(window);
+    app_.WaitDrawn();
+    ExpectFocusSeen("in " + window);
+  }
+  // A key that closes the window; the focus is then in another.
+  void Close(const std::string &window, const std::string &key) {
+    app_.Key(key);
+    app_.WaitGone(window);
+    ExpectFocusSeen("without " + window);
+  }
+
+  void ExpectFocusSeen(const std::string &when) { EXPECT_EQ("", app_.FocusFault()) << when; }
+
+ private:
+  GuiApp &app_;
+};
