@@ -39,10 +39,12 @@ unsigned OverRim(std::uint32_t pixel) {
 
 }  // namespace
 
-Canvas::Canvas(int width, int height)
-    : surface_(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height)),
-      context_(cairo_create(surface_.get())) {
+Canvas::Canvas(int width, int height, int scale)
+    : surface_(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width * scale, height * scale)),
+      context_(cairo_create(surface_.get())),
+      scale_(scale) {
   if (cairo_status(context_.get()) != CAIRO_STATUS_SUCCESS) throw std::bad_alloc();
+  cairo_scale(context_.get(), scale, scale);
   cairo_set_line_join(context_.get(), CAIRO_LINE_JOIN_ROUND);
   cairo_set_line_cap(context_.get(), CAIRO_LINE_CAP_ROUND);
 }
@@ -63,8 +65,8 @@ Image Canvas::Finish() const {
     if (left >= 0 && left < rimless_.width && top >= 0 && top < rimless_.height) {
       return is_opaque(x, y);
     }
-    for (int dy = -1; dy <= 1; ++dy) {
-      for (int dx = -1; dx <= 1; ++dx) {
+    for (int dy = -scale_; dy <= scale_; ++dy) {
+      for (int dx = -scale_; dx <= scale_; ++dx) {
         if (is_opaque(x + dx, y + dy)) return true;
       }
     }

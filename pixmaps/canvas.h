@@ -18,16 +18,21 @@ struct Image {
 
 class Canvas {
  public:
-  Canvas(int width, int height);
+  // Drawing is in units of the picture; the canvas has `scale` pixels a unit each way.
+  Canvas(int width, int height, int scale = 1);
 
   cairo_t *context() const { return context_.get(); }
 
-  // What was drawn. Pixels are opaque or transparent; around all that is opaque there is a thin
-  // light rim, which sets dark outlines off from a dark background and is not seen on a light one.
+  // What was drawn. Pixels are opaque or transparent; around all that is opaque there is a
+  // light rim of one unit, which sets dark outlines off from a dark background and is not seen on a
+  // light one.
   Image Finish() const;
 
-  // Makes no rim inside the rectangle, for pictures that are shown over another one.
-  void LeaveRimOff(const cairo_rectangle_int_t &rectangle) { rimless_ = rectangle; }
+  // Makes no rim inside the rectangle (units), for pictures that are shown over another one.
+  void LeaveRimOff(const cairo_rectangle_int_t &rectangle) {
+    rimless_ = {rectangle.x * scale_, rectangle.y * scale_, rectangle.width * scale_,
+                rectangle.height * scale_};
+  }
 
   // As it is, without rim: 0xAARRGGBB with premultiplied colours. For the contact sheet.
   cairo_surface_t *surface() const { return surface_.get(); }
@@ -39,5 +44,6 @@ class Canvas {
   };
   std::unique_ptr<cairo_surface_t, Destroy> surface_;
   std::unique_ptr<cairo_t, Destroy> context_;
+  int scale_;
   cairo_rectangle_int_t rimless_{0, 0, 0, 0};
 };

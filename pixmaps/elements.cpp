@@ -16,8 +16,8 @@ double Radians(double degrees) { return degrees * std::numbers::pi / 180; }
 // One picture while it is drawn, and the step at hand.
 class Painter {
  public:
-  Painter(const Picture &picture, const std::map<std::string, unsigned> &colours)
-      : canvas_(picture.width, picture.height), colours_(colours), cr_(canvas_.context()) {}
+  Painter(const Picture &picture, const std::map<std::string, unsigned> &colours, int scale)
+      : canvas_(picture.width, picture.height, scale), colours_(colours), cr_(canvas_.context()) {}
 
   void Take(const Step &step);
   Image Finish() const { return canvas_.Finish(); }
@@ -279,8 +279,8 @@ void Painter::Text() {
 
 }  // namespace
 
-Image Draw(const Picture &picture, const std::map<std::string, unsigned> &colours) {
-  Painter painter(picture, colours);
+Image Draw(const Picture &picture, const std::map<std::string, unsigned> &colours, int scale) {
+  Painter painter(picture, colours, scale);
   for (const Step &step : picture.steps) painter.Take(step);
   return painter.Finish();
 }

@@ -2,6 +2,7 @@
 //
 //   kpxdraw DIRECTORY DESCRIPTION...     writes NAME.xpm of every picture there, and removes other
 //                                        .xpm files
+//   kpxdraw --double DIRECTORY ...       the same, twice as wide and high
 //   kpxdraw --sheet FILE DESCRIPTION...  writes a PNG file that shows them all
 //
 // Ends with 0, or with 1 and one line on standard error.
@@ -28,13 +29,14 @@ std::string ContentOf(const std::string &path) {
 }
 
 // Reads one more file and draws its pictures.
-void DrawFile(const std::string &path, Description *description, std::vector<NamedImage> *images) {
+void DrawFile(const std::string &path, int scale, Description *description,
+              std::vector<NamedImage> *images) {
   const size_t before = description->pictures.size();
   try {
     ReadDescription(ContentOf(path), description);
     for (size_t i = before; i < description->pictures.size(); ++i) {
       const Picture &picture = description->pictures[i];
-      images->push_back({picture.name, Draw(picture, description->colours)});
+      images->push_back({picture.name, Draw(picture, description->colours, scale)});
     }
   } catch (const std::exception &error) {
     throw std::runtime_error(path + ": " + error.what());
@@ -65,16 +67,20 @@ void WritePictures(const std::vector<NamedImage> &images, const std::filesystem:
 int main(int argc, char **argv) {
   std::vector<std::string> arguments(argv + 1, argv + argc);
   const bool is_sheet = !arguments.empty() && arguments[0] == "--sheet";
-  if (is_sheet) arguments.erase(arguments.begin());
+  const bool is_double = !arguments.empty() && arguments[0] == "--double";
+  if (is_sheet || is_double) arguments.erase(arguments.begin());
   if (arguments.size() < 2) {
-    std::cerr << "usage: kpxdraw DIRECTORY DESCRIPTION... | --sheet FILE DESCRIPTION...\n";
+    std::cerr
+        << "usage: kpxdraw [--double] DIRECTORY DESCRIPTION... | --sheet FILE DESCRIPTION...\n";
     return 1;
   }
   const std::string &target = arguments[0];
   try {
     Description description;
     std::vector<NamedImage> images;
-    for (size_t i = 1; i < arguments.size(); ++i) DrawFile(arguments[i], &description, &images);
+    for (size_t i = 1; i < arguments.size(); ++i) {
+      DrawFile(arguments[i], is_double ? 2 : 1, &description, &images);
+    }
     if (!is_sheet) {
       WritePictures(images, target);
     } else if (!WriteSheet(images, target)) {

@@ -84,8 +84,10 @@ Answer ScreenRectangle(GtkWidget *widget, GdkRectangle area) {
   int origin_x = 0;
   int origin_y = 0;
   gdk_window_get_origin(gtk_widget_get_window(window), &origin_x, &origin_y);
-  return std::to_string(origin_x + x) + " " + std::to_string(origin_y + y) + " " +
-         std::to_string(area.width) + " " + std::to_string(area.height);
+  // The toolkit counts in units of the display's scale.
+  const int scale = gtk_widget_get_scale_factor(window);
+  return std::to_string(scale * (origin_x + x)) + " " + std::to_string(scale * (origin_y + y)) +
+         " " + std::to_string(scale * area.width) + " " + std::to_string(scale * area.height);
 }
 
 Answer Geometry(GtkWidget *widget) {

@@ -126,7 +126,8 @@ std::set<GtkWidget *> CoveredLabels(GtkWidget *window) {
 bool NeedsName(GtkWidget *widget) {
   if (GTK_IS_IMAGE(widget)) {
     // An icon in an entry or a button belongs to it.
-    return gtk_image_get_storage_type(GTK_IMAGE(widget)) == GTK_IMAGE_PIXBUF;
+    const GtkImageType type = gtk_image_get_storage_type(GTK_IMAGE(widget));
+    return type == GTK_IMAGE_PIXBUF || type == GTK_IMAGE_SURFACE;
   }
   // The arrow of a combo box is no object of its own for assistive technology.
   if (GTK_IS_BUTTON(widget)) {

@@ -195,6 +195,27 @@ TEST(KpxdrawProgram, DrawsTheSameFilesEveryTime) {
   }
 }
 
+TEST(KpxdrawProgram, DrawsTwiceAsLargeOnRequest) {
+  const TemporaryDirectory directory;
+  const std::string description = directory.Write(
+      "pictures.txt", std::string(kHead) + "picture p\nnorim 0 0 2 8\nbox 2 2 4 4 0 ink -\nend\n");
+  ASSERT_EQ(RunDraw({"--double", directory.Path("2x"), description}).status, 0);
+  const std::string bare(16, ' ');
+  const std::string text = ContentOf(directory.Path("2x/p.xpm"));
+  EXPECT_NE(std::string::npos, text.find("\"16 16 3 1\"")) << text;
+  // Every pixel of the usual picture is a square of four: the box, and the rim right of it.
+  std::string rows;
+  for (int y = 0; y < 16; ++y) {
+    std::string row = bare;
+    for (int x = 4; x < 14; ++x) {
+      const bool box = x < 12 && y >= 4 && y < 12;
+      if (y >= 2 && y < 14) row[static_cast<size_t>(x)] = box ? '+' : '.';
+    }
+    rows += ",\n\"" + row + "\"";
+  }
+  EXPECT_NE(std::string::npos, text.find(rows)) << text;
+}
+
 TEST(KpxdrawProgram, RemovesPicturesThatTheDescriptionLacksAndNothingElse) {
   const TemporaryDirectory directory;
   directory.Write("old.xpm", "");

@@ -14,3 +14,6 @@ target_compile_definitions(test_keyboard_tasks PRIVATE KPX_MAKEQUEUES="$<TARGET_
 add_dependencies(test_keyboard_tasks makequeues)
 kpx_add_test(NAME focus LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
   SOURCES e2e/focus_test.cpp)
+kpx_add_test(NAME display_scale LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
+  SOURCES e2e/display_scale_test.cpp)
+set_property(TEST display_scale APPEND PROPERTY ENVIRONMENT KPX_SCREEN=2560x2048)
