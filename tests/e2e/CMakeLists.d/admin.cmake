@@ -4,11 +4,11 @@ foreach(part window addqueue failures recovery)
     SOURCES e2e/admin_${part}_test.cpp)
 endforeach()
 kpx_add_test(NAME admin_save LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
-  SOURCES e2e/admin_save_test.cpp support/printerjobs.cpp)
+  SOURCES e2e/admin_save_test.cpp)
 kpx_add_test(NAME admin_scale LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
   SOURCES e2e/admin_scale_test.cpp)
 kpx_add_test(NAME administrator_lock LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
-  SOURCES e2e/administrator_lock_test.cpp support/printerjobs.cpp)
+  SOURCES e2e/administrator_lock_test.cpp)
 kpx_add_test(NAME save_progress LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
   SOURCES e2e/save_progress_test.cpp)
 kpx_add_test(NAME optionfile_readers LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full

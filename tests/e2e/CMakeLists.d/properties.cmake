@@ -2,7 +2,7 @@
 kpx_add_test(NAME properties_admin LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
   SOURCES e2e/properties_admin_test.cpp)
 kpx_add_test(NAME properties_tool LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
-  SOURCES e2e/properties_tool_test.cpp support/printerjobs.cpp)
+  SOURCES e2e/properties_tool_test.cpp)
 target_compile_definitions(test_properties_tool PRIVATE KPX_MAKEQUEUES="$<TARGET_FILE:makequeues>")
 add_dependencies(test_properties_tool makequeues)
 kpx_add_test(NAME access_keys LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full

@@ -7,8 +7,8 @@ kpx_add_test(NAME spooler_filter LIBS kpx_core LABEL e2e SANDBOX full TIMEOUT 18
   SOURCES e2e/spooler_filter_test.cpp)
 kpx_add_test(NAME spooler_scripts LIBS kpx_core LABEL e2e SANDBOX full TIMEOUT 300
   SOURCES e2e/spooler_scripts_test.cpp)
-kpx_add_test(NAME spooler_doubt LIBS kpx_core kpx_transport LABEL e2e SANDBOX full TIMEOUT 180
-  SOURCES e2e/spooler_doubt_test.cpp support/loopback.cpp)
+kpx_add_test(NAME spooler_doubt LIBS kpx_core kpx_loopback LABEL e2e SANDBOX full TIMEOUT 180
+  SOURCES e2e/spooler_doubt_test.cpp)
 kpx_add_test(NAME spooler_commands LABEL e2e SANDBOX full TIMEOUT 180
   SOURCES e2e/spooler_commands_test.cpp)
 kpx_add_test(NAME spooler_coherence LIBS kpx_transport LABEL e2e SANDBOX full TIMEOUT 300

@@ -5,21 +5,20 @@ target_link_libraries(makequeues PRIVATE kpx_core)
 kpx_add_test(NAME startup LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
   SOURCES e2e/startup_test.cpp)
 kpx_add_test(NAME print_tool LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full TIMEOUT 600
-  SOURCES e2e/print_tool_test.cpp support/printerjobs.cpp)
+  SOURCES e2e/print_tool_test.cpp)
 kpx_add_test(NAME print_settings LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full TIMEOUT 600
-  SOURCES e2e/print_settings_test.cpp support/printerjobs.cpp)
+  SOURCES e2e/print_settings_test.cpp)
 foreach(test IN ITEMS test_print_tool test_print_settings)
   target_compile_definitions(${test} PRIVATE KPX_MAKEQUEUES="$<TARGET_FILE:makequeues>")
   add_dependencies(${test} makequeues)
 endforeach()
 
 # What ./demo runs, and all that it needs.
-add_executable(demo_driver support/demo_driver.cpp support/printerjobs.cpp
-               support/windowmanager.cpp)
+add_executable(demo_driver support/demo_driver.cpp)
 target_link_libraries(demo_driver PRIVATE kpx_core kpx_guidriver PkgConfig::XTST)
 add_custom_target(demo_parts DEPENDS KPXadmin kpxfilter kpxnbtrans kpx_data kpx_pictures
                   printerd demo_driver)
 
 # The pictures of docs/screenshots.
-add_executable(screenshots support/screenshots.cpp support/windowmanager.cpp)
+add_executable(screenshots support/screenshots.cpp)
 target_link_libraries(screenshots PRIVATE kpx_core kpx_guidriver PkgConfig::XTST)

@@ -1,5 +1,5 @@
 # The Destination and Fonts tabs of the properties window.
 foreach(tab destinationtab fontstab)
-  kpx_add_test(NAME gui_${tab} LIBS kpx_gui kpx_guidriver LABEL gui SANDBOX full
-    SOURCES gui/${tab}_test.cpp support/guisupport.cpp)
+  kpx_add_test(NAME gui_${tab} LIBS kpx_guisupport LABEL gui SANDBOX full
+    SOURCES gui/${tab}_test.cpp)
 endforeach()

@@ -4,11 +4,11 @@ kpx_add_test(NAME filter_conversion SOURCES unit/filter_ppd_test.cpp unit/filter
 kpx_add_test(NAME filter_jobs LIBS kpx_filter LABEL unit
   SOURCES unit/filter_settings_test.cpp unit/filter_kind_test.cpp unit/filter_postscript_test.cpp
           unit/filter_joblanguage_test.cpp unit/filter_text_test.cpp)
-kpx_add_test(NAME filter_corpus SOURCES e2e/filter_corpus_test.cpp support/filterrun.cpp
-             LIBS kpx_core Cups::Cups LABEL e2e TIMEOUT 600)
+kpx_add_test(NAME filter_corpus SOURCES e2e/filter_corpus_test.cpp
+             LIBS kpx_core kpx_filterrun Cups::Cups LABEL e2e TIMEOUT 600)
 foreach(kind program rendering streaming)
-  kpx_add_test(NAME filter_${kind} SOURCES e2e/filter_${kind}_test.cpp support/filterrun.cpp
-               LABEL e2e)
+  kpx_add_test(NAME filter_${kind} SOURCES e2e/filter_${kind}_test.cpp
+               LIBS kpx_filterrun LABEL e2e)
 endforeach()
 foreach(name filter_corpus filter_program filter_rendering filter_streaming)
   target_compile_definitions(test_${name} PRIVATE KPX_FILTER="$<TARGET_FILE:kpxfilter>")
