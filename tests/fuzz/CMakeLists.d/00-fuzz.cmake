@@ -1,6 +1,4 @@
-# Fuzz targets are built with clang's libFuzzer, whatever compiles the rest: the core once, as an
-# instrumented archive, and each target beside it.
-find_program(KPX_FUZZ_CXX NAMES clang++ clang++-14 REQUIRED)
+# The core once, as an instrumented archive, and each fuzz target beside it.
 set(KPX_FUZZ_FLAGS -std=c++20 -O1 -g -fno-omit-frame-pointer -fsanitize=address,undefined
     -fno-sanitize-recover=all)
 set(KPX_FUZZ_DIR ${CMAKE_BINARY_DIR}/fuzz)
