@@ -31,6 +31,8 @@
 
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 
+using namespace kpx::filter;
+
 namespace {
 
 constexpr int kPairs = 41;

@@ -4,6 +4,8 @@
 #include <iterator>
 #include <string_view>
 
+namespace kpx::filter {
+
 namespace {
 
 struct NamedValue {
@@ -61,3 +63,5 @@ FilterArguments ParseArguments(const std::vector<std::string> &arguments) {
   result.mode = filter ? FilterMode::Filter : convert ? FilterMode::Convert : FilterMode::None;
   return result;
 }
+
+}  // namespace kpx::filter

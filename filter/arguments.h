@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+namespace kpx::filter {
+
 enum class FilterMode { None, Convert, Filter };
 
 struct FilterArguments {
@@ -24,3 +26,5 @@ struct FilterArguments {
 // with an empty value (the interface script of an unknown printer has no PPD file to name).
 // The mode is Filter with "--filter", else Convert with both "--ppdfile" and "--paffile".
 FilterArguments ParseArguments(const std::vector<std::string> &arguments);
+
+}  // namespace kpx::filter

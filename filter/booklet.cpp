@@ -7,6 +7,8 @@
 #include "conflicts.h"
 #include "ppdconstraints.h"
 
+namespace kpx::filter {
+
 namespace {
 
 constexpr size_t kPagesOfSheet = 4;
@@ -113,3 +115,5 @@ void WriteBooklet(PageStore *pages, SheetWriter *sheets, const JobSink &sink) {
     PlacePage(pages, right, sheets);
   }
 }
+
+}  // namespace kpx::filter

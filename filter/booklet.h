@@ -12,6 +12,8 @@
 #include "jobsettings.h"
 #include "sheets.h"
 
+namespace kpx::filter {
+
 // The pages (from 0) at the left and the right of a side (from 0) of a booklet of `pages` pages;
 // nothing for a place that stays empty. Two sides are one sheet, four pages.
 std::pair<std::optional<size_t>, std::optional<size_t>> PagesOfSide(size_t side, size_t pages);
@@ -61,3 +63,5 @@ class PageStore : public PageTarget {
 
 // Hands the pages to `sheets`, whose plan is of two pages a side, until writing to `sink` fails.
 void WriteBooklet(PageStore *pages, SheetWriter *sheets, const JobSink &sink);
+
+}  // namespace kpx::filter

@@ -6,6 +6,8 @@
 
 #include "jobkind.h"
 
+namespace kpx::filter {
+
 namespace {
 
 // Names of PostScript that are words of no other text.
@@ -407,3 +409,5 @@ bool IsClearlyText(std::string_view start, bool whole) {
   if (scanner.seen_sign()) return false;
   return scanner.seen_unknown() || (whole && scanner.seen_token() && !scanner.seen_name());
 }
+
+}  // namespace kpx::filter

@@ -2,6 +2,8 @@
 
 #include "ppdconstraints.h"
 
+namespace kpx::filter {
+
 namespace {
 
 constexpr char kCustomPaper[] = "*CustomPageSize", kCustomMedia[] = "*CustomMediaType";
@@ -43,3 +45,5 @@ std::vector<std::string> ConflictTexts(const JobSettings &settings) {
   }
   return texts;
 }
+
+}  // namespace kpx::filter

@@ -7,6 +7,8 @@
 #include "ppdadaptor.h"
 #include "textfile.h"
 
+namespace kpx::filter {
+
 std::string ConvertPpd(const std::string &ppd_path, const std::string &paf_path) {
   PpdError error;
   const std::optional<PpdModel> model = ReadPpdFile(ppd_path, &error);
@@ -16,3 +18,5 @@ std::string ConvertPpd(const std::string &ppd_path, const std::string &paf_path)
   if (ReplaceFileDurably(paf_path, PafText(*model, file_name), kForAll)) return {};
   return paf_path + ": " + std::strerror(errno);
 }
+
+}  // namespace kpx::filter

@@ -5,6 +5,8 @@
 #include <iterator>
 #include <string>
 
+namespace kpx::filter {
+
 // `value` with at most three decimals, none that says nothing, in no locale, never in exponent
 // form.
 inline std::string DecimalText(double value) {
@@ -16,3 +18,5 @@ inline std::string DecimalText(double value) {
   if (number.ends_with('.')) number.pop_back();
   return number == "-0" ? "0" : number;
 }
+
+}  // namespace kpx::filter

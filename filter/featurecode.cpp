@@ -5,6 +5,8 @@
 
 #include "decimal.h"
 
+namespace kpx::filter {
+
 namespace {
 
 constexpr std::string_view kCopiesFeatures[] = {"JCLCopies", "JCLNumCopies", "Copies", "NumCopies"};
@@ -184,3 +186,5 @@ PpdPageSize PageInForce(const JobSettings &settings) {
   }
   return {595, 842, 0, 0, 595, 842};  // A4
 }
+
+}  // namespace kpx::filter

@@ -7,6 +7,8 @@
 
 #include "jobsettings.h"
 
+namespace kpx::filter {
+
 // The code of one chosen option.
 struct FeatureCode {
   std::string keyword, choice;  // without asterisk; for a custom value "Custom<keyword>", "True"
@@ -43,3 +45,5 @@ std::string JclCopies(const JobSettings &settings);
 
 // The size of the paper in force and its printable area.
 PpdPageSize PageInForce(const JobSettings &settings);
+
+}  // namespace kpx::filter

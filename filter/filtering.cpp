@@ -19,6 +19,8 @@
 #include "textencoding.h"
 #include "textjob.h"
 
+namespace kpx::filter {
+
 namespace {
 
 void Warn(const std::string &text) { PrintErrorLine("kpxfilter: " + text); }
@@ -110,3 +112,5 @@ std::string FilterJob(const FilterArguments &arguments) {
   if (sink.Error() != 0) return Describe("standard output", sink.Error());
   return {};
 }
+
+}  // namespace kpx::filter

@@ -5,6 +5,8 @@
 #include <iterator>
 #include <string_view>
 
+namespace kpx::filter {
+
 namespace {
 
 // Names of the Adobe Glyph List, in the order of the characters.
@@ -99,3 +101,5 @@ std::string GlyphName(char32_t character) {
                 static_cast<unsigned>(character));
   return name;
 }
+
+}  // namespace kpx::filter

@@ -8,6 +8,8 @@
 #include "queuetypes.h"
 #include "wrappedjob.h"
 
+namespace kpx::filter {
+
 using std::string_view_literals::operator""sv;
 
 namespace {
@@ -142,3 +144,5 @@ std::string RefusalOf(std::string_view type, JobSource *source) {
   return "the file is " + std::string(kind) + ", but this queue prints only " +
          std::string(PrintedBy(type));
 }
+
+}  // namespace kpx::filter

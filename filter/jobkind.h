@@ -6,6 +6,8 @@
 
 #include "jobsource.h"
 
+namespace kpx::filter {
+
 // Why the job in `source`, which stays as it is, cannot be printed on a queue for jobs of `type`
 // ("postscript", "text", "pcl6"): one sentence that names what it is and what the queue prints.
 // Empty when it can, or when it cannot be told.
@@ -21,3 +23,5 @@ std::string RefusalOf(std::string_view type, JobSource *source);
 // not define. `whole` says that the job ends where `start` ends; then one that runs nothing is text
 // too.
 [[nodiscard]] bool IsClearlyText(std::string_view start, bool whole);
+
+}  // namespace kpx::filter

@@ -10,6 +10,8 @@
 #include "textencoding.h"
 #include "textscan.h"
 
+namespace kpx::filter {
+
 namespace {
 
 constexpr std::string_view kPjl = "@PJL";
@@ -220,3 +222,5 @@ std::string JobControlTrailer(const PpdModel &model) {
   if (!model.pjl && model.jcl_begin.empty()) return {};
   return std::string(kUel) + "@PJL EOJ\n" + std::string(kUel);
 }
+
+}  // namespace kpx::filter

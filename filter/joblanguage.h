@@ -7,6 +7,8 @@
 #include "jobsettings.h"
 #include "jobsource.h"
 
+namespace kpx::filter {
+
 // Who prints what.
 struct JobIdentity {
   std::string title;  // of the job
@@ -50,3 +52,5 @@ JobControl TakeJobControl(JobSource *source);
 
 // What goes behind it; empty where the printer knows no job control.
 std::string JobControlTrailer(const PpdModel &model);
+
+}  // namespace kpx::filter

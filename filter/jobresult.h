@@ -5,6 +5,8 @@
 #include <utility>
 #include <vector>
 
+namespace kpx::filter {
+
 // Made by Failure() or filled with warnings, so that the one is never taken for the other. The
 // texts are for standard error, without the program's name.
 struct [[nodiscard]] JobResult {
@@ -16,3 +18,5 @@ struct [[nodiscard]] JobResult {
 };
 
 inline JobResult Failure(std::string reason) { return {std::move(reason), {}}; }
+
+}  // namespace kpx::filter

@@ -6,6 +6,8 @@
 #include "decimal.h"
 #include "destination.h"
 
+namespace kpx::filter {
+
 namespace {
 
 constexpr int kMostCopies = 32767;
@@ -183,3 +185,5 @@ std::string JobSettings::Other(std::string_view key) const {
   const auto found = others_.find(key);
   return found == others_.end() ? std::string() : found->second;
 }
+
+}  // namespace kpx::filter

@@ -10,6 +10,8 @@
 #include "optionfiles.h"
 #include "ppdmodel.h"
 
+namespace kpx::filter {
+
 struct CustomPaper {
   double width = 0, length = 0;  // points
 };
@@ -72,3 +74,5 @@ class JobSettings {
   int copies_ = 1;
   std::vector<std::string> warnings_;
 };
+
+}  // namespace kpx::filter

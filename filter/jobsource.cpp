@@ -8,6 +8,8 @@
 
 #include "textfile.h"
 
+namespace kpx::filter {
+
 namespace {
 
 constexpr size_t kSinkBuffer = 65536;
@@ -117,3 +119,5 @@ JobSource DescriptorSource(int fd) {
 JobSink DescriptorSink(int fd) {
   return JobSink([fd](std::string_view bytes) { return WriteWhole(fd, bytes); });
 }
+
+}  // namespace kpx::filter

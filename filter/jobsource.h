@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+namespace kpx::filter {
+
 // Printer data on its way out. After a failed write everything else is dropped.
 class JobSink {
  public:
@@ -85,3 +87,5 @@ inline constexpr std::string_view kUel = "\033%-12345X";
 // A source that reads a descriptor, and a sink that writes to one. Neither closes it.
 JobSource DescriptorSource(int fd);
 JobSink DescriptorSink(int fd);
+
+}  // namespace kpx::filter

@@ -8,6 +8,8 @@
 #include "textencoding.h"
 #include "unfinishedsave.h"
 
+namespace kpx::filter {
+
 namespace {
 
 constexpr char kList[] = "queues.paf";
@@ -45,3 +47,5 @@ bool IsListedWithoutSettings(const std::string &queue_file) {
   }
   return false;
 }
+
+}  // namespace kpx::filter

@@ -14,6 +14,8 @@
 #include "requestfile.h"
 #include "textencoding.h"
 
+using namespace kpx::filter;
+
 int main(int argc, char **argv) {
   std::setlocale(LC_CTYPE, "");
   FilterArguments arguments =

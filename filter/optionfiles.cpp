@@ -14,6 +14,8 @@
 #include "textencoding.h"
 #include "textline.h"
 
+namespace kpx::filter {
+
 namespace {
 
 constexpr size_t kLargestFile = 1 << 20;
@@ -209,3 +211,5 @@ OptionFile ReadRequestOptions(const std::string &queue_file, std::string_view us
   close(directory);
   return result;
 }
+
+}  // namespace kpx::filter

@@ -8,6 +8,8 @@
 
 #include "textline.h"
 
+namespace kpx::filter {
+
 // The words of the form "*key=value" among the spooler's options, which are separated by blanks. A
 // backslash takes the next character as it is, and quotes keep blanks together. One comma behind a
 // word is no part of it.
@@ -41,3 +43,5 @@ OptionFile ReadUserOptions(const std::string &path, std::string_view user);
 // empty; what can name no file is ignored with a warning.
 OptionFile ReadRequestOptions(const std::string &queue_file, std::string_view user,
                               std::string_view request);
+
+}  // namespace kpx::filter

@@ -7,6 +7,8 @@
 #include "pafreader.h"
 #include "ppdconstraints.h"
 
+namespace kpx::filter {
+
 namespace {
 
 constexpr std::string_view kNameKeyword = "##Name:";
@@ -109,3 +111,5 @@ std::string PafText(const PpdModel &model, std::string_view ppd_file_name) {
   AddConstraints(&paf, ExpandConstraints(model));
   return paf;
 }
+
+}  // namespace kpx::filter

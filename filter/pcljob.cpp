@@ -5,6 +5,8 @@
 #include "pclsettings.h"
 #include "postscript.h"
 
+namespace kpx::filter {
+
 namespace {
 
 // The language of the data: a PCL XL stream begins with its binding and "HP-PCL XL".
@@ -80,3 +82,5 @@ JobResult FilterPcl(const JobSettings &settings, const JobIdentity &identity, Jo
   sink->Flush();
   return result;
 }
+
+}  // namespace kpx::filter

@@ -4,6 +4,8 @@
 
 #include "textscan.h"
 
+namespace kpx::filter {
+
 namespace {
 
 constexpr std::string_view kCollate = "Collate";
@@ -85,3 +87,5 @@ std::vector<std::string> SettingsWithoutPjl(const JobSettings &settings) {
   }
   return texts;
 }
+
+}  // namespace kpx::filter

@@ -8,6 +8,8 @@
 
 #include "jobsettings.h"
 
+namespace kpx::filter {
+
 // The commands, a line each, for the choices in force. A variable that the job's own commands
 // `job_commands` (a line each) set is the job's business.
 std::string PjlCommands(const JobSettings &settings, std::string_view job_commands);
@@ -18,3 +20,5 @@ std::string_view CopiesVariable(const JobSettings &settings);
 // The settings, as option files have them, that differ from the printer's defaults and that no job
 // command can ask for.
 std::vector<std::string> SettingsWithoutPjl(const JobSettings &settings);
+
+}  // namespace kpx::filter

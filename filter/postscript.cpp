@@ -8,6 +8,8 @@
 #include "featurecode.h"
 #include "wrappedjob.h"
 
+namespace kpx::filter {
+
 namespace {
 
 // Where in a conforming document the copying is.
@@ -554,3 +556,5 @@ JobResult FilterPostScript(const JobSettings &settings, const JobIdentity &ident
   }
   return result;
 }
+
+}  // namespace kpx::filter

@@ -9,6 +9,8 @@
 #include "jobsettings.h"
 #include "jobsource.h"
 
+namespace kpx::filter {
+
 // The code for the parts of a document, ready to be written.
 struct DocumentCode {
   std::string exit_server, prolog, setup, page_setup;
@@ -23,3 +25,5 @@ DocumentCode CodeOfDocument(const JobSettings &settings);
 // in `source` and `sink`.
 JobResult FilterPostScript(const JobSettings &settings, const JobIdentity &identity,
                            JobSource *source, JobSink *sink);
+
+}  // namespace kpx::filter

@@ -22,6 +22,8 @@
 #include "textencoding.h"
 #include "textfile.h"
 
+namespace kpx::filter {
+
 namespace {
 
 constexpr float kLongestSide = 1e5F;  // of a paper, points
@@ -333,5 +335,7 @@ std::optional<PpdModel> ReadPpdFile(const std::string &path, PpdError *error) {
   }
   return ReadPpd(*bytes, error);
 }
+
+}  // namespace kpx::filter
 
 #pragma GCC diagnostic pop

@@ -7,6 +7,8 @@
 
 #include "ppdmodel.h"
 
+namespace kpx::filter {
+
 // Why a PPD file could not be read. `line` is 0 when no line is to blame.
 struct PpdError {
   int line = 0;
@@ -22,3 +24,5 @@ struct PpdError {
 
 // The same for the file `path`, which may also not be readable at all.
 [[nodiscard]] std::optional<PpdModel> ReadPpdFile(const std::string &path, PpdError *error);
+
+}  // namespace kpx::filter

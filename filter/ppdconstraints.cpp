@@ -7,6 +7,8 @@
 
 #include "pafreader.h"
 
+namespace kpx::filter {
+
 namespace {
 
 using Option = std::pair<std::string, std::string>;  // feature with its asterisk, option
@@ -76,3 +78,5 @@ ConstraintPairs ExpandConstraints(const PpdModel &model) {
   }
   return result;
 }
+
+}  // namespace kpx::filter

@@ -7,6 +7,8 @@
 
 #include "ppdmodel.h"
 
+namespace kpx::filter {
+
 // Option 1 of feature 1 cannot be combined with option 2 of feature 2. Features with their
 // asterisk.
 struct OptionPair {
@@ -23,3 +25,5 @@ struct ConstraintPairs {
 // every PPD with media types (a queue can define its own). A pair of one choice with itself is
 // left out and counted too.
 ConstraintPairs ExpandConstraints(const PpdModel &model);
+
+}  // namespace kpx::filter

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace kpx::filter {
+
 namespace {
 
 char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
@@ -34,3 +36,5 @@ const PpdChoice &PpdFeature::DefaultChoice() const {
 const PpdFeature *PpdModel::FindFeature(std::string_view keyword) const {
   return FindKeyword(features, keyword);
 }
+
+}  // namespace kpx::filter

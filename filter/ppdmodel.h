@@ -8,6 +8,8 @@
 #include <utility>
 #include <vector>
 
+namespace kpx::filter {
+
 enum class PpdUi { Boolean, PickOne, PickMany };
 
 // Where a feature's code belongs in a job (*OrderDependency).
@@ -89,3 +91,5 @@ struct PpdModel {
 
 // Whether two keywords are the same: case does not count (ASCII only).
 [[nodiscard]] bool SameKeyword(std::string_view a, std::string_view b);
+
+}  // namespace kpx::filter

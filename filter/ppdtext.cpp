@@ -8,6 +8,8 @@
 #include "textencoding.h"
 #include "textscan.h"
 
+namespace kpx::filter {
+
 namespace {
 
 constexpr std::string_view kEncodingKeyword = "*LanguageEncoding:";
@@ -153,3 +155,5 @@ std::string DecodeHex(std::string_view code) {
   }
   return decoded;
 }
+
+}  // namespace kpx::filter

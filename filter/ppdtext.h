@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+namespace kpx::filter {
+
 // A PPD text ready for the reader. Line numbers of the reader are those of the file plus
 // `added_lines` (0 or 1) behind line 1.
 struct PreparedPpd {
@@ -35,3 +37,5 @@ std::string CleanText(std::string_view bytes);
 // `code` with every "<hex digits>" replaced by its bytes, as the values of JCL keywords are
 // written.
 std::string DecodeHex(std::string_view code);
+
+}  // namespace kpx::filter

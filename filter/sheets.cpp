@@ -6,6 +6,8 @@
 #include "decimal.h"
 #include "featurecode.h"
 
+namespace kpx::filter {
+
 namespace {
 
 struct Grid {
@@ -120,3 +122,5 @@ void SheetWriter::Finish() {
   if (place_ > 0) sink_->Write("showpage S restore\n");
   place_ = 0;
 }
+
+}  // namespace kpx::filter

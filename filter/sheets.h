@@ -9,6 +9,8 @@
 #include "jobsettings.h"
 #include "jobsource.h"
 
+namespace kpx::filter {
+
 // How the pages share a side of a sheet: a grid, as the reader holds the sheet.
 struct SheetPlan {
   size_t columns = 1, rows = 1;
@@ -77,3 +79,5 @@ class SheetWriter : public PageTarget {
   size_t place_ = 0;  // of the next page, 0 between two sides
   size_t sides_ = 0;
 };
+
+}  // namespace kpx::filter

@@ -17,6 +17,8 @@
 #include "textencoding.h"
 #include "wrappedjob.h"
 
+namespace kpx::filter {
+
 namespace {
 
 constexpr double kSideMargin = 9, kEndMargin = 36;  // points, where the printer needs no more
@@ -344,3 +346,5 @@ JobResult FilterText(const JobSettings &settings, const JobIdentity &identity, J
   if (error != 0) return Failure(std::string("temporary file: ") + std::strerror(error));
   return result;
 }
+
+}  // namespace kpx::filter

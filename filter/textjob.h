@@ -8,6 +8,8 @@
 #include "jobsettings.h"
 #include "jobsource.h"
 
+namespace kpx::filter {
+
 // Writes the job as a PostScript document with the settings' code in it. Each line is UTF-8 or,
 // when it is not valid as that, ISO-8859-1. Long lines are wrapped at the last column, tabs go to
 // every eighth column, a form feed begins a new page, a carriage return alone goes back to the
@@ -22,3 +24,5 @@
 // given and are none.
 JobResult FilterText(const JobSettings &settings, const JobIdentity &identity, JobSource *source,
                      JobSink *sink);
+
+}  // namespace kpx::filter

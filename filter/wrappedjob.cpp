@@ -7,6 +7,8 @@
 
 #include "byteordermark.h"
 
+namespace kpx::filter {
+
 namespace {
 
 constexpr std::string_view kTagged = "\001M";
@@ -98,3 +100,5 @@ JobSource PartOf(JobSource *source, size_t length) {
     return static_cast<long>(count);
   });
 }
+
+}  // namespace kpx::filter

@@ -8,6 +8,8 @@
 
 #include "jobsource.h"
 
+namespace kpx::filter {
+
 // Takes a UTF-8 byte order mark at the front of `source` off it.
 void SkipByteOrderMark(JobSource *source);
 
@@ -33,3 +35,5 @@ void DropRest(JobSource *source);
 
 // The next `length` bytes of `source`, which must outlive it.
 JobSource PartOf(JobSource *source, size_t length);
+
+}  // namespace kpx::filter

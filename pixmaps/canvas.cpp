@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <new>
 
+namespace kpx::pixmaps {
+
 namespace {
 
 constexpr unsigned L_Rim = 0xEEEEEE;
@@ -81,3 +83,5 @@ Image Canvas::Finish() const {
   }
   return image;
 }
+
+}  // namespace kpx::pixmaps

@@ -7,6 +7,8 @@
 #include <memory>
 #include <vector>
 
+namespace kpx::pixmaps {
+
 // The pixels of a finished picture: 0xRRGGBB, or kTransparent.
 inline constexpr unsigned kTransparent = 0xFF000000;
 
@@ -47,3 +49,5 @@ class Canvas {
   int scale_;
   cairo_rectangle_int_t rimless_{0, 0, 0, 0};
 };
+
+}  // namespace kpx::pixmaps

@@ -3,6 +3,8 @@
 #include <charconv>
 #include <sstream>
 
+namespace kpx::pixmaps {
+
 namespace {
 
 constexpr int L_MaxSize = 1024;  // pixels; larger ones are a slip of the pen
@@ -149,3 +151,5 @@ double NumberOf(const Step &step, const std::string &word) {
   }
   return value;
 }
+
+}  // namespace kpx::pixmaps

@@ -17,6 +17,8 @@
 #include <string>
 #include <vector>
 
+namespace kpx::pixmaps {
+
 struct Step {
   int line = 0;                    // in the file, from 1
   std::vector<std::string> words;  // at least one
@@ -51,3 +53,5 @@ void ReadDescription(const std::string &text, Description *description);
 
 // The whole text as a number; throws DescriptionError otherwise.
 double NumberOf(const Step &step, const std::string &word);
+
+}  // namespace kpx::pixmaps

@@ -5,6 +5,8 @@
 
 #include "glyphs.h"
 
+namespace kpx::pixmaps {
+
 namespace {
 
 constexpr double L_HeadLength = 3.2;  // of an arrow, in widths of its line
@@ -284,3 +286,5 @@ Image Draw(const Picture &picture, const std::map<std::string, unsigned> &colour
   for (const Step &step : picture.steps) painter.Take(step);
   return painter.Finish();
 }
+
+}  // namespace kpx::pixmaps

@@ -26,6 +26,10 @@
 #include "canvas.h"
 #include "description.h"
 
+namespace kpx::pixmaps {
+
 // Draws the picture's steps, each of its pixels as `scale` by `scale` of the image; throws
 // DescriptionError for a step that is none of the above.
 Image Draw(const Picture &picture, const std::map<std::string, unsigned> &colours, int scale = 1);
+
+}  // namespace kpx::pixmaps

@@ -2,6 +2,8 @@
 
 #include <map>
 
+namespace kpx::pixmaps {
+
 namespace {
 
 const std::map<char, Glyph> L_Glyphs = {
@@ -75,3 +77,5 @@ int TextWidth(const std::string &text) {
   }
   return width == 0 ? 0 : width - kGlyphGap;
 }
+
+}  // namespace kpx::pixmaps

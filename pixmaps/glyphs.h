@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+namespace kpx::pixmaps {
+
 // A glyph on a grid: capitals stand on y = 6 and reach up to y = 0, small letters up to 2, tails
 // down to 8.
 struct Glyph {
@@ -21,3 +23,5 @@ inline constexpr int kGlyphGap = 2;
 
 // Width of a text in grid units; characters without a glyph count as nothing.
 [[nodiscard]] int TextWidth(const std::string &text);
+
+}  // namespace kpx::pixmaps

@@ -18,6 +18,8 @@
 #include "sheet.h"
 #include "xpm.h"
 
+using namespace kpx::pixmaps;
+
 namespace {
 
 std::string ContentOf(const std::string &path) {

@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 
+namespace kpx::pixmaps {
+
 namespace {
 
 constexpr int L_Columns = 6;
@@ -93,3 +95,5 @@ bool WriteSheet(const std::vector<NamedImage> &images, const std::string &path) 
   for (const Cell &cell : cells) DrawCell(cr, cell);
   return cairo_surface_write_to_png(canvas.surface(), path.c_str()) == CAIRO_STATUS_SUCCESS;
 }
+
+}  // namespace kpx::pixmaps

@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <map>
 
+namespace kpx::pixmaps {
+
 namespace {
 
 // Every printable character but the quote and the backslash, which C strings treat specially, and
@@ -59,3 +61,5 @@ std::string XpmText(const Image &image, const std::string &name) {
   }
   return text + "\n};\n";
 }
+
+}  // namespace kpx::pixmaps

@@ -6,6 +6,10 @@
 
 #include "canvas.h"
 
+namespace kpx::pixmaps {
+
 // The text of an XPM file, whose C name is made of `name`: characters that cannot stand in one
 // become "_". The same image gives the same text.
 std::string XpmText(const Image &image, const std::string &name);
+
+}  // namespace kpx::pixmaps

@@ -14,6 +14,8 @@
 #include "report.h"
 #include "stop.h"
 
+namespace kpx::transport {
+
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -125,3 +127,5 @@ ConnectResult ConnectTo(const Destination &destination, const Limits &limits,
   }
   return result;
 }
+
+}  // namespace kpx::transport

@@ -6,6 +6,8 @@
 #include "descriptor.h"
 #include "transferlimits.h"
 
+namespace kpx::transport {
+
 struct Destination {
   std::string address;  // name, IPv4 or IPv6 address
   std::string port;     // decimal, 1 to 65535
@@ -33,3 +35,5 @@ struct StopRequest {
 // Tries every address of `destination` in the resolver's order until one accepts.
 ConnectResult ConnectTo(const Destination &destination, const Limits &limits,
                         const StopRequest &stop);
+
+}  // namespace kpx::transport

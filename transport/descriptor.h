@@ -5,6 +5,8 @@
 
 #include <utility>
 
+namespace kpx::transport {
+
 class Descriptor {
  public:
   Descriptor() = default;
@@ -27,3 +29,5 @@ class Descriptor {
  private:
   int number_ = -1;
 };
+
+}  // namespace kpx::transport

@@ -11,6 +11,8 @@
 #include <array>
 #include <cerrno>
 
+namespace kpx::transport {
+
 namespace {
 
 constexpr std::size_t kPiece = std::size_t{1} << 20;
@@ -147,3 +149,5 @@ bool JobInput::Rewind() {
   sent_ = 0;
   return true;
 }
+
+}  // namespace kpx::transport

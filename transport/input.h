@@ -12,6 +12,8 @@
 
 #include "descriptor.h"
 
+namespace kpx::transport {
+
 enum class MoveEnd {
   kMoved,        // `count` bytes went to the socket
   kAwaitInput,   // the input has nothing at the moment
@@ -71,3 +73,5 @@ class JobInput {
   std::size_t filled_ = 0;          // bytes of buffer_ that were read
   bool buffer_holds_start_ = true;  // nothing beyond buffer_ has been taken from the input
 };
+
+}  // namespace kpx::transport

@@ -12,6 +12,8 @@
 #include "input.h"
 #include "sender.h"
 
+namespace kpx::transport {
+
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -200,3 +202,5 @@ Outcome CarryJob(const Destination &destination, int input, const Limits &limits
                  const Report &report, int stop) {
   return Carrier(destination, input, limits, report, stop).Run();
 }
+
+}  // namespace kpx::transport

@@ -7,6 +7,8 @@
 #include "report.h"
 #include "transferlimits.h"
 
+namespace kpx::transport {
+
 // The values are exit statuses. A run that is stopped ends with kTryLater or kInDoubt too: what
 // counts for the spooler is whether sending the job again may print anything twice.
 enum class Outcome {
@@ -21,3 +23,5 @@ enum class Outcome {
 // awaited before the printer is called, because a printer serves one caller at a time.
 [[nodiscard]] Outcome CarryJob(const Destination &destination, int input, const Limits &limits,
                                const Report &report, int stop);
+
+}  // namespace kpx::transport

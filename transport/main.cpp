@@ -14,6 +14,8 @@
 #include "job.h"
 #include "stop.h"
 
+using namespace kpx::transport;
+
 namespace {
 
 // A decimal number from 1 to `greatest`, or nothing.

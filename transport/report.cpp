@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <system_error>
 
+namespace kpx::transport {
+
 void Report::Say(const std::string &text) const {
   const std::string line = "kpxnbtrans: " + text + "\n";
   std::size_t written = 0;
@@ -23,3 +25,5 @@ std::string DurationText(std::chrono::milliseconds duration) {
 }
 
 std::string ErrorText(int error) { return std::generic_category().message(error); }
+
+}  // namespace kpx::transport

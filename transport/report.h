@@ -4,6 +4,8 @@
 #include <chrono>
 #include <string>
 
+namespace kpx::transport {
+
 class Report {
  public:
   // `descriptor` is lent and must stay open; the program passes standard error.
@@ -21,3 +23,5 @@ std::string DurationText(std::chrono::milliseconds duration);
 
 // The system's words for an error number, in English.
 std::string ErrorText(int error);
+
+}  // namespace kpx::transport

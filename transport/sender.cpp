@@ -13,6 +13,8 @@
 #include <chrono>
 #include <vector>
 
+namespace kpx::transport {
+
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -254,3 +256,5 @@ SendResult SendJob(int socket, JobInput &input, const Limits &limits, const Repo
                    int stop) {
   return Sender(socket, input, limits, report, stop).Run();
 }
+
+}  // namespace kpx::transport

@@ -8,6 +8,8 @@
 #include "report.h"
 #include "transferlimits.h"
 
+namespace kpx::transport {
+
 enum class SendEnd {
   kAccepted,     // every byte was acknowledged and the printer closed the connection in order
   kBroken,       // the connection failed, or the printer was silent or took nothing for too long
@@ -29,3 +31,5 @@ struct [[nodiscard]] SendResult {
 // connection, so that neither side takes a part of the job for all of it or goes on with it.
 SendResult SendJob(int socket, JobInput &input, const Limits &limits, const Report &report,
                    int stop);
+
+}  // namespace kpx::transport

@@ -7,6 +7,8 @@
 #include <array>
 #include <cerrno>
 
+namespace kpx::transport {
+
 namespace {
 
 volatile sig_atomic_t L_at_once = 0;
@@ -54,3 +56,5 @@ StopAtOnce::StopAtOnce(int status) {
 }
 
 StopAtOnce::~StopAtOnce() { L_at_once = 0; }
+
+}  // namespace kpx::transport

@@ -1,6 +1,8 @@
 // Orderly end on SIGTERM, SIGINT and SIGHUP.
 #pragma once
 
+namespace kpx::transport {
+
 // Installed once, at the start of the program, for as long as it runs. SIGINT and SIGHUP stay
 // ignored when the program was started so.
 class StopSignals {
@@ -22,3 +24,5 @@ class StopAtOnce {
   StopAtOnce(const StopAtOnce &) = delete;
   StopAtOnce &operator=(const StopAtOnce &) = delete;
 };
+
+}  // namespace kpx::transport

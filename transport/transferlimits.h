@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <chrono>
 
+namespace kpx::transport {
+
 struct Limits {
   // Pause before the second attempt to reach the printer; each further one is twice as long ...
   std::chrono::milliseconds first_pause{std::chrono::seconds{1}};
@@ -56,3 +58,5 @@ inline std::chrono::milliseconds PauseAfter(const Limits &limits, int failures) 
   for (int i = 1; i < failures && pause < limits.longest_pause; ++i) pause *= 2;
   return std::min(pause, limits.longest_pause);
 }
+
+}  // namespace kpx::transport

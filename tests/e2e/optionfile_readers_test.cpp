@@ -14,6 +14,8 @@
 #include "must.h"
 #include "spoolerstandin.h"
 
+using kpx::transport::Descriptor;
+
 namespace {
 
 using Texts = std::set<std::string>;

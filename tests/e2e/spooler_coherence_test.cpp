@@ -10,6 +10,8 @@
 #include "faultinjection.h"
 #include "spooler.h"
 
+using kpx::transport::Descriptor;
+
 namespace fs = std::filesystem;
 
 namespace {

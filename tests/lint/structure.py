@@ -5,6 +5,7 @@ Compares the source lists of src/CMakeLists.txt with the tables of docs/ARCHITEC
 files of src/, and the #include lines with the layers: a module of the core includes neither the
 toolkit nor a module that has windows. Looks for headers of one name in two directories, and for
 types of one name that two files define: programs and tests link several of the libraries. Looks for
+sources of the programs beside KPXadmin that stand outside of their namespaces. Looks for
 functions of the headers whose result can tell a failure and that lack [[nodiscard]]: the compilers
 then find the calls that drop it. Prints one line a fault; ends with 1 when there are any.
 
@@ -18,6 +19,8 @@ import sys
 TOOLKIT = re.compile(r"<(gtk|gdk|gdk-pixbuf|glib|gio|pango|cairo|atk|X11)[/.-]|<(glib-unix|gmodule)\.h>")
 INCLUDE = re.compile(r'^\s*#\s*include\s+(<[^>]+>|"[^"]+")')
 PROGRAMS = ("src", "filter", "transport", "pixmaps", "tests")
+# What these define is in namespace kpx::<directory>; a file with main() uses it.
+NAMESPACED = ("filter", "transport", "pixmaps")
 SCOPE = re.compile(r"^(namespace(?: [\w:]+)?) \{|^\}  // namespace")
 TYPE = re.compile(r"^(?:class|struct|union|enum(?: class| struct)?)(?: \[\[\w+\]\])? (\w+)\b(?!.*;$|.*\()|"
                   r"^(?:class|struct|union|enum(?: class| struct)?)(?: \[\[\w+\]\])? (\w+)\b[^;(]*\{")
@@ -139,6 +142,14 @@ def name_faults(root):
                 yield f"{', '.join(places)}: more than one {kind} {name}"
 
 
+def namespace_faults(root):
+    for name in NAMESPACED:
+        for path in (p for kind in ("*.cpp", "*.h") for p in sorted((root / name).glob(kind))):
+            text = path.read_text(encoding="utf-8")
+            if f"\nnamespace kpx::{name} {{\n" not in text and "\nint main(" not in text:
+                yield f"{path.relative_to(root)}: its names are not in kpx::{name}"
+
+
 def dropped_failure_faults(root):
     droppable = re.compile("|".join(DROPPABLE))
     for path in (path for name in PROGRAMS[:4] for path in sorted((root / name).glob("*.h"))):
@@ -160,7 +171,7 @@ def main():
         sys.exit("structure.py: the lists or the map cannot be read any more")
     faults = [*map_faults(numbers, documented), *file_faults(src, numbers),
               *layer_faults(src, core, gui), *name_faults(root),
-              *dropped_failure_faults(root)]
+              *namespace_faults(root), *dropped_failure_faults(root)]
     for fault in faults:
         print(fault)
     return 1 if faults else 0

@@ -38,6 +38,8 @@ FILTER = {
              "std::optional<std::map<int, int>> ReadMap(\n    int size);\n"
              "namespace job {\nstruct Line {};\n}  // namespace job\n",
     "line.cpp": "struct Own {};\nstruct Line FirstLine();\nclass Line : public Base {\n};\n",
+    "main.cpp": "\nint main() {}\n",
+    "good.h": "// Good.\n\nnamespace kpx::filter {\n\nstruct Line {};\n\n}  // namespace kpx::filter\n",
 }
 
 EXPECTED = """docs/ARCHITECTURE.md: subsystem 1 does not show gone
@@ -50,6 +52,8 @@ src/log.h: the core includes Window.h, a module with windows
 src/log.h, filter/log.h: more than one header log.h
 src/log.h, filter/log.h: more than one type Kind
 src/log.h, filter/line.cpp: more than one type Line
+filter/line.cpp: its names are not in kpx::filter
+filter/log.h: its names are not in kpx::filter
 src/log.h: fAddTail_Function can tell a failure and lacks [[nodiscard]]
 filter/log.h: Fill can tell a failure and lacks [[nodiscard]]
 filter/log.h: ReadMap can tell a failure and lacks [[nodiscard]]

@@ -13,6 +13,8 @@
 #include "jobsource.h"
 #include "ppdadaptor.h"
 
+using namespace kpx::filter;
+
 // A source over `text`, which must outlive it, in reads of at most `step` bytes.
 inline JobSource TextSource(const std::string &text, size_t step = 65536) {
   return JobSource([&text, step, at = size_t{0}](char *bytes, size_t size) mutable -> long {

@@ -14,6 +14,8 @@
 #include "descriptor.h"
 #include "spoolerstandin.h"
 
+using kpx::transport::Descriptor;
+
 // lpadmin and enable that announce "<command> <queue>" and wait until they are let go, when such a
 // call is one of those to hold.
 class GatedSpooler {

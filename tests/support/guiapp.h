@@ -15,6 +15,8 @@
 
 #include "descriptor.h"
 
+using kpx::transport::Descriptor;
+
 struct GuiAppOptions {
   std::string program = "/usr/bin/KPXtool";
   std::vector<std::string> arguments = {};

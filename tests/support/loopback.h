@@ -11,6 +11,8 @@
 #include "deadline.h"
 #include "descriptor.h"
 
+using kpx::transport::Descriptor;
+
 // A TCP address of the loopback interface: held from the start, so that nobody else gets the port,
 // but refusing connections until Listen is called.
 class Listener {

@@ -6,6 +6,8 @@
 
 #include "descriptor.h"
 
+using kpx::transport::Descriptor;
+
 class PrinterJobs {
  public:
   // Counts the jobs from now on.

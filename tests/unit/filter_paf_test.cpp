@@ -12,6 +12,8 @@
 #include "ppdconstraints.h"
 #include "textencoding.h"
 
+using namespace kpx::filter;
+
 namespace {
 
 PafContent Read(const std::string &paf) {

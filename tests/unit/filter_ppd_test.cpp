@@ -6,6 +6,8 @@
 #include "temporarydirectory.h"
 #include "textencoding.h"
 
+using namespace kpx::filter;
+
 namespace {
 
 const std::string kOffice = std::string(KPX_TEST_DATA) + "/data/ppd/office.ppd";

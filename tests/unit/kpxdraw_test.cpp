@@ -11,6 +11,8 @@
 #include "temporarydirectory.h"
 #include "xpm.h"
 
+using namespace kpx::pixmaps;
+
 namespace {
 
 constexpr char kHead[] = "colour ink #234\ncolour paper #FFF\nsize 8 8\n";

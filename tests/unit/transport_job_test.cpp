@@ -11,6 +11,8 @@
 #include "job.h"
 #include "loopback.h"
 
+using namespace kpx::transport;
+
 namespace {
 
 using std::chrono::milliseconds;

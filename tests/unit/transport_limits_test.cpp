@@ -6,6 +6,8 @@
 #include "report.h"
 #include "transferlimits.h"
 
+using namespace kpx::transport;
+
 namespace {
 
 using std::chrono::milliseconds;
