@@ -6,22 +6,23 @@
 
 #include "conflicts.h"
 #include "ppdconstraints.h"
+#include "settingkeys.h"
 
 namespace kpx::filter {
 
 namespace {
 
 constexpr size_t kPagesOfSheet = 4;
-constexpr char kDuplex[] = "*Duplex", kShortEdge[] = "DuplexTumble";
+constexpr char kShortEdge[] = "DuplexTumble";
 
 bool CanTurnOverShortEdge(const JobSettings &settings) {
   const PpdFeature *feature = settings.Model().FindFeature("Duplex");
   if (feature == nullptr || feature->FindChoice(kShortEdge) == nullptr) return false;
   const std::vector<OptionPair> pairs = ExpandConstraints(settings.Model()).pairs;
   return std::none_of(pairs.begin(), pairs.end(), [&settings](const OptionPair &pair) {
-    return (pair.feature1 == kDuplex && pair.option1 == kShortEdge &&
+    return (pair.feature1 == kDuplexKey && pair.option1 == kShortEdge &&
             IsInForce(settings, pair.feature2, pair.option2)) ||
-           (pair.feature2 == kDuplex && pair.option2 == kShortEdge &&
+           (pair.feature2 == kDuplexKey && pair.option2 == kShortEdge &&
             IsInForce(settings, pair.feature1, pair.option1));
   });
 }
@@ -48,11 +49,11 @@ std::pair<std::optional<size_t>, std::optional<size_t>> PagesOfSide(size_t side,
   return side % 2 == 0 ? std::pair(late, early) : std::pair(early, late);
 }
 
-bool IsBooklet(const JobSettings &settings) { return settings.Other("*Booklet") == "1"; }
+bool IsBooklet(const JobSettings &settings) { return settings.Other(kBookletKey) == "1"; }
 
 JobSettings BookletSettings(const JobSettings &settings) {
   JobSettings result = settings;
-  if (CanTurnOverShortEdge(settings)) result.Apply({{kDuplex, kShortEdge}});
+  if (CanTurnOverShortEdge(settings)) result.Apply({{kDuplexKey, kShortEdge}});
   return result;
 }
 

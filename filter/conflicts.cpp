@@ -1,12 +1,11 @@
 #include "conflicts.h"
 
 #include "ppdconstraints.h"
+#include "settingkeys.h"
 
 namespace kpx::filter {
 
 namespace {
-
-constexpr char kCustomPaper[] = "*CustomPageSize", kCustomMedia[] = "*CustomMediaType";
 
 bool IsDefault(const JobSettings &settings, const std::string &feature, const std::string &option) {
   const PpdFeature *found = settings.Model().FindFeature(feature.substr(1));
@@ -16,16 +15,18 @@ bool IsDefault(const JobSettings &settings, const std::string &feature, const st
 // The setting as an option file has it.
 std::string SettingText(const JobSettings &settings, const std::string &feature,
                         const std::string &option) {
-  if (feature == kCustomPaper) return "\"*PageSize=" + settings.PaperName().value_or("") + "\"";
-  if (feature == kCustomMedia) return "\"*MediaType=" + settings.MediaName().value_or("") + "\"";
+  if (feature == kCustomPageSizeFeature)
+    return "\"*PageSize=" + settings.PaperName().value_or("") + "\"";
+  if (feature == kCustomMediaTypeFeature)
+    return "\"*MediaType=" + settings.MediaName().value_or("") + "\"";
   return "\"" + feature + "=" + option + "\"";
 }
 
 }  // namespace
 
 bool IsInForce(const JobSettings &settings, const std::string &feature, const std::string &option) {
-  if (feature == kCustomPaper) return settings.Paper().has_value();
-  if (feature == kCustomMedia) return settings.MediaName().has_value();
+  if (feature == kCustomPageSizeFeature) return settings.Paper().has_value();
+  if (feature == kCustomMediaTypeFeature) return settings.MediaName().has_value();
   const PpdChoice *choice = settings.Chosen(feature.substr(1));
   return choice != nullptr && choice->keyword == option;
 }

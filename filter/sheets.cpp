@@ -5,6 +5,7 @@
 
 #include "decimal.h"
 #include "featurecode.h"
+#include "settingkeys.h"
 
 namespace kpx::filter {
 
@@ -60,11 +61,11 @@ SheetPlan PlanFor(const PpdPageSize &paper, size_t pages, std::string_view order
 }
 
 SheetPlan PlanOf(const JobSettings &settings) {
-  const std::string pages = settings.Other("*Nup");
+  const std::string pages = settings.Other(kNupKey);
   const PpdPageSize paper = PageInForce(settings);
   for (const Grid &grid : kGrids) {
     if (pages != std::to_string(grid.pages)) continue;
-    return PlanFor(paper, grid.pages, grid.ordered ? settings.Other("*NupOrder") : "Left");
+    return PlanFor(paper, grid.pages, grid.ordered ? settings.Other(kNupOrderKey) : "Left");
   }
   return PlanFor(paper, 1, "Left");
 }

@@ -13,6 +13,7 @@
 #include "featurecode.h"
 #include "glyphnames.h"
 #include "postscript.h"
+#include "settingkeys.h"
 #include "sheets.h"
 #include "textencoding.h"
 #include "wrappedjob.h"
@@ -57,7 +58,7 @@ std::optional<double> SizeOf(std::string_view text) {
 }
 
 double FontSize(const JobSettings &settings) {
-  return SizeOf(settings.Other("*FontSize")).value_or(12);
+  return SizeOf(settings.Other(kFontSizeKey)).value_or(12);
 }
 
 bool IsPostScriptName(std::string_view text) {
@@ -69,7 +70,7 @@ bool IsPostScriptName(std::string_view text) {
 }
 
 std::string FontName(const JobSettings &settings) {
-  const std::string name = settings.Other("*FontName");
+  const std::string name = settings.Other(kFontNameKey);
   return IsPostScriptName(name) ? name : "Courier";
 }
 
@@ -98,10 +99,10 @@ void WarnOfSettings(const JobSettings &settings, JobResult *result) {
     if (!value.empty() && !good(value)) result->Warn("\"" + key + "=" + value + "\" " + words);
   };
   const auto is_size = [](std::string_view text) { return SizeOf(text).has_value(); };
-  warn("*FontSize", is_size, "is not a size from 4 to 72 points: 12 is used");
-  warn("*FontName", IsPostScriptName, "cannot be the name of a font: Courier is used");
-  warn("*Nup", IsPagesPerSide, "is not a number of pages per side (1, 2, 4, 6, 9, 16): 1 is used");
-  warn("*NupOrder", IsPageOrder,
+  warn(kFontSizeKey, is_size, "is not a size from 4 to 72 points: 12 is used");
+  warn(kFontNameKey, IsPostScriptName, "cannot be the name of a font: Courier is used");
+  warn(kNupKey, IsPagesPerSide, "is not a number of pages per side (1, 2, 4, 6, 9, 16): 1 is used");
+  warn(kNupOrderKey, IsPageOrder,
        "is not an order of pages (Left, Right, Down, Back): Left is used");
 }
 

@@ -19,13 +19,11 @@
 #include "optionlists.h"
 #include "optionstate.h"
 #include "printerpicture.h"
+#include "settingkeys.h"
 
 std::unique_ptr<PropTabFeaturesHelper> G_PropTabFeatures_helper;
 
 namespace {
-
-constexpr char L_Feeder[] = "*OptionHCF";
-constexpr char L_PunchUnit[] = "*OptionPunch";
 
 struct HalfFacts {
   const char *box_name;
@@ -148,7 +146,7 @@ void ShowInstallableChange(const std::string &feature) {
   G_FillInstallableCLists();
   if (IsInPrinterPicture(feature)) RedrawFeaturesPixmaps();
   G_FillAllComboWithOptions();
-  if (feature == L_PunchUnit) RedrawOptionPicture("*Punch");
+  if (feature == kPunchUnitKey) RedrawOptionPicture(kPunchKey);
 }
 
 void AvailableRowSelect(int row) {
@@ -187,7 +185,7 @@ void ButtonFeaturesDefaultsPressed() {
   if (!defaults.is_complete || defaults.changed.empty()) return;
   G_FillInstallableCLists();
   // Kept on purpose: finisher and trays leave the picture as it is here.
-  if (Holds(defaults.changed, L_Feeder)) RedrawFeaturesPixmaps();
+  if (Holds(defaults.changed, kFeederKey)) RedrawFeaturesPixmaps();
   G_FillAllComboWithOptions();
-  if (Holds(defaults.changed, L_PunchUnit)) RedrawOptionPicture("*Punch");
+  if (Holds(defaults.changed, kPunchUnitKey)) RedrawOptionPicture(kPunchKey);
 }

@@ -6,6 +6,7 @@
 #include "cmessages.h"
 #include "debug.h"
 #include "optionstate.h"
+#include "settingkeys.h"
 #include "textencoding.h"
 
 namespace {
@@ -26,40 +27,40 @@ constexpr char L_KeyPrefix[] = "CONSTR_Dlg_Message_";
 
 // Kept on purpose: ("*OptionHCF", "*InputSlot") has another key than the opposite order.
 constexpr auto L_Rows = std::to_array<MessageRow>({
-    {"*PageSize", "*MediaType", "PaperSize_PaperType", Fill::kBoth},
-    {"*MediaType", "*PageSize", "PaperSize_PaperType", Fill::kSwapped},
-    {"*PageSize", "*InputSlot", "PaperSize_PaperSource", Fill::kBoth},
-    {"*InputSlot", "*PageSize", "PaperSize_PaperSource", Fill::kSwapped},
-    {"*PageSize", "*Duplex", "PaperSize_Duplex", Fill::kBoth},
-    {"*Duplex", "*PageSize", "PaperSize_Duplex", Fill::kSwapped},
-    {"*PageSize", "*StapleLocation", "PaperSize_Staple", Fill::kBoth},
-    {"*StapleLocation", "*PageSize", "PaperSize_Staple", Fill::kSwapped},
-    {"*Jog", "*StapleLocation", "Jog_Staple", Fill::kBoth},
-    {"*StapleLocation", "*Jog", "Jog_Staple", Fill::kSwapped},
-    {"*PageSize", "*Punch", "PaperSize_Punch", Fill::kBoth},
-    {"*Punch", "*PageSize", "PaperSize_Punch", Fill::kSwapped},
-    {"*MediaType", "*InputSlot", "PaperType_PaperSource", Fill::kBoth},
-    {"*InputSlot", "*MediaType", "PaperType_PaperSource", Fill::kSwapped},
-    {"*MediaType", "*Duplex", "PaperType_Duplex", Fill::kBoth},
-    {"*Duplex", "*MediaType", "PaperType_Duplex", Fill::kSwapped},
-    {"*MediaType", "*StapleLocation", "PaperType_Staple", Fill::kBoth},
-    {"*StapleLocation", "*MediaType", "PaperType_Staple", Fill::kSwapped},
-    {"*MediaType", "*Punch", "PaperType_Punch", Fill::kBoth},
-    {"*Punch", "*MediaType", "PaperType_Punch", Fill::kSwapped},
-    {"*OutputBin", "*StapleLocation", "OutputTray_Staple", Fill::kBoth},
-    {"*StapleLocation", "*OutputBin", "OutputTray_Staple", Fill::kSwapped},
-    {"*InputSlot", "*OptionHCF", "PaperSource_HCF", Fill::kFirst},
-    {"*OptionHCF", "*InputSlot", "OutputTray_Staple", Fill::kSecond},
-    {"*InputSlot", "*OptionTray4", "OptionTray4_InputSlot", Fill::kFirst},
-    {"*OptionTray4", "*InputSlot", "OptionTray4_InputSlot", Fill::kSecond},
-    {"*InputSlot", "*OptionBypassTray", "OptionBypassTray_InputSlot", Fill::kFirst},
-    {"*OptionBypassTray", "*InputSlot", "OptionBypassTray_InputSlot", Fill::kSecond},
-    {"*OutputBin", "*OptionFinisher", "OptionFinisher_OutputBin", Fill::kFirst},
-    {"*OptionFinisher", "*OutputBin", "OptionFinisher_OutputBin", Fill::kSecond},
-    {"*OptionPunch", "*OptionFinisher", "OptionFinisher_PunchHole", Fill::kFirst},
-    {"*OptionFinisher", "*OptionPunch", "OptionFinisher_PunchHole", Fill::kSecond},
-    {"*OptionBypassTray", "*OptionHCF", "Hct_Tray7", Fill::kNothing},
-    {"*OptionHCF", "*OptionBypassTray", "Hct_Tray7", Fill::kNothing},
+    {kPageSizeKey, kMediaTypeKey, "PaperSize_PaperType", Fill::kBoth},
+    {kMediaTypeKey, kPageSizeKey, "PaperSize_PaperType", Fill::kSwapped},
+    {kPageSizeKey, kInputSlotKey, "PaperSize_PaperSource", Fill::kBoth},
+    {kInputSlotKey, kPageSizeKey, "PaperSize_PaperSource", Fill::kSwapped},
+    {kPageSizeKey, kDuplexKey, "PaperSize_Duplex", Fill::kBoth},
+    {kDuplexKey, kPageSizeKey, "PaperSize_Duplex", Fill::kSwapped},
+    {kPageSizeKey, kStapleKey, "PaperSize_Staple", Fill::kBoth},
+    {kStapleKey, kPageSizeKey, "PaperSize_Staple", Fill::kSwapped},
+    {kJogKey, kStapleKey, "Jog_Staple", Fill::kBoth},
+    {kStapleKey, kJogKey, "Jog_Staple", Fill::kSwapped},
+    {kPageSizeKey, kPunchKey, "PaperSize_Punch", Fill::kBoth},
+    {kPunchKey, kPageSizeKey, "PaperSize_Punch", Fill::kSwapped},
+    {kMediaTypeKey, kInputSlotKey, "PaperType_PaperSource", Fill::kBoth},
+    {kInputSlotKey, kMediaTypeKey, "PaperType_PaperSource", Fill::kSwapped},
+    {kMediaTypeKey, kDuplexKey, "PaperType_Duplex", Fill::kBoth},
+    {kDuplexKey, kMediaTypeKey, "PaperType_Duplex", Fill::kSwapped},
+    {kMediaTypeKey, kStapleKey, "PaperType_Staple", Fill::kBoth},
+    {kStapleKey, kMediaTypeKey, "PaperType_Staple", Fill::kSwapped},
+    {kMediaTypeKey, kPunchKey, "PaperType_Punch", Fill::kBoth},
+    {kPunchKey, kMediaTypeKey, "PaperType_Punch", Fill::kSwapped},
+    {kOutputBinKey, kStapleKey, "OutputTray_Staple", Fill::kBoth},
+    {kStapleKey, kOutputBinKey, "OutputTray_Staple", Fill::kSwapped},
+    {kInputSlotKey, kFeederKey, "PaperSource_HCF", Fill::kFirst},
+    {kFeederKey, kInputSlotKey, "OutputTray_Staple", Fill::kSecond},
+    {kInputSlotKey, kTray4Key, "OptionTray4_InputSlot", Fill::kFirst},
+    {kTray4Key, kInputSlotKey, "OptionTray4_InputSlot", Fill::kSecond},
+    {kInputSlotKey, kBypassTrayKey, "OptionBypassTray_InputSlot", Fill::kFirst},
+    {kBypassTrayKey, kInputSlotKey, "OptionBypassTray_InputSlot", Fill::kSecond},
+    {kOutputBinKey, kFinisherKey, "OptionFinisher_OutputBin", Fill::kFirst},
+    {kFinisherKey, kOutputBinKey, "OptionFinisher_OutputBin", Fill::kSecond},
+    {kPunchUnitKey, kFinisherKey, "OptionFinisher_PunchHole", Fill::kFirst},
+    {kFinisherKey, kPunchUnitKey, "OptionFinisher_PunchHole", Fill::kSecond},
+    {kBypassTrayKey, kFeederKey, "Hct_Tray7", Fill::kNothing},
+    {kFeederKey, kBypassTrayKey, "Hct_Tray7", Fill::kNothing},
 });
 
 std::string Message(std::string_view key, std::initializer_list<FormatArg> texts) {
@@ -99,8 +100,8 @@ std::string BuildConstraintMessage(const char *feature1, const char *option1,
   const LogScope log("BuildConstraintMessage");
   const std::string_view one = feature1;
   const std::string_view two = feature2;
-  if (one == "*Punch" && two == "*OptionPunch") return PunchMessage(option2, display1, display2);
-  if (one == "*OptionPunch" && two == "*Punch") return PunchMessage(option1, display1, display2);
+  if (one == kPunchKey && two == kPunchUnitKey) return PunchMessage(option2, display1, display2);
+  if (one == kPunchUnitKey && two == kPunchKey) return PunchMessage(option1, display1, display2);
   for (const MessageRow &row : L_Rows) {
     if (row.feature1 == one && row.feature2 == two) return FilledMessage(row, display1, display2);
   }
@@ -128,7 +129,7 @@ std::string ConflictReason(const SettingsConflict &conflict) {
 std::string ConflictReason(const char *feature1, const char *option1, const std::string &display1,
                            const char *feature2, const char *option2, const std::string &display2) {
   // The message of this order is about another pair and lacks a text; the opposite one names both.
-  if (std::string_view(feature1) == "*OptionHCF" && std::string_view(feature2) == "*InputSlot") {
+  if (std::string_view(feature1) == kFeederKey && std::string_view(feature2) == kInputSlotKey) {
     return ConflictReason(feature2, option2, display2, feature1, option1, display1);
   }
   std::string message =

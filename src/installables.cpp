@@ -7,10 +7,9 @@
 #include "debug.h"
 #include "optionlists.h"
 #include "optionstate.h"
+#include "settingkeys.h"
 
 namespace {
-
-constexpr char L_Memory[] = "*InstalledMemory";
 
 const CFeature *Installable(const std::string &feature) {
   return HashValue<CFeature>(G_PrinterInstallableOptions_hash, feature.c_str());
@@ -83,7 +82,7 @@ std::vector<InstallableRow> InstallableRows() {
   std::vector<InstallableRow> rows;
   const SettingsSnapshot snapshot;
   for (const auto [feature, record] : Pairs<CFeature>(G_PrinterInstallableOptions_hash)) {
-    if (std::strcmp(feature, L_Memory) == 0) continue;
+    if (std::strcmp(feature, kMemoryKey) == 0) continue;
     const std::string value = ValueOf(feature, record);
     RowWriter writer(feature, value, snapshot, rows);
     if (IsBoolean(record)) {

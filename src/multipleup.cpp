@@ -4,11 +4,10 @@
 #include "ignoreresult.h"
 #include "optionstate.h"
 #include "pixmapnames.h"
+#include "settingkeys.h"
 
 namespace {
 
-constexpr char L_Nup[] = "*Nup";
-constexpr char L_NupOrder[] = "*NupOrder";
 constexpr char L_UsualOrder[] = "Left";
 
 bool IsSet(const char *key) { return HashFind(G_QueueFeatures_hash, key) != nullptr; }
@@ -19,7 +18,7 @@ void AddMissing(const char *key, const char *value) {
 }
 
 bool SheetLies() {
-  const std::string orientation = QueueFeatureValue("*Orientation");
+  const std::string orientation = QueueFeatureValue(kOrientationKey);
   return orientation == "Landscape" || orientation == "RotLandscape";
 }
 
@@ -27,18 +26,18 @@ bool SheetLies() {
 
 void AddDefaultMultipleUpSettings() {
   const LogScope log("AddDefaultMultipleUpSettings");
-  if (QueueFeatureValue(kBooklet) != "1") AddMissing(L_Nup, "1");
-  AddMissing(L_NupOrder, L_UsualOrder);
-  AddMissing(kBooklet, "0");
+  if (QueueFeatureValue(kBookletKey) != "1") AddMissing(kNupKey, "1");
+  AddMissing(kNupOrderKey, L_UsualOrder);
+  AddMissing(kBookletKey, "0");
 }
 
 std::string CurrentMultipleUp() {
-  if (!IsSet(L_Nup) && QueueFeatureValue(kBooklet) == "1") return kBooklet;
-  return QueueFeatureValue(L_Nup);
+  if (!IsSet(kNupKey) && QueueFeatureValue(kBookletKey) == "1") return kBookletKey;
+  return QueueFeatureValue(kNupKey);
 }
 
 std::string CurrentNupOrder() {
-  return IsSet(L_NupOrder) ? QueueFeatureValue(L_NupOrder) : L_UsualOrder;
+  return IsSet(kNupOrderKey) ? QueueFeatureValue(kNupOrderKey) : L_UsualOrder;
 }
 
 OrderBoxes CurrentOrderBoxes() {
@@ -50,11 +49,12 @@ OrderBoxes CurrentOrderBoxes() {
 
 OrderBoxes ChooseMultipleUp(const std::string &value) {
   const LogScope log("ChooseMultipleUp");
-  for (const char *key : {kBooklet, L_Nup, L_NupOrder}) HashRemove(G_QueueFeatures_hash, key);
-  if (value == kBooklet) {
-    IgnoreResult(HashPutText(G_QueueFeatures_hash, kBooklet, "1"), "the dictionary is there");
+  for (const char *key : {kBookletKey, kNupKey, kNupOrderKey})
+    HashRemove(G_QueueFeatures_hash, key);
+  if (value == kBookletKey) {
+    IgnoreResult(HashPutText(G_QueueFeatures_hash, kBookletKey, "1"), "the dictionary is there");
   } else {
-    IgnoreResult(HashPutText(G_QueueFeatures_hash, L_Nup, value.c_str()),
+    IgnoreResult(HashPutText(G_QueueFeatures_hash, kNupKey, value.c_str()),
                  "the dictionary is there");
   }
   return CurrentOrderBoxes();
@@ -62,14 +62,14 @@ OrderBoxes ChooseMultipleUp(const std::string &value) {
 
 void ChooseNupOrder(const std::string &order) {
   const LogScope log("ChooseNupOrder");
-  SetQueueValue(G_QueueFeatures_hash, L_NupOrder, order);
+  SetQueueValue(G_QueueFeatures_hash, kNupOrderKey, order);
 }
 
 std::string MultipleUpPicture(const std::string &value) {
-  if (value == kBooklet) return G_GetPixmapNameFor(kBooklet, "1");
-  return G_GetPixmapNameFor(L_Nup, value);
+  if (value == kBookletKey) return G_GetPixmapNameFor(kBookletKey, "1");
+  return G_GetPixmapNameFor(kNupKey, value);
 }
 
 std::string NupOrderPicture(const std::string &order) {
-  return G_GetPixmapNameFor(L_NupOrder, order);
+  return G_GetPixmapNameFor(kNupOrderKey, order);
 }

@@ -4,9 +4,6 @@
 
 #include <string>
 
-// What stands for a booklet among the choices; the others are the number of pages.
-inline constexpr char kBooklet[] = "*Booklet";
-
 // Which boxes with page orders are shown.
 enum class OrderBoxes { kNone, kLeftAndRight, kAll };
 
@@ -14,8 +11,8 @@ enum class OrderBoxes { kNone, kLeftAndRight, kAll };
 // booklet that is set gets no number of pages beside it.
 void AddDefaultMultipleUpSettings();
 
-// The work copy's choice: "*Nup" as it stands, kBooklet when that is missing and a booklet is set.
-// With both, as only an edited file has them, it is the pages that are printed.
+// The work copy's choice: "*Nup" as it stands, kBookletKey when that is missing and a booklet is
+// set. With both, as only an edited file has them, it is the pages that are printed.
 std::string CurrentMultipleUp();
 
 // The work copy's page order; "Left" when it holds none.
@@ -25,7 +22,7 @@ std::string CurrentNupOrder();
 // lies.
 OrderBoxes CurrentOrderBoxes();
 
-// Stores the choice ("1", "2", "4", "6", "9", "16" or kBooklet) in place of the one before and
+// Stores the choice ("1", "2", "4", "6", "9", "16" or kBookletKey) in place of the one before and
 // removes the page order; where boxes are to be shown then, an order is stored by the caller.
 OrderBoxes ChooseMultipleUp(const std::string &value);
 

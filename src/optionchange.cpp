@@ -6,6 +6,7 @@
 #include "optionlists.h"
 #include "optionstate.h"
 #include "pixmapnames.h"
+#include "settingkeys.h"
 
 namespace {
 
@@ -31,12 +32,12 @@ std::optional<Choice> ChoiceWithText(const char *feature, const std::string &tex
 
 // Two pages a sheet: the page order follows the orientation.
 NupOrderBoxes FollowOrientation(const std::string &before, const std::string &option) {
-  if (QueueFeatureValue("*Nup") != "2") return NupOrderBoxes::kLeave;
+  if (QueueFeatureValue(kNupKey) != "2") return NupOrderBoxes::kLeave;
   if (option == "Portrait") {
     return before == "Portrait" ? NupOrderBoxes::kLeave : NupOrderBoxes::kShowLeftAndRight;
   }
   if (option != "Landscape" && option != "RotLandscape") return NupOrderBoxes::kLeave;
-  SetQueueValue(G_QueueFeatures_hash, "*NupOrder", option == "Landscape" ? "Left" : "Right");
+  SetQueueValue(G_QueueFeatures_hash, kNupOrderKey, option == "Landscape" ? "Left" : "Right");
   return NupOrderBoxes::kHideAll;
 }
 

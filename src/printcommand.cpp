@@ -15,6 +15,7 @@
 #include "paths.h"
 #include "porting.h"
 #include "printsettings.h"
+#include "settingkeys.h"
 
 namespace {
 

@@ -7,9 +7,6 @@
 
 #include "chash.h"
 
-// The option that the command carries itself.
-inline constexpr char kCopiesKey[] = "*NrCopies";
-
 // The combo entry of a queue, "<name>    [ <printer> ]    <language>"; null texts count as empty.
 std::string QueueEntry(const char *name, const char *printer_name, const char *language);
 

@@ -6,6 +6,7 @@
 #include "debug.h"
 #include "optionstate.h"
 #include "pixmapnames.h"
+#include "settingkeys.h"
 
 namespace {
 
@@ -13,7 +14,7 @@ constexpr char L_Extension[] = ".xpm";
 
 const std::array<std::vector<const char *>, kPrinterOptionGroups> &Groups() {
   static const std::array<std::vector<const char *>, kPrinterOptionGroups> kGroups = {
-      {{"*OptionHCF"}, {"*OptionFinisher"}, {"*OptionTray4", "*OptionBypassTray"}}};
+      {{kFeederKey}, {kFinisherKey}, {kTray4Key, kBypassTrayKey}}};
   return kGroups;
 }
 

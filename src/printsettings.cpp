@@ -18,6 +18,7 @@
 #include "jobcopies.h"
 #include "paths.h"
 #include "printcommand.h"
+#include "settingkeys.h"
 #include "spooljobs.h"
 #include "textencoding.h"
 #include "textfile.h"

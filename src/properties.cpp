@@ -14,6 +14,7 @@
 #include "optionlists.h"
 #include "optionstate.h"
 #include "printermodels.h"
+#include "settingkeys.h"
 
 namespace {
 
@@ -96,9 +97,8 @@ void CloseProperties() {
 
 void AddDefaultSettings() {
   const LogScope log("AddDefaultSettings");
-  AddMissingDefaults(G_PrinterFeatures_hash, G_QueueFeatures_hash, "*PageRegion");
-  AddMissingDefaults(G_PrinterInstallableOptions_hash, G_QueueInstallableOptions_hash,
-                     "*InstalledMemory");
+  AddMissingDefaults(G_PrinterFeatures_hash, G_QueueFeatures_hash, kPageRegionKey);
+  AddMissingDefaults(G_PrinterInstallableOptions_hash, G_QueueInstallableOptions_hash, kMemoryKey);
 }
 
 void RemoveDefaultSettings() {
@@ -123,11 +123,12 @@ DefaultResult SetToDefault(const char *feature) {
 }
 
 void RemoveMultipleUpSettings() {
-  for (const char *key : {"*Nup", "*NupOrder", "*Booklet"}) HashRemove(G_QueueFeatures_hash, key);
+  for (const char *key : {kNupKey, kNupOrderKey, kBookletKey})
+    HashRemove(G_QueueFeatures_hash, key);
 }
 
 void PutBackForPrinting(int copies) {
-  SetQueueValue(G_QueueFeatures_hash, "*NrCopies", std::to_string(copies));
+  SetQueueValue(G_QueueFeatures_hash, kCopiesKey, std::to_string(copies));
   const std::string name = TextOf(G_CurrentQueue_name.get());
   HashRemove(G_Queues_hash, name.c_str());
   IgnoreResult(HashPut(G_Queues_hash, name.c_str(), CloneOf(G_CurrentQueue.get())),

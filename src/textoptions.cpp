@@ -7,11 +7,10 @@
 #include "fontmap.h"
 #include "globals.h"
 #include "optionstate.h"
+#include "settingkeys.h"
 
 namespace {
 
-constexpr char L_FontName[] = "*FontName";
-constexpr char L_FontSize[] = "*FontSize";
 constexpr long L_SmallestSize = 4;
 constexpr long L_LargestSize = 72;
 
@@ -44,9 +43,9 @@ std::vector<std::string> FontStyles(const std::string &font) {
   return names;
 }
 
-std::string WantedFontName() { return ValueOr(L_FontName, kDefaultFontName); }
+std::string WantedFontName() { return ValueOr(kFontNameKey, kDefaultFontName); }
 
-std::string WantedFontSize() { return ValueOr(L_FontSize, kDefaultFontSize); }
+std::string WantedFontSize() { return ValueOr(kFontSizeKey, kDefaultFontSize); }
 
 std::string ClampedFontSize(const std::string &text) {
   return std::to_string(std::clamp(SizeOf(text), L_SmallestSize, L_LargestSize));
@@ -56,7 +55,8 @@ bool StoreTextOptions(const std::string &font, const std::string &style, const s
   const LogScope log("StoreTextOptions");
   const char *afm_name = GetAfmFontName(font.c_str(), style.c_str());
   if (afm_name == nullptr) return false;
-  SetQueueValue(G_QueueFeatures_hash, L_FontName, afm_name);
-  SetQueueValue(G_QueueFeatures_hash, L_FontSize, IsFontSize(size) ? size : ClampedFontSize(size));
+  SetQueueValue(G_QueueFeatures_hash, kFontNameKey, afm_name);
+  SetQueueValue(G_QueueFeatures_hash, kFontSizeKey,
+                IsFontSize(size) ? size : ClampedFontSize(size));
   return true;
 }
