@@ -14,6 +14,7 @@
 
 #include "cfeature.h"
 #include "cprinter.h"
+#include "featuretable.h"
 #include "filterrun.h"
 #include "installation.h"
 #include "optionlists.h"

@@ -24,6 +24,7 @@
 #include "Pixmaps.h"
 #include "Support.h"
 #include "cprinter.h"
+#include "featuretable.h"
 #include "heavyprinter.h"
 #include "installation.h"
 #include "optionlists.h"

@@ -1,5 +1,6 @@
 #include "OptionCombos.h"
 
+#include <algorithm>
 #include <cstring>
 #include <optional>
 #include <string>
@@ -12,10 +13,12 @@
 #include "constraints.h"
 #include "cprintqueue.h"
 #include "debug.h"
+#include "featuretable.h"
 #include "multipleup.h"
 #include "optionchange.h"
 #include "optionlists.h"
 #include "optionstate.h"
+#include "settingkeys.h"
 
 OptionChangeHooks G_OptionChangeHooks;
 
@@ -76,10 +79,10 @@ int RowWithText(const OptionList &list) {
 
 void ShowDependents(const char *feature, const std::string &option) {
   const OptionChangeHooks &hooks = G_OptionChangeHooks;
-  if (std::strcmp(feature, "*Delivery") == 0 && hooks.delivery_shown != nullptr) {
+  if (std::strcmp(feature, kDeliveryKey) == 0 && hooks.delivery_shown != nullptr) {
     hooks.delivery_shown(option.c_str());
   }
-  if (std::strcmp(feature, "*EmailNotification") == 0 && hooks.notification_shown != nullptr) {
+  if (std::strcmp(feature, kNotificationKey) == 0 && hooks.notification_shown != nullptr) {
     hooks.notification_shown(option.c_str());
   }
 }
@@ -125,7 +128,9 @@ void ShowOrderBoxes(NupOrderBoxes boxes) {
 
 // What shows how the sheet lies.
 void RedrawTurnedPictures() {
-  for (const char *feature : {"*StapleLocation", "*Punch", "*Duplex"}) RedrawOptionPicture(feature);
+  for (const ListedFeature &listed : ListedFeatures()) {
+    if (listed.turns_with_sheet) RedrawOptionPicture(listed.feature);
+  }
   if (CurrentQueueType().has_pages_a_sheet) Run(G_OptionChangeHooks.redraw_multiple_up);
 }
 
@@ -158,6 +163,24 @@ void AddOptionRow(GtkWidget *window, GtkGrid *grid, int row, const char *feature
   for (GtkWidget *widget : {label, widgets.combo, widgets.picture}) {
     if (widget != nullptr && !offered) gtk_widget_set_sensitive(widget, FALSE);
   }
+}
+
+void AddOptionRow(GtkWidget *window, GtkGrid *grid, const char *feature) {
+  const ListedFeature *listed = FindListedFeature(feature);
+  if (listed == nullptr) return;
+  AddOptionRow(window, grid, listed->row, feature, listed->label_key, listed->has_picture);
+}
+
+int AddOptionRows(GtkWidget *window, GtkGrid *grid, Page page) {
+  int free = 0;
+  for (const ListedFeature &listed : ListedFeatures()) {
+    if (listed.page != page) continue;
+    free = std::max(free, listed.row + 1);
+    const bool is_halftone = std::strcmp(listed.feature, kHalfToneKey) == 0;
+    if (is_halftone && !CurrentQueueType().has_halftones) continue;
+    AddOptionRow(window, grid, listed.feature);
+  }
+  return free;
 }
 
 void ForgetOptionRows() { L_Rows.clear(); }
@@ -202,7 +225,7 @@ void G_ComboBoxOptionChanged(const char *feature) {
     change_pixmap(row->picture, file.c_str());
   }
   G_FillAllComboWithOptions();
-  if (std::strcmp(feature, "*Orientation") == 0) RedrawTurnedPictures();
+  if (std::strcmp(feature, kOrientationKey) == 0) RedrawTurnedPictures();
   if (ChangesInstallableMarks(feature)) Run(G_OptionChangeHooks.refill_installables);
 }
 

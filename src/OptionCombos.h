@@ -5,12 +5,21 @@
 
 #include <gtk/gtk.h>
 
+#include "page.h"
+
 // A row of `grid`: label, combo and, when `with_picture`, the picture of the current choice. The
 // widgets are stored on `window` as "<row>Label", "<row>Combo", "<row>ComboEntry", "<row>Pixmap",
 // where <row> is the feature's name in ListedFeatures ("PaperSize"). Filled at once; a choice runs
 // G_ComboBoxOptionChanged. A printer without the feature: the row is empty and insensitive.
 void AddOptionRow(GtkWidget *window, GtkGrid *grid, int row, const char *feature,
                   const char *label_key, bool with_picture);
+
+// The same as the feature table has it.
+void AddOptionRow(GtkWidget *window, GtkGrid *grid, const char *feature);
+
+// The rows of all features of a page; for features that go with halftones, only where the queue's
+// type has them. The number of the first free row of `grid`.
+int AddOptionRows(GtkWidget *window, GtkGrid *grid, Page page);
 
 // Forgets all rows; for the end of the properties window.
 void ForgetOptionRows();

@@ -8,7 +8,10 @@
 #include "PropertiesWindow.h"
 #include "Support.h"
 #include "debug.h"
+#include "featuretable.h"
+#include "optionlists.h"
 #include "properties.h"
+#include "settingkeys.h"
 
 OptionTab NewOptionTab(const char *name) {
   GtkWidget *page = gtk_box_new(GTK_ORIENTATION_VERTICAL, kTabSpacing);
@@ -28,18 +31,19 @@ void AddDefaultsButton(const OptionTab &tab, const char *name, void (*pressed)()
   gtk_widget_show_all(tab.page);
 }
 
-DefaultsResult SetToDefaults(const std::vector<DefaultRow> &rows) {
+DefaultsResult SetToDefaults(Page page) {
   DefaultsResult result = DefaultsResult::kSame;
-  for (const DefaultRow &row : rows) {
-    const DefaultResult one = SetToDefault(row.feature);
+  for (const ListedFeature *listed : DefaultsOfPage(page)) {
+    if (!IsResetByDefaults(listed->feature)) continue;
+    const DefaultResult one = SetToDefault(listed->feature);
     if (one == DefaultResult::kNoDefault) {
-      Log(2, std::string("Unable to load the default option for ") + row.log_name);
+      Log(2, std::string("Unable to load the default option for ") + listed->default_name);
       return DefaultsResult::kStopped;
     }
     if (one == DefaultResult::kSame) continue;
     result = DefaultsResult::kChanged;
-    RedrawOptionPicture(row.feature);
-    if (std::strcmp(row.feature, "*Orientation") == 0) ShowTurnedSheet();
+    RedrawOptionPicture(listed->feature);
+    if (std::strcmp(listed->feature, kOrientationKey) == 0) ShowTurnedSheet();
   }
   return result;
 }

@@ -4,7 +4,7 @@
 
 #include <gtk/gtk.h>
 
-#include <vector>
+#include "page.h"
 
 inline constexpr int kTabBorder = 10;  // pixels
 inline constexpr int kTabSpacing = 8;
@@ -21,16 +21,11 @@ OptionTab NewOptionTab(const char *name);
 // last.
 void AddDefaultsButton(const OptionTab &tab, const char *name, void (*pressed)());
 
-struct DefaultRow {
-  const char *feature;
-  const char *log_name;  // what the log calls it
-};
-
 enum class DefaultsResult { kSame, kChanged, kStopped };
 
-// Sets the features to the printer's defaults, in order, each with its picture; a feature without a
-// default ends it there with a line in the log.
-[[nodiscard]] DefaultsResult SetToDefaults(const std::vector<DefaultRow> &rows);
+// Sets the features of a page to the printer's defaults, in order, each with its picture; a feature
+// without a default ends it there with a line in the log.
+[[nodiscard]] DefaultsResult SetToDefaults(Page page);
 
 // Refills the lists of installable options: the two of the administration, or the print tool's one.
 void RefillInstallableLists();

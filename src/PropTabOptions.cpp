@@ -14,6 +14,7 @@
 #include "optionlists.h"
 #include "optionstate.h"
 #include "properties.h"
+#include "settingkeys.h"
 
 std::unique_ptr<PropTabOptionsHelper> G_PropTabOptions_helper;
 
@@ -31,7 +32,7 @@ struct NupButtonFacts {
 
 constexpr std::array<NupButtonFacts, 7> L_Pages = {{
     {"Nup1", "DEF_BTN_1UP_TITLE", "1", "NUP_1"},
-    {"Booklet", "DEF_BTN_BOOKLET_TITLE", kBooklet, "BOOKLET"},
+    {"Booklet", "DEF_BTN_BOOKLET_TITLE", kBookletKey, "BOOKLET"},
     {"Nup2", "DEF_BTN_2UP_TITLE", "2", "NUP_2"},
     {"Nup4", "DEF_BTN_4UP_TITLE", "4", "NUP_4"},
     {"Nup6", "DEF_BTN_6UP_TITLE", "6", "NUP_6"},
@@ -216,14 +217,6 @@ void AddNupFrame(const OptionTab &tab) {
   G_OptionChangeHooks.redraw_multiple_up = RedrawAll;
 }
 
-std::vector<DefaultRow> RowsWithDefaults() {
-  std::vector<DefaultRow> rows;
-  if (HaveDefaultsResolution()) rows.push_back({"*Resolution", "Resolution"});
-  rows.push_back({"*OutputMode", "Print quality"});
-  rows.push_back({"*HalfTone", "Halftone"});
-  return rows;
-}
-
 }  // namespace
 
 GtkWidget *create_PropTabOptions() {
@@ -233,11 +226,8 @@ GtkWidget *create_PropTabOptions() {
   G_PropTabOptions_helper = std::make_unique<PropTabOptionsHelper>();
   G_PropTabOptions_helper->page = tab.page;
   GtkGrid *grid = GTK_GRID(tab.grid);
-  const QueueType &type = CurrentQueueType();
-  AddOptionRow(window, grid, 0, "*Resolution", "DEF_LBL_RESOLUTION", false);
-  AddOptionRow(window, grid, 1, "*OutputMode", "DEF_LBL_PRINTQUALITY", false);
-  if (type.has_halftones) AddOptionRow(window, grid, 2, "*HalfTone", "DEF_LBL_HALFTONE", false);
-  if (type.has_pages_a_sheet) AddNupFrame(tab);
+  AddOptionRows(window, grid, Page::kOptions);
+  if (CurrentQueueType().has_pages_a_sheet) AddNupFrame(tab);
   AddDefaultsButton(tab, "DefaultOptionsButton", ButtonOptionsDefaultsPressed);
   return tab.page;
 }
@@ -273,7 +263,7 @@ void G_RedrawMultipleUpPixmaps() {
 void G_RedrawMultipleNupOrdersPixmaps() {
   const LogScope log("G_RedrawMultipleNupOrdersPixmaps");
   if (!HasButtons()) return;
-  if (QueueFeatureValue("*Nup").empty()) {
+  if (QueueFeatureValue(kNupKey).empty()) {
     Log(2, "NUP not defined! There is no need for redrawing!");
     return;
   }
@@ -282,7 +272,7 @@ void G_RedrawMultipleNupOrdersPixmaps() {
 
 void ButtonOptionsDefaultsPressed() {
   const LogScope log("ButtonOptionsDefaultsPressed");
-  const DefaultsResult result = SetToDefaults(RowsWithDefaults());
+  const DefaultsResult result = SetToDefaults(Page::kOptions);
   if (result == DefaultsResult::kStopped) return;
   // The lists of installable options too: a resolution can conflict with what is installed.
   if (result == DefaultsResult::kChanged) RefillAfterDefaults();

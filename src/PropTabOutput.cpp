@@ -14,24 +14,14 @@ GtkWidget *create_PropTabOutput() {
   const OptionTab tab = NewOptionTab("OutputVbox");
   G_PropTabOutput_helper = std::make_unique<PropTabOutputHelper>(PropTabOutputHelper{tab.page});
   GtkGrid *grid = GTK_GRID(tab.grid);
-  AddOptionRow(window, grid, 0, "*OutputBin", "DEF_LBL_OUTPUTBIN", true);
-  AddOptionRow(window, grid, 1, "*Jog", "DEF_LBL_JOG", true);
-  AddOptionRow(window, grid, 2, "*StapleLocation", "DEF_LBL_STAPLE", true);
-  AddOptionRow(window, grid, 3, "*Punch", "DEF_LBL_PUNCH", true);
-  AddOptionRow(window, grid, 4, "*Orientation", "DEF_LBL_ORIENTATION", true);
-  AddOptionRow(window, grid, 5, "*EdgeToEdge", "DEF_LBL_EDGETOEDGE", true);
+  AddOptionRows(window, grid, Page::kOutput);
   AddDefaultsButton(tab, "DefaultOutputButton", ButtonOutputDefaultsPressed);
   return tab.page;
 }
 
 void ButtonOutputDefaultsPressed() {
   const LogScope log("ButtonOutputDefaultsPressed");
-  const DefaultsResult result = SetToDefaults({{"*OutputBin", "Output bin"},
-                                               {"*Jog", "Jog"},
-                                               {"*Orientation", "StaplePunchOrientation"},
-                                               {"*StapleLocation", "Staple"},
-                                               {"*Punch", "Punch"},
-                                               {"*EdgeToEdge", "EdgeToEdge"}});
+  const DefaultsResult result = SetToDefaults(Page::kOutput);
   if (result != DefaultsResult::kChanged) return;
   G_FillAllComboWithOptions();
   const bool administration = G_ProgName == kModeAdministration;

@@ -7,11 +7,7 @@
 
 void ButtonSetupDefaultsPressed() {
   const LogScope log("ButtonSetupDefaultsPressed");
-  const DefaultsResult result = SetToDefaults({{"*PageSize", "Paper size"},
-                                               {"*MediaType", "Paper type"},
-                                               {"*InputSlot", "Paper source"},
-                                               {"*Collate", "Collation"},
-                                               {"*Duplex", "Duplex"}});
+  const DefaultsResult result = SetToDefaults(Page::kSetup);
   if (result == DefaultsResult::kStopped) return;
   if (result == DefaultsResult::kChanged) RefillAfterDefaults();
   if (G_ProgName == kModePrintTool) {

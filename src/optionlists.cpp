@@ -10,6 +10,7 @@
 #include "debug.h"
 #include "optionstate.h"
 #include "printermodels.h"
+#include "settingkeys.h"
 
 namespace {
 
@@ -103,35 +104,14 @@ std::string CurrentOption(const CHash *features, const char *feature,
 
 }  // namespace
 
-const std::vector<ListedFeature> &ListedFeatures() {
-  static const std::vector<ListedFeature> features = {
-      {"*PageSize", "PaperSize"},
-      {"*MediaType", "PaperType"},
-      {"*InputSlot", "PaperSource"},
-      {"*Collate", "Collate"},
-      {"*Duplex", "Duplex"},
-      {"*OutputBin", "OutputBin"},
-      {"*Jog", "Jog"},
-      {"*StapleLocation", "Staple"},
-      {"*Punch", "Punch"},
-      {"*Orientation", "Orientation"},
-      {"*EdgeToEdge", "EdgeToEdge"},
-      {"*Resolution", "Resolution"},
-      {"*OutputMode", "PrintQuality"},
-      {"*HalfTone", "Halftone"},
-      {"*Delivery", "Delivery"},
-      {"*EmailNotification", "EmailNotifType"},
-  };
-  return features;
-}
-
 bool IsListFilled(const char *feature) {
-  return std::strcmp(feature, "*Resolution") != 0 ||
+  return std::strcmp(feature, kResolutionKey) != 0 ||
          PrinterModelOfNumber(G_PrinterModel).lists_resolutions;
 }
 
-bool HaveDefaultsResolution() {
-  return PrinterModelOfNumber(G_PrinterModel).defaults_set_resolution;
+bool IsResetByDefaults(const char *feature) {
+  return std::strcmp(feature, kResolutionKey) != 0 ||
+         PrinterModelOfNumber(G_PrinterModel).defaults_set_resolution;
 }
 
 void RepairCustomChoices() {

@@ -28,19 +28,12 @@ struct OptionList {
   std::string current_option;  // identifier of the current choice
 };
 
-// Features in the order in which their lists are filled.
-struct ListedFeature {
-  const char *feature;
-  const char *name;  // of its row of widgets: "PaperSize" for "PaperSizeCombo" and so on
-};
-const std::vector<ListedFeature> &ListedFeatures();
-
 // Whether the list of the feature is shown for the current printer model at all: resolutions are
 // left alone on models 1 and 2.
 [[nodiscard]] bool IsListFilled(const char *feature);
 
-// Whether Defaults of the Options tab sets the resolution: on models 3 to 6.
-[[nodiscard]] bool HaveDefaultsResolution();
+// Whether the Defaults button of the feature's page sets it: the resolution on models 3 to 6 only.
+[[nodiscard]] bool IsResetByDefaults(const char *feature);
 
 // Replaces a stored page size or media type that neither the printer nor the queue knows by the
 // printer's default, as filling the feature's list does.

@@ -1,15 +1,15 @@
 #include "optionstate.h"
 
-#include <algorithm>
 #include <array>
 #include <cstring>
-#include <string_view>
 
 #include "cfeature.h"
 #include "constraintindex.h"
 #include "cprinter.h"
 #include "cprintqueue.h"
+#include "featuretable.h"
 #include "ignoreresult.h"
+#include "settingkeys.h"
 
 Owned<CString> G_CurrentQueue_name;
 Owned<CPrintQueue> G_CurrentQueue;
@@ -28,14 +28,11 @@ bool G_CustomMediaIsCurrent = false;
 
 namespace {
 
-constexpr std::array<std::string_view, 6> L_ExemptFeatures = {
-    "*Orientation", "*EdgeToEdge", "*OutputMode", "*HalfTone", "*Delivery", "*EmailNotification"};
-
 constexpr std::array<CustomFacts, 2> L_Customs = {{
-    {CustomKind::kPaper, "*PageSize", "*CustomPageSize", "cps.xpm", &G_QueueCustomPapers_hash,
+    {CustomKind::kPaper, kPageSizeKey, kCustomPageSizeFeature, "cps.xpm", &G_QueueCustomPapers_hash,
      &G_CustomPaperIsCurrent},
-    {CustomKind::kMedia, "*MediaType", "*CustomMediaType", "cmt.xpm", &G_QueueCustomMedias_hash,
-     &G_CustomMediaIsCurrent},
+    {CustomKind::kMedia, kMediaTypeKey, kCustomMediaTypeFeature, "cmt.xpm",
+     &G_QueueCustomMedias_hash, &G_CustomMediaIsCurrent},
 }};
 
 }  // namespace
@@ -59,8 +56,8 @@ void SetCurrentQueue(Owned<CString> &&name, Owned<CPrintQueue> &&queue) {
 }
 
 bool IsExemptFeature(const char *feature) {
-  return feature != nullptr && std::find(L_ExemptFeatures.begin(), L_ExemptFeatures.end(),
-                                         feature) != L_ExemptFeatures.end();
+  const ListedFeature *listed = feature == nullptr ? nullptr : FindListedFeature(feature);
+  return listed != nullptr && listed->is_exempt;
 }
 
 const CFeature *PrinterFeature(const char *name) {

@@ -4,16 +4,7 @@
 #include <string>
 #include <vector>
 
-enum class Page {
-  kGeneral,
-  kSetup,
-  kOutput,
-  kOptions,
-  kDestination,
-  kFeatures,  // administration alone
-  kCustoms,   // administration alone
-  kFonts,
-};
+#include "page.h"
 
 struct PropertyPage {
   Page page;

@@ -1,31 +1,24 @@
 #include "pixmapnames.h"
 
-#include <array>
 #include <filesystem>
 #include <string_view>
 
 #include "cprintqueue.h"
 #include "debug.h"
+#include "featuretable.h"
 #include "optionstate.h"
 #include "paths.h"
 #include "printermodels.h"
+#include "settingkeys.h"
 
 namespace {
 
 constexpr size_t L_MakerPrefix = 3;  // "vek"
 
-template <size_t N>
-bool IsOneOf(std::string_view feature, const std::array<std::string_view, N> &features) {
-  for (const std::string_view one : features) {
-    if (one == feature) return true;
-  }
-  return false;
-}
-
 std::string PunchHoles(std::string_view feature, std::string_view option) {
   if (!PrinterModelOfNumber(G_PrinterModel).has_punch_unit_pictures) return "";
-  if (feature != "*Punch" || option == "None") return "";
-  const char *unit = HashText(G_QueueInstallableOptions_hash, "*OptionPunch");
+  if (feature != kPunchKey || option == "None") return "";
+  const char *unit = HashText(G_QueueInstallableOptions_hash, kPunchUnitKey);
   const std::string_view installed = unit == nullptr ? "" : unit;
   if (installed == "None" || installed == "Punch2Hole") return "2";
   if (installed == "Punch3Hole") return "3";
@@ -34,16 +27,16 @@ std::string PunchHoles(std::string_view feature, std::string_view option) {
 }
 
 std::string PagesASheet(std::string_view feature) {
-  if (feature != "*NupOrder") return "";
-  const std::string pages = QueueFeatureValue("*Nup");
+  if (feature != kNupOrderKey) return "";
+  const std::string pages = QueueFeatureValue(kNupKey);
   return pages == "2" || pages == "4" ? pages : "";
 }
 
 std::string OrientationLetter(std::string_view feature) {
-  static constexpr std::array<std::string_view, 6> kTurned = {
-      "*StapleLocation", "*Punch", "*Nup", "*NupOrder", "*Booklet", "*Duplex"};
-  if (!IsOneOf(feature, kTurned)) return "";
-  const std::string orientation = QueueFeatureValue("*Orientation");
+  const ListedFeature *listed = FindListedFeature(feature);
+  const bool is_layout = feature == kNupKey || feature == kNupOrderKey || feature == kBookletKey;
+  if (!is_layout && (listed == nullptr || !listed->turns_with_sheet)) return "";
+  const std::string orientation = QueueFeatureValue(kOrientationKey);
   if (orientation == "Portrait") return "P";
   return orientation == "Landscape" || orientation == "RotLandscape" ? "L" : "";
 }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "constraintmessages.h"
+#include "featuretable.h"
 #include "optionrows.h"
 
 namespace {

@@ -5,6 +5,7 @@
 #include "cfeature.h"
 #include "constraintmessages.h"
 #include "debug.h"
+#include "featuretable.h"
 #include "optionrows.h"
 
 namespace {

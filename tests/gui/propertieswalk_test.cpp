@@ -22,6 +22,7 @@
 #include "chelp.h"
 #include "cprinter.h"
 #include "cprinters.h"
+#include "featuretable.h"
 #include "fontmap.h"
 #include "foreignprinters.h"
 #include "guisupport.h"

@@ -34,7 +34,7 @@ DROPPABLE = {
     r"fDelete_\w+_Function|DeleteAs": "nothing is left that could be done",
     r"BuildPafFromPpd|BuildRange|fFillAllFromDef_Function|G_FillInstallableCLists|"
     r"G_SetStringWithConstrain|RemoveInexistentSystemVQueues": "always 1",
-    r"ListAppend": "the number of a row",
+    r"ListAppend|AddOptionRows": "the number of a row",
     r"operator": "an expression",
 }
 

@@ -14,6 +14,7 @@
 #include "ComboWidget.h"
 #include "OptionCombos.h"
 #include "Pixmaps.h"
+#include "featuretable.h"
 #include "guisupport.h"
 #include "optionlists.h"
 #include "paths.h"

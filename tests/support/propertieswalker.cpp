@@ -10,6 +10,7 @@
 #include "PropTabOptions.h"
 #include "PropertiesWindow.h"
 #include "Support.h"
+#include "featuretable.h"
 #include "guisupport.h"
 #include "optionlists.h"
 #include "xinput.h"

@@ -5,6 +5,7 @@
 
 #include "childprocess.h"
 #include "coresupport.h"
+#include "featuretable.h"
 #include "ignoreresult.h"
 #include "optionsupport.h"
 
@@ -131,11 +132,11 @@ TEST_F(OptionLists, KnownSizesAndTypesNeedNoRepairAndAPrinterWithoutThemGivesNon
 TEST_F(OptionLists, DefaultsSetTheResolutionOfModelsThreeToSix) {
   for (const int model : {3, 4, 5, 6}) {
     G_PrinterModel = model;
-    EXPECT_TRUE(HaveDefaultsResolution()) << model;
+    EXPECT_TRUE(IsResetByDefaults("*Resolution")) << model;
   }
   for (const int model : {0, 1, 2, 7}) {
     G_PrinterModel = model;
-    EXPECT_FALSE(HaveDefaultsResolution()) << model;
+    EXPECT_FALSE(IsResetByDefaults("*Resolution")) << model;
   }
 }
 
