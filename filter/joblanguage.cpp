@@ -4,9 +4,10 @@
 #include <cctype>
 #include <cstdint>
 
-#include "destination.h"
 #include "featurecode.h"
+#include "jobrules.h"
 #include "pclsettings.h"
+#include "settingkeys.h"
 #include "textencoding.h"
 #include "textscan.h"
 
@@ -85,11 +86,6 @@ class CommandList {
   std::string text_;
 };
 
-bool IsPin(std::string_view text) {
-  return text.size() == 4 &&
-         std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
-}
-
 // The delivery in force when it is one that takes a PIN, else null.
 const PpdChoice *DeliveryWithPin(const JobSettings &settings) {
   const PpdChoice *delivery = settings.Chosen("Delivery");
@@ -97,21 +93,21 @@ const PpdChoice *DeliveryWithPin(const JobSettings &settings) {
 }
 
 void AddDelivery(const JobSettings &settings, const JobIdentity &identity, CommandList *commands) {
-  const std::string pin = settings.Other("*DeliveryPIN");
+  const std::string pin = settings.Other(kPinKey);
   // Other deliveries keep an old PIN in the settings; it must not go out with them.
   if (DeliveryWithPin(settings) != nullptr && IsPin(pin)) commands->SetText("DELIVERYPIN", pin);
   const PpdChoice *notification = settings.Chosen("EmailNotification");
   if (notification == nullptr || notification->keyword == "None") return;
-  commands->SetText("EMAILADDRESS", settings.Other("*EmailAddress"));
+  commands->SetText("EMAILADDRESS", settings.Other(kEmailAddressKey));
   commands->SetText("EMAILSUBJECT", identity.event);
-  commands->SetText("EMAILMESSAGE", settings.Other("*EmailMessage"));
+  commands->SetText("EMAILMESSAGE", settings.Other(kEmailMessageKey));
 }
 
 std::string OwnCommands(const JobSettings &settings, const JobIdentity &identity,
                         bool with_copies) {
   CommandList commands(settings.Model().pjl_utf8);
-  const std::string name = settings.Other("*JobName");
-  commands.SetText("JOBNAME", name.empty() || name == "UseAppSetting" ? identity.title : name);
+  const std::string name = settings.Other(kJobNameKey);
+  commands.SetText("JOBNAME", name.empty() || name == kApplicationsJobName ? identity.title : name);
   commands.SetText("USERNAME", settings.UserName(identity.user));
   AddDelivery(settings, identity, &commands);
   if (with_copies && settings.Copies() > 1) {
@@ -183,13 +179,13 @@ std::string JobControlHeader(const JobSettings &settings, const JobIdentity &ide
 
 std::string DeliveryProblem(const JobSettings &settings) {
   constexpr char kNoWay[] = "cannot be asked for: the printer description has no ";
-  const std::string unknown = settings.Other("*Delivery");
+  const std::string unknown = settings.Other(kDeliveryKey);
   if (TakesPin(unknown)) {
     return "the delivery \"" + unknown + "\" " + kNoWay + "delivery of that name";
   }
   const PpdChoice *delivery = DeliveryWithPin(settings);
   if (delivery == nullptr) return {};
-  const std::string pin = settings.Other("*DeliveryPIN");
+  const std::string pin = settings.Other(kPinKey);
   // As in the window, where a job may be archived without a PIN.
   if (pin.empty() && !NeedsPin(delivery->keyword)) return {};
   const std::string name = "the delivery \"" + delivery->text + "\" ";

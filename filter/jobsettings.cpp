@@ -4,17 +4,14 @@
 #include <charconv>
 
 #include "decimal.h"
-#include "destination.h"
+#include "jobrules.h"
+#include "settingkeys.h"
 
 namespace kpx::filter {
 
 namespace {
 
-constexpr int kMostCopies = 32767;
 constexpr double kLongestSide = 1e5;  // points
-constexpr std::string_view kPaperKey = "*CustomPaperSize";
-constexpr std::string_view kMediaKey = "*CustomMediaType";
-constexpr char kUserKey[] = "*UserName";
 
 // The whole of `text` as a number, nothing when it is none.
 template <typename Number>
@@ -50,48 +47,39 @@ void JobSettings::ApplyQueue(const std::vector<KeyValue> &settings) {
   // The definitions stand behind the settings that name them.
   for (const KeyValue &setting : settings) Define(setting);
   Apply(settings);
-  queue_user_ = Other(kUserKey);
-  others_.erase(kUserKey);
+  queue_user_ = Other(kUserNameKey);
+  others_.erase(kUserNameKey);
 }
 
 void JobSettings::ApplyUser(const std::vector<KeyValue> &settings) {
   for (const KeyValue &setting : settings) {
-    if (setting.key != kUserKey || setting.value != queue_user_) Apply({setting});
+    if (setting.key != kUserNameKey || setting.value != queue_user_) Apply({setting});
   }
 }
 
 void JobSettings::Define(const KeyValue &setting) {
-  if (setting.key == kMediaKey) {
-    const size_t mark = setting.value.find("::");
-    if (mark != std::string::npos) {
-      medias_[setting.value.substr(0, mark)] = setting.value.substr(mark + 2);
-    }
+  if (setting.key == kCustomMediaKey) {
+    if (const auto media = CustomMediaOf(setting.value)) medias_[media->name] = media->shown_name;
   }
-  if (setting.key != kPaperKey) return;
-  const std::string &value = setting.value;
-  const size_t last = value.rfind("''");
-  const size_t first =
-      last == std::string::npos || last == 0 ? std::string::npos : value.rfind("''", last - 1);
-  const auto paper = first == std::string::npos
-                         ? std::nullopt
-                         : PaperOf(std::string_view(value).substr(first + 2, last - first - 2),
-                                   std::string_view(value).substr(last + 2));
+  if (setting.key != kCustomPaperKey) return;
+  const auto line = CustomPaperOf(setting.value);
+  const auto paper = line ? PaperOf(line->width, line->length) : std::nullopt;
   if (paper) {
-    papers_[value.substr(0, first)] = *paper;
+    papers_[line->name] = *paper;
   } else {
-    warnings_.push_back("\"" + setting.key + "=" + value +
+    warnings_.push_back("\"" + setting.key + "=" + setting.value +
                         "\" does not define a paper size; ignored");
   }
 }
 
 void JobSettings::Apply(const std::vector<KeyValue> &settings) {
   for (const KeyValue &setting : settings) {
-    if (setting.key != kPaperKey && setting.key != kMediaKey) ApplyOne(setting);
+    if (setting.key != kCustomPaperKey && setting.key != kCustomMediaKey) ApplyOne(setting);
   }
 }
 
 void JobSettings::ApplyOne(const KeyValue &setting) {
-  if (setting.key == "*NrCopies") {
+  if (setting.key == kCopiesKey) {
     const auto copies = NumberOf<int>(setting.value);
     if (copies && *copies >= 1 && *copies <= kMostCopies) {
       copies_ = *copies;
@@ -101,12 +89,11 @@ void JobSettings::ApplyOne(const KeyValue &setting) {
     return;
   }
   // A PIN is never looked up, so that it never gets into a warning.
-  const bool may_be_feature = setting.key.starts_with('*') && setting.key != "*DeliveryPIN";
+  const bool may_be_feature = setting.key.starts_with('*') && setting.key != kPinKey;
   const PpdFeature *feature = may_be_feature ? model_.FindFeature(setting.key.substr(1)) : nullptr;
   if (feature == nullptr) {
     // A booklet and several pages a sheet exclude each other: the one set later stays.
-    if (setting.key == "*Booklet") others_.erase("*Nup");
-    if (setting.key == "*Nup") others_.erase("*Booklet");
+    if (const char *out = KeyPutOutBy(setting.key); out != nullptr) others_.erase(out);
     others_[setting.key] = setting.value;
     return;
   }
@@ -176,7 +163,7 @@ std::optional<std::string> JobSettings::MediaName() const {
 }
 
 std::string JobSettings::UserName(const std::string &login) const {
-  const std::string own = Other(kUserKey);
+  const std::string own = Other(kUserNameKey);
   if (!own.empty()) return own;
   return IsSomebody(login) || queue_user_.empty() ? login : queue_user_;
 }

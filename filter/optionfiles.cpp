@@ -13,6 +13,7 @@
 #include "requestfile.h"
 #include "textencoding.h"
 #include "textline.h"
+#include "utils.h"
 
 namespace kpx::filter {
 
@@ -152,11 +153,6 @@ OptionFile ReadOwn(const Place &place, const std::string &login) {
   return text ? Read(*text) : Failed(place.path + ": " + std::strerror(errno));
 }
 
-// The directory of the users' files beside the queue's file, without "/" at its end.
-std::string UsersDirectory(const std::string &queue_file) {
-  return queue_file.substr(0, queue_file.rfind('/') + 1) + "users";
-}
-
 }  // namespace
 
 std::vector<KeyValue> ParseOptionWords(std::string_view options) {
@@ -173,7 +169,7 @@ std::string UserOptionFile(const std::string &queue_file, std::string_view user)
   const std::string login = LoginName(user);
   const std::string name = queue_file.substr(queue_file.rfind('/') + 1);
   if (login.empty() || name.empty() || login.find('/') != std::string::npos) return {};
-  return UsersDirectory(queue_file) + "/" + login + ":" + name;
+  return UsersDirectoryBeside(queue_file) + "/" + UserDefFileName(login, name);
 }
 
 OptionFile ReadQueueOptions(const std::string &path, bool has_options) {
@@ -201,7 +197,7 @@ OptionFile ReadRequestOptions(const std::string &queue_file, std::string_view us
     return Ignored(kRequestVariable, "it does not name a request");
   }
   const std::string login = LoginName(user);
-  const std::string path = RequestDirectory(UsersDirectory(queue_file), login);
+  const std::string path = RequestDirectory(UsersDirectoryBeside(queue_file), login);
   if (path.empty()) return {};
   OptionFile result;
   const int directory = OpenOwn({path, AT_FDCWD, path}, login, Kind::Directory, &result);

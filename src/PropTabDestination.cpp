@@ -13,6 +13,8 @@
 #include "debug.h"
 #include "entryfilters.h"
 #include "globals.h"
+#include "jobrules.h"
+#include "settingkeys.h"
 
 std::unique_ptr<PropTabDestinationHelper> G_PropTabDestination_helper;
 
@@ -20,7 +22,6 @@ namespace {
 
 using Helper = PropTabDestinationHelper;
 
-constexpr int L_PinLength = 4;
 constexpr int L_TextWidth = 32;  // characters that are seen at once, at least
 
 // A free text: its entry, what it is limited to, and the feature that holds it.
@@ -35,20 +36,20 @@ struct TextField {
 };
 
 constexpr TextField L_JobName = {&Helper::job_name,         "JobNameEntry", "JobNameLabel",
-                                 "DEF_LBL_JOBNAME",         "*JobName",     80,
+                                 "DEF_LBL_JOBNAME",         kJobNameKey,    80,
                                  Job_User_Message_EntryText};
 constexpr TextField L_UserName = {&Helper::user_name,        "UserNameEntry", "UserNameLabel",
-                                  "DEF_LBL_USERNAME",        "*UserName",     16,
+                                  "DEF_LBL_USERNAME",        kUserNameKey,    16,
                                   Job_User_Message_EntryText};
-constexpr TextField L_Pin = {&Helper::pin,   "PinEntry",  "PinLabel",  "DEF_LBL_PIN",
-                             "*DeliveryPIN", L_PinLength, PinEntryText};
+constexpr TextField L_Pin = {&Helper::pin, "PinEntry", "PinLabel",  "DEF_LBL_PIN",
+                             kPinKey,      kPinLength, PinEntryText};
 constexpr TextField L_Address = {&Helper::email_address,   "EmailNotifAddressEntry",
                                  "EmailNotifAddressLabel", "DEF_LBL_ADDRESS",
-                                 "*EmailAddress",          255,
+                                 kEmailAddressKey,         255,
                                  EmailAddressEntryText};
 constexpr TextField L_Message = {&Helper::email_message,    "EmailNotifMessageEntry",
                                  "EmailNotifMessageLabel",  "DEF_LBL_MESSAGE",
-                                 "*EmailMessage",           255,
+                                 kEmailMessageKey,          255,
                                  Job_User_Message_EntryText};
 
 std::string TextIn(GtkWidget *entry) {
@@ -81,7 +82,7 @@ void AddTextRow(GtkGrid *grid, int row, const TextField &field) {
 
 void AddPinRow(GtkGrid *grid, int row) {
   GtkWidget *entry = NewTextEntry(L_Pin);
-  gtk_entry_set_width_chars(GTK_ENTRY(entry), L_PinLength + 2);
+  gtk_entry_set_width_chars(GTK_ENTRY(entry), static_cast<int>(kPinLength) + 2);
   gtk_entry_set_input_purpose(GTK_ENTRY(entry), GTK_INPUT_PURPOSE_DIGITS);
   GtkWidget *range =
       NewLabel(G_PropertiesWindow_helper->window, "PinRangeLabel", "( 0000 - 9999 )", nullptr);
@@ -131,7 +132,7 @@ void AddJobRows(GtkGrid *grid) {
   AddPinRow(grid, 3);
   if (G_ProgName == kModeAdministration) AddPinWarning(grid, 4);
   DeliveryShown(nullptr);
-  AddOptionRow(G_PropertiesWindow_helper->window, grid, 2, "*Delivery", "DEF_LBL_DELIVERY", false);
+  AddOptionRow(G_PropertiesWindow_helper->window, grid, kDeliveryKey);
 }
 
 GtkWidget *NewNotificationFrame() {
@@ -144,7 +145,7 @@ GtkWidget *NewNotificationFrame() {
   AddTextRow(grid, 1, L_Address);
   AddTextRow(grid, 2, L_Message);
   NotificationShown(nullptr);
-  AddOptionRow(window, grid, 0, "*EmailNotification", "DEF_LBL_EMAILTYPE", false);
+  AddOptionRow(window, grid, kNotificationKey);
   return frame;
 }
 
@@ -207,9 +208,9 @@ DestinationEntries ReadDestinationEntries() {
   const Helper &helper = *G_PropTabDestination_helper;
   return {TextIn(helper.job_name),
           TextIn(helper.user_name),
-          TextIn(OptionComboEntry("*Delivery")),
+          TextIn(OptionComboEntry(kDeliveryKey)),
           TextIn(helper.pin),
-          TextIn(OptionComboEntry("*EmailNotification")),
+          TextIn(OptionComboEntry(kNotificationKey)),
           TextIn(helper.email_address),
           TextIn(helper.email_message)};
 }

@@ -10,24 +10,25 @@
 #include "PropertiesWindow.h"
 #include "Support.h"
 #include "debug.h"
+#include "jobrules.h"
 #include "optionstate.h"
+#include "settingkeys.h"
 
 std::unique_ptr<PropTabSetupHelper> G_PropTabSetup_helper;
 
 namespace {
 
-constexpr int L_MostCopies = 32767;
-
 void AddCopiesRow(GtkWidget *window, GtkGrid *grid, int row) {
-  GtkWidget *spin = gtk_spin_button_new_with_range(1, L_MostCopies, 1);
+  GtkWidget *spin = gtk_spin_button_new_with_range(1, kMostCopies, 1);
   StoreWidget(window, spin, "NrCopiesSpinbutton");
   gtk_spin_button_set_increments(GTK_SPIN_BUTTON(spin), 1, 10);
   gtk_spin_button_set_numeric(GTK_SPIN_BUTTON(spin), TRUE);
-  const int copies = std::atoi(QueueFeatureValue("*NrCopies").c_str());
+  const int copies = std::atoi(QueueFeatureValue(kCopiesKey).c_str());
   gtk_spin_button_set_value(GTK_SPIN_BUTTON(spin), copies);
   G_PropTabSetup_helper->copies = spin;
 
-  GtkWidget *range = NewLabel(window, "NrCopiesRangeLabel", "( 1 - 32767 )", nullptr);
+  const std::string range_text = "( 1 - " + std::to_string(kMostCopies) + " )";
+  GtkWidget *range = NewLabel(window, "NrCopiesRangeLabel", range_text.c_str(), nullptr);
   AddField(window, grid, row, {"NrCopiesLabel", "DEF_LBL_COPIES"}, NewDescribedField(spin, range),
            spin);
 }
@@ -40,12 +41,8 @@ GtkWidget *create_PropTabSetup() {
   GtkWidget *window = G_PropertiesWindow_helper->window;
   const OptionTab tab = NewOptionTab("SetupVbox");
   GtkGrid *grid = GTK_GRID(tab.grid);
-  AddOptionRow(window, grid, 0, "*PageSize", "DEF_LBL_PAPERSIZE", true);
-  AddOptionRow(window, grid, 1, "*MediaType", "DEF_LBL_PAPERTYPE", true);
-  AddOptionRow(window, grid, 2, "*InputSlot", "DEF_LBL_PAPERSOURCE", true);
-  AddOptionRow(window, grid, 3, "*Collate", "DEF_LBL_COLLATE", true);
-  AddOptionRow(window, grid, 4, "*Duplex", "DEF_LBL_DUPLEX", true);
-  AddCopiesRow(window, grid, 5);
+  const int copies_row = AddOptionRows(window, grid, Page::kSetup);
+  AddCopiesRow(window, grid, copies_row);
   AddDefaultsButton(tab, "DefaultSetupButton", ButtonSetupDefaultsPressed);
   return tab.page;
 }

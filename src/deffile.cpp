@@ -9,7 +9,9 @@
 #include "cmessages.h"
 #include "debug.h"
 #include "ignoreresult.h"
+#include "jobrules.h"
 #include "paths.h"
+#include "settingkeys.h"
 #include "textfile.h"
 #include "textline.h"
 #include "utils.h"
@@ -40,14 +42,14 @@ void AppendPairs(std::string &text, const CHash *settings) {
 void AppendCustomSizes(std::string &text, const CPrintQueue *queue) {
   for (const auto [name, size] : Pairs<CCpsParams>(queue->CustomPapers.get())) {
     if (size == nullptr) continue;
-    AppendPair(text, "*CustomPaperSize",
-               std::string(name) + "''" + WholeNumber(fGetWidth_Function(size)) + "''" +
-                   WholeNumber(fGetLength_Function(size)));
+    AppendPair(text, kCustomPaperKey,
+               CustomPaperValue({std::string(name), WholeNumber(fGetWidth_Function(size)),
+                                 WholeNumber(fGetLength_Function(size))}));
   }
   for (const auto [name, media] : Pairs<CCmtParams>(queue->CustomMedias.get())) {
     const char *gui_name = fGet_CString_Value_Function(fGetGuiName_Function(media));
     if (gui_name != nullptr) {
-      AppendPair(text, "*CustomMediaType", std::string(name) + "::" + gui_name);
+      AppendPair(text, kCustomMediaKey, CustomMediaValue({std::string(name), gui_name}));
     }
   }
 }
@@ -66,8 +68,7 @@ FileContent QueueDefFile(const CPrintQueue *queue, const char *def_file) {
 }
 
 void PutOption(CHash *options, const KeyValue &setting) {
-  if (setting.key == "*Booklet") HashRemove(options, "*Nup");
-  if (setting.key == "*Nup") HashRemove(options, "*Booklet");
+  if (const char *out = KeyPutOutBy(setting.key); out != nullptr) HashRemove(options, out);
   IgnoreResult(HashPutText(options, setting.key.c_str(), setting.value.c_str()),
                "the dictionary is there");
 }

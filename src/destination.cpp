@@ -6,39 +6,32 @@
 #include "cmessages.h"
 #include "debug.h"
 #include "emailaddress.h"
+#include "featuretable.h"
+#include "jobrules.h"
 #include "optionlists.h"
 #include "optionstate.h"
 #include "properties.h"
+#include "settingkeys.h"
 #include "utils.h"
 
 namespace {
-
-constexpr char L_ApplicationsJobName[] = "UseAppSetting";
-constexpr char L_JobName[] = "*JobName";
-constexpr char L_UserName[] = "*UserName";
-constexpr char L_Delivery[] = "*Delivery";
-constexpr char L_Pin[] = "*DeliveryPIN";
-constexpr char L_Notification[] = "*EmailNotification";
-constexpr char L_EmailAddress[] = "*EmailAddress";
-constexpr char L_EmailMessage[] = "*EmailMessage";
-
-constexpr char L_HoldForPin[] = "HoldJobUntilYouEnterPIN";
-constexpr char L_Archive[] = "ArchiveToDocumentServer";
-constexpr char L_NoNotification[] = "None";
-
-constexpr size_t L_PinLength = 4;
 
 bool PrinterHas(const char *feature) {
   return HashFind(G_PrinterFeatures_hash, feature) != nullptr;
 }
 
-// Whether a list that shows `display_string` shows that option.
-bool Shows(const std::string &display_string, const char *feature, const char *option) {
-  const CHash *options =
-      fGet_Options_Function(HashValue<CFeature>(G_PrinterFeatures_hash, feature));
-  const char *text = HashText(options, option);
-  return text != nullptr && TextWithoutMark(display_string) == text;
+// Whether a list that shows `display_string` shows an option that is such a one.
+bool Shows(const std::string &display_string, const char *feature, bool (*such)(std::string_view)) {
+  const std::string shown = TextWithoutMark(display_string);
+  const CFeature *record = HashValue<CFeature>(G_PrinterFeatures_hash, feature);
+  for (const auto [option, display] : Pairs<CString>(fGet_Options_Function(record))) {
+    const char *text = fGet_CString_Value_Function(display);
+    if (text != nullptr && shown == text && such(option)) return true;
+  }
+  return false;
 }
+
+bool IsNoNotification(std::string_view option) { return option == "None"; }
 
 void Store(const char *feature, const std::string &value) {
   SetQueueValue(G_QueueFeatures_hash, feature, value);
@@ -50,40 +43,29 @@ void StoreOrRemove(const char *feature, const std::string &value) {
 }
 
 void StoreJobName(const std::string &text) {
-  const bool is_applications = text == G_Translate(L_ApplicationsJobName);
-  StoreOrRemove(L_JobName, !text.empty() && is_applications ? L_ApplicationsJobName : text);
+  const bool is_applications = text == G_Translate(kApplicationsJobName);
+  StoreOrRemove(kJobNameKey, !text.empty() && is_applications ? kApplicationsJobName : text);
 }
 
 // False when the PIN is refused.
 bool StorePin(const DestinationEntries &entries) {
-  if (!PrinterHas(L_Delivery)) return true;
-  const bool hold = Shows(entries.delivery_text, L_Delivery, L_HoldForPin);
-  if (!hold && !Shows(entries.delivery_text, L_Delivery, L_Archive)) return true;
-  const bool complete = entries.pin.size() == L_PinLength;
+  if (!PrinterHas(kDeliveryKey)) return true;
+  const bool hold = Shows(entries.delivery_text, kDeliveryKey, NeedsPin);
+  if (!hold && !Shows(entries.delivery_text, kDeliveryKey, TakesPin)) return true;
+  const bool complete = entries.pin.size() == kPinLength;
   if (!complete && (hold || !entries.pin.empty())) return false;
-  StoreOrRemove(L_Pin, entries.pin);
+  StoreOrRemove(kPinKey, entries.pin);
   return true;
 }
 
 // False when the address is refused.
 bool StoreNotification(DestinationEntries &entries) {
-  if (!PrinterHas(L_Notification)) return true;
-  if (Shows(entries.notification_text, L_Notification, L_NoNotification)) return true;
+  if (!PrinterHas(kNotificationKey)) return true;
+  if (Shows(entries.notification_text, kNotificationKey, IsNoNotification)) return true;
   if (IsValidEmailAddresses(entries.email_address, true) == 0) return false;
-  Store(L_EmailAddress, entries.email_address);
+  Store(kEmailAddressKey, entries.email_address);
   // Kept on purpose: an empty message leaves the old one.
-  if (!entries.email_message.empty()) Store(L_EmailMessage, entries.email_message);
-  return true;
-}
-
-// False without a default.
-bool SetDefault(const char *feature, const char *called, bool *changed) {
-  const DefaultResult result = SetToDefault(feature);
-  if (result == DefaultResult::kNoDefault) {
-    Log(2, std::string("Unable to load the default option for ") + called);
-    return false;
-  }
-  if (result == DefaultResult::kChanged) *changed = true;
+  if (!entries.email_message.empty()) Store(kEmailMessageKey, entries.email_message);
   return true;
 }
 
@@ -93,31 +75,25 @@ std::string DestinationText(const char *feature) {
   const LogScope log("DestinationText");
   if (feature == nullptr) return "";
   const std::string_view key = feature;
-  if (key == L_JobName && UsesApplicationsJobName()) return G_Translate(L_ApplicationsJobName);
+  if (key == kJobNameKey && UsesApplicationsJobName()) return G_Translate(kApplicationsJobName);
   const char *value = HashText(G_QueueFeatures_hash, feature);
-  if (value == nullptr && key == L_UserName) value = GetUserName(nullptr);
+  if (value == nullptr && key == kUserNameKey) value = GetUserName(nullptr);
   return value == nullptr ? "" : value;
 }
 
 bool UsesApplicationsJobName() {
-  const char *value = HashText(G_QueueFeatures_hash, L_JobName);
-  return value == nullptr || std::string_view(value) == L_ApplicationsJobName;
+  const char *value = HashText(G_QueueFeatures_hash, kJobNameKey);
+  return value == nullptr || std::string_view(value) == kApplicationsJobName;
 }
-
-bool TakesPin(const std::string &delivery_option) {
-  return delivery_option == L_HoldForPin || delivery_option == L_Archive;
-}
-
-bool NeedsPin(const std::string &delivery_option) { return delivery_option == L_HoldForPin; }
 
 bool Notifies(const std::string &notification_option) {
-  return notification_option != L_NoNotification;
+  return !IsNoNotification(notification_option);
 }
 
 DestinationFault StoreDestination(DestinationEntries &entries) {
   const LogScope log("StoreDestination");
   StoreJobName(entries.job_name);
-  StoreOrRemove(L_UserName, entries.user_name);
+  StoreOrRemove(kUserNameKey, entries.user_name);
   if (!StorePin(entries)) return DestinationFault::kPin;
   return StoreNotification(entries) ? DestinationFault::kNone : DestinationFault::kEmail;
 }
@@ -125,9 +101,15 @@ DestinationFault StoreDestination(DestinationEntries &entries) {
 bool SetDestinationDefaults(bool *changed) {
   const LogScope log("SetDestinationDefaults");
   *changed = false;
-  if (!SetDefault(L_Delivery, "Delivery type", changed)) return false;
-  if (!SetDefault(L_Notification, "Email notification", changed)) return false;
-  for (const char *key : {L_JobName, L_UserName, L_Pin, L_EmailAddress, L_EmailMessage}) {
+  for (const ListedFeature *listed : DefaultsOfPage(Page::kDestination)) {
+    const DefaultResult result = SetToDefault(listed->feature);
+    if (result == DefaultResult::kNoDefault) {
+      Log(2, std::string("Unable to load the default option for ") + listed->default_name);
+      return false;
+    }
+    if (result == DefaultResult::kChanged) *changed = true;
+  }
+  for (const char *key : {kJobNameKey, kUserNameKey, kPinKey, kEmailAddressKey, kEmailMessageKey}) {
     HashRemove(G_QueueFeatures_hash, key);
   }
   return true;

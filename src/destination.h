@@ -13,12 +13,6 @@ std::string DestinationText(const char *feature);
 // text.
 [[nodiscard]] bool UsesApplicationsJobName();
 
-// What is typed for the delivery counts as a PIN only with one of the two deliveries that take one.
-[[nodiscard]] bool TakesPin(const std::string &delivery_option);
-
-// Which of the two cannot do without one.
-[[nodiscard]] bool NeedsPin(const std::string &delivery_option);
-
 // Address and message count for every notification but "None".
 [[nodiscard]] bool Notifies(const std::string &notification_option);
 

@@ -13,10 +13,12 @@
 #include "deffile.h"
 #include "globals.h"
 #include "ignoreresult.h"
+#include "jobrules.h"
 #include "paths.h"
 #include "porting.h"
 #include "printermodels.h"
 #include "scriptreader.h"
+#include "settingkeys.h"
 #include "textencoding.h"
 #include "textfile.h"
 #include "textline.h"
@@ -87,23 +89,21 @@ std::string ModelOfParameter(const std::string &parameter) {
   return model;
 }
 
-// "name''width''length" of a custom paper, "name::shown name" of a custom media.
 void PutCustomPaper(CHash *papers, const std::string &value) {
-  const size_t first = value.find("''");
-  const size_t second = first == std::string::npos ? first : value.find("''", first + 2);
-  if (second == std::string::npos) return;
-  const double width = NumberFromText(value.substr(first + 2, second - first - 2));
-  const double length = NumberFromText(value.substr(second + 2));
+  const std::optional<CustomPaperLine> line = CustomPaperOf(value);
+  if (!line) return;
+  const double width = NumberFromText(line->width);
+  const double length = NumberFromText(line->length);
   if (width == 0 || length == 0) return;
-  IgnoreResult(HashPut(papers, value.substr(0, first).c_str(), CreateCpsParams(width, length)),
+  IgnoreResult(HashPut(papers, line->name.c_str(), CreateCpsParams(width, length)),
                "the dictionary is there");
 }
 
 void PutCustomMedia(CHash *medias, const std::string &value) {
-  const size_t colons = value.find("::");
-  if (colons == std::string::npos) return;
-  IgnoreResult(HashPut(medias, value.substr(0, colons).c_str(),
-                       CreateCmtParams(CreateStringWithValue(value.substr(colons + 2).c_str()))),
+  const std::optional<CustomMediaLine> line = CustomMediaOf(value);
+  if (!line) return;
+  IgnoreResult(HashPut(medias, line->name.c_str(),
+                       CreateCmtParams(CreateStringWithValue(line->shown_name.c_str()))),
                "the dictionary is there");
 }
 
@@ -112,9 +112,9 @@ void FillFromOptionFile(CPrintQueue *queue, const CPrinter *printer, const std::
   const std::optional<std::string> text = ReadOwnFile(path);
   if (!text) return;
   for (const KeyValue &setting : KeyValuesOf(*text)) {
-    if (setting.key == "*CustomPaperSize") {
+    if (setting.key == kCustomPaperKey) {
       PutCustomPaper(queue->CustomPapers.get(), setting.value);
-    } else if (setting.key == "*CustomMediaType") {
+    } else if (setting.key == kCustomMediaKey) {
       PutCustomMedia(queue->CustomMedias.get(), setting.value);
     } else {
       const bool is_part =

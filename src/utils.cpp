@@ -56,8 +56,16 @@ int BuildUserDefFileName(const char *user, const char *queue, std::string *out) 
   if (queue == nullptr || out == nullptr) return 0;
   const char *name = GetUserName(user);
   if (name == nullptr) return 0;
-  *out = std::string(name) + ":" + queue;
+  *out = UserDefFileName(name, queue);
   return 1;
+}
+
+std::string UserDefFileName(std::string_view login, std::string_view def_file) {
+  return std::string(login).append(":").append(def_file);
+}
+
+std::string UsersDirectoryBeside(std::string_view queue_file) {
+  return std::string(queue_file.substr(0, queue_file.rfind('/') + 1)) + "users";
 }
 
 Owned<CList> GetFilesFromDir(const char *path) {

@@ -4,6 +4,7 @@
 #include <sys/types.h>
 
 #include <string>
+#include <string_view>
 
 #include "clist.h"
 
@@ -20,6 +21,13 @@ const char *GetHomeDir(const char *user);
 // Writes "<login name>:<queue>" to `out`: 1; 0 and no change when the user is unknown or `queue` or
 // `out` is null.
 [[nodiscard]] int BuildUserDefFileName(const char *user, const char *queue, std::string *out);
+
+// The name of the option file of the user `login` for a queue whose own is called `def_file`.
+std::string UserDefFileName(std::string_view login, std::string_view def_file);
+
+// The directory of the users' option files, without "/" at its end: it is beside the queues' own,
+// one of which has the path `queue_file`.
+std::string UsersDirectoryBeside(std::string_view queue_file);
 
 // The names (CString) of a directory's entries except "." and "..", in the directory's own order;
 // null when `path` is null or cannot be read.

@@ -6,6 +6,7 @@
 #include "childprocess.h"
 #include "cprinter.h"
 #include "debug.h"
+#include "jobrules.h"
 #include "must.h"
 #include "optionlists.h"
 #include "optionstate.h"

@@ -2,7 +2,7 @@
 kpx_add_test(NAME filter_conversion SOURCES unit/filter_ppd_test.cpp unit/filter_paf_test.cpp
              LIBS kpx_filter LABEL unit)
 kpx_add_test(NAME filter_jobs LIBS kpx_filter LABEL unit
-  SOURCES unit/filter_settings_test.cpp unit/filter_kind_test.cpp unit/filter_postscript_test.cpp
+  SOURCES unit/jobrules_test.cpp unit/filter_settings_test.cpp unit/filter_kind_test.cpp unit/filter_postscript_test.cpp
           unit/filter_joblanguage_test.cpp unit/filter_text_test.cpp)
 kpx_add_test(NAME filter_corpus SOURCES e2e/filter_corpus_test.cpp
              LIBS kpx_core kpx_filterrun Cups::Cups LABEL e2e TIMEOUT 600)
