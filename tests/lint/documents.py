@@ -21,7 +21,7 @@ ENTRY = re.compile(r"^### ([^\n]*)\n\n(?:\*\*(.*?)\.\*\*)?", re.M | re.S)
 LISTED = re.compile(r"^- \[(.*?)\]\(#(.*?)\) (.*)$", re.M)
 LINK = re.compile(r"\]\(([^)\s]+)\)")
 NAMED_TEST = re.compile(r"ctest [^`\n]*-R '?([^\s'`]+)|[Tt]he test `(\w+)`")
-CODE = re.compile(r"^```.*?^```$|^    .*$", re.M | re.S)
+CODE = re.compile(r"^```.*?^```$|^    [^\n]*$", re.M | re.S)
 
 
 def tracked(root):
@@ -48,8 +48,11 @@ def decision_faults(text):
         yield f"{DECISIONS}: {name} is given more than once"
     for section in re.split(r"^## ", text, flags=re.M)[1:]:
         found = re.findall(r"^### (D-[a-z]+)-\d+$", section, re.M)
+        heading = section.splitlines()[0]
         if len(set(found)) > 1:
-            yield f"{DECISIONS}: \"{section.splitlines()[0]}\" has ids of {len(set(found))} forms"
+            yield f"{DECISIONS}: \"{heading}\" has ids of {len(set(found))} forms"
+        if not found and heading != "Contents":
+            yield f"{DECISIONS}: \"{heading}\" is a section without an entry"
     listed = [(name, title) for name, anchor, title in LISTED.findall(text) if anchor == name.lower()]
     for name, title in entries:
         if (name, title) not in listed:

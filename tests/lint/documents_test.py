@@ -47,6 +47,10 @@ No title.
 ### D-good-1
 
 **Lacking.** It is in no list.
+
+## Stray
+
+A section of its own.
 """
 
 PAGE = """# A page
@@ -56,6 +60,8 @@ PAGE = """# A page
 See D-words-2 and D-words-4. Run `ctest --preset release -R good`, `ctest -R '^goo$'` and the test `bad`.
 
     [code](code.md)
+
+[after code](gone.md)
 
 | fault | test |
 |---|---|
@@ -72,6 +78,7 @@ EXPECTED = """docs/decisions.md: D-other-1 has no title
 docs/decisions.md: "Old style" is not an id
 docs/decisions.md: D-words-1 is given more than once
 docs/decisions.md: "Words" has ids of 2 forms
+docs/decisions.md: "Stray" is a section without an entry
 docs/decisions.md: the contents lack D-other-1 
 docs/decisions.md: the contents lack Old style Old style
 docs/decisions.md: the contents lack D-good-1 Lacking
@@ -83,6 +90,7 @@ source.cpp: there is no decision D-words-5
 docs/decisions.md: the page has no heading #d-words-9
 docs/page.md: page.md has no heading #a-leaf
 docs/page.md: there is no none.md
+docs/page.md: there is no gone.md
 docs/page.md: no test fits ^goo$
 docs/page.md: there is no test bad
 docs/page.md: there is no test worse

@@ -14,6 +14,13 @@ target_compile_definitions(test_package PRIVATE KPX_MAKEQUEUES="$<TARGET_FILE:ma
 add_dependencies(test_package makequeues)
 set_tests_properties(package PROPERTIES FIXTURES_REQUIRED "stage;package")
 
+# docs/guide.md, followed from the package on.
+kpx_add_test(NAME guide LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full STAGE ${KPX_NO_STAGE}
+  SOURCES e2e/guide_test.cpp support/printerjobs.cpp)
+target_compile_definitions(test_guide PRIVATE KPX_GUIDE="${CMAKE_SOURCE_DIR}/docs/guide.md"
+  KPX_PROJECT_VERSION="${PROJECT_VERSION}" KPX_PACKAGE_DIR="${KPX_PACKAGE}")
+set_tests_properties(guide PROPERTIES FIXTURES_REQUIRED "stage;package")
+
 # In a minimal Debian of its own, which is downloaded.
 if(KPX_LONG)
   add_test(NAME package_minimal_root
