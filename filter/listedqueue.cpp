@@ -6,6 +6,7 @@
 #include "queuelistkeep.h"
 #include "queuelistreader.h"
 #include "textencoding.h"
+#include "textfile.h"
 #include "unfinishedsave.h"
 
 namespace kpx::filter {

@@ -8,7 +8,7 @@
 #include "cprintqueue.h"
 #include "debug.h"
 #include "optionstate.h"
-#include "printerpicture.h"
+#include "printerpicturefiles.h"
 
 namespace {
 
@@ -27,7 +27,7 @@ void DrawOverlay(GtkWidget *overlay, size_t group, const std::string &file) {
 
 GtkWidget *NewPrinterPicture(GtkWidget *window) {
   const LogScope log("NewPrinterPicture");
-  const PrinterPicture files = CurrentPrinterPicture();
+  const PrinterPictureFiles files = CurrentPrinterPictureFiles();
   GtkWidget *fixed = StoreWidget(window, gtk_fixed_new(), "PrinterPixmapsFixed");
   GtkWidget *base =
       StoreWidget(window, create_pixmap(window, files.base.c_str()), "PrinterBasePixmap");
@@ -52,7 +52,7 @@ void RedrawFeaturesPixmaps() {
   GtkWidget *window = G_PropertiesWindow_helper->window;
   GtkWidget *base = lookup_widget(window, "PrinterBasePixmap");
   if (base == nullptr) return;
-  const PrinterPicture files = CurrentPrinterPicture();
+  const PrinterPictureFiles files = CurrentPrinterPictureFiles();
   change_pixmap(base, files.base.c_str());
   for (size_t group = 0; group < kPrinterOptionGroups; ++group) {
     DrawOverlay(lookup_widget(window, OverlayName(group).c_str()), group, files.overlays.at(group));

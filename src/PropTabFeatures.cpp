@@ -18,7 +18,7 @@
 #include "installables.h"
 #include "optionlists.h"
 #include "optionstate.h"
-#include "printerpicture.h"
+#include "printerpicturefiles.h"
 #include "settingkeys.h"
 
 std::unique_ptr<PropTabFeaturesHelper> G_PropTabFeatures_helper;

@@ -3,6 +3,7 @@
 #include "cmessages.h"
 #include "debug.h"
 #include "ignoreresult.h"
+#include "textfile.h"
 
 namespace {
 

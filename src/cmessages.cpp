@@ -6,6 +6,7 @@
 #include "debug.h"
 #include "globals.h"
 #include "ignoreresult.h"
+#include "textfile.h"
 
 namespace {
 

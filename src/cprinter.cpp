@@ -4,6 +4,7 @@
 #include "cmessages.h"
 #include "debug.h"
 #include "pafreader.h"
+#include "textfile.h"
 
 namespace {
 

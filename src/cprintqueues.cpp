@@ -12,6 +12,7 @@
 #include "queuelistreader.h"
 #include "queuelistwriter.h"
 #include "textencoding.h"
+#include "textfile.h"
 #include "utils.h"
 
 namespace {

@@ -9,6 +9,7 @@
 #include "globals.h"
 #include "ignoreresult.h"
 #include "paths.h"
+#include "textfile.h"
 #include "textscan.h"
 
 namespace {

@@ -11,6 +11,7 @@
 #include "pafreader.h"
 #include "paths.h"
 #include "textencoding.h"
+#include "textfile.h"
 #include "utils.h"
 
 namespace {

@@ -1,9 +1,7 @@
 #include "textencoding.h"
 
-#include <fcntl.h>
 #include <iconv.h>
 #include <langinfo.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -12,7 +10,6 @@
 #include <cstring>
 
 #include "textscan.h"
-#include "uninterrupted.h"
 
 namespace {
 
@@ -188,26 +185,4 @@ std::optional<std::string> LineReader::NextDroppingLast() {
     line->resize(Utf8Prefix(*line, line->size() - 1).size());
   }
   return line;
-}
-
-std::optional<std::string> ReadWholeFile(const std::string &path) {
-  return ReadFileStart(path, std::string::npos);
-}
-
-std::optional<std::string> ReadFileStart(const std::string &path, size_t max_bytes) {
-  const int file = Uninterrupted(open, path.c_str(), O_RDONLY | O_CLOEXEC);
-  if (file == -1) return std::nullopt;
-  std::string content;
-  char buffer[16384];
-  ssize_t count = 0;
-  do {
-    const size_t wanted = std::min(sizeof buffer, max_bytes - content.size());
-    count = Uninterrupted(read, file, buffer, wanted);
-    if (count > 0) content.append(buffer, static_cast<size_t>(count));
-  } while (count > 0);
-  const int error = errno;
-  close(file);
-  errno = error;
-  if (count < 0) return std::nullopt;
-  return content;
 }

@@ -75,10 +75,3 @@ class LineReader {
   bool had_line_feed_ = true;
   int line_number_ = 0;
 };
-
-// The whole content of a readable regular file or pipe; nothing (and errno) when it cannot be
-// opened or read, a directory included.
-[[nodiscard]] std::optional<std::string> ReadWholeFile(const std::string &path);
-
-// The same of its first at most `max_bytes` bytes.
-[[nodiscard]] std::optional<std::string> ReadFileStart(const std::string &path, size_t max_bytes);

@@ -245,6 +245,28 @@ bool SyncDirectoryOf(const std::string &path) {
   return file.IsOpen() && (Uninterrupted(fsync, file.Descriptor()) == 0 || errno == EINVAL);
 }
 
+std::optional<std::string> ReadWholeFile(const std::string &path) {
+  return ReadFileStart(path, std::string::npos);
+}
+
+std::optional<std::string> ReadFileStart(const std::string &path, size_t max_bytes) {
+  const int file = Uninterrupted(open, path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (file == -1) return std::nullopt;
+  std::string content;
+  char buffer[16384];
+  ssize_t count = 0;
+  do {
+    const size_t wanted = std::min(sizeof buffer, max_bytes - content.size());
+    count = Uninterrupted(read, file, buffer, wanted);
+    if (count > 0) content.append(buffer, static_cast<size_t>(count));
+  } while (count > 0);
+  const int error = errno;
+  close(file);
+  errno = error;
+  if (count < 0) return std::nullopt;
+  return content;
+}
+
 std::optional<std::string> ReadRegularFile(const std::string &path, bool *is_file) {
   const OpenFile file(Uninterrupted(open, path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
   struct stat status = {};

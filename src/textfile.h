@@ -75,6 +75,13 @@ std::vector<std::string> ReplaceFilesDurably(const std::vector<FileContent> &fil
 // stays so. False, with errno, when that failed; true where a file system has no such thing.
 [[nodiscard]] bool SyncDirectoryOf(const std::string &path);
 
+// The whole content of a readable regular file or pipe; nothing (and errno) when it cannot be
+// opened or read, a directory included.
+[[nodiscard]] std::optional<std::string> ReadWholeFile(const std::string &path);
+
+// The same of its first at most `max_bytes` bytes.
+[[nodiscard]] std::optional<std::string> ReadFileStart(const std::string &path, size_t max_bytes);
+
 // The content of a regular file; nothing, with errno, when it cannot be read. `is_file` tells
 // whether something else stands there, which is not read: a named pipe would hold the program up.
 [[nodiscard]] std::optional<std::string> ReadRegularFile(const std::string &path, bool *is_file);

@@ -5,9 +5,9 @@ Compares the source lists of src/CMakeLists.txt with the tables of docs/ARCHITEC
 files of src/, and the #include lines with the layers: a module of the core includes neither the
 toolkit nor a module that has windows. Looks for headers of one name in two directories, and for
 types of one name that two files define: programs and tests link several of the libraries. Looks for
-sources of the programs beside KPXadmin that stand outside of their namespaces. Looks for
-functions of the headers whose result can tell a failure and that lack [[nodiscard]]: the compilers
-then find the calls that drop it. Prints one line a fault; ends with 1 when there are any.
+files whose names differ in capitals only, and for sources of the programs beside KPXadmin that are
+not in their namespace. Looks for functions of the headers whose result can tell a failure and that
+lack [[nodiscard]]: the compilers then find the calls that drop it. Prints one line a fault; ends with 1 when there are any.
 
 Usage: structure.py ROOT
 """
@@ -142,6 +142,17 @@ def name_faults(root):
                 yield f"{', '.join(places)}: more than one {kind} {name}"
 
 
+def case_faults(root):
+    """Files that are one file where the file system does not tell capitals from small letters."""
+    found = {}
+    for path in (p for name in PROGRAMS for p in sorted((root / name).rglob("*")) if p.is_file()):
+        place = str(path.relative_to(root))
+        found.setdefault(place.lower(), []).append(place)
+    for places in found.values():
+        if len(places) > 1:
+            yield f"{', '.join(places)}: the names differ in capitals only"
+
+
 def namespace_faults(root):
     for name in NAMESPACED:
         for path in (p for kind in ("*.cpp", "*.h") for p in sorted((root / name).glob(kind))):
@@ -171,7 +182,7 @@ def main():
         sys.exit("structure.py: the lists or the map cannot be read any more")
     faults = [*map_faults(numbers, documented), *file_faults(src, numbers),
               *layer_faults(src, core, gui), *name_faults(root),
-              *namespace_faults(root), *dropped_failure_faults(root)]
+              *case_faults(root), *namespace_faults(root), *dropped_failure_faults(root)]
     for fault in faults:
         print(fault)
     return 1 if faults else 0

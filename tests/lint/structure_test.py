@@ -37,6 +37,7 @@ FILTER = {
              "class Source {\n  bool Fill();\n  int Size() const;\n  [[nodiscard]] bool Rest();\n};\n"
              "std::optional<std::map<int, int>> ReadMap(\n    int size);\n"
              "namespace job {\nstruct Line {};\n}  // namespace job\n",
+    "Log.H": "",
     "line.cpp": "struct Own {};\nstruct Line FirstLine();\nclass Line : public Base {\n};\n",
     "main.cpp": "\nint main() {}\n",
     "good.h": "// Good.\n\nnamespace kpx::filter {\n\nstruct Line {};\n\n}  // namespace kpx::filter\n",
@@ -52,6 +53,7 @@ src/log.h: the core includes Window.h, a module with windows
 src/log.h, filter/log.h: more than one header log.h
 src/log.h, filter/log.h: more than one type Kind
 src/log.h, filter/line.cpp: more than one type Line
+filter/Log.H, filter/log.h: the names differ in capitals only
 filter/line.cpp: its names are not in kpx::filter
 filter/log.h: its names are not in kpx::filter
 src/log.h: fAddTail_Function can tell a failure and lacks [[nodiscard]]

@@ -12,7 +12,7 @@
 #include "optionchange.h"
 #include "paths.h"
 #include "pixmapnames.h"
-#include "printerpicture.h"
+#include "printerpicturefiles.h"
 #include "privateworld.h"
 #include "shippedprinter.h"
 
@@ -168,14 +168,14 @@ void ForEveryInstallation(const std::function<void(const std::string &state)> &v
 std::set<std::string> PrinterPictures() {
   std::set<std::string> names;
   ForEveryInstallation([&names](const std::string &) {
-    const PrinterPicture picture = CurrentPrinterPicture();
+    const PrinterPictureFiles picture = CurrentPrinterPictureFiles();
     names.insert(picture.base);
     for (const std::string &overlay : picture.overlays) {
       if (!overlay.empty()) names.insert(overlay);
     }
   });
   // While no model was met
-  names.insert(CurrentPrinterPicture().base);
+  names.insert(CurrentPrinterPictureFiles().base);
   return names;
 }
 
@@ -239,7 +239,7 @@ TEST_F(Pictures, AnOptionThatNoPrinterHasShowsTheFeaturesPicture) {
 TEST_F(Pictures, EveryModelHasAPictureAndOneOfEachInstalledOption) {
   std::set<std::string> bases;
   ForEveryInstallation([&bases](const std::string &state) {
-    const PrinterPicture picture = CurrentPrinterPicture();
+    const PrinterPictureFiles picture = CurrentPrinterPictureFiles();
     bases.insert(picture.base);
     EXPECT_NE(picture.base, "Printer.xpm") << state;
     for (size_t group = 0; group < kPrinterOptionGroups; ++group) {

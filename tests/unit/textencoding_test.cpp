@@ -9,6 +9,7 @@
 
 #include "childprocess.h"
 #include "temporarydirectory.h"
+#include "textfile.h"
 
 namespace {
 
