@@ -33,7 +33,7 @@ struct ClosePpd {
 };
 using PpdFile = std::unique_ptr<ppd_file_t, ClosePpd>;
 
-std::string TextOf(const char *text) { return text == nullptr ? std::string() : text; }
+std::string OrEmpty(const char *text) { return text == nullptr ? std::string() : text; }
 
 // An open descriptor on `text` without a file in any directory; -1 with errno.
 int DescriptorOf(std::string_view text) {
@@ -94,7 +94,7 @@ PpdSection SectionOf(ppd_section_t section) {
 std::optional<double> NonUiOrder(ppd_file_t *ppd, const std::string &keyword) {
   for (ppd_attr_t *attr = ppdFindAttr(ppd, "NonUIOrderDependency", nullptr); attr != nullptr;
        attr = ppdFindNextAttr(ppd, "NonUIOrderDependency", nullptr)) {
-    const std::string value = TextOf(attr->value);
+    const std::string value = OrEmpty(attr->value);
     const size_t star = value.find('*');
     if (star == std::string::npos) continue;
     const std::string_view name = std::string_view(value).substr(star + 1);
@@ -171,7 +171,7 @@ PpdFeature FeatureOf(ppd_file_t *ppd, const ppd_option_t &option, std::string_vi
         std::any_of(feature.choices.begin(), feature.choices.end(),
                     [&](const auto &other) { return other.keyword == choice.choice; });
     if (twice) continue;
-    PpdChoice result{choice.choice, CleanText(choice.text), TextOf(choice.code)};
+    PpdChoice result{choice.choice, CleanText(choice.text), OrEmpty(choice.code)};
     if (result.text.empty()) result.text = result.keyword;
     // libcups decodes the values of *JCL... keywords only, not those of others in that section.
     if (feature.section == PpdSection::Jcl) result.code = DecodeHex(result.code);
@@ -199,7 +199,7 @@ void AddGroup(ppd_file_t *ppd, const ppd_group_t &group, bool installable, std::
 // The number at the start of an attribute's value, in points.
 double AttributeNumber(ppd_file_t *ppd, const char *name) {
   const ppd_attr_t *attr = ppdFindAttr(ppd, name, nullptr);
-  const std::string value = attr == nullptr ? std::string() : TextOf(attr->value);
+  const std::string value = attr == nullptr ? std::string() : OrEmpty(attr->value);
   double number = 0;
   std::from_chars(value.data() + std::min(value.find_first_not_of(" \t"), value.size()),
                   value.data() + value.size(), number);
@@ -224,14 +224,15 @@ std::optional<PpdCustomLimits> CustomLimitsOf(ppd_file_t *ppd) {
 }
 
 void FillJcl(ppd_file_t *ppd, PpdModel *model) {
-  model->jcl_begin = TextOf(ppd->jcl_begin);
-  model->jcl_to_postscript = TextOf(ppd->jcl_ps);
-  model->jcl_end = TextOf(ppd->jcl_end);
+  model->jcl_begin = OrEmpty(ppd->jcl_begin);
+  model->jcl_to_postscript = OrEmpty(ppd->jcl_ps);
+  model->jcl_end = OrEmpty(ppd->jcl_end);
   const bool other_jcl =
       !model->jcl_begin.empty() &&
       (model->jcl_begin + model->jcl_to_postscript).find("@PJL") == std::string::npos;
   if (other_jcl) return;
-  model->pjl = !model->jcl_begin.empty() || TextOf(ppd->protocols).find("PJL") != std::string::npos;
+  model->pjl =
+      !model->jcl_begin.empty() || OrEmpty(ppd->protocols).find("PJL") != std::string::npos;
   for (const PpdFeature &feature : model->features) {
     if (feature.section != PpdSection::Jcl) continue;
     for (const PpdChoice &choice : feature.choices) {
@@ -239,7 +240,7 @@ void FillJcl(ppd_file_t *ppd, PpdModel *model) {
     }
   }
   const ppd_attr_t *charset = ppdFindAttr(ppd, "cupsPJLCharset", nullptr);
-  model->pjl_utf8 = charset != nullptr && SameKeyword(TextOf(charset->value), "UTF-8");
+  model->pjl_utf8 = charset != nullptr && SameKeyword(OrEmpty(charset->value), "UTF-8");
 }
 
 // The settings of a value "NAME=VALUE NAME=VALUE"; what can be none of PJL is left out.
@@ -263,7 +264,7 @@ void FillPjlSettings(ppd_file_t *ppd, PpdModel *model) {
          attr = ppdFindNextAttr(ppd, name.c_str(), nullptr)) {
       const PpdChoice *choice = feature.FindChoice(attr->spec);
       if (choice == nullptr) continue;
-      model->pjl_settings[{feature.keyword, choice->keyword}] = PjlSettingsOf(TextOf(attr->value));
+      model->pjl_settings[{feature.keyword, choice->keyword}] = PjlSettingsOf(OrEmpty(attr->value));
     }
   }
 }
@@ -291,14 +292,14 @@ void FillSizes(ppd_file_t *ppd, PpdModel *model) {
   }
   for (ppd_attr_t *attr = ppdFindAttr(ppd, "RequiresPageRegion", nullptr); attr != nullptr;
        attr = ppdFindNextAttr(ppd, "RequiresPageRegion", nullptr)) {
-    model->requires_page_region[attr->spec] = SameKeyword(TextOf(attr->value), "True");
+    model->requires_page_region[attr->spec] = SameKeyword(OrEmpty(attr->value), "True");
   }
 }
 
 PpdModel ModelOf(ppd_file_t *ppd, std::string_view bytes) {
   PpdModel model;
-  model.nick_name = CleanText(TextOf(ppd->nickname));
-  model.model_name = CleanText(TextOf(ppd->modelname));
+  model.nick_name = CleanText(OrEmpty(ppd->nickname));
+  model.model_name = CleanText(OrEmpty(ppd->modelname));
   model.language_level = ppd->language_level;
   for (int i = 0; i < ppd->num_groups; ++i) AddGroup(ppd, ppd->groups[i], false, bytes, &model);
   for (int i = 0; i < ppd->num_consts; ++i) {

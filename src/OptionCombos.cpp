@@ -121,9 +121,8 @@ void Run(void (*hook)()) {
   if (hook != nullptr) hook();
 }
 
-void ShowOrderBoxes(NupOrderBoxes boxes) {
-  if (boxes == NupOrderBoxes::kShowLeftAndRight) Run(G_OptionChangeHooks.show_nup_left_and_right);
-  if (boxes == NupOrderBoxes::kHideAll) Run(G_OptionChangeHooks.hide_nup_orders);
+void ShowOrderBoxes(OrderBoxes boxes) {
+  if (G_OptionChangeHooks.show_nup_orders != nullptr) G_OptionChangeHooks.show_nup_orders(boxes);
 }
 
 // What shows how the sheet lies.
@@ -219,7 +218,7 @@ void G_ComboBoxOptionChanged(const char *feature) {
   if (row == nullptr) return;
   const std::optional<OptionChange> change = ChangeOption(feature, ComboText(row->combo));
   if (!change) return;
-  ShowOrderBoxes(change->order_boxes);
+  if (change->order_boxes) ShowOrderBoxes(*change->order_boxes);
   if (row->picture != nullptr) {
     const std::string file = PictureOfChoice(feature, change->option, change->is_custom);
     change_pixmap(row->picture, file.c_str());
@@ -230,10 +229,7 @@ void G_ComboBoxOptionChanged(const char *feature) {
 }
 
 void ShowTurnedSheet() {
-  if (CurrentMultipleUp() == "2") {
-    ShowOrderBoxes(CurrentOrderBoxes() == OrderBoxes::kNone ? NupOrderBoxes::kHideAll
-                                                            : NupOrderBoxes::kShowLeftAndRight);
-  }
+  if (CurrentMultipleUp() == "2") ShowOrderBoxes(CurrentOrderBoxes());
   RedrawTurnedPictures();
 }
 

@@ -5,6 +5,7 @@
 
 #include <gtk/gtk.h>
 
+#include "multipleup.h"
 #include "page.h"
 
 // A row of `grid`: label, combo and, when `with_picture`, the picture of the current choice. The
@@ -52,8 +53,7 @@ void ShowTurnedSheet();
 
 // What other tabs hang onto a change, in addition; each may be null, and is by default.
 struct OptionChangeHooks {
-  void (*show_nup_left_and_right)() = nullptr;
-  void (*hide_nup_orders)() = nullptr;
+  void (*show_nup_orders)(OrderBoxes boxes) = nullptr;
   void (*redraw_multiple_up)() = nullptr;   // booklet, pages a sheet, page orders
   void (*refill_installables)() = nullptr;  // the two lists, or the one of the print tool
   // The delivery's identifier, the notification's identifier: what depends on them.

@@ -31,17 +31,17 @@ void AddDefaultsButton(const OptionTab &tab, const char *name, void (*pressed)()
   gtk_widget_show_all(tab.page);
 }
 
-DefaultsResult SetToDefaults(Page page) {
-  DefaultsResult result = DefaultsResult::kSame;
+PageReset ResetPage(Page page) {
+  PageReset result = PageReset::kSame;
   for (const ListedFeature *listed : DefaultsOfPage(page)) {
     if (!IsResetByDefaults(listed->feature)) continue;
-    const DefaultResult one = SetToDefault(listed->feature);
-    if (one == DefaultResult::kNoDefault) {
+    const FeatureReset one = ResetFeature(listed->feature);
+    if (one == FeatureReset::kNoDefault) {
       Log(2, std::string("Unable to load the default option for ") + listed->default_name);
-      return DefaultsResult::kStopped;
+      return PageReset::kStopped;
     }
-    if (one == DefaultResult::kSame) continue;
-    result = DefaultsResult::kChanged;
+    if (one == FeatureReset::kSame) continue;
+    result = PageReset::kChanged;
     RedrawOptionPicture(listed->feature);
     if (std::strcmp(listed->feature, kOrientationKey) == 0) ShowTurnedSheet();
   }

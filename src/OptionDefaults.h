@@ -21,11 +21,11 @@ OptionTab NewOptionTab(const char *name);
 // last.
 void AddDefaultsButton(const OptionTab &tab, const char *name, void (*pressed)());
 
-enum class DefaultsResult { kSame, kChanged, kStopped };
+enum class PageReset { kSame, kChanged, kStopped };
 
 // Sets the features of a page to the printer's defaults, in order, each with its picture; a feature
 // without a default ends it there with a line in the log.
-[[nodiscard]] DefaultsResult SetToDefaults(Page page);
+[[nodiscard]] PageReset ResetPage(Page page);
 
 // Refills the lists of installable options: the two of the administration, or the print tool's one.
 void RefillInstallableLists();

@@ -61,11 +61,6 @@ class Rows {
   int rows_ = 0;
 };
 
-std::string TextOf(const CString *text) {
-  const char *value = fGet_CString_Value_Function(text);
-  return value == nullptr ? "" : value;
-}
-
 std::string QueueName() { return TextOf(G_CurrentQueue_name.get()); }
 std::string Address() { return TextOf(fGet_Address_Function(G_CurrentQueue.get())); }
 std::string Transport() {

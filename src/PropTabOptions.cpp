@@ -123,13 +123,12 @@ void RedrawOrders(size_t count) {
   }
 }
 
-// Two pages a sheet on a sheet that was turned upright: the order may have been set meanwhile.
-void ShowLeftAndRight() {
-  ShowOrders(OrderBoxes::kLeftAndRight);
+// The orders of a sheet that was turned: the order may have been set meanwhile.
+void ShowOrdersOfTurnedSheet(OrderBoxes boxes) {
+  ShowOrders(boxes);
+  if (boxes == OrderBoxes::kNone) return;
   Toggle(L_Orders, G_PropTabOptions_helper->orders, OrderClicked, CurrentNupOrder());
 }
-
-void HideOrders() { ShowOrders(OrderBoxes::kNone); }
 
 void RedrawAll() {
   G_RedrawMultipleUpPixmaps();
@@ -212,8 +211,7 @@ void AddNupFrame(const OptionTab &tab) {
   gtk_widget_show_all(frame);
   for (const NupButton &order : helper.orders) gtk_widget_set_no_show_all(order.box, TRUE);
   ShowOrders(CurrentOrderBoxes());
-  G_OptionChangeHooks.show_nup_left_and_right = ShowLeftAndRight;
-  G_OptionChangeHooks.hide_nup_orders = HideOrders;
+  G_OptionChangeHooks.show_nup_orders = ShowOrdersOfTurnedSheet;
   G_OptionChangeHooks.redraw_multiple_up = RedrawAll;
 }
 
@@ -272,10 +270,10 @@ void G_RedrawMultipleNupOrdersPixmaps() {
 
 void ButtonOptionsDefaultsPressed() {
   const LogScope log("ButtonOptionsDefaultsPressed");
-  const DefaultsResult result = SetToDefaults(Page::kOptions);
-  if (result == DefaultsResult::kStopped) return;
+  const PageReset result = ResetPage(Page::kOptions);
+  if (result == PageReset::kStopped) return;
   // The lists of installable options too: a resolution can conflict with what is installed.
-  if (result == DefaultsResult::kChanged) RefillAfterDefaults();
+  if (result == PageReset::kChanged) RefillAfterDefaults();
   if (!HasButtons()) {
     ChooseMultipleUp("1");
     return;

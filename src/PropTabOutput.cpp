@@ -21,8 +21,8 @@ GtkWidget *create_PropTabOutput() {
 
 void ButtonOutputDefaultsPressed() {
   const LogScope log("ButtonOutputDefaultsPressed");
-  const DefaultsResult result = SetToDefaults(Page::kOutput);
-  if (result != DefaultsResult::kChanged) return;
+  const PageReset result = ResetPage(Page::kOutput);
+  if (result != PageReset::kChanged) return;
   G_FillAllComboWithOptions();
   const bool administration = G_ProgName == kModeAdministration;
   Log(2, administration ? "Refill the 2 Installable CLists" : "Refill the Features CList");

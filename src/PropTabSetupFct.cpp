@@ -7,9 +7,9 @@
 
 void ButtonSetupDefaultsPressed() {
   const LogScope log("ButtonSetupDefaultsPressed");
-  const DefaultsResult result = SetToDefaults(Page::kSetup);
-  if (result == DefaultsResult::kStopped) return;
-  if (result == DefaultsResult::kChanged) RefillAfterDefaults();
+  const PageReset result = ResetPage(Page::kSetup);
+  if (result == PageReset::kStopped) return;
+  if (result == PageReset::kChanged) RefillAfterDefaults();
   if (G_ProgName == kModePrintTool) {
     gtk_spin_button_set_value(GTK_SPIN_BUTTON(G_PropTabSetup_helper->copies), 1);
   }

@@ -50,6 +50,11 @@ const char *fGet_CString_Value_Function(const CString *object) {
   return object == nullptr ? nullptr : object->value.Get();
 }
 
+std::string TextOf(const CString *object) {
+  const char *text = fGet_CString_Value_Function(object);
+  return text == nullptr ? "" : text;
+}
+
 int fSet_CString_Value_Function(CString *object, const char *text) {
   if (object == nullptr || text == nullptr) return 0;
   object->value = SharedText(text);  // copied first: `text` may point into the value it replaces

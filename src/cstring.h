@@ -1,6 +1,8 @@
 // CString: an owned text.
 #pragma once
 
+#include <string>
+
 #include "cobject.h"
 #include "sharedtext.h"
 
@@ -40,6 +42,9 @@ int fDelete_CString_Function(CString *object);
 
 // The text itself, lent until it is set again or the record goes; null for a null record or value.
 const char *fGet_CString_Value_Function(const CString *object);
+
+// A copy of the text; empty for a null record or value.
+std::string TextOf(const CString *object);
 
 // Replaces the text by a copy of `text`: 1; 0 and no change when either is null.
 [[nodiscard]] int fSet_CString_Value_Function(CString *object, const char *text);

@@ -102,12 +102,12 @@ bool SetDestinationDefaults(bool *changed) {
   const LogScope log("SetDestinationDefaults");
   *changed = false;
   for (const ListedFeature *listed : DefaultsOfPage(Page::kDestination)) {
-    const DefaultResult result = SetToDefault(listed->feature);
-    if (result == DefaultResult::kNoDefault) {
+    const FeatureReset result = ResetFeature(listed->feature);
+    if (result == FeatureReset::kNoDefault) {
       Log(2, std::string("Unable to load the default option for ") + listed->default_name);
       return false;
     }
-    if (result == DefaultResult::kChanged) *changed = true;
+    if (result == FeatureReset::kChanged) *changed = true;
   }
   for (const char *key : {kJobNameKey, kUserNameKey, kPinKey, kEmailAddressKey, kEmailMessageKey}) {
     HashRemove(G_QueueFeatures_hash, key);

@@ -20,11 +20,6 @@ bool IsBoolean(const CFeature *record) {
   return type != nullptr && std::strcmp(type, "Boolean") == 0;
 }
 
-const char *TextOf(const CString *text) {
-  const char *value = fGet_CString_Value_Function(text);
-  return value == nullptr ? "" : value;
-}
-
 // The queue's value, or the default.
 std::string ValueOf(const char *feature, const CFeature *record) {
   const char *value = HashText(G_QueueInstallableOptions_hash, feature);
@@ -47,7 +42,7 @@ class RowWriter {
     }
   }
 
-  void Add(const char *display, bool is_installed) {
+  void Add(const std::string &display, bool is_installed) {
     InstallableRow row;
     G_SetStringWithConstrain(display, row.text, is_marked_ ? 1 : 0);
     row.feature = feature_;

@@ -31,14 +31,15 @@ std::optional<Choice> ChoiceWithText(const char *feature, const std::string &tex
 }
 
 // Two pages a sheet: the page order follows the orientation.
-NupOrderBoxes FollowOrientation(const std::string &before, const std::string &option) {
-  if (QueueFeatureValue(kNupKey) != "2") return NupOrderBoxes::kLeave;
+std::optional<OrderBoxes> FollowOrientation(const std::string &before, const std::string &option) {
+  if (QueueFeatureValue(kNupKey) != "2") return std::nullopt;
   if (option == "Portrait") {
-    return before == "Portrait" ? NupOrderBoxes::kLeave : NupOrderBoxes::kShowLeftAndRight;
+    if (before == "Portrait") return std::nullopt;
+    return OrderBoxes::kLeftAndRight;
   }
-  if (option != "Landscape" && option != "RotLandscape") return NupOrderBoxes::kLeave;
+  if (option != "Landscape" && option != "RotLandscape") return std::nullopt;
   SetQueueValue(G_QueueFeatures_hash, kNupOrderKey, option == "Landscape" ? "Left" : "Right");
-  return NupOrderBoxes::kHideAll;
+  return OrderBoxes::kNone;
 }
 
 }  // namespace
@@ -51,7 +52,7 @@ std::optional<OptionChange> ChangeOption(const char *feature, const std::string 
   if (!choice) return std::nullopt;
   const std::string before = QueueFeatureValue(feature);
   if (choice->option == before) return std::nullopt;
-  OptionChange change{choice->option, choice->is_custom, NupOrderBoxes::kLeave};
+  OptionChange change{choice->option, choice->is_custom, std::nullopt};
   change.order_boxes = FollowOrientation(before, choice->option);
   SetQueueValue(G_QueueFeatures_hash, feature, choice->option);
   NoteUserChoice(feature);

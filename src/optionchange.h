@@ -5,13 +5,12 @@
 #include <optional>
 #include <string>
 
-// What a choice does to the boxes with the 2-up page orders.
-enum class NupOrderBoxes { kLeave, kShowLeftAndRight, kHideAll };
+#include "multipleup.h"
 
 struct OptionChange {
   std::string option;  // identifier chosen, or the name of one of the queue's own sizes or media
   bool is_custom = false;
-  NupOrderBoxes order_boxes = NupOrderBoxes::kLeave;
+  std::optional<OrderBoxes> order_boxes;  // the boxes with page orders that show then; none: as now
 };
 
 // Stores the choice that `display_string` (mark and display text, as the list shows it) stands for

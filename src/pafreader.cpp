@@ -83,7 +83,7 @@ class PafParser {
 
   State Fail(const char *reason);
   // A record of the line's text.
-  Owned<CString> TextOf(std::string_view line) { return CreateStringWithText(texts_.Get(line)); }
+  Owned<CString> NewText(std::string_view line) { return CreateStringWithText(texts_.Get(line)); }
 
   void TakeValue(std::string_view line);
   void SetFeatureText(Owned<CString> CFeature::*member, std::string_view line);
@@ -195,7 +195,7 @@ State PafParser::Fail(const char *reason) {
 void PafParser::TakeValue(std::string_view line) {
   switch (L_State) {
     case State::FeatureId:
-      feature_id_ = TextOf(line);
+      feature_id_ = NewText(line);
       break;
     case State::FeatureTranslation:
       SetFeatureText(&CFeature::translation, line);
@@ -207,10 +207,10 @@ void PafParser::TakeValue(std::string_view line) {
       SetFeatureText(&CFeature::type, line);
       break;
     case State::OptionId:
-      option_id_ = TextOf(line);
+      option_id_ = NewText(line);
       break;
     case State::OptionTranslation:
-      option_translation_ = TextOf(line);
+      option_translation_ = NewText(line);
       break;
     case State::CpsMinWidth:
     case State::CpsMaxWidth:
@@ -238,7 +238,7 @@ void PafParser::SetFeatureText(Owned<CString> CFeature::*member, std::string_vie
   if (feature_ == nullptr) {
     Fail("a value of a feature outside a feature");
   } else {
-    (*feature_).*member = TextOf(line);
+    (*feature_).*member = NewText(line);
   }
 }
 
@@ -248,12 +248,12 @@ void PafParser::SetEnd(size_t end, std::string_view line) {
 }
 
 State PafParser::TakeName(std::string_view line) {
-  content_.name = TextOf(PafHeaderText(line));
+  content_.name = NewText(PafHeaderText(line));
   return State::None;
 }
 
 State PafParser::TakePpd(std::string_view line) {
-  content_.ppd_file = TextOf(PafHeaderText(line));
+  content_.ppd_file = NewText(PafHeaderText(line));
   return State::None;
 }
 

@@ -18,11 +18,6 @@
 
 namespace {
 
-std::string TextOf(const CString *text) {
-  const char *value = fGet_CString_Value_Function(text);
-  return value == nullptr ? "" : value;
-}
-
 // "vek41201.ppd" gives "vek41201.paf".
 std::string PafNameOf(const CPrintQueue *queue) {
   std::string name = TextOf(fGet_PpdFile_Function(queue));
@@ -112,14 +107,14 @@ void RemoveDefaultSettings() {
   RemoveDefaults(G_PrinterInstallableOptions_hash, G_QueueInstallableOptions_hash, nullptr);
 }
 
-DefaultResult SetToDefault(const char *feature) {
+FeatureReset ResetFeature(const char *feature) {
   const char *usual =
       fGet_CString_Value_Function(G_GetPPDDefaultOptionForFeature(G_PrinterFeatures_hash, feature));
-  if (usual == nullptr) return DefaultResult::kNoDefault;
+  if (usual == nullptr) return FeatureReset::kNoDefault;
   const char *value = HashText(G_QueueFeatures_hash, feature);
-  if (value != nullptr && std::string_view(value) == usual) return DefaultResult::kSame;
+  if (value != nullptr && std::string_view(value) == usual) return FeatureReset::kSame;
   SetQueueValue(G_QueueFeatures_hash, feature, usual);
-  return DefaultResult::kChanged;
+  return FeatureReset::kChanged;
 }
 
 void RemoveMultipleUpSettings() {

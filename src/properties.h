@@ -33,8 +33,8 @@ void AddDefaultSettings();
 void RemoveDefaultSettings();
 
 // Sets the work copy's value of the feature to the printer's default.
-enum class DefaultResult { kSame, kChanged, kNoDefault };
-[[nodiscard]] DefaultResult SetToDefault(const char *feature);
+enum class FeatureReset { kSame, kChanged, kNoDefault };
+[[nodiscard]] FeatureReset ResetFeature(const char *feature);
 
 // Removes what only text queues have: pages a sheet, their order, booklet.
 void RemoveMultipleUpSettings();

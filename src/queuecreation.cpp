@@ -24,8 +24,6 @@ struct ScriptValues {
   std::string transport_parameter;
 };
 
-const char *TextOf(const CString *text) { return fGet_CString_Value_Function(text); }
-
 std::string PpdPath(const char *ppd_file) {
   return std::string(kNlsDir) + "/" + G_GetNlsDirFromLang() + "/ppds/" + ppd_file;
 }
@@ -39,11 +37,12 @@ void UpdateAddress(const char *name, CPrintQueue *queue, const std::string &scri
   const CString *new_address = fGet_Address_Function(queue);
   const bool is_changed =
       old_address != nullptr && fIsEqual_CString_Value_Function(old_address, new_address) == 0;
-  const std::optional<std::string> wanted = WithNetworkAddress(script, TextOf(new_address));
+  const std::optional<std::string> wanted =
+      WithNetworkAddress(script, fGet_CString_Value_Function(new_address));
   const bool is_other = wanted && *wanted != script;
   if (!is_changed && !is_other) return;
   if (observer) observer(name, true);
-  if (ChangeAddressInInterface(name, TextOf(new_address), errors) == 1) return;
+  if (ChangeAddressInInterface(name, fGet_CString_Value_Function(new_address), errors) == 1) return;
   // The save goes on as if nothing had failed, so this is told on standard error alone.
   if (!wanted) G_Report(nullptr, "ERR_ADDRESS_NOT_CHANGED", {name});
   // The saved list tells the address that the spooler really uses.
@@ -59,7 +58,8 @@ void UpdateAddress(const char *name, CPrintQueue *queue, const std::string &scri
 // part stays in the working set, whatever fails.
 int CreateQueue(const char *name, const CPrintQueue *queue, ScriptValues &values, CList *errors,
                 const QueueObserver &observer) {
-  const PrinterModel &model = FindPrinterModel(TextOf(fGet_PrinterName_Function(queue)));
+  const PrinterModel &model =
+      FindPrinterModel(fGet_CString_Value_Function(fGet_PrinterName_Function(queue)));
   if (model.ppd_file != nullptr) values.ppd_path = PpdPath(model.ppd_file);
   if (model.transport_parameter != nullptr) values.transport_parameter = model.transport_parameter;
   if (AddQueueSysV(name, model.spooler_model, errors, observer) == 0) {
@@ -67,9 +67,10 @@ int CreateQueue(const char *name, const CPrintQueue *queue, ScriptValues &values
     return 0;
   }
   return WriteToInterfaceFile(
-      InterfacePath(name).c_str(), TextOf(fGet_Language_Function(queue)), values.ppd_path.c_str(),
-      QueueDefFilePath(std::string(name) + ".def").c_str(), TextOf(fGet_Address_Function(queue)),
-      values.transport_parameter.c_str(), errors);
+      InterfacePath(name).c_str(), fGet_CString_Value_Function(fGet_Language_Function(queue)),
+      values.ppd_path.c_str(), QueueDefFilePath(std::string(name) + ".def").c_str(),
+      fGet_CString_Value_Function(fGet_Address_Function(queue)), values.transport_parameter.c_str(),
+      errors);
 }
 
 // One queue of the working set: 1, or 0 after a failure that the save must tell.
@@ -80,8 +81,9 @@ int BringInLine(const char *name, ScriptValues &values, CList *errors,
     G_Report(errors, "ERR_UNEXPECTED2", {"CPrintQueues"});
     return 0;
   }
-  if (TextOf(queue->PrinterName.get()) == nullptr || TextOf(queue->Language.get()) == nullptr ||
-      TextOf(queue->Address.get()) == nullptr) {
+  if (fGet_CString_Value_Function(queue->PrinterName.get()) == nullptr ||
+      fGet_CString_Value_Function(queue->Language.get()) == nullptr ||
+      fGet_CString_Value_Function(queue->Address.get()) == nullptr) {
     G_Report(errors, "ERR_UNEXPECTED2", {"CPrintQueue"});
     return 0;
   }
@@ -136,8 +138,8 @@ int AddQueuesSysV(CList *errors, const QueueObserver &observer) {
   int result = 1;
   ScriptValues values;
   for (const CString *name : Elements<CString>(names.get())) {
-    if (observer) observer(TextOf(name), false);
-    if (BringInLine(TextOf(name), values, errors, observer) == 0) result = 0;
+    if (observer) observer(fGet_CString_Value_Function(name), false);
+    if (BringInLine(fGet_CString_Value_Function(name), values, errors, observer) == 0) result = 0;
   }
   return result;
 }

@@ -19,8 +19,9 @@ class OptionChoices : public OptionRowsTest {
   void SetUp() override {
     OptionRowsTest::SetUp();
     g_calls.clear();
-    G_OptionChangeHooks.show_nup_left_and_right = [] { g_calls.emplace_back("show orders"); };
-    G_OptionChangeHooks.hide_nup_orders = [] { g_calls.emplace_back("hide orders"); };
+    G_OptionChangeHooks.show_nup_orders = [](OrderBoxes boxes) {
+      g_calls.emplace_back(boxes == OrderBoxes::kNone ? "hide orders" : "show orders");
+    };
     G_OptionChangeHooks.redraw_multiple_up = [] { g_calls.emplace_back("redraw"); };
     G_OptionChangeHooks.refill_installables = [] { g_calls.emplace_back("installables"); };
   }

@@ -37,7 +37,7 @@ TEST_F(OptionChanges, TheChoiceReplacesTheQueuesValue) {
   ASSERT_TRUE(change);
   EXPECT_EQ(change->option, "Long");
   EXPECT_FALSE(change->is_custom);
-  EXPECT_EQ(change->order_boxes, NupOrderBoxes::kLeave);
+  EXPECT_EQ(change->order_boxes, std::nullopt);
   EXPECT_EQ(QueueFeatureValue("*Duplex"), "Long");
 }
 
@@ -131,7 +131,7 @@ struct Turn {
   const char *before;
   const char *text;
   const char *order;
-  NupOrderBoxes boxes;
+  std::optional<OrderBoxes> boxes;
 };
 
 void PrintTo(const Turn &turn, std::ostream *out) { *out << turn.before << " to" << turn.text; }
@@ -149,12 +149,12 @@ TEST_P(TurnOfTwoPages, SetsThePageOrder) {
 
 INSTANTIATE_TEST_SUITE_P(
     Each, TurnOfTwoPages,
-    testing::Values(Turn{"Portrait", "    Across", "Left", NupOrderBoxes::kHideAll},
-                    Turn{"Portrait", "    Across, turned", "Right", NupOrderBoxes::kHideAll},
-                    Turn{"Landscape", "    Upright", "Up", NupOrderBoxes::kShowLeftAndRight},
-                    Turn{"Landscape", "    Across, turned", "Right", NupOrderBoxes::kHideAll},
-                    Turn{"RotLandscape", "    Upright", "Up", NupOrderBoxes::kShowLeftAndRight},
-                    Turn{"RotLandscape", "    Across", "Left", NupOrderBoxes::kHideAll}));
+    testing::Values(Turn{"Portrait", "    Across", "Left", OrderBoxes::kNone},
+                    Turn{"Portrait", "    Across, turned", "Right", OrderBoxes::kNone},
+                    Turn{"Landscape", "    Upright", "Up", OrderBoxes::kLeftAndRight},
+                    Turn{"Landscape", "    Across, turned", "Right", OrderBoxes::kNone},
+                    Turn{"RotLandscape", "    Upright", "Up", OrderBoxes::kLeftAndRight},
+                    Turn{"RotLandscape", "    Across", "Left", OrderBoxes::kNone}));
 
 TEST_F(OptionChanges, ThePageOrderIsMadeWhenThereWasNone) {
   TwoPages("Portrait");
@@ -169,7 +169,7 @@ TEST_F(OptionChanges, OtherNumbersOfPagesKeepTheirOrder) {
     options_.Set("*Nup", pages);
     const auto change = ChangeOption("*Orientation", "    Across");
     ASSERT_TRUE(change);
-    EXPECT_EQ(change->order_boxes, NupOrderBoxes::kLeave);
+    EXPECT_EQ(change->order_boxes, std::nullopt);
     EXPECT_EQ(QueueFeatureValue("*NupOrder"), "Up");
   }
 }
@@ -178,7 +178,7 @@ TEST_F(OptionChanges, OtherFeaturesKeepThePageOrder) {
   TwoPages("Portrait");
   const auto change = ChangeOption("*Duplex", "    Long edge");
   ASSERT_TRUE(change);
-  EXPECT_EQ(change->order_boxes, NupOrderBoxes::kLeave);
+  EXPECT_EQ(change->order_boxes, std::nullopt);
   EXPECT_EQ(QueueFeatureValue("*NupOrder"), "Up");
 }
 

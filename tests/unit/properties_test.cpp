@@ -218,11 +218,11 @@ TEST_F(Properties, TheAdministratorKeepsNoDefaultWhateverWasSet) {
 
 TEST_F(Properties, AFeatureIsSetToItsDefaultOnce) {
   Open();
-  EXPECT_EQ(SetToDefault("*PageSize"), DefaultResult::kSame);
+  EXPECT_EQ(ResetFeature("*PageSize"), FeatureReset::kSame);
   Choose("*PageSize", "Letter");
-  EXPECT_EQ(SetToDefault("*PageSize"), DefaultResult::kChanged);
+  EXPECT_EQ(ResetFeature("*PageSize"), FeatureReset::kChanged);
   EXPECT_EQ(QueueFeatureValue("*PageSize"), "A4");
-  EXPECT_EQ(SetToDefault("*Collate"), DefaultResult::kNoDefault);
+  EXPECT_EQ(ResetFeature("*Collate"), FeatureReset::kNoDefault);
 }
 
 TEST_F(Properties, ThePrintToolPutsItsCopyBackWithTheCopies) {
