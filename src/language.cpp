@@ -1,6 +1,5 @@
 #include "language.h"
 
-#include <array>
 #include <cstdlib>
 #include <string_view>
 
@@ -10,21 +9,14 @@
 
 namespace {
 
-struct Language {
-  const char *directory;
-  std::array<std::string_view, 3> prefixes;
+constexpr TranslatedLanguage L_Languages[] = {
+#include "languages.inc"
 };
 
-constexpr Language L_Languages[] = {
-    {"deu", {"de", "De", "german"}},     {"esp", {"es", "Es", "spanish"}},
-    {"fra", {"fr", "Fr", "french"}},     {"ita", {"it", "It", "italian"}},
-    {"ptb", {"pt", "Pt", "portuguese"}},
-};
-
-const Language *FindLanguage(std::string_view name) {
-  for (const Language &language : L_Languages) {
-    for (const std::string_view prefix : language.prefixes) {
-      if (name.starts_with(prefix)) return &language;
+const TranslatedLanguage *FindLanguage(std::string_view name) {
+  for (const TranslatedLanguage &language : L_Languages) {
+    for (const std::string_view beginning : language.beginnings) {
+      if (name.starts_with(beginning)) return &language;
     }
   }
   return nullptr;
@@ -36,11 +28,13 @@ std::string NlsPath(const char *root, const char *leaf) {
 
 }  // namespace
 
+std::span<const TranslatedLanguage> TranslatedLanguages() { return L_Languages; }
+
 std::string G_GetNlsDirFromLang() {
   const LogScope log("G_GetNlsDirFromLang");
   const char *lang = std::getenv("LANG");
   const std::string_view name = lang == nullptr ? "" : lang;
-  const Language *language = FindLanguage(name);
+  const TranslatedLanguage *language = FindLanguage(name);
   if (language == nullptr) return "enu";
   const bool utf8 = name.find("UTF-8") != std::string_view::npos;
   return std::string(language->directory) + (utf8 ? "/utf8" : "");

@@ -6,6 +6,7 @@
 
 #include "administration.h"
 #include "installedtexts.h"
+#include "language.h"
 #include "locales.h"
 #include "propertiesdriver.h"
 #include "tooldriver.h"
@@ -15,16 +16,20 @@ namespace {
 using Strings = std::vector<std::string>;
 
 struct Language {
-  const char *name;       // of the test
-  const char *lang;       // as LANG has it
-  const char *directory;  // of its texts
+  std::string name;       // of the test
+  std::string lang;       // as LANG has it
+  std::string directory;  // of its texts
 };
 void PrintTo(const Language &language, std::ostream *out) { *out << language.lang; }
 
-const std::vector<Language> kLanguages = {
-    {"german", "de_DE.UTF-8", "deu/utf8"},     {"spanish", "es_ES.UTF-8", "esp/utf8"},
-    {"french", "fr_FR.UTF-8", "fra/utf8"},     {"italian", "it_IT.UTF-8", "ita/utf8"},
-    {"portuguese", "pt_BR.UTF-8", "ptb/utf8"}, {"english", "C", "enu"}};
+std::vector<Language> Languages() {
+  std::vector<Language> languages = {{"enu", "C", "enu"}};
+  for (const TranslatedLanguage &language : TranslatedLanguages()) {
+    languages.push_back({language.directory, std::string(language.locale) + ".UTF-8",
+                         std::string(language.directory) + "/utf8"});
+  }
+  return languages;
+}
 
 constexpr int kScreenWidth = 1280;
 constexpr int kScreenHeight = 1024;
@@ -71,14 +76,14 @@ bool IsMessageFilledIn(const std::string &message, const std::string &text) {
   return text.size() >= place + rest.size() && text.ends_with(rest);
 }
 
-class Languages : public AdministrationTest,
-                  public testing::WithParamInterface<std::tuple<Language, int>> {
+class EveryLanguage : public AdministrationTest,
+                      public testing::WithParamInterface<std::tuple<Language, int>> {
  protected:
   static void SetUpTestSuite() {
-    for (const Language &language : kLanguages) MakeLocale(language.lang);
+    for (const Language &language : Languages()) MakeLocale(language.lang);
   }
 
-  Languages()
+  EveryLanguage()
       : language_(std::get<0>(GetParam())),
         messages_(MessagesIn(language_.directory)),
         printer_(PrinterTextsIn(language_.directory, "vek41101")) {
@@ -176,7 +181,9 @@ class Languages : public AdministrationTest,
     return line.starts_with("FilesSelectionWindow/Gtk");
   }
 
-  std::string Directory() const { return std::string(language_.directory).substr(0, 3); }
+  std::string Directory() const {
+    return language_.directory.substr(0, language_.directory.find('/'));
+  }
 
   void ExpectTranslated(const std::string &widget, const std::string &shown) {
     for (const std::string &text : PartsOf(shown)) {
@@ -209,7 +216,7 @@ class Languages : public AdministrationTest,
   int pictures_ = 0;
 };
 
-TEST_P(Languages, AreWholeInTheAdministrationWindowAndTheDialogOfANewQueue) {
+TEST_P(EveryLanguage, AreWholeInTheAdministrationWindowAndTheDialogOfANewQueue) {
   AdminApp app(Options());
   EXPECT_EQ(Message("DEF_WND_ADMIN_TITLE"), app.Text("AdminWindow"));
   ExpectGood(app, "AdminWindow");
@@ -232,14 +239,14 @@ TEST_P(Languages, AreWholeInTheAdministrationWindowAndTheDialogOfANewQueue) {
   ExpectGood(app, app.Windows().front());
 }
 
-TEST_P(Languages, AreWholeInTheSecondAdministratorsErrorBox) {
+TEST_P(EveryLanguage, AreWholeInTheSecondAdministratorsErrorBox) {
   AdminApp first(Options());
   GuiApp second(Options());
   ExpectGood(second, "ErrorDialog");
   EXPECT_EQ(Message("ERR_ADMIN_RUNNING"), second.Text("ErrorLabel1"));
 }
 
-TEST_P(Languages, AreWholeInTheListOfAFailedSave) {
+TEST_P(EveryLanguage, AreWholeInTheListOfAFailedSave) {
   AdminApp app(Options());
   std::filesystem::rename("/usr/lib/lpadmin", "/usr/lib/lpadmin.away");
   app.SelectQueues({0});
@@ -249,7 +256,7 @@ TEST_P(Languages, AreWholeInTheListOfAFailedSave) {
   std::filesystem::rename("/usr/lib/lpadmin.away", "/usr/lib/lpadmin");
 }
 
-TEST_P(Languages, AreWholeOnEveryTabOfTheQueueProperties) {
+TEST_P(EveryLanguage, AreWholeOnEveryTabOfTheQueueProperties) {
   AdminApp app(Options());
   for (const int row : {0, 1}) {
     app.SelectQueues({row});
@@ -260,7 +267,7 @@ TEST_P(Languages, AreWholeOnEveryTabOfTheQueueProperties) {
   }
 }
 
-TEST_P(Languages, AreWholeInTheDialogsOfCustomSizesAndTypes) {
+TEST_P(EveryLanguage, AreWholeInTheDialogsOfCustomSizesAndTypes) {
   AdminApp app(Options());
   app.SelectQueues({0});
   OpenProperties(app);
@@ -288,7 +295,7 @@ TEST_P(Languages, AreWholeInTheDialogsOfCustomSizesAndTypes) {
   ExpectGood(app, "PropertiesWindow");
 }
 
-TEST_P(Languages, AreWholeInTheBoxesAboutSettingsThatDoNotGoTogether) {
+TEST_P(EveryLanguage, AreWholeInTheBoxesAboutSettingsThatDoNotGoTogether) {
   AdminApp app(Options());
   app.SelectQueues({0});
   OpenProperties(app);
@@ -307,7 +314,7 @@ TEST_P(Languages, AreWholeInTheBoxesAboutSettingsThatDoNotGoTogether) {
             app.Text("ErrorLabel2"));
 }
 
-TEST_P(Languages, AreWholeInThePrintToolsWindows) {
+TEST_P(EveryLanguage, AreWholeInThePrintToolsWindows) {
   GuiApp app(Options("/usr/bin/KPXtool"));
   ExpectGood(app, "ToolWindow");
   EXPECT_EQ(Message("DEF_WND_TOOL_TITLE"), app.Text("ToolWindow"));
@@ -327,7 +334,7 @@ TEST_P(Languages, AreWholeInThePrintToolsWindows) {
   ExpectErrorGood(app, "MSG1");
 }
 
-TEST_P(Languages, AreWholeOnEveryTabOfTheJobProperties) {
+TEST_P(EveryLanguage, AreWholeOnEveryTabOfTheJobProperties) {
   GuiApp app(Options("/usr/bin/KPXtool"));
   app.WaitWindow("ToolWindow");
   for (const char *queue : {"lp1", "txt1"}) {
@@ -339,11 +346,11 @@ TEST_P(Languages, AreWholeOnEveryTabOfTheJobProperties) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(, Languages,
-                         testing::Combine(testing::ValuesIn(kLanguages),
+INSTANTIATE_TEST_SUITE_P(, EveryLanguage,
+                         testing::Combine(testing::ValuesIn(Languages()),
                                           testing::Values(100, 150, 200)),
                          [](const auto &row) {
-                           return std::string(std::get<0>(row.param).name) + "_" +
+                           return std::get<0>(row.param).name + "_" +
                                   std::to_string(std::get<1>(row.param));
                          });
 

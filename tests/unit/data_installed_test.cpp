@@ -5,18 +5,26 @@
 #include <sys/stat.h>
 
 #include "data_files.h"
+#include "language.h"
 #include "paths.h"
 
 namespace {
 
-const std::vector<std::string> kLanguages = {"enu",      "deu", "deu/utf8", "esp",
-                                             "esp/utf8", "fra", "ita",      "fra/utf8",
-                                             "ita/utf8", "ptb", "ptb/utf8"};
+// The language directories that start-up can choose.
+std::vector<std::string> LanguageDirectories() {
+  std::vector<std::string> directories = {"enu"};
+  for (const TranslatedLanguage &language : TranslatedLanguages()) {
+    directories.emplace_back(language.directory);
+    directories.push_back(std::string(language.directory) + "/utf8");
+  }
+  return directories;
+}
+
 const std::vector<std::string> kModels = {"vek41201", "vek41101", "vek41051",
                                           "vek41211", "vek41001", "vek41021"};
 
 TEST(Installation, HasTheTextsOfEveryLanguage) {
-  for (const std::string &language : kLanguages) {
+  for (const std::string &language : LanguageDirectories()) {
     const std::string data = std::string(kNlsDir) + "/" + language;
     const std::string help = std::string(kHelpNlsDir) + "/" + language + "/KPX.help";
     EXPECT_TRUE(std::filesystem::is_regular_file(data + "/pafs/messages.paf")) << language;
@@ -26,7 +34,7 @@ TEST(Installation, HasTheTextsOfEveryLanguage) {
 }
 
 TEST(Installation, HasTheDescriptionsOfEveryModelInEveryLanguage) {
-  for (const std::string &language : kLanguages) {
+  for (const std::string &language : LanguageDirectories()) {
     for (const std::string &model : kModels) {
       const std::string data = std::string(kNlsDir) + "/" + language;
       EXPECT_TRUE(std::filesystem::is_regular_file(data + "/ppds/" + model + ".ppd"))

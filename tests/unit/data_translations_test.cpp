@@ -7,10 +7,17 @@
 
 #include "data_files.h"
 #include "installedtexts.h"
+#include "language.h"
 
 namespace {
 
-const std::vector<std::string> kTranslations = {"deu", "esp", "fra", "ita", "ptb"};
+std::vector<std::string> Translations() {
+  std::vector<std::string> directories;
+  for (const TranslatedLanguage &language : TranslatedLanguages()) {
+    directories.emplace_back(language.directory);
+  }
+  return directories;
+}
 
 std::vector<std::string> KeysOf(const TextsByPlace &texts) {
   std::vector<std::string> keys;
@@ -98,7 +105,7 @@ TEST_P(Translation, HasPpdFilesThatTellTheirCharacterSetAndPassTheSpoolersTest) 
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Languages, Translation, testing::ValuesIn(kTranslations),
+INSTANTIATE_TEST_SUITE_P(Languages, Translation, testing::ValuesIn(Translations()),
                          [](const auto &row) { return row.param; });
 
 }  // namespace
