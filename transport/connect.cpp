@@ -94,7 +94,7 @@ AddressList LookUp(const Destination &destination, int stop_status, int &error) 
 ConnectResult NotFound(const Destination &destination, int error) {
   ConnectResult result;
   const bool unknown = error == EAI_NONAME || error == EAI_FAIL || error == EAI_NODATA;
-  result.end = unknown ? ConnectEnd::kUnknownName : ConnectEnd::kUnreachable;
+  result.end = unknown ? ConnectEnd::kUnknownName : ConnectEnd::kNoLookUp;
   result.reason = "cannot look up the name " + destination.address + ": " +
                   (error == EAI_SYSTEM ? ErrorText(errno) : std::string(gai_strerror(error)));
   return result;

@@ -15,7 +15,8 @@ struct Destination {
 
 enum class ConnectEnd {
   kConnected,
-  kUnreachable,  // refused, no answer, or the name look-up failed for now: worth another attempt
+  kUnreachable,  // refused or no answer: worth another attempt
+  kNoLookUp,     // the name could not be looked up for now: worth another attempt
   kUnknownName,  // the name services know no such name
   kStopped,      // the stop request came
 };
@@ -24,7 +25,7 @@ struct [[nodiscard]] ConnectResult {
   ConnectEnd end = ConnectEnd::kUnreachable;
   Descriptor socket;   // connected, non-blocking, with keep-alive on; none unless kConnected
   std::string peer;    // the numeric address connected to
-  std::string reason;  // in words, for kUnreachable and kUnknownName
+  std::string reason;  // in words, unless kConnected or kStopped
 };
 
 struct StopRequest {

@@ -182,6 +182,9 @@ std::optional<Outcome> Carrier::Attempt() {
     case ConnectEnd::kUnreachable:
       return PauseAndRetry("cannot reach " + name_ + " (" + link.reason +
                            "); the printer may be busy or switched off");
+    case ConnectEnd::kNoLookUp:
+      return PauseAndRetry("cannot reach " + name_ + " (" + link.reason +
+                           "); the address may be wrong, or the name service may be down");
     case ConnectEnd::kUnknownName:
       return GiveUp("cannot reach " + name_ + " (" + link.reason + ")");
     case ConnectEnd::kStopped:

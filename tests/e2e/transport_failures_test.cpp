@@ -7,6 +7,7 @@
 #include <future>
 #include <thread>
 
+#include "changedfile.h"
 #include "loopback.h"
 #include "transportrun.h"
 
@@ -144,6 +145,18 @@ TEST(Failures, AnUnknownNameLeavesTheJobInTheQueue) {
   // Two dots in a row cannot be a name, whatever name service is asked.
   const Ended ended = RunTransport({"no..name", "2501", "120"}, TestFile(10));
   ExpectWords(ended, EX_TEMPFAIL, "cannot reach no..name port 2501");
+}
+
+TEST(Failures, ANameServiceThatIsDownIsNotTakenForAPrinterThatIs) {
+  const ChangedFile switches("/etc/nsswitch.conf", "hosts: files dns\n");
+  const ChangedFile servers("/etc/resolv.conf", "nameserver 127.0.0.9\noptions attempts:1\n");
+  TransportRun run({"printer.example", "2501", "120"}, TestFile(10));
+  ASSERT_TRUE(run.words().Await("trying again in 1 s")) << run.words().seen();
+  const std::string words = run.words().seen();
+  EXPECT_NE(words.find("cannot look up the name printer.example"), std::string::npos) << words;
+  EXPECT_NE(words.find("; the address may be wrong, or the name service may be down; trying"),
+            std::string::npos)
+      << words;
 }
 
 TEST(Failures, ADirectoryIsNoJob) {
