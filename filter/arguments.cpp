@@ -51,7 +51,7 @@ FilterArguments ParseArguments(const std::vector<std::string> &arguments) {
       // The spooler's options come first, whatever they look like.
       result.options = word;
     } else if (const NamedValue *option = LongOption(word)) {
-      const bool has_value = i + 1 < arguments.size() && !arguments[i + 1].starts_with("--");
+      const bool has_value = i + 1 < arguments.size() && !arguments[i + 1].starts_with('-');
       if (has_value) result.*option->value = arguments[++i];
     } else if (word == "--filter") {
       filter = true;

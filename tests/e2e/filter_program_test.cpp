@@ -89,6 +89,14 @@ TEST(Call, ACallForNothingIsRefused) {
   }
 }
 
+TEST(Call, AnOptionWithoutItsValueLeavesTheNextOneAlone) {
+  const FilterRun run = RunFilter({"kpxfilter", "", "--deffile", "-JReport", "--filter", "--type",
+                                   "postscript", "--ppdfile", kOffice},
+                                  "%!\nshowpage\n");
+  EXPECT_EQ(run.status, 0) << run.errors;
+  EXPECT_NE(run.output.find("JOBNAME=\"Report\""), std::string::npos) << run.output;
+}
+
 // A queue lp1 with its option files.
 class Filtering : public testing::Test {
  protected:
