@@ -95,6 +95,14 @@ void LoadMessages() {
   fFillFromPaf_Function(G_Messages.get());
 }
 
+// What the toolkit has left of the arguments is nobody's.
+void TellOfArguments(int argc, char **argv) {
+  const bool verbose = argc > 2 && std::strcmp(argv[1], L_VerboseSwitch) == 0;
+  for (int i = verbose ? 3 : 1; i < argc; ++i) {
+    PrintErrorLine(G_Message("WARN_ARGUMENT", {argv[i]}));
+  }
+}
+
 // Administration is the superuser's alone.
 void RefuseOtherAdministrators() {
   const char *name = GetUserName(nullptr);
@@ -223,6 +231,7 @@ int Run(int argc, char **argv) {
   // the texts and printers are read. Started earlier, it slows down the reading of the theme.
   pango_cairo_font_map_get_default();
   LoadMessages();
+  TellOfArguments(argc, argv);
   RefuseOtherAdministrators();
   RefuseSecondAdministrator();
   const Owned<CList> messages = CreateList();

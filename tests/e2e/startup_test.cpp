@@ -102,6 +102,18 @@ TEST(Startup, VerboseWithoutANumberPrintsTheUsageAndEndsWithZero) {
   EXPECT_EQ("Usage: /opt/orlan/bin/KPXadmin -verbose <n>\n\n", ending.errors);
 }
 
+TEST(Startup, AnArgumentThatNothingTakesIsTold) {
+  GuiApp app({.program = kAdmin, .arguments = {"-verbose", "0", "--name=mine", "a.ps", "--help"}});
+  app.WaitWindow("AdminWindow");
+  const std::string errors = app.Stderr();
+  for (const char *word : {"a.ps", "--help"}) {
+    EXPECT_NE(errors.find(CatalogueText("WARN_ARGUMENT", {word})), std::string::npos) << errors;
+  }
+  for (const char *word : {"-verbose", "\"0\"", "mine"}) {
+    EXPECT_EQ(errors.find(word), std::string::npos) << errors;
+  }
+}
+
 TEST(Startup, AVerboseNumberThatIsNoneReadsAsSilence) {
   const ChangedFile list(kQueuesFile, "");
   GuiApp app({.program = kAdmin, .arguments = {"-verbose", "x"}});

@@ -213,6 +213,7 @@ inline constexpr MessageKey kMessageKeys[] = {
     {"SAVE_REMOVING", "dds"},
     {"TOOL_NO_QUEUE", ""},
     {"UseAppSetting", ""},
+    {"WARN_ARGUMENT", "s"},
     {"WARN_QUEUE_FOUND", "s"},
     {"WARN_QUEUE_INCOMPLETE", "s"},
     {"WARN_QUEUE_LIST_RESTORED", "s"},
