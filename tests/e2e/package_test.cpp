@@ -159,6 +159,7 @@ constexpr const char *kForeignPrograms[] = {
     "/usr/lib/cups/filter/gziptoany",
     "/usr/sbin/cupsaccept",
     "/usr/sbin/cupsd",
+    "/usr/sbin/cupsdisable",
     "/usr/sbin/cupsenable",
     "/usr/sbin/lpadmin",
 };
@@ -246,6 +247,21 @@ TEST_F(PackageTest, ARemovalKeepsWhatUsersMadeAndAPurgeTakesIt) {
   EXPECT_FALSE(fs::exists("/opt/orlan"));
   EXPECT_FALSE(fs::exists("/usr/spool"));
   EXPECT_NE(0, RunProgram({"lpstat", "-v", "lp1"}).status);
+}
+
+TEST_F(PackageTest, ARemovalStopsTheQueuesAndTheNextInstallationLetsThemGoOn) {
+  MustDpkg({"-i", Package()});
+  Shell(KPX_MAKEQUEUES " lp1=text='Vek Norvel 4105' lp2=text='Vek Norvel 4105'");
+  Shell("cupsdisable -r 'Out of toner' lp2");
+  PrinterJobs jobs;
+  MustDpkg({"-r", "kpx"});
+  Shell("echo 'Sent meanwhile' | lp -d lp1");
+  EXPECT_NE(std::string::npos, Shell("lpstat -p lp1").find("The package kpx is not installed"));
+  EXPECT_NE(std::string::npos, Shell("lpstat -p lp2").find("Out of toner"));
+
+  MustDpkg({"-i", Package()});
+  EXPECT_NE(std::string::npos, jobs.Next().find("Sent meanwhile"));
+  EXPECT_NE(std::string::npos, Shell("lpstat -p lp2").find("Out of toner"));
 }
 
 TEST_F(PackageTest, APurgeLeavesQueuesThatAreNotOurs) {
