@@ -17,8 +17,8 @@
 #include <algorithm>
 #include <chrono>
 
-#include "AdminWindow.h"
 #include "Pixmaps.h"
+#include "PropertiesFrame.h"
 #include "PropertiesPages.h"
 #include "PropertiesWindow.h"
 #include "PropertiesWindowFct.h"
@@ -184,11 +184,10 @@ class World {
     G_Printers_hash = printers_.get();
     G_Queues_hash = queues_.get();
     G_ProgName = kModeAdministration;
-    G_QueuesSelections = CreateList();
-    Must(fAddTail_CList_Function(G_QueuesSelections.get(), CreateSelection("lp1", 1)));
+    G_PropertiesOpener.chosen_queue = [] { return std::string("lp1"); };
   }
   ~World() {
-    G_QueuesSelections.reset();
+    G_PropertiesOpener = {};
     G_Printers_hash = G_Queues_hash = nullptr;
   }
   World(const World &) = delete;

@@ -4,11 +4,14 @@
 #include <gtk/gtk.h>
 
 #include <memory>
+#include <string>
 
 struct AddQueueWindowHelper {
   GtkWidget *window;
   GtkWidget *printer_list;
   int selected_printer;  // row of the printer list, -1 when none
+  // The opener's: a queue of that name is new in the working set.
+  void (*added)(const std::string &name) = nullptr;
 };
 extern std::unique_ptr<AddQueueWindowHelper> G_AddQueueWindow_helper;
 

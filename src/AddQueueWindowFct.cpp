@@ -3,7 +3,6 @@
 #include <string_view>
 
 #include "AddQueueWindow.h"
-#include "AdminWindowFct.h"
 #include "ComboWidget.h"
 #include "EntryHandlers.h"
 #include "ListWidget.h"
@@ -97,7 +96,7 @@ int GetAndSaveUserDataAddQueue() {
     ShowError(result.warning_key);
   }
   if (!result.added) return 0;
-  UnselectAllAndSelectOneInQueuesCList(AddItemInQueuesCListWidget(input.name.c_str()));
+  if (helper.added != nullptr) helper.added(input.name);
   return 1;
 }
 

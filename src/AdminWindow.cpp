@@ -3,12 +3,14 @@
 #include "AccessKeys.h"
 #include "AdminWindowFct.h"
 #include "ListWidget.h"
+#include "PropertiesFrame.h"
 #include "Support.h"
 #include "cmessages.h"
 #include "cprintqueue.h"
 #include "debug.h"
 #include "globals.h"
 #include "ignoreresult.h"
+#include "properties.h"
 
 std::unique_ptr<KPXadminWindowHelper> G_KPXadminWindow_helper;
 Owned<CList> G_QueuesSelections;
@@ -74,6 +76,8 @@ GtkWidget *create_AdminWindow() {
   const LogScope log("create_AdminWindow");
   G_QueuesSelections = CreateList();
   RememberUnfinishedRemovals();
+  G_PropertiesOpener = {[] { return SelectedQueueName(G_QueuesSelections.get()); },
+                        ReplaceSelectedQueue};
   G_KPXadminWindow_helper = std::make_unique<KPXadminWindowHelper>();
   KPXadminWindowHelper &helper = *G_KPXadminWindow_helper;
   helper.window = gtk_window_new(GTK_WINDOW_TOPLEVEL);

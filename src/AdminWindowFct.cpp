@@ -17,6 +17,7 @@
 #include "debug.h"
 #include "globals.h"
 #include "ignoreresult.h"
+#include "properties.h"
 #include "savequeues.h"
 
 namespace {
@@ -68,6 +69,9 @@ void RememberDeleted(const char *name) {
 void ButtonAddPressed() {
   const LogScope log("ButtonAddPressed");
   gtk_widget_show(create_AddQueueWindow());
+  G_AddQueueWindow_helper->added = [](const std::string &name) {
+    UnselectAllAndSelectOneInQueuesCList(AddItemInQueuesCListWidget(name.c_str()));
+  };
 }
 
 void ButtonClonePressed() {
@@ -106,6 +110,14 @@ void ButtonKPXDeletePressed(int flag) {
                         });
   // The button that was pressed is dead now.
   if (flag != 0) gtk_widget_grab_focus(G_KPXadminWindow_helper->queues_list);
+}
+
+void ReplaceSelectedQueue(const QueueIdentity &identity) {
+  // The button that opened the properties is dead without a selected queue.
+  const FocusKeeper keeper(G_KPXadminWindow_helper->window);
+  ButtonKPXDeletePressed(0);
+  PutBackIdentity(identity);
+  UnselectAllAndSelectOneInQueuesCList(AddItemInQueuesCListWidget(identity.name.c_str()));
 }
 
 void RememberUnfinishedRemovals() {

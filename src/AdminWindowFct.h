@@ -3,6 +3,8 @@
 
 #include <gtk/gtk.h>
 
+#include "addqueue.h"
+
 // "clicked" handlers of the buttons; Cancel is also the window's close.
 void ButtonAddPressed();
 void ButtonClonePressed();
@@ -12,6 +14,10 @@ void ButtonHelpPressed();
 // Takes the selected queues out of the list and the working set; with a `flag` other than 0 Save
 // will remove them from the spooler.
 void ButtonKPXDeletePressed(int flag);
+
+// For the properties: the work copy under that identity takes the place of the selected queue, and
+// is selected.
+void ReplaceSelectedQueue(const QueueIdentity &identity);
 
 // Save will remove what an interrupted save was to remove.
 void RememberUnfinishedRemovals();

@@ -7,9 +7,6 @@
 #include "FieldGrid.h"
 #include "FilteredEntry.h"
 #include "MessageDialogs.h"
-#include "PropTabCustoms.h"
-#include "PropTabCustomsFct.h"
-#include "PropertiesWindow.h"
 #include "Support.h"
 #include "ccmtparams.h"
 #include "debug.h"
@@ -69,19 +66,20 @@ int GetAndSaveUserDataCmtParam() {
     gtk_widget_grab_focus(entry);
     return 0;
   }
-  if (L_CmtAddOrEdit == L_Edit) RemoveEditedCustomEntry(CustomKind::kMedia);
+  if (L_CmtAddOrEdit == L_Edit) G_CustomsTab.remove_edited(CustomKind::kMedia);
   AddCustomMedia(name);
-  ShowNewCustomEntry(CustomKind::kMedia, name);
+  G_CustomsTab.show_new(CustomKind::kMedia, name);
   return 1;
 }
 
 void ButtonOkCmtPressed() {
   const LogScope log("ButtonOkCmtPressed");
   // The tab's buttons are dead while the edited entry is replaced, and Add is with the last one.
-  const FocusKeeper keeper(G_PropertiesWindow_helper->window, CustomList(CustomKind::kMedia).list);
+  GtkWidget *list = G_CustomsTab.list(CustomKind::kMedia);
+  const FocusKeeper keeper(gtk_widget_get_toplevel(list), list);
   if (GetAndSaveUserDataCmtParam() == 0) return;
   ButtonCancelCmtPressed();
-  CountNewCustomEntry(CustomKind::kMedia);
+  G_CustomsTab.count_new(CustomKind::kMedia);
 }
 
 void ButtonCancelCmtPressed() {

@@ -1,8 +1,8 @@
 #include "ConfirmationWindow.h"
 
 #include "AccessKeys.h"
+#include "CustomDialog.h"
 #include "DialogFrame.h"
-#include "PropTabCustomsFct.h"
 #include "Support.h"
 #include "cmessages.h"
 #include "debug.h"
@@ -54,7 +54,7 @@ GtkWidget *create_ConfirmationWindow(int kind) {
 
 void ButtonYESConfirmationPressed() {
   const LogScope log("ButtonYESConfirmationPressed");
-  DeleteSelectedCustomEntries(Cps_Or_Cmt == 1 ? CustomKind::kPaper : CustomKind::kMedia);
+  G_CustomsTab.delete_selected(Cps_Or_Cmt == 1 ? CustomKind::kPaper : CustomKind::kMedia);
   ButtonNOConfirmationPressed();
 }
 

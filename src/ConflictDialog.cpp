@@ -10,7 +10,7 @@
 #include "OptionDefaults.h"
 #include "PropTabFeatures.h"
 #include "PropTabGeneral.h"
-#include "PropertiesWindow.h"
+#include "PropertiesFrame.h"
 #include "Support.h"
 #include "cmessages.h"
 #include "conflictresolution.h"

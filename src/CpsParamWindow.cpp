@@ -9,9 +9,6 @@
 #include "FieldGrid.h"
 #include "FilteredEntry.h"
 #include "MessageDialogs.h"
-#include "PropTabCustoms.h"
-#include "PropTabCustomsFct.h"
-#include "PropertiesWindow.h"
 #include "Support.h"
 #include "ccpsparams.h"
 #include "cmessages.h"
@@ -203,19 +200,20 @@ int GetAndSaveUserDataCpsParam() {
   }
   const double width = ConvertMetrics(L_CurrentUnit, kPels, ValueOf(helper.width_spin));
   const double length = ConvertMetrics(L_CurrentUnit, kPels, ValueOf(helper.length_spin));
-  if (L_AddOrEdit == L_Edit) RemoveEditedCustomEntry(CustomKind::kPaper);
+  if (L_AddOrEdit == L_Edit) G_CustomsTab.remove_edited(CustomKind::kPaper);
   AddCustomPaper(name, width, length);
-  ShowNewCustomEntry(CustomKind::kPaper, name);
+  G_CustomsTab.show_new(CustomKind::kPaper, name);
   return 1;
 }
 
 void ButtonOkCpsPressed() {
   const LogScope log("ButtonOkCpsPressed");
   // The tab's buttons are dead while the edited entry is replaced, and Add is with the last one.
-  const FocusKeeper keeper(G_PropertiesWindow_helper->window, CustomList(CustomKind::kPaper).list);
+  GtkWidget *list = G_CustomsTab.list(CustomKind::kPaper);
+  const FocusKeeper keeper(gtk_widget_get_toplevel(list), list);
   if (GetAndSaveUserDataCpsParam() == 0) return;
   ButtonCancelCpsPressed();
-  CountNewCustomEntry(CustomKind::kPaper);
+  G_CustomsTab.count_new(CustomKind::kPaper);
 }
 
 void ButtonCancelCpsPressed() {

@@ -2,9 +2,10 @@
 
 #include "FieldGrid.h"
 #include "MessageDialogs.h"
-#include "PropTabCustoms.h"
 #include "Support.h"
 #include "cselection.h"
+
+CustomsTabCalls G_CustomsTab;
 
 namespace {
 
@@ -29,7 +30,9 @@ GtkWidget *NewNameEntry(GtkWidget *window, const char *name, InsertHandler filte
   return entry;
 }
 
-std::string SelectedCustomName(CustomKind kind) { return SelectedText(CustomSelections(kind)); }
+std::string SelectedCustomName(CustomKind kind) {
+  return SelectedText(G_CustomsTab.selections(kind));
+}
 
 int CheckUniqueCustomName(CustomKind kind, const std::string &name, bool editing) {
   const std::string edited = SelectedCustomName(kind);

@@ -7,7 +7,21 @@
 #include <string>
 
 #include "FilteredEntry.h"
+#include "clist.h"
 #include "customentries.h"
+
+// What the dialogs about the queue's own sizes and media types ask the Customs tab for.
+struct CustomsTabCalls {
+  CList *(*selections)(CustomKind kind) = nullptr;  // one record a row
+  GtkWidget *(*list)(CustomKind kind) = nullptr;
+  void (*delete_selected)(CustomKind kind) = nullptr;
+  // When an entry was added or edited, in this order:
+  void (*remove_edited)(CustomKind kind) = nullptr;  // without a question
+  void (*show_new)(CustomKind kind, const std::string &name) = nullptr;
+  void (*count_new)(CustomKind kind) = nullptr;  // when the dialog is closed
+};
+// Set while there is a tab.
+extern CustomsTabCalls G_CustomsTab;
 
 // The grid of the dialog's fields, at the start of `box`.
 GtkGrid *AddFieldGrid(GtkWidget *box);

@@ -5,7 +5,7 @@
 #include "AddQueueWindow.h"
 #include "FilteredEntry.h"
 #include "PropTabGeneral.h"
-#include "PropertiesWindow.h"
+#include "PropertiesFrame.h"
 #include "Support.h"
 #include "addqueue.h"
 #include "debug.h"

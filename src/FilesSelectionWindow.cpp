@@ -8,7 +8,6 @@
 #include "AccessKeys.h"
 #include "MessageDialogs.h"
 #include "Support.h"
-#include "ToolWindowFct.h"
 #include "cmessages.h"
 #include "debug.h"
 #include "utils.h"
@@ -51,6 +50,10 @@ std::vector<std::string> ChosenPaths() {
   }
   g_slist_free_full(names, g_free);
   return paths;
+}
+
+void Choose(const std::string &path) {
+  if (G_FilesSelectionWindow_helper->chosen != nullptr) G_FilesSelectionWindow_helper->chosen(path);
 }
 
 // The folder whose files are listed; none while other files are, such as the recent ones.
@@ -98,7 +101,7 @@ GtkWidget *create_FilesSelectionWindow() {
 void ButtonOkFilesPressed() {
   const LogScope log("ButtonOkFilesPressed");
   for (const std::string &path : ChosenPaths()) {
-    AddChosenPath(IsDirectory(path) ? path + "/" : path);
+    Choose(IsDirectory(path) ? path + "/" : path);
   }
   ButtonCancelFilesPressed();
 }
@@ -117,7 +120,7 @@ void ButtonFolderFilesPressed() {
     ShowError("MSG_NO_FOLDER");
     return;
   }
-  for (const std::string &folder : folders) AddChosenPath(folder + "/");
+  for (const std::string &folder : folders) Choose(folder + "/");
   ButtonCancelFilesPressed();
 }
 

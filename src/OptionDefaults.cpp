@@ -5,7 +5,7 @@
 
 #include "FieldGrid.h"
 #include "OptionCombos.h"
-#include "PropertiesWindow.h"
+#include "PropertiesFrame.h"
 #include "Support.h"
 #include "debug.h"
 #include "featuretable.h"

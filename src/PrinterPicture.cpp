@@ -3,7 +3,7 @@
 #include <string>
 
 #include "Pixmaps.h"
-#include "PropertiesWindow.h"
+#include "PropertiesFrame.h"
 #include "Support.h"
 #include "cprintqueue.h"
 #include "debug.h"

@@ -2,10 +2,11 @@
 
 #include <vector>
 
+#include "CustomDialog.h"
 #include "ListWidget.h"
 #include "OptionDefaults.h"
 #include "PropTabCustomsFct.h"
-#include "PropertiesWindow.h"
+#include "PropertiesFrame.h"
 #include "Support.h"
 #include "cmessages.h"
 #include "debug.h"
@@ -108,6 +109,12 @@ GtkWidget *create_PropTabCustoms() {
   G_PropTabCustoms_helper = std::make_unique<PropTabCustomsHelper>();
   G_CpsSelections = CreateList();
   G_CmtSelections = CreateList();
+  G_CustomsTab = {CustomSelections,
+                  [](CustomKind kind) { return CustomList(kind).list; },
+                  DeleteSelectedCustomEntries,
+                  RemoveEditedCustomEntry,
+                  ShowNewCustomEntry,
+                  CountNewCustomEntry};
   GtkWidget *page = gtk_box_new(GTK_ORIENTATION_VERTICAL, 2 * kTabSpacing);
   gtk_container_set_border_width(GTK_CONTAINER(page), kTabBorder);
   StoreWidget(G_PropertiesWindow_helper->window, page, "CustomsVBox");
@@ -118,6 +125,7 @@ GtkWidget *create_PropTabCustoms() {
 }
 
 void ForgetCustomsTab() {
+  G_CustomsTab = {};
   G_PropTabCustoms_helper.reset();
   G_CpsSelections.reset();
   G_CmtSelections.reset();

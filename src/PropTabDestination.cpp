@@ -7,7 +7,7 @@
 #include "FilteredEntry.h"
 #include "OptionCombos.h"
 #include "OptionDefaults.h"
-#include "PropertiesWindow.h"
+#include "PropertiesFrame.h"
 #include "Support.h"
 #include "cmessages.h"
 #include "debug.h"

@@ -9,7 +9,7 @@
 #include "OptionCombos.h"
 #include "OptionDefaults.h"
 #include "PrinterPicture.h"
-#include "PropertiesWindow.h"
+#include "PropertiesFrame.h"
 #include "Support.h"
 #include "cmessages.h"
 #include "conflictresolution.h"

@@ -11,7 +11,7 @@
 #include "OptionCombos.h"
 #include "OptionDefaults.h"
 #include "PrinterPicture.h"
-#include "PropertiesWindow.h"
+#include "PropertiesFrame.h"
 #include "Support.h"
 #include "cmessages.h"
 #include "cprintqueue.h"

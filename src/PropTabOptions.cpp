@@ -6,7 +6,7 @@
 #include "OptionCombos.h"
 #include "OptionDefaults.h"
 #include "Pixmaps.h"
-#include "PropertiesWindow.h"
+#include "PropertiesFrame.h"
 #include "Support.h"
 #include "cmessages.h"
 #include "debug.h"

@@ -2,7 +2,7 @@
 
 #include "OptionCombos.h"
 #include "OptionDefaults.h"
-#include "PropertiesWindow.h"
+#include "PropertiesFrame.h"
 #include "debug.h"
 #include "globals.h"
 

@@ -7,7 +7,7 @@
 #include "OptionCombos.h"
 #include "OptionDefaults.h"
 #include "PropTabSetupFct.h"
-#include "PropertiesWindow.h"
+#include "PropertiesFrame.h"
 #include "Support.h"
 #include "debug.h"
 #include "jobrules.h"

@@ -7,7 +7,7 @@
 #include "FieldGrid.h"
 #include "FilteredEntry.h"
 #include "OptionDefaults.h"
-#include "PropertiesWindow.h"
+#include "PropertiesFrame.h"
 #include "Support.h"
 #include "cmessages.h"
 #include "debug.h"

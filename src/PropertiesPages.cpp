@@ -12,7 +12,7 @@
 #include "PropTabOutput.h"
 #include "PropTabSetup.h"
 #include "PropTabTextOptions.h"
-#include "PropertiesWindow.h"
+#include "PropertiesFrame.h"
 #include "Support.h"
 #include "cmessages.h"
 #include "debug.h"

@@ -4,35 +4,20 @@
 #include <string>
 
 #include "AccessKeys.h"
-#include "AdminWindow.h"
-#include "ComboWidget.h"
 #include "MessageDialogs.h"
+#include "PropertiesFrame.h"
 #include "PropertiesPages.h"
 #include "PropertiesWindowFct.h"
 #include "Support.h"
-#include "ToolWindow.h"
 #include "cmessages.h"
 #include "conflictresolution.h"
 #include "debug.h"
-#include "globals.h"
-#include "printcommand.h"
 #include "properties.h"
-
-std::unique_ptr<PropertiesWindowHelper> G_PropertiesWindow_helper;
 
 namespace {
 
 constexpr int L_Border = 8;
 constexpr int L_Spacing = 8;
-
-// The queue that the program's main window is on; empty without one.
-std::string ChosenQueueName() {
-  if (G_ProgName == kModeAdministration) return SelectedQueueName(G_QueuesSelections.get());
-  if (G_ProgName == kModePrintTool) {
-    return QueueNameFromEntry(ComboText(G_QueuesWindow_helper->queue_combo));
-  }
-  return "";
-}
 
 void AddPropertiesButtons(PropertiesWindowHelper &helper, GtkWidget *parent) {
   GtkWidget *window = helper.window;
@@ -74,7 +59,9 @@ void SetSize(GtkWidget *window, GtkWidget *notebook) {
 GtkWidget *create_PropertiesWindow() {
   const LogScope log("create_PropertiesWindow");
   std::string error;
-  if (!OpenProperties(ChosenQueueName(), &error)) {
+  const bool has_opener = G_PropertiesOpener.chosen_queue != nullptr;
+  const std::string queue = has_opener ? G_PropertiesOpener.chosen_queue() : "";
+  if (!OpenProperties(queue, &error)) {
     if (!error.empty()) gtk_widget_show(create_ErrorWindow(nullptr, error));
     return nullptr;
   }
@@ -103,16 +90,4 @@ GtkWidget *create_PropertiesWindow() {
   GiveAccessKeys(helper.window);
   SetSize(helper.window, helper.notebook);
   return helper.window;
-}
-
-void FocusInProperties(GtkWidget *widget) {
-  if (widget == nullptr || G_PropertiesWindow_helper == nullptr) return;
-  auto *notebook = GTK_NOTEBOOK(G_PropertiesWindow_helper->notebook);
-  for (int page = 0; page < gtk_notebook_get_n_pages(notebook); ++page) {
-    if (gtk_widget_is_ancestor(widget, gtk_notebook_get_nth_page(notebook, page)) == FALSE) {
-      continue;
-    }
-    gtk_notebook_set_current_page(notebook, page);
-  }
-  gtk_widget_grab_focus(widget);
 }

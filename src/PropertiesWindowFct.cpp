@@ -2,8 +2,6 @@
 
 #include <string>
 
-#include "AdminWindow.h"
-#include "AdminWindowFct.h"
 #include "ConflictDialog.h"
 #include "InstallableLists.h"
 #include "MessageDialogs.h"
@@ -80,11 +78,7 @@ int SaveIdentity() {
     ShowError(WarningKey(fault));
     return 0;
   }
-  // The button that opened the properties is dead without a selected queue.
-  const FocusKeeper keeper(G_KPXadminWindow_helper->window);
-  ButtonKPXDeletePressed(0);
-  PutBackIdentity(identity);
-  UnselectAllAndSelectOneInQueuesCList(AddItemInQueuesCListWidget(identity.name.c_str()));
+  G_PropertiesOpener.replace_queue(identity);
   return 1;
 }
 

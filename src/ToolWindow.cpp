@@ -3,6 +3,7 @@
 #include "AccessKeys.h"
 #include "ComboWidget.h"
 #include "ListWidget.h"
+#include "PropertiesFrame.h"
 #include "Support.h"
 #include "ToolWindowFct.h"
 #include "cmessages.h"
@@ -84,6 +85,7 @@ GtkWidget *create_ToolWindow() {
   G_FilesList = CreateList();
   G_QueuesWindow_helper = std::make_unique<ToolWindowHelper>();
   ToolWindowHelper &helper = *G_QueuesWindow_helper;
+  G_PropertiesOpener = {ChosenQueue, nullptr};
 
   helper.window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
   StoreWidget(helper.window, helper.window, "ToolWindow");

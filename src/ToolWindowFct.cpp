@@ -37,10 +37,6 @@ std::string DisplayName(const std::string &path) {
   return shown;
 }
 
-std::string ChosenQueue() {
-  return QueueNameFromEntry(ComboText(G_QueuesWindow_helper->queue_combo));
-}
-
 void TakeDroppedFiles(GtkWidget *, GdkDragContext *context, gint, gint, GtkSelectionData *data,
                       guint, guint time, gpointer) {
   const LogScope log("TakeDroppedFiles");
@@ -61,6 +57,10 @@ void TakeDroppedFiles(GtkWidget *, GdkDragContext *context, gint, gint, GtkSelec
 }
 
 }  // namespace
+
+std::string ChosenQueue() {
+  return QueueNameFromEntry(ComboText(G_QueuesWindow_helper->queue_combo));
+}
 
 void ButtonPrintPressed() {
   const LogScope log("ButtonPrintPressed");
@@ -94,6 +94,7 @@ void ButtonPropertiesToolPressed() {
 void ButtonAddFilesPressed() {
   const LogScope log("ButtonAddFilesPressed");
   gtk_widget_show(create_FilesSelectionWindow());
+  G_FilesSelectionWindow_helper->chosen = AddChosenPath;
 }
 
 void ButtonDeleteFilesPressed() {

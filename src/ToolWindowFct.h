@@ -5,6 +5,9 @@
 
 #include <string>
 
+// The name of the queue that the queue combo shows.
+std::string ChosenQueue();
+
 // "clicked" handlers of the buttons.
 void ButtonPrintPressed();
 void ButtonLPRPressed();

@@ -17,7 +17,6 @@
 #include "ignoreresult.h"
 #include "jobcopies.h"
 #include "paths.h"
-#include "printcommand.h"
 #include "settingkeys.h"
 #include "spooljobs.h"
 #include "textencoding.h"

@@ -3,7 +3,8 @@
 
 Compares the source lists of src/CMakeLists.txt with the tables of docs/ARCHITECTURE.md and with the
 files of src/, and the #include lines with the layers: a module of the core includes neither the
-toolkit nor a module that has windows. Looks for headers of one name in two directories, and for
+toolkit nor a module that has windows, no module includes one of a later list, and none includes
+itself through others, but for a window and its handlers (X, XFct). Looks for headers of one name in two directories, and for
 types of one name that two files define: programs and tests link several of the libraries. Looks for
 files whose names differ in capitals only, and for sources of the programs beside KPXadmin that are
 not in their namespace. Looks for functions of the headers whose result can tell a failure and that
@@ -19,6 +20,22 @@ import sys
 TOOLKIT = re.compile(r"<(gtk|gdk|gdk-pixbuf|glib|gio|pango|cairo|atk|X11)[/.-]|<(glib-unix|gmodule)\.h>")
 INCLUDE = re.compile(r'^\s*#\s*include\s+(<[^>]+>|"[^"]+")')
 PROGRAMS = ("src", "filter", "transport", "pixmaps", "tests")
+# Holds what it includes, and is included by most.
+STATE = ("globals",)
+# Includes of a module of a later list, and why.
+UPWARD = {
+    ("debug", "textencoding"): "the log is written like all of standard error",
+    ("optionstate", "cprintqueue"): "it lends what the queue's record holds",
+    ("pixmapnames", "cprintqueue"): "a picture is that of the queue's printer model",
+    ("PropTabGeneral", "EntryHandlers"): "its entries are those of the add-queue dialog",
+    ("PropertiesPages", "PropTabTextOptions"): "the page of the print tool's fonts",
+    ("PropertiesWindowFct", "PropTabTextOptions"): "the same: OK reads it",
+}
+# Includes that close a circle, and why.
+CIRCLES = {
+    ("EntryHandlers", "AddQueueWindow"): "one rule for the buttons of both dialogs with a queue's",
+    ("EntryHandlers", "PropTabGeneral"): "name and address: it looks for the one that is open",
+}
 # What these define is in namespace kpx::<directory>; a file with main() uses it.
 NAMESPACED = ("filter", "transport", "pixmaps")
 SCOPE = re.compile(r"^(namespace(?: [\w:]+)?) \{|^\}  // namespace")
@@ -113,6 +130,45 @@ def layer_faults(src, core, gui):
                     yield f"src/{path.name}: the core includes {name}, a module with windows"
 
 
+def included_modules(src, modules):
+    """{module: the other modules that its two files include}."""
+    found = {}
+    for module in modules:
+        paths = [p for p in (src / f"{module}.cpp", src / f"{module}.h") if p.exists()]
+        names = {pathlib.Path(i.strip('"')).stem for p in paths for i in includes(p) if i[0] == '"'}
+        found[module] = (names & set(modules)) - {module}
+    return found
+
+
+def order_faults(variables, included):
+    """Includes of modules of a later list. The lists stand in layer order."""
+    place = {m: number for number, ms in enumerate(variables.values()) for m in ms}
+    for module, others in included.items():
+        for other in sorted(others):
+            if place[other] > place[module] and (module, other) not in UPWARD and module not in STATE:
+                yield f"src/{module}.cpp: includes {other}.h, whose list is a later one"
+
+
+def circle_faults(included):
+    """Modules that include each other, directly or through others."""
+    def window(module):
+        return module.removesuffix("Fct")
+
+    graph = {}
+    for module, others in included.items():
+        graph.setdefault(window(module), set()).update(
+            window(o) for o in others if o not in STATE and (module, o) not in CIRCLES)
+    for start in sorted(graph):
+        reached, rest = set(), [o for o in graph[start] if o != start]
+        while rest:
+            module = rest.pop()
+            if module not in reached:
+                reached.add(module)
+                rest.extend(graph.get(module, ()))
+        if start in reached:
+            yield f"src/{start}.cpp: includes itself through other modules"
+
+
 def defined_types(text):
     """The types that a file defines outside of functions and of namespaces without a name."""
     scopes = []
@@ -180,8 +236,10 @@ def main():
     gui = library_modules(lists, variables, "kpx_gui")
     if not core or not gui or len(documented) != 12:
         sys.exit("structure.py: the lists or the map cannot be read any more")
+    included = included_modules(src, {m for modules in variables.values() for m in modules})
     faults = [*map_faults(numbers, documented), *file_faults(src, numbers),
-              *layer_faults(src, core, gui), *name_faults(root),
+              *layer_faults(src, core, gui), *order_faults(variables, included),
+              *circle_faults(included), *name_faults(root),
               *case_faults(root), *namespace_faults(root), *dropped_failure_faults(root)]
     for fault in faults:
         print(fault)

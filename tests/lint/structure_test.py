@@ -50,6 +50,9 @@ src/CMakeLists.txt: there is no src/gone.cpp
 src/CMakeLists.txt: stray.cpp is in no list
 src/log.cpp: the core includes the toolkit's gtk/gtk.h
 src/log.h: the core includes Window.h, a module with windows
+src/log.cpp: includes Window.h, whose list is a later one
+src/Window.cpp: includes itself through other modules
+src/log.cpp: includes itself through other modules
 src/log.h, filter/log.h: more than one header log.h
 src/log.h, filter/log.h: more than one type Kind
 src/log.h, filter/line.cpp: more than one type Line

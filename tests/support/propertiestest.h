@@ -6,13 +6,11 @@
 #include <variant>
 #include <vector>
 
-#include "AdminWindow.h"
-#include "ComboWidget.h"
 #include "Pixmaps.h"
+#include "PropertiesFrame.h"
 #include "PropertiesPages.h"
 #include "PropertiesWindow.h"
 #include "PropertiesWindowFct.h"
-#include "ToolWindow.h"
 #include "cprinter.h"
 #include "fontmap.h"
 #include "guisupport.h"
@@ -56,16 +54,7 @@ class PropertiesTest : public GuiTest {
     G_Queues_hash = queues_.get();
     G_OrgQueues_hash = nullptr;
     G_ProgName = kModePrintTool;
-    // What both programs' main windows say about the queue.
-    G_QueuesSelections = CreateList();
-    Must(fAddTail_CList_Function(G_QueuesSelections.get(), CreateSelection("lp1", 1)));
-    G_QueuesWindow_helper = std::make_unique<ToolWindowHelper>();
-    GtkWidget *main_window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
-    GtkWidget *combo = NewCombo(main_window, "QueueCombo", "QueueComboEntry", nullptr);
-    gtk_container_add(GTK_CONTAINER(main_window), combo);
-    ComboFill(combo, {"lp1"});
-    ComboSetRow(combo, 0);
-    G_QueuesWindow_helper->queue_combo = combo;
+    G_PropertiesOpener = {[] { return std::string("lp1"); }, nullptr};
     ReadFonts(
         "GUI_Font:Times|GUI_Style:Roman|AFM_FontName:Times-Roman\n"
         "GUI_Font:Times|GUI_Style:Bold|AFM_FontName:Times-Bold\n"
@@ -77,8 +66,7 @@ class PropertiesTest : public GuiTest {
   void TearDown() override {
     ButtonCancelPropertiesPressed();
     GuiTest::TearDown();
-    G_QueuesWindow_helper.reset();
-    G_QueuesSelections.reset();
+    G_PropertiesOpener = {};
     G_Fonts_hash.reset();
     G_Printers_hash = G_Queues_hash = nullptr;
     G_ProgName = kModeNeither;
