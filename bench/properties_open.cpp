@@ -41,13 +41,13 @@ constexpr char kPrinter[] = "Heavy printer";
 
 using Clock = std::chrono::steady_clock;
 using Rows = std::vector<std::string>;
-using Page = std::vector<Rows>;  // the combos of a page
+using Combos = std::vector<Rows>;  // of a page
 
 [[noreturn]] void Fail(const std::string &why) { FailAs("properties_open", why); }
 
 // What the bare window has to have.
 struct Content {
-  std::vector<Page> pages;
+  std::vector<Combos> pages;
   int width = 0;
   int height = 0;
 };
@@ -96,7 +96,7 @@ GtkWidget *NewBareWindow(const Content &content) {
   gtk_window_set_default_size(GTK_WINDOW(window), content.width, content.height);
   GtkWidget *notebook = gtk_notebook_new();
   gtk_container_add(GTK_CONTAINER(window), notebook);
-  for (const Page &page : content.pages) {
+  for (const Combos &page : content.pages) {
     GtkWidget *grid = gtk_grid_new();
     for (size_t i = 0; i < page.size(); ++i) {
       gtk_grid_attach(GTK_GRID(grid), NewBareCombo(page[i]), 0, static_cast<int>(i), 1, 1);
@@ -235,7 +235,7 @@ int main(int argc, char **argv) {
   MeasureProperties(&content);
   size_t combos = 0;
   size_t rows = 0;
-  for (const Page &page : content.pages) {
+  for (const Combos &page : content.pages) {
     combos += page.size();
     for (const Rows &list : page) rows += list.size();
   }

@@ -21,10 +21,10 @@ struct FilterArguments {
   std::string paf_file;  // --paffile
 };
 
-// Reads the arguments behind the program name. Arguments that say nothing to the program are
+// Reads the arguments after the program name. Arguments that mean nothing to the program are
 // ignored (the caller of a conversion adds one); an option whose value is missing counts as given
-// with an empty value (the interface script of an unknown printer has no PPD file to name).
-// The mode is Filter with "--filter", else Convert with both "--ppdfile" and "--paffile".
+// with an empty value (the interface script of an unknown printer has no PPD file to name). The
+// mode is Filter with "--filter", else Convert with both "--ppdfile" and "--paffile".
 FilterArguments ParseArguments(const std::vector<std::string> &arguments);
 
 }  // namespace kpx::filter

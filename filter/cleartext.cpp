@@ -3,6 +3,7 @@
 #include <cctype>
 #include <iterator>
 #include <set>
+#include <string_view>
 
 #include "jobkind.h"
 

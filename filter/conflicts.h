@@ -13,7 +13,8 @@ namespace kpx::filter {
                              const std::string &option);
 
 // A text for each pair of settings in force that a constraint of the printer excludes, with both
-// sides as option files have them. Two settings that are both the printer's defaults are none.
+// sides as option files have them. Two settings that are both the printer's defaults do not
+// conflict.
 std::vector<std::string> ConflictTexts(const JobSettings &settings);
 
 }  // namespace kpx::filter

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <optional>
 
 #include "pafwriter.h"
 #include "ppdadaptor.h"

@@ -17,7 +17,7 @@ struct FeatureCode {
 };
 
 // The code for one section of the job, ordered by *OrderDependency (equal numbers: as in the PPD).
-// Features that stand anywhere belong to the document's setup, and so do their order numbers.
+// Features that may be anywhere belong to the document's setup, and so do their order numbers.
 //  - *PageSize and *PageRegion set the same thing: of the two only one is used, *PageRegion where
 //    the input slot in force asks for it (*RequiresPageRegion) or paper is fed by hand.
 //  - A custom paper size or media type uses the PPD's custom code, or sets the page device itself.

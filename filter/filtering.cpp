@@ -4,7 +4,9 @@
 
 #include <csignal>
 #include <cstring>
+#include <optional>
 #include <string_view>
+#include <utility>
 
 #include "conflicts.h"
 #include "jobkind.h"

@@ -1,4 +1,4 @@
-// What a job holds, told by its bytes and never by a name, and whether a queue can print that.
+// What a job holds, judged by its bytes and never by a name, and whether a queue can print that.
 #pragma once
 
 #include <string>
@@ -10,7 +10,7 @@ namespace kpx::filter {
 
 // Why the job in `source`, which stays as it is, cannot be printed on a queue for jobs of `type`
 // ("postscript", "text", "pcl6"): one sentence that names what it is and what the queue prints.
-// Empty when it can, or when it cannot be told.
+// Empty when it can, or when that is not certain.
 //  - PDF, pictures, raster data, compressed and office files, programs: on no queue.
 //  - PostScript on a queue for PCL; PCL, or what is clearly text, on one for PostScript.
 //  - On a queue for text, data with many NUL bytes that are not those of UTF-16.

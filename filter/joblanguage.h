@@ -25,7 +25,7 @@ struct JobControl {
 
 // Reads the job control at the beginning of `start`: leading end-of-transmission characters, then
 // language switches (kUel) and PJL lines up to the one that enters a language, with the empty lines
-// behind it when that is PostScript. `whole` says that the job ends where `start` ends, and with it
+// after it when that is PostScript. `whole` says that the job ends where `start` ends, and with it
 // a last line without line feed.
 JobControl ReadJobControl(std::string_view start, bool whole);
 
@@ -50,7 +50,7 @@ JobControl PeekJobControl(JobSource *source);
 // Takes the job control at the front of `source` off it.
 JobControl TakeJobControl(JobSource *source);
 
-// What goes behind it; empty where the printer knows no job control.
+// What goes after the job; empty where the printer knows no job control.
 std::string JobControlTrailer(const PpdModel &model);
 
 }  // namespace kpx::filter

@@ -37,7 +37,7 @@ class JobSettings {
   const PpdModel &Model() const { return model_; }
 
   // The choice for a feature (keyword without asterisk); nothing for a feature without choices and
-  // for one that is not there, or stands at a custom value.
+  // for one that is not there or has a custom value.
   const PpdChoice *Chosen(std::string_view keyword) const;
 
   // Whether a layer above the printer's defaults set the feature.
@@ -48,7 +48,7 @@ class JobSettings {
   [[nodiscard]] std::optional<std::string> PaperName() const;
   [[nodiscard]] std::optional<std::string> MediaName() const;
 
-  // The value of a key that is no feature of the printer ("*JobName"), or an empty text.
+  // The value of a key that is not a feature of the printer ("*JobName"), or an empty text.
   std::string Other(std::string_view key) const;
 
   // Whose name the printer gets for a job of the spooler's user `login`: the "*UserName" of the job

@@ -11,12 +11,12 @@
 namespace kpx::filter {
 
 // The words of the form "*key=value" among the spooler's options, which are separated by blanks. A
-// backslash takes the next character as it is, and quotes keep blanks together. One comma behind a
-// word is no part of it.
+// backslash takes the next character as it is, and quotes keep blanks together. One comma after a
+// word is not part of it.
 std::vector<KeyValue> ParseOptionWords(std::string_view options);
 
 // The user's option file of a queue: "users/<user>:<file name>" beside the queue's. Of a user on
-// another host ("host!user") the part behind the "!" counts. Empty for a user or a file without a
+// another host ("host!user") the part after the "!" counts. Empty for a user or a file without a
 // name, and for names that would lead elsewhere.
 std::string UserOptionFile(const std::string &queue_file, std::string_view user);
 
@@ -39,7 +39,7 @@ OptionFile ReadQueueOptions(const std::string &path, bool has_options);
 OptionFile ReadUserOptions(const std::string &path, std::string_view user);
 
 // The settings of one waiting request (see requestfile.h), beside the queue's file `queue_file`.
-// What ReadUserOptions says holds for the file and for the directory it lies in. `request` may be
+// What ReadUserOptions says holds for the file and for the directory it is in. `request` may be
 // empty; what can name no file is ignored with a warning.
 OptionFile ReadRequestOptions(const std::string &queue_file, std::string_view user,
                               std::string_view request);

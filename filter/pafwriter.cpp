@@ -1,6 +1,7 @@
 #include "pafwriter.h"
 
 #include <algorithm>
+#include <vector>
 
 #include "decimal.h"
 #include "pafformat.h"

@@ -16,6 +16,7 @@
 #include <sstream>
 #include <tuple>
 #include <utility>
+#include <vector>
 
 #include "byteordermark.h"
 #include "ppdtext.h"

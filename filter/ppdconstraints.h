@@ -20,10 +20,10 @@ struct ConstraintPairs {
   size_t left_out = 0;            // constraints that name something the PPD does not define
 };
 
-// A choice that a constraint leaves out stands for every choice but "None", "False" and "Off".
+// A choice that a constraint leaves out means every choice but "None", "False" and "Off".
 // "*CustomPageSize True" is an option of a PPD with custom page sizes, "*CustomMediaType True" of
-// every PPD with media types (a queue can define its own). A pair of one choice with itself is
-// left out and counted too.
+// every PPD with media types (a queue can define its own). A pair of one choice with itself is left
+// out and counted too.
 ConstraintPairs ExpandConstraints(const PpdModel &model);
 
 }  // namespace kpx::filter

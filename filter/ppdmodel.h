@@ -1,4 +1,4 @@
-// What a PPD file says, as plain values. Texts are UTF-8; keywords stand without their asterisk.
+// What a PPD file says, as plain values. Texts are UTF-8; keywords are without their asterisk.
 #pragma once
 
 #include <map>
@@ -28,7 +28,7 @@ struct PpdParameter {
   double min = 0, max = 0;  // limits of a number
 };
 
-// The code behind "*Custom<keyword> True" and how its parameters are handed over.
+// The code of "*Custom<keyword> True" and how its parameters are handed over.
 struct PpdCustom {
   std::string code;
   std::vector<PpdParameter> parameters;  // in the order in which the code expects them
@@ -53,7 +53,7 @@ struct PpdFeature {
   const PpdChoice &DefaultChoice() const;
 };
 
-// A line of *UIConstraints or *NonUIConstraints; an empty choice stands for a left-out one.
+// A line of *UIConstraints or *NonUIConstraints; an empty choice is one that was left out.
 struct PpdConstraint {
   std::string feature1, choice1, feature2, choice2;
 };
@@ -64,7 +64,7 @@ struct PpdCustomLimits {
 };
 
 // A page size, in points: the paper (sides above 0, at most 1e5), and the corners of its printable
-// area, which lies on it and is not empty.
+// area, which is part of it and not empty.
 struct PpdPageSize {
   double width = 0, length = 0, left = 0, bottom = 0, right = 0, top = 0;
 };

@@ -9,7 +9,7 @@
 namespace kpx::filter {
 
 // A PPD text ready for the reader. Line numbers of the reader are those of the file plus
-// `added_lines` (0 or 1) behind line 1.
+// `added_lines` (0 or 1) after line 1.
 struct PreparedPpd {
   std::string text;
   int added_lines = 0;
@@ -22,7 +22,7 @@ struct PreparedPpd {
 PreparedPpd PreparePpd(std::string_view ppd);
 
 // Takes away what is left of a value whose beginning is missing: the lines from `line` (from 1) up
-// to the "*End" behind them, when the last of them closes a quotation. Some PPD files in use have
+// to the "*End" after them, when the last of them closes a quotation. Some PPD files in use have
 // such a leftover. False, and nothing changed, when the lines are not of that form.
 [[nodiscard]] bool DropOrphanedValue(std::string *ppd, int line);
 
@@ -30,8 +30,8 @@ PreparedPpd PreparePpd(std::string_view ppd);
 [[nodiscard]] bool DefinesChoice(std::string_view ppd, std::string_view keyword,
                                  std::string_view choice);
 
-// A display text: UTF-8 (bytes that are none are read as ISO-8859-1), every run of line feeds and
-// carriage returns one blank, other control characters but tabs left out.
+// A display text: UTF-8 (other bytes are read as ISO-8859-1), every run of line feeds and carriage
+// returns one blank, other control characters but tabs left out.
 std::string CleanText(std::string_view bytes);
 
 // `code` with every "<hex digits>" replaced by its bytes, as the values of JCL keywords are

@@ -15,8 +15,8 @@ namespace kpx::filter {
 struct SheetPlan {
   size_t columns = 1, rows = 1;
   bool turned = false;              // the reader turns the paper by a quarter, clockwise
-  bool from_right = false;          // the first page stands at the right
-  bool columns_first = false;       // the second page stands below the first one
+  bool from_right = false;          // the first page is at the right
+  bool columns_first = false;       // the second page is below the first one
   double width = 0, length = 0;     // of the paper, and of a page before it is scaled; points
   double inset_x = 0, inset_y = 0;  // of the paper, left free on both sides; points
 
@@ -37,8 +37,8 @@ SheetPlan PlanFor(const PpdPageSize &paper, size_t pages, std::string_view order
 SheetPlan PlanOf(const JobSettings &settings);
 
 // The matrix that puts a page at a place (from 0, in the order of the pages). It is scaled to fit
-// and stands in the middle of its cell; the grid's middle is that of the paper, so that a sheet can
-// be folded there. Nothing of a page comes closer to the edge than the printer can print.
+// and is in the middle of its cell; the grid's middle is that of the paper, so that a sheet can be
+// folded there. Nothing of a page comes closer to the edge than the printer can print.
 std::array<double, 6> PlacementOf(const SheetPlan &plan, size_t place);
 
 // Takes the marks of one page after another.

@@ -20,8 +20,7 @@ namespace kpx::filter {
 // "*Booklet" the pages come two a side in the order of a booklet, once the whole job is read. An
 // empty job gives nothing. Fails when the file that keeps a booklet's pages does; what goes wrong
 // with reading and writing shows in `source` and `sink`.
-// Font, size, pages a side and their order warn when they are
-// given and are none.
+// Font, size, pages a side and their order warn when they are given and not valid.
 JobResult FilterText(const JobSettings &settings, const JobIdentity &identity, JobSource *source,
                      JobSink *sink);
 

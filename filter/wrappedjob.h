@@ -26,7 +26,7 @@ JobSink ToTaggedBinary(JobSink *sink);
 // Whether a DOS EPS file begins with `start` (four bytes are enough).
 [[nodiscard]] bool IsDosEps(std::string_view start);
 
-// Takes what stands before the document of a DOS EPS file off `source`; gives the document's length
+// Takes what comes before the document of a DOS EPS file off `source`; gives the document's length
 // in bytes, 0 when the file does not hold one.
 size_t SkipToEpsDocument(JobSource *source);
 

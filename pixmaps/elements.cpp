@@ -1,7 +1,10 @@
 #include "elements.h"
 
 #include <cmath>
+#include <map>
 #include <numbers>
+#include <string>
+#include <vector>
 
 #include "glyphs.h"
 

@@ -23,13 +23,16 @@
 
 #pragma once
 
+#include <map>
+#include <string>
+
 #include "canvas.h"
 #include "description.h"
 
 namespace kpx::pixmaps {
 
 // Draws the picture's steps, each of its pixels as `scale` by `scale` of the image; throws
-// DescriptionError for a step that is none of the above.
+// DescriptionError for any other step.
 Image Draw(const Picture &picture, const std::map<std::string, unsigned> &colours, int scale = 1);
 
 }  // namespace kpx::pixmaps

@@ -12,6 +12,9 @@
 #include <iostream>
 #include <set>
 #include <sstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
 
 #include "description.h"
 #include "elements.h"

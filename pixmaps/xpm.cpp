@@ -4,6 +4,7 @@
 #include <cctype>
 #include <cstdio>
 #include <map>
+#include <vector>
 
 namespace kpx::pixmaps {
 

@@ -8,7 +8,7 @@
 
 namespace kpx::pixmaps {
 
-// The text of an XPM file, whose C name is made of `name`: characters that cannot stand in one
+// The text of an XPM file, whose C name is made of `name`: characters that cannot be part of one
 // become "_". The same image gives the same text.
 std::string XpmText(const Image &image, const std::string &name);
 

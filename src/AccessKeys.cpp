@@ -1,5 +1,8 @@
 #include "AccessKeys.h"
 
+#include <string>
+#include <vector>
+
 #include "keyletters.h"
 
 namespace {

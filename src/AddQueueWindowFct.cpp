@@ -1,5 +1,6 @@
 #include "AddQueueWindowFct.h"
 
+#include <string>
 #include <string_view>
 
 #include "AddQueueWindow.h"

@@ -1,6 +1,7 @@
 #include "ComboWidget.h"
 
 #include <memory>
+#include <utility>
 
 #include "RowTips.h"
 #include "Support.h"

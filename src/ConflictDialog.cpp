@@ -2,6 +2,7 @@
 
 #include <gtk/gtk.h>
 
+#include <optional>
 #include <string>
 
 #include "AccessKeys.h"

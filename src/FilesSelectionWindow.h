@@ -20,7 +20,7 @@ GtkWidget *create_FilesSelectionWindow();
 void ButtonOkFilesPressed();
 
 // Hands it the folders that are selected or typed, else the folder shown, then closes the window. A
-// typed path that is not there, and no folder at all, is told instead.
+// typed path that is not there, or no folder at all, is reported instead.
 void ButtonFolderFilesPressed();
 
 // Closes the window and forgets it.

@@ -6,6 +6,6 @@
 #pragma once
 
 // Before gtk_init: takes from the command line and the environment what names modules, and from
-// then on lets only modules be loaded that lie below the directory of GTK's own library. Other
-// modules count as missing; GTK says so on standard error. `argv` keeps its null at the end.
+// then on lets GTK load only modules below the directory of GTK's own library. Other modules count
+// as missing; GTK says so on standard error. `argv` keeps its null at the end.
 void GuardModules(int *argc, char **argv);

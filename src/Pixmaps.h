@@ -13,9 +13,9 @@ std::string check_file_exists(const std::string &dir, const std::string &file);
 
 // A picture widget for the XPM file `file`, searched in the directories of the list and then in
 // "../pixmaps". The placeholder when the name is null or empty, and, after one line on standard
-// error, when there is no such file or it is no XPM. `widget` is where it will be shown.
-// On a display of scale 2 or more, the file of that name in the sub-directory "2x" beside it is
-// shown instead, twice as fine and as large on the screen; one that is no XPM is told, and the
+// error, when there is no such file or it is not an XPM. `widget` is where it will be shown. On a
+// display of scale 2 or more, the file of that name in the sub-directory "2x" beside it is shown
+// instead, twice as fine and as large on the screen; one that is not an XPM is reported, and the
 // other shown.
 GtkWidget *create_pixmap(GtkWidget *widget, const char *file);
 

@@ -6,6 +6,7 @@
 #include <gtk/gtk.h>
 
 #include <memory>
+#include <string>
 
 // One of the two lists with the button that moves its selected row to the other.
 struct FeaturesListHelper {

@@ -41,7 +41,7 @@ gboolean FontSizeEntryFocusOut(GtkWidget *entry, GdkEventFocus *event, gpointer 
 // "clicked" handler of Defaults.
 void ButtonTextDefaultsPressed();
 
-// Stores the font and the size in the work copy: 1; 0 when the style is none of the font's.
+// Stores the font and the size in the work copy: 1; 0 when the font does not have the style.
 [[nodiscard]] int G_GetAndSaveUserDataPropTabText();
 
 // Shows the tab with the focus on what it refused.

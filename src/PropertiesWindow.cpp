@@ -1,6 +1,7 @@
 #include "PropertiesWindow.h"
 
 #include <algorithm>
+#include <memory>
 #include <string>
 
 #include "AccessKeys.h"

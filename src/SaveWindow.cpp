@@ -1,5 +1,7 @@
 #include "SaveWindow.h"
 
+#include <string>
+
 #include "Support.h"
 #include "cmessages.h"
 #include "debug.h"

@@ -45,7 +45,7 @@ void SetAlert(GtkWidget *window, const std::string &message);
 void BreakLines(GtkWidget *label, int characters);
 
 // A scrolled window stored as `scrolled_name` with a read-only, word-wrapped text area stored as
-// `text_name` that shows `text` (UTF-8; what is none, as in a file name, is read as ISO-8859-1).
+// `text_name` that shows `text` (UTF-8; anything else, as in a file name, is read as ISO-8859-1).
 // Assistive technology knows it by the title of `window`.
 GtkWidget *NewScrolledText(GtkWidget *window, const char *scrolled_name, const char *text_name,
                            const std::string &text);
@@ -57,7 +57,7 @@ GtkWidget *NewScrolledList(GtkWidget *window, const char *name, GtkWidget *list)
 void AddAccelerator(GtkWidget *window, GtkWidget *button, guint key);
 
 // Return and the keypad's Enter press `button`, except when the focus is on another button, which
-// they press then; a check or radio button is none in this sense. Once a window.
+// they press then; a check or radio button does not count as one. Once a window.
 void AddReturnAccelerator(GtkWidget *window, GtkWidget *button);
 
 // The window shows which widget has the focus before a key has been pressed.

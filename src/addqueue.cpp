@@ -1,6 +1,7 @@
 #include "addqueue.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "cmessages.h"
 #include "cprinter.h"

@@ -1,5 +1,7 @@
 #include "ccmtparams.h"
 
+#include <utility>
+
 namespace {
 
 constexpr CCmtParamsOps L_Ops{

@@ -1,6 +1,7 @@
 #include "cconstrain.h"
 
 #include <cstring>
+#include <utility>
 
 namespace {
 

@@ -7,8 +7,8 @@
 
 inline constexpr char CConstrainClassName[] = "CConstrain";
 
-// One of the texts of a constraint: a CString that was handed in, or one that lies in the record,
-// which is smaller. A printer has thousands of them.
+// One of the texts of a constraint: a CString that was handed in, or one that is part of the
+// record, which is smaller. A printer has thousands of them.
 class ConstrainString {
  public:
   // The text, lent until it is replaced; null when it is missing.

@@ -1,5 +1,7 @@
 #include "cfeature.h"
 
+#include <utility>
+
 namespace {
 
 constexpr CFeatureOps L_Ops{

@@ -1,5 +1,7 @@
 #include "chash.h"
 
+#include <utility>
+
 #include "ignoreresult.h"
 
 namespace {

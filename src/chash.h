@@ -5,6 +5,7 @@
 #include <concepts>
 #include <map>
 #include <string_view>
+#include <utility>
 
 #include "clist.h"
 #include "cpairhash.h"

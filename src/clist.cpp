@@ -1,5 +1,7 @@
 #include "clist.h"
 
+#include <utility>
+
 #include "ignoreresult.h"
 
 namespace {

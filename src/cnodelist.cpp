@@ -1,5 +1,7 @@
 #include "cnodelist.h"
 
+#include <utility>
+
 #include "ignoreresult.h"
 
 namespace {

@@ -21,7 +21,7 @@ struct CommandRecord {
 // Runs `command`, however long, through the shell and waits for it: its exit status, 128 plus the
 // signal's number when a signal ended it, -1 when it could not be started. What it prints goes
 // where this process prints. With `output`, what it prints on standard output goes there once it
-// has ended, and stands in `output` too, as far as it can be had.
+// has ended, and `output` has it too, as far as it can be had.
 [[nodiscard]] int RunCommand(const std::string &command, std::string *output = nullptr);
 
 // What the program words[0] prints on standard output when it is run without a shell, in the C
@@ -53,7 +53,7 @@ const std::vector<CommandRecord> &CommandRecords();
 // The redirection that throws away all that a command prints.
 inline constexpr char kDiscardOutput[] = ">/dev/null 2>&1";
 
-// `text` as one word of a shell command: as it stands when it consists of ASCII letters, digits and
+// `text` as one word of a shell command: unchanged when it consists of ASCII letters, digits and
 // "_@%+=:,./-", else in single quotes, whatever bytes it has.
 std::string ShellWord(std::string_view text);
 

@@ -1,6 +1,7 @@
 #include "constraintmessages.h"
 
 #include <array>
+#include <initializer_list>
 #include <string_view>
 
 #include "cmessages.h"

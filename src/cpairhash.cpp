@@ -1,5 +1,7 @@
 #include "cpairhash.h"
 
+#include <utility>
+
 namespace {
 
 constexpr CPairHashOps L_Ops{

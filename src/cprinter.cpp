@@ -1,5 +1,10 @@
 #include "cprinter.h"
 
+#include <optional>
+#include <string>
+#include <utility>
+#include <variant>
+
 #include "cfeature.h"
 #include "cmessages.h"
 #include "debug.h"

@@ -1,4 +1,4 @@
-// CPrinter: one printer model, as its description file (PAF) tells.
+// CPrinter: one printer model, as its description file (PAF) describes it.
 #pragma once
 
 #include "chash.h"

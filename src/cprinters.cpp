@@ -1,5 +1,8 @@
 #include "cprinters.h"
 
+#include <string>
+#include <utility>
+
 #include "cmessages.h"
 #include "cprinter.h"
 #include "debug.h"

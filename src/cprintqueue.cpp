@@ -1,5 +1,6 @@
 #include "cprintqueue.h"
 
+#include <utility>
 #include <vector>
 
 #include "cfeature.h"

@@ -1,7 +1,9 @@
 #include "cprintqueues.h"
 
 #include <cerrno>
+#include <optional>
 #include <set>
+#include <utility>
 #include <vector>
 
 #include "cmessages.h"

@@ -1,4 +1,4 @@
-// CSelection: a text with a selected flag, the record behind a list row.
+// CSelection: a text with a selected flag, the record of a list row.
 #pragma once
 
 #include <functional>

@@ -1,5 +1,7 @@
 #include "cstring.h"
 
+#include <utility>
+
 namespace {
 
 constexpr CStringOps L_Ops{

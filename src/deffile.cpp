@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <vector>
 
 #include "ccmtparams.h"
 #include "ccpsparams.h"

@@ -31,7 +31,7 @@ struct DestinationEntries {
 enum class DestinationFault { kNone, kPin, kEmail };
 
 // Stores the entries in the work copy and tidies the e-mail address, also of a refused entry, when
-// one is asked for. What stands before the refused value is stored all the same. A printer without
+// one is asked for. What comes before the refused value is stored all the same. A printer without
 // delivery or notification: their texts are left alone.
 [[nodiscard]] DestinationFault StoreDestination(DestinationEntries &entries);
 

@@ -12,12 +12,12 @@
 // while there is no list.
 CNodeList *AppendFile(const std::string &path);
 
-// The files that a chosen path stands for: the path itself, or, when it ends in "/", everything in
-// that directory that is no directory, in the directory's own order.
+// The files that a chosen path means: the path itself, or, when it ends in "/", everything in that
+// directory that is not a directory, in the directory's own order.
 std::vector<std::string> FilesOfSelection(const std::string &path);
 
 // The paths of the local files that a text/uri-list (RFC 2483) names, in its order. Comments, other
-// schemes, other hosts and malformed file URIs (RFC 8089) are left out; those that are no comments
+// schemes, other hosts and malformed file URIs (RFC 8089) are left out; those that are not comments
 // are added to `others` when it is not null.
 std::vector<std::string> PathsFromUriList(std::string_view text,
                                           std::vector<std::string> *others = nullptr);

@@ -1,4 +1,4 @@
-// The font map: which AFM font stands behind each font name and style that users see.
+// The font map: which AFM font each font name and style that users see means.
 #pragma once
 
 #include <string>
@@ -17,8 +17,8 @@
 // The font names (CString) of the program's table in key order; null while there is none.
 [[nodiscard]] Owned<CList> GetAllFontGuiName();
 
-// The first font and style behind which `afm_name` stands: 1; 0 and empty texts when there is none;
-// 0 and untouched texts when an argument or the table is missing.
+// The first font and style that mean `afm_name`: 1; 0 and empty texts when there is none; 0 and
+// untouched texts when an argument or the table is missing.
 [[nodiscard]] int GetGuiFont(const char *afm_name, std::string *font, std::string *style);
 
 // The AFM font name of a font and style, lent by the table, or null.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <set>
+#include <utility>
 
 #include "addqueue.h"
 #include "ccmtparams.h"

@@ -12,7 +12,7 @@
 // The command that asks the spooler bridge's spooler which queues it has.
 std::string SpoolerQuestion();
 
-// The queues of that spooler that the bridge made; nothing when the answer does not tell that it is
+// The queues of that spooler that the bridge made; nothing when the answer does not say that it is
 // running.
 [[nodiscard]] std::optional<std::vector<std::string>> BridgeQueuesOf(std::string_view answer);
 
@@ -31,6 +31,6 @@ void AskSpooler();
 // gone while the spooler still has them. So are those of `removed` of which the spooler still has
 // something. Without an unfinished save the other queues that the spooler has not are dropped
 // (RemoveInexistentSystemVQueues). Queues in the spooler that are ours and in neither set come into
-// G_Queues_hash. All but those of `removed` are told to `messages`, and so is what KPXadmin left in
-// the spooler and cannot be understood, with the command that removes it.
+// G_Queues_hash. All but those of `removed` are reported to `messages`, and so is what KPXadmin
+// left in the spooler and cannot be understood, with the command that removes it.
 void CompareWithSpooler(const CList *removed, CList *messages);

@@ -1,6 +1,7 @@
 #include "installables.h"
 
 #include <cstring>
+#include <utility>
 
 #include "cfeature.h"
 #include "constraintmessages.h"

@@ -26,8 +26,8 @@ struct InstallableDefaults {
 };
 InstallableDefaults SetInstallablesToDefaults();
 
-// The value that installs what a row stands for: "True", or the option whose display text is
-// `display`. Empty when there is none.
+// The value that installs the part of a row: "True", or the option whose display text is `display`.
+// Empty when there is none.
 std::string ValueThatInstalls(const std::string &feature, const std::string &display);
 
 // The value that removes it: "False"; "None" where the option has that; else the first other one.

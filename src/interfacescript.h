@@ -12,7 +12,7 @@
 // What a script's name is followed by while a new one is written beside it.
 inline constexpr char kTemporaryScriptSuffix[] = ".KPXadmin";
 
-// What the block says. The texts stand in it unquoted.
+// What the block says. Its texts are unquoted.
 struct InterfaceBlock {
   std::string queue_type;  // a key of queuetypes.h
   std::string ppd_path;

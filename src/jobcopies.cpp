@@ -1,6 +1,7 @@
 #include "jobcopies.h"
 
 #include <algorithm>
+#include <vector>
 
 #include "cstring.h"
 #include "debug.h"

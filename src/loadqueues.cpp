@@ -4,8 +4,10 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "cprintqueues.h"
 #include "debug.h"

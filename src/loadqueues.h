@@ -4,7 +4,7 @@
 #include "clist.h"
 
 // Fills G_Queues, which has its path, and takes the snapshot G_OrgQueues. What is wrong with the
-// queues is told to `messages`.
+// queues is reported to `messages`.
 //
 // The administration program, which must hold the administrators' lock, gets the queues of an
 // unfinished save as that save was to leave them, and the names that it still has to remove in

@@ -11,8 +11,8 @@ enum class OrderBoxes { kNone, kLeftAndRight, kAll };
 // booklet that is set gets no number of pages beside it.
 void AddDefaultMultipleUpSettings();
 
-// The work copy's choice: "*Nup" as it stands, kBookletKey when that is missing and a booklet is
-// set. With both, as only an edited file has them, it is the pages that are printed.
+// The work copy's choice: "*Nup" as it is, kBookletKey when that is missing and a booklet is set.
+// With both, as only an edited file has them, it is the pages that are printed.
 std::string CurrentMultipleUp();
 
 // The work copy's page order; "Left" when it holds none.

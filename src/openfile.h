@@ -10,7 +10,7 @@
 
 class OpenFile {
  public:
-  // Takes `descriptor` over; -1 (what a failed open returns) is none.
+  // Takes `descriptor` over; -1 (what a failed open returns) means no file.
   explicit OpenFile(int descriptor = -1) : descriptor_(descriptor) {}
   ~OpenFile() {
     if (descriptor_ != -1) close(descriptor_);

@@ -1,4 +1,4 @@
-// What the option lists of the properties window show: each option's text behind its mark.
+// What the option lists of the properties window show: each option's text after its mark.
 
 #pragma once
 

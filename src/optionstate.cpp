@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstring>
+#include <utility>
 
 #include "cfeature.h"
 #include "constraintindex.h"

@@ -59,7 +59,7 @@ struct CustomFacts {
   CustomKind kind;
   const char *feature;    // whose list offers the queue's own entries too
   const char *compared;   // what they count as in constraints, with the option "True"
-  const char *picture;    // file that stands for them
+  const char *picture;    // file that shows them
   CHash *const *entries;  // G_QueueCustomPapers_hash or G_QueueCustomMedias_hash
   bool *is_current;       // G_CustomPaperIsCurrent or G_CustomMediaIsCurrent
 };

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <optional>
 #include <string_view>
+#include <utility>
 
 #include "cconstrain.h"
 #include "cfeature.h"

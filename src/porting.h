@@ -13,8 +13,8 @@ inline constexpr char kMarkerLine[] = "# the following lines are inserted by KPX
 // The characters that no queue name may hold, because the shell or a path gives them a meaning.
 inline constexpr std::string_view kNotInQueueNames = "/\\.,;: '`*@#$=!&|()\"~%^[]{}<>";
 
-// True when `name` can stand in a command unquoted: not empty, no option, and without
-// those characters, "?" and control characters.
+// True when a command can have `name` unquoted: not empty, not an option, and without those
+// characters, "?" and control characters.
 [[nodiscard]] bool IsCommandSafeName(std::string_view name);
 
 // IsCommandSafeName; a name that is not is reported to `errors` ("ERR_QUEUE_NAME").
@@ -23,7 +23,7 @@ inline constexpr std::string_view kNotInQueueNames = "/\\.,;: '`*@#$=!&|()\"~%^[
 // The interface script of the queue `name`.
 std::string InterfacePath(const std::string &name);
 
-// What stands in the place of a queue's interface script.
+// What is in the place of a queue's interface script.
 enum class ScriptState {
   Gone,
   Unreadable,  // there may be a script, but the system did not show it: nothing may follow from
@@ -80,7 +80,7 @@ void TakeBackQueuesSetAside();
 std::string DeleteQueueCommand(const std::string &name);
 
 // Removes the queue from the spooler: 1; 0, reported to `errors`, when the spooler refuses or the
-// name cannot stand in a command.
+// name cannot be part of a command.
 [[nodiscard]] int DeleteQueueSysV(const char *name, CList *errors);
 
 // Told the name of each queue when its turn comes, with `runs_command` false, and again, with true,

@@ -23,7 +23,7 @@ std::string PrintCommandText(const std::string &queue, const std::string &copies
 
 // The text that shows the command: as above, and inside the quotes every pair of `options` (CString
 // values, may be null) beside the copies, which the command itself does not carry. In a name, bytes
-// that are no UTF-8 stand as a printf command that makes them.
+// that are not UTF-8 are shown as a printf command that makes them.
 std::string DisplayedCommandText(const std::string &queue, const CHash *options, bool copy_files,
                                  const CList *files);
 

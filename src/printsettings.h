@@ -18,14 +18,14 @@ class PrintSettings {
   PrintSettings &operator=(const PrintSettings &) = delete;
 
   // Stores the options of the queue `name`, whose record is `queue`, for the calling user: true.
-  // What cannot be stored is told on standard error. True also then when the filter would take the
-  // same settings anyway (those of G_OrgQueues_hash, under an option file of the user's that is
+  // What cannot be stored is reported on standard error. True also then when the filter would take
+  // the same settings anyway (those of G_OrgQueues_hash, under an option file of the user's that is
   // there; the copies go on the command). Else the job may not be sent: false, and `errors` says
   // what could not be stored, why, and what to do.
   [[nodiscard]] bool Store(const std::string &name, const CPrintQueue *queue, CList *errors);
 
   // lp has taken the job for the queue `name` and printed `output`: its copy gets the name of its
-  // request. A job whose request id cannot be told has only the option file; that is told on
+  // request. A job whose request id is not known has only the option file; that is reported on
   // standard error.
   void Sent(const std::string &name, const std::string &output);
 

@@ -12,7 +12,7 @@
 std::vector<SpoolerCommand> CreateQueueCommands(const std::string &name, const std::string &model);
 
 // Makes the queue in the spooler from the interface of `model`: 1 once it exists; 0 when the first
-// command fails or the name cannot stand in a command. Every failed command is reported to
+// command fails or the name cannot be part of a command. Every failed command is reported to
 // `errors`. The `observer` is told of each command.
 [[nodiscard]] int AddQueueSysV(const char *name, const char *model, CList *errors,
                                const QueueObserver &observer = {});

@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <optional>
+#include <utility>
 
 #include "cmessages.h"
 #include "debug.h"

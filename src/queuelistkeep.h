@@ -26,7 +26,7 @@ std::string KeptQueueListPath(const std::string &list_path);
 // Removes the kept copy. One that cannot be removed is logged; the next save writes it anew.
 void DropKeptQueueList(const std::string &list_path);
 
-// True when the text of a list is complete: its last line is whole, and what stands last beside
+// True when the text of a list is complete: its last line is whole, and what comes last beside
 // comments and empty lines, if anything does, is the end of a queue.
 [[nodiscard]] bool IsWholeQueueList(std::string_view text);
 
@@ -35,6 +35,6 @@ void DropKeptQueueList(const std::string &list_path);
 [[nodiscard]] std::optional<std::string> ReadLastQueueList(const std::string &list_path);
 
 // Fills the collection as fFillFromPaf_Function_ does, from the kept copy when the last save did
-// not end, or still goes on, and there is no whole list. `messages` (may be null) are told that,
-// with `create` 1 only, and of a kept copy that is there and cannot be read.
+// not end, or still goes on, and there is no whole list. `messages` (may be null) get a line about
+// that, with `create` 1 only, and of a kept copy that is there and cannot be read.
 [[nodiscard]] int LoadQueueList(CPrintQueues *collection, int create, CList *messages);

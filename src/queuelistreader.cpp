@@ -1,5 +1,7 @@
 #include "queuelistreader.h"
 
+#include <utility>
+
 #include "ccmtparams.h"
 #include "ccpsparams.h"
 #include "debug.h"

@@ -1,4 +1,4 @@
-// Where the settings of one waiting request lie: the print tool writes them, the filter reads them
+// Where the settings of one waiting request are: the print tool writes them, the filter reads them
 // in place of the user's own file for the queue. So what is printed later changes no job that
 // waits.
 #pragma once

@@ -38,7 +38,7 @@ class SharedText {
   friend bool operator==(const SharedText &a, const SharedText &b);
 
  private:
-  // What stands before the text and its NUL.
+  // What comes before the text and its NUL.
   struct Block {
     uint32_t holders;
   };

@@ -15,5 +15,5 @@ std::string RequestIn(std::string_view output, std::string_view queue);
 [[nodiscard]] std::optional<std::set<std::string>> RequestsInList(std::string_view output);
 
 // The request ids of all jobs that have not ended; nothing when the spooler of this host does not
-// tell within a second.
+// answer within a second.
 [[nodiscard]] std::optional<std::set<std::string>> WaitingRequests();

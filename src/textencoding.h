@@ -12,7 +12,7 @@
 // `bytes` read as ISO-8859-1.
 std::string Utf8FromLatin1(std::string_view bytes);
 
-// A line of a file as UTF-8: as it stands when it is valid UTF-8, else read as ISO-8859-1.
+// A line of a file as UTF-8: unchanged when it is valid UTF-8, else read as ISO-8859-1.
 std::string DecodeLine(std::string_view bytes);
 
 // How many bytes at the start of `bytes` are well-formed UTF-8.
@@ -43,7 +43,7 @@ inline constexpr size_t kMaxLine = 1023;
 // Hands out the lines of a buffer. A text ends at its first NUL byte, as C text does.
 class LineReader {
  public:
-  enum class Form { Text, Bytes };  // Text: decoded to UTF-8; Bytes: as they stand
+  enum class Form { Text, Bytes };  // Text: decoded to UTF-8; Bytes: unchanged
 
   // `buffer` must outlive the reader.
   explicit LineReader(std::string_view buffer, Form form = Form::Text)

@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <memory>
 #include <span>
+#include <utility>
 
 #include "openfile.h"
 #include "uninterrupted.h"

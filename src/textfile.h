@@ -23,7 +23,7 @@
 // How far WriteNewFile came.
 enum class NewFile { Written, NotMade, NotWritten };
 
-// Removes what stands at `path`, makes a new file there with the owner, group and mode of `like`,
+// Removes what is at `path`, makes a new file there with the owner, group and mode of `like`,
 // writes `text` to it and flushes it to the disk. A file that could not be written whole stays.
 [[nodiscard]] NewFile WriteNewFile(const std::string &path, std::string_view text,
                                    const struct stat &like);
@@ -82,8 +82,8 @@ std::vector<std::string> ReplaceFilesDurably(const std::vector<FileContent> &fil
 // The same of its first at most `max_bytes` bytes.
 [[nodiscard]] std::optional<std::string> ReadFileStart(const std::string &path, size_t max_bytes);
 
-// The content of a regular file; nothing, with errno, when it cannot be read. `is_file` tells
-// whether something else stands there, which is not read: a named pipe would hold the program up.
+// The content of a regular file; nothing, with errno, when it cannot be read. `is_file` says
+// whether it is a regular file; anything else is not read: a named pipe would hold the program up.
 [[nodiscard]] std::optional<std::string> ReadRegularFile(const std::string &path, bool *is_file);
 
 // Whether `name` is that of a new file that a killed process has left beside one whose name ends in

@@ -24,11 +24,12 @@ std::vector<std::string> FontStyles(const std::string &font);
 std::string WantedFontName();
 std::string WantedFontSize();
 
-// `text` read as a whole number of points (0 when it is none), moved into the range of sizes.
+// `text` read as a whole number of points (0 when it is not a number), moved into the range of
+// sizes.
 std::string ClampedFontSize(const std::string &text);
 
-// Stores the AFM name of a font and style, and the size, in the work copy: as it stands when it is
-// in the range of sizes, else moved into it. False, and nothing stored, when there is no such font
-// and style.
+// Stores the AFM name of a font and style, and the size, in the work copy: unchanged when it is in
+// the range of sizes, else moved into it. False, and nothing stored, when there is no such font and
+// style.
 [[nodiscard]] bool StoreTextOptions(const std::string &font, const std::string &style,
                                     const std::string &size);

@@ -1,7 +1,7 @@
 // What a save intends, kept beside the list ("<list>.next") from before it changes anything until
 // everything is written, so that an interrupted save can be finished.
 //
-// The file is the list as it is to be, in the form of the list, and behind it, in lines that the
+// The file is the list as it is to be, in the form of the list, and after it, in lines that the
 // readers of lists skip, one "##remove NAME" for each queue that is to leave the spooler and
 // "##complete" at the end.
 #pragma once
@@ -33,5 +33,6 @@ void DropIntention(const std::string &list_path);
 
 // Fills the collection with the queues of the intention beside its list, says so to `messages`, and
 // returns the names to remove (CString, not null): an interrupted save is to be finished. Null,
-// with the collection as it was, when there is none or, told to `messages`, it cannot be used.
+// with the collection as it was, when there is none or it cannot be used, which `messages` get a
+// line about.
 [[nodiscard]] Owned<CList> LoadIntention(CPrintQueues *collection, CList *messages);

@@ -5,6 +5,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "openfile.h"
@@ -18,7 +19,7 @@ class UserDirectory {
   // is in its place.
   static UserDirectory MakeOwn();
 
-  // That of the user `login`, as it stands; not open when there is none or it is not that user's.
+  // That of the user `login`, as it is; not open when there is none or it is not that user's.
   static UserDirectory Of(const std::string &login);
 
   [[nodiscard]] bool IsOpen() const { return directory_.IsOpen(); }

@@ -39,7 +39,7 @@ std::string UsersDirectoryBeside(std::string_view queue_file);
 // Removes the file, if it is there. One that cannot be removed stays and is logged.
 void RemoveFile(const std::string &path);
 
-// Removes the named files of `dir` that are no directories and, when there is a `pattern`, contain
+// Removes the named files of `dir` that are not directories and, when there is a `pattern`, contain
 // it. What cannot be removed stays and is logged. 1; 0 when `dir` or `names` is null.
 [[nodiscard]] int DeleteFilesFromDir(const char *dir, const CList *names, const char *pattern);
 

@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <chrono>
 #include <memory>
+#include <utility>
 
 #include "report.h"
 #include "stop.h"

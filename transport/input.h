@@ -44,7 +44,7 @@ class JobInput {
   MoveResult MoveTo(int socket);
 
   // True when nothing more can come and everything went to the socket. Reads nothing; false while
-  // the input has not told its end.
+  // the input has not reached its end.
   [[nodiscard]] bool AtEnd() const;
 
   // Makes the job's first byte the next one again; false when the input cannot give it again.

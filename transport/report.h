@@ -11,7 +11,7 @@ class Report {
   // `descriptor` is lent and must stay open; the program passes standard error.
   explicit Report(int descriptor) : descriptor_(descriptor) {}
 
-  // Writes "kpxnbtrans: <text>" and a line feed in one piece. Nobody listening is no failure.
+  // Writes "kpxnbtrans: <text>" and a line feed in one piece. That nobody listens is not a failure.
   void Say(const std::string &text) const;
 
  private:

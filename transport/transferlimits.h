@@ -1,5 +1,5 @@
-// How long the transport waits for what. The program uses the values given here as they stand;
-// only the time a printer may usually pause depends on its speed.
+// How long the transport waits for what. The program uses the values given here; only the time a
+// printer may usually pause depends on its speed.
 #pragma once
 
 #include <algorithm>
