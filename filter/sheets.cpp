@@ -30,7 +30,45 @@ const Grid *GridFor(size_t pages) {
   return found == std::end(kGrids) ? nullptr : found;
 }
 
+// The placement on the paper as it is fed, from that on the paper as it is read.
+std::array<double, 6> OnPaper(const std::array<double, 6> &m, const SheetPlan &plan) {
+  PageTurn turn = plan.turn;
+  // Pages across a paper that is turned come out upright: the way back is the shorter one.
+  if (plan.turned && turn != PageTurn::kNone) {
+    turn = turn == PageTurn::kLeft ? PageTurn::kRight : PageTurn::kLeft;
+  }
+  switch (turn) {
+    case PageTurn::kLeft:
+      return {-m[1], m[0], -m[3], m[2], plan.length - m[5], m[4]};
+    case PageTurn::kRight:
+      return {m[1], -m[0], m[3], -m[2], m[5], plan.width - m[4]};
+    case PageTurn::kNone:
+      break;
+  }
+  return m;
+}
+
 }  // namespace
+
+PageTurn TurnOf(const JobSettings &settings) {
+  const PpdChoice *choice = settings.Chosen(kOrientationKey + 1);
+  if (choice == nullptr) return PageTurn::kNone;
+  if (choice->keyword == "Landscape") return PageTurn::kLeft;
+  return choice->keyword == "RotLandscape" ? PageTurn::kRight : PageTurn::kNone;
+}
+
+PpdPageSize PageInHand(const JobSettings &settings) {
+  const PpdPageSize p = PageInForce(settings);
+  switch (TurnOf(settings)) {
+    case PageTurn::kLeft:
+      return {p.length, p.width, p.bottom, p.width - p.right, p.top, p.width - p.left};
+    case PageTurn::kRight:
+      return {p.length, p.width, p.length - p.top, p.left, p.length - p.bottom, p.right};
+    case PageTurn::kNone:
+      break;
+  }
+  return p;
+}
 
 bool IsPagesPerSide(std::string_view pages) {
   return pages == "1" ||
@@ -64,12 +102,21 @@ SheetPlan PlanFor(const PpdPageSize &paper, size_t pages, std::string_view order
 
 SheetPlan PlanOf(const JobSettings &settings) {
   const std::string pages = settings.Other(kNupKey);
-  const PpdPageSize paper = PageInForce(settings);
+  const PpdPageSize paper = PageInHand(settings);
+  SheetPlan plan = PlanFor(paper, 1, "Left");
   for (const Grid &grid : kGrids) {
     if (pages != std::to_string(grid.pages)) continue;
-    return PlanFor(paper, grid.pages, grid.ordered ? settings.Other(kNupOrderKey) : "Left");
+    plan = PlanFor(paper, grid.pages, grid.ordered ? settings.Other(kNupOrderKey) : "Left");
   }
-  return PlanFor(paper, 1, "Left");
+  plan.turn = TurnOf(settings);
+  if (plan.Places() == 1) plan.inset_x = plan.inset_y = 0;
+  return plan;
+}
+
+SheetPlan BookletPlanOf(const JobSettings &settings) {
+  SheetPlan plan = PlanFor(PageInHand(settings), 2, "Left");
+  plan.turn = TurnOf(settings);
+  return plan;
 }
 
 std::array<double, 6> PlacementOf(const SheetPlan &plan, size_t place) {
@@ -89,8 +136,8 @@ std::array<double, 6> PlacementOf(const SheetPlan &plan, size_t place) {
       inset_x + cell_width * static_cast<double>(column) + (cell_width - scale * plan.width) / 2;
   const double y = inset_y + cell_length * static_cast<double>(plan.rows - 1 - row) +
                    (cell_length - scale * plan.length) / 2;
-  if (!plan.turned) return {scale, 0, 0, scale, x, y};
-  return {0, scale, -scale, 0, plan.width - y, x};
+  if (!plan.turned) return OnPaper({scale, 0, 0, scale, x, y}, plan);
+  return OnPaper({0, scale, -scale, 0, plan.width - y, x}, plan);
 }
 
 void SheetWriter::BeginSide() {
@@ -104,7 +151,7 @@ void SheetWriter::BeginSide() {
 
 void SheetWriter::BeginPage() {
   if (place_ == 0) BeginSide();
-  if (plan_.Places() == 1) return;
+  if (!IsPlaced()) return;
   std::string code = "gsave [";
   for (const double number : PlacementOf(plan_, place_)) code += DecimalText(number) + " ";
   code.back() = ']';
@@ -112,7 +159,7 @@ void SheetWriter::BeginPage() {
 }
 
 void SheetWriter::EndPage() {
-  if (plan_.Places() > 1) sink_->Write("grestore\n");
+  if (IsPlaced()) sink_->Write("grestore\n");
   if (++place_ == plan_.Places()) Finish();
 }
 

@@ -11,6 +11,15 @@
 
 namespace kpx::filter {
 
+// How pages lie on the paper: upright, or with their top at the paper's left or right edge.
+enum class PageTurn { kNone, kLeft, kRight };
+
+// How the settings' "*Orientation" turns the pages.
+PageTurn TurnOf(const JobSettings &settings);
+
+// The paper in force and its printable area, as the reader of its pages holds it.
+PpdPageSize PageInHand(const JobSettings &settings);
+
 // How the pages share a side of a sheet: a grid, as the reader holds the sheet.
 struct SheetPlan {
   size_t columns = 1, rows = 1;
@@ -19,13 +28,15 @@ struct SheetPlan {
   bool columns_first = false;       // the second page is below the first one
   double width = 0, length = 0;     // of the paper, and of a page before it is scaled; points
   double inset_x = 0, inset_y = 0;  // of the paper, left free on both sides; points
+  PageTurn turn = PageTurn::kNone;  // the paper is turned so in the reader's hands
 
   size_t Places() const { return columns * rows; }
 };
 
-// The plan for `pages` pages (1, 2, 4, 6, 9 or 16) on one side of the paper. Those of two and of
-// six lie across the paper. `order` is "Left" (rows from the left), "Right" (rows from the right),
-// "Down" (columns from the left) or "Back" (columns from the right); anything else is "Left".
+// The plan for `pages` pages (1, 2, 4, 6, 9 or 16) on one side of the paper, as the reader holds
+// it. Those of two and of six lie across the paper. `order` is "Left" (rows from the left), "Right"
+// (rows from the right), "Down" (columns from the left) or "Back" (columns from the right);
+// anything else is "Left".
 SheetPlan PlanFor(const PpdPageSize &paper, size_t pages, std::string_view order);
 
 // Whether that many pages can share a side, and whether "*NupOrder" knows the order.
@@ -35,6 +46,9 @@ SheetPlan PlanFor(const PpdPageSize &paper, size_t pages, std::string_view order
 // The plan that the settings' "*Nup" and "*NupOrder" ask for. Only two and four pages have an
 // order; one page for any other number.
 SheetPlan PlanOf(const JobSettings &settings);
+
+// The plan for a booklet of the settings' paper: two pages a side.
+SheetPlan BookletPlanOf(const JobSettings &settings);
 
 // The matrix that puts a page at a place (from 0, in the order of the pages). It is scaled to fit
 // and is in the middle of its cell; the grid's middle is that of the paper, so that a sheet can be
@@ -72,6 +86,9 @@ class SheetWriter : public PageTarget {
 
  private:
   void BeginSide();
+  [[nodiscard]] bool IsPlaced() const {
+    return plan_.Places() > 1 || plan_.turn != PageTurn::kNone;
+  }
 
   const SheetPlan plan_;
   const std::string &page_setup_;

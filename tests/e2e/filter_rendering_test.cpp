@@ -2,6 +2,8 @@
 // number of copies that the settings ask for.
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "filterrun.h"
 #include "ghostscript.h"
 
@@ -145,7 +147,7 @@ TEST(RenderedText, IsInCourier) {
   FilterCall call = Call();
   call.type = "text";
   const std::string output = Filter(call, "x").output;
-  EXPECT_NE(output.find("/Courier findfont 12 scalefont"), std::string::npos);
+  EXPECT_NE(output.find("/F /Courier E Z makefont def"), std::string::npos);
 }
 
 TEST(RenderedText, IsInTheChosenFont) {
@@ -153,7 +155,7 @@ TEST(RenderedText, IsInTheChosenFont) {
   call.type = "text";
   const Rendering page = Render(Filter(call, "Hello").output);
   const Rendering expected = Render(
-      "%!\n/Times-BoldItalic findfont 18 scalefont setfont 12 788 moveto (Hello) show showpage\n");
+      "%!\n/Times-BoldItalic findfont 18 scalefont setfont 36 788 moveto (Hello) show showpage\n");
   EXPECT_EQ(page.messages, "");
   EXPECT_FALSE(page.pages.empty());
   EXPECT_TRUE(page.pages == expected.pages);
@@ -212,6 +214,68 @@ TextBox BoxOfPage(const std::string &options, int page) {
   std::string text(static_cast<size_t>(page), '\f');
   for (int i = 0; i < 64; ++i) text += "Page\n";
   return BoxOf(Filter(call, text).output);
+}
+
+TEST(RenderedText, EveryScriptOfAnInstalledFontReadsAsWritten) {
+  FilterCall call = Call();
+  call.type = "text";
+  const Rendering page = Render(Filter(call, "Привет Ελλάδα Łódź → ∞ ┌─┐ €\n").output, "txtwrite");
+  ASSERT_EQ(page.pages.size(), 1u) << page.messages;
+  EXPECT_NE(page.pages[0].find("Привет Ελλάδα Łódź → ∞ ┌─┐ €"), std::string::npos) << page.pages[0];
+}
+
+TEST(RenderedText, EightyColumnsFitOnALine) {
+  FilterCall call = Call("*PageSize=A4");
+  call.type = "text";
+  const std::string line(80, '0');
+  for (const char *size : {"A4", "Letter"}) {
+    call.options = "*PageSize=" + std::string(size);
+    const Rendering page = Render(Filter(call, line + "\n").output, "txtwrite");
+    ASSERT_EQ(page.pages.size(), 1u) << page.messages;
+    EXPECT_NE(page.pages[0].find(line), std::string::npos) << size << page.pages[0];
+  }
+}
+
+// The printers of the family can turn their pages.
+TEST(RenderedText, LandscapeHasItsLinesAlongThePaper) {
+  const TemporaryDirectory directory;
+  std::string ppd = ContentOf(kOffice);
+  ppd +=
+      "*OpenUI *Orientation/Orientation: PickOne\n*DefaultOrientation: Portrait\n"
+      "*OrderDependency: 10 JCLSetup *Orientation\n"
+      "*Orientation Portrait/Portrait: \"\"\n*Orientation Landscape/Landscape: \"\"\n"
+      "*Orientation RotLandscape/Rotated: \"\"\n*CloseUI: *Orientation\n";
+  FilterCall call = Call();
+  call.ppd_file = directory.Write("turning.ppd", ppd);
+  call.type = "text";
+  const auto box = [&](const std::string &options) {
+    call.options = options;
+    return BoxOf(Filter(call, std::string(100, 'H') + "\nH\n").output);
+  };
+  const TextBox left = box("*Orientation=Landscape");
+  EXPECT_LT(left.right, 100) << "the first line stands at the left edge";
+  EXPECT_LT(left.bottom, 60) << "and reads upwards";
+  EXPECT_GT(left.top, 700);
+  const TextBox right = box("*Orientation=RotLandscape");
+  EXPECT_GT(right.left, 500);
+  EXPECT_GT(right.top, 780);
+  EXPECT_LT(right.bottom, 120);
+  const TextBox two = box("*Orientation=Landscape *Nup=2");
+  EXPECT_GT(two.bottom, 421) << "two lying pages stand upright above each other";
+  EXPECT_GT(two.right, 400);
+}
+
+TEST(RenderedText, ProportionalFontsWrapBetweenWords) {
+  FilterCall call = Call("*FontName=Helvetica");
+  call.type = "text";
+  std::string text;
+  for (int i = 0; i < 40; ++i) text += "wordy ";
+  const Rendering page = Render(Filter(call, text + "\n").output, "txtwrite");
+  ASSERT_EQ(page.pages.size(), 1u) << page.messages;
+  std::istringstream lines(page.pages[0]);
+  size_t count = 0;
+  for (std::string word; lines >> word; ++count) EXPECT_EQ(word, "wordy");
+  EXPECT_EQ(count, 40u);
 }
 
 TEST(RenderedSheet, FourPagesStandInTheQuartersOfTheirOrder) {

@@ -4,7 +4,6 @@
 
 #include "booklet.h"
 #include "filterjob.h"
-#include "glyphnames.h"
 #include "sheets.h"
 #include "temporarydirectory.h"
 #include "textjob.h"
@@ -17,7 +16,20 @@ class TextJob : public testing::Test {
     const std::string output = RunOver(FilterText, settings_, text, step);
     const size_t start = output.find("%%Page: ");
     const size_t end = output.find("%%Trailer");
-    return start == std::string::npos ? "" : output.substr(start, end - start);
+    return start == std::string::npos ? "" : WithoutFonts(output.substr(start, end - start));
+  }
+
+  // Pages without the definitions of the glyphs that they bring.
+  static std::string WithoutFonts(std::string pages) {
+    for (size_t at = pages.find(" KF\n"); at != std::string::npos; at = pages.find(" KF\n")) {
+      const size_t begin = pages.rfind('\n', at) + 1;
+      pages.erase(begin, at + 4 - begin);
+    }
+    for (size_t at = pages.find("true setglobal"); at != std::string::npos;
+         at = pages.find("true setglobal")) {
+      pages.erase(at, pages.find(" KG\n", at) + 4 - at);
+    }
+    return pages;
   }
 
   // The settings of a printer that is not described: A4, no job control.
@@ -41,20 +53,103 @@ TEST_F(TextJob, LinesStandAtTheirColumnAndLine) {
   EXPECT_EQ(Pages("one\ntwo (x\\)\n"), Page(1, "0 0 (one) T\n0 1 (two \\(x\\\\\\)) T\n"));
 }
 
-TEST_F(TextJob, CharactersBeyondAsciiGoByGlyphName) {
-  EXPECT_EQ(Pages("a é€b"), Page(1, "0 0 [(a )/eacute/Euro(b)] T\n"));
+TEST_F(TextJob, LatinIsAByteACharacterOfThePrintersFont) {
+  EXPECT_EQ(Pages("a é“b”"), Page(1,
+                                  "0 0 (a \xE9\x93"
+                                  "b\x94) T\n"));
 }
 
-TEST_F(TextJob, StraightQuotesStayStraight) {
-  EXPECT_EQ(Pages("a'b`c"), Page(1, "0 0 [(a)/quotesingle(b)/grave(c)] T\n"));
+TEST_F(TextJob, OtherCharactersComeWithTheJob) {
+  EXPECT_EQ(Pages("aжb"), Page(1, "0 0 1 (a) R\n1 0 ( ) 0 Q\n2 0 (b) T\n"));
+  EXPECT_EQ(Pages("жжя"), Page(1, "0 0 (  !) 0 Q\n"));
 }
 
-TEST_F(TextJob, ALineThatIsNotUtf8IsLatin1) {
-  EXPECT_EQ(Pages("\xE9\né\n"), Page(1, "0 0 [/eacute] T\n0 1 [/eacute] T\n"));
+TEST_F(TextJob, QuotesAndMinusOfAsciiStayAsTheyAre) {
+  EXPECT_EQ(Pages("a'b`c-d"), Page(1, "0 0 (a'b`c-d) T\n"));
+  const std::string output = RunOver(FilterText, settings_, "x");
+  EXPECT_EQ(CountOf(output, "V 39 /quotesingle put V 45 /hyphen put V 96 /grave put\n"), 1u);
+}
+
+TEST_F(TextJob, AByteThatIsNotUtf8IsOneOfWindows1252) {
+  EXPECT_EQ(Pages("\xE9\né\n"), Page(1, "0 0 (\xE9) T\n0 1 (\xE9) T\n"));
+  EXPECT_EQ(Pages("\x93q\x94 \x96"), Page(1, "0 0 (\x93q\x94 \x96) T\n"));
+  EXPECT_EQ(Pages("ü\xFCü"), Page(1, "0 0 (\xFC\xFC\xFC) T\n")) << "spoils itself alone";
+}
+
+TEST_F(TextJob, Utf16WithItsMarkIsRead) {
+  const std::string little(
+      "\xFF\xFE"
+      "a\0\xE9\0\n\0b\0",
+      10),
+      big("\xFE\xFF\0a\0\xE9\0\n\0b", 10);
+  const std::string page = Page(1, "0 0 (a\xE9) T\n0 1 (b) T\n");
+  for (const size_t step : {1u, 2u, 3u, 65536u}) {
+    EXPECT_EQ(Pages(little, step), page) << step;
+    EXPECT_EQ(Pages(big, step), page) << step;
+  }
+  EXPECT_EQ(Pages(std::string("\xFF\xFE\x3D\xD8\0\xDE", 6)), Pages("\U0001F600"));
+  EXPECT_EQ(Pages(std::string("\xFF\xFE\0\xDE"
+                              "a\0",
+                              6)),
+            Pages("\uFFFD"
+                  "a"))
+      << "half a pair";
+  EXPECT_EQ(Pages(std::string("\xFF\xFE"
+                              "a\0b",
+                              5)),
+            Pages("a\uFFFD"))
+      << "half a character";
+}
+
+TEST_F(TextJob, LettersAndTheirMarksAreComposed) {
+  EXPECT_EQ(Pages("e\u0301 A\u0308"), Page(1, "0 0 (\xE9 \xC4) T\n"));
+}
+
+TEST_F(TextJob, AMarkStandsOnItsLetterInOneColumn) {
+  const std::string pages = Pages("x\u0302y");
+  EXPECT_EQ(CountOf(pages, " X\n"), 1u) << pages;
+  EXPECT_NE(pages.find("gsave 0 0 P "), std::string::npos) << pages;
+  EXPECT_NE(pages.find("1 0 (y) T\n"), std::string::npos) << pages;
+}
+
+TEST_F(TextJob, CharactersWithoutWidthTakeNoColumn) {
+  EXPECT_EQ(Pages("a\u00AD\u200B\uFEFF"
+                  "b"),
+            Page(1, "0 0 (ab) T\n"));
+}
+
+TEST_F(TextJob, WideCharactersTakeTwoColumns) {
+  const std::string pages = Pages("\u4F60a");
+  EXPECT_NE(pages.find("2 0 (a) T\n"), std::string::npos) << pages;
+}
+
+TEST_F(TextJob, ACharacterThatNoFontHasIsABoxWithAWarning) {
+  EXPECT_EQ(Pages("a\U0010FF00\U0010FF00"), Page(1, "0 0 1 (a) R\n1 0 (  ) 0 Q\n"));
+  EXPECT_EQ(WarningsOver(FilterText, settings_, "\U0010FF00\U0010FF01\U0010FF00"),
+            "3 characters that no font of this host has are printed as a box with its code: "
+            "U+10FF00, U+10FF01; install a font that has it\n");
+  EXPECT_EQ(WarningsOver(FilterText, settings_, "a\u4F60"),
+            WarningsOver(FilterText, settings_, "\u4F60"));
+}
+
+TEST_F(TextJob, HebrewStandsFromRightToLeft) {
+  // alef, bet, gimel: codes in the order in which they were first seen
+  EXPECT_EQ(Pages("a \u05D0\u05D1\u05D2 b"),
+            Page(1, "0 0 2 (a ) R\n2 0 (\"! ) 0 Q\n5 0 2 ( b) R\n"));
+}
+
+TEST_F(TextJob, ALineThatBeginsFromRightToLeftStandsAtTheRight) {
+  EXPECT_EQ(Pages("\u05D0\u05D1 1\n"), Page(1, "76 0 2 (1 ) R\n78 0 (! ) 0 Q\n"));
+  EXPECT_EQ(Pages("(\u05D0)\n"), Page(1, "77 0 1 (\\() R\n78 0 ( ) 0 Q\n79 0 1 (\\)) R\n"))
+      << "brackets are mirrored";
+}
+
+TEST_F(TextJob, ACharacterOverItselfIsBold) {
+  EXPECT_EQ(Pages("a\ba"), Page(1, "0 0 (a) T\n0.05 0 (a) T\n"));
 }
 
 TEST_F(TextJob, AByteOrderMarkAtTheStartIsNotPrinted) {
-  EXPECT_EQ(Pages("\xEF\xBB\xBFé\n"), Page(1, "0 0 [/eacute] T\n"));
+  EXPECT_EQ(Pages("\xEF\xBB\xBFé\n"), Page(1, "0 0 (\xE9) T\n"));
   EXPECT_EQ(Pages("\xEF\xBB\xBFx", 1), Page(1, "0 0 (x) T\n"));
   EXPECT_EQ(Pages("\xEF\xBB\xBF"), "");
 }
@@ -89,7 +184,7 @@ TEST_F(TextJob, LongLinesAreWrapped) {
 }
 
 TEST_F(TextJob, TabsGoToEveryEighthColumn) {
-  EXPECT_EQ(Pages("a\tb\t\tc"), Page(1, "0 0 8 (a) R\n8 0 8 (b) R\n24 0 (c) T\n"));
+  EXPECT_EQ(Pages("a\tb\t\tc"), Page(1, "0 0 (a) T\n8 0 (b) T\n24 0 (c) T\n"));
 }
 
 TEST_F(TextJob, CarriageReturnAndBackspacePrintOver) {
@@ -107,7 +202,7 @@ TEST_F(TextJob, ALastLineWithoutLineFeedIsPrinted) {
 TEST_F(TextJob, VeryLongLinesKeepTheirCharactersWhole) {
   std::string line;
   for (int i = 0; i < 20000; ++i) line += "é";
-  EXPECT_EQ(CountOf(Pages(line), "/eacute"), 20000u);
+  EXPECT_EQ(CountOf(Pages(line), "\xE9"), 20000u);
   EXPECT_EQ(Pages(line, 1), Pages(line));
 }
 
@@ -126,8 +221,8 @@ TEST_F(TextJob, AnEmptyJobGivesNothing) { EXPECT_EQ(Pages(""), ""); }
 
 TEST_F(TextJob, TheQueuesFontSizeCounts) {
   settings_.Apply({{"*FontSize", "24"}});
-  EXPECT_EQ(Pages(std::string(41, 'x')),
-            Page(1, "0 0 (" + std::string(40, 'x') + ") T\n0 1 (x) T\n"));
+  EXPECT_EQ(Pages(std::string(38, 'x')),
+            Page(1, "0 0 (" + std::string(37, 'x') + ") T\n0 1 (x) T\n"));
   settings_.Apply({{"*FontSize", "1000"}});
   EXPECT_EQ(CountOf(Pages(std::string(80, 'x')), " T\n"), 1u);
 }
@@ -150,7 +245,7 @@ TEST_F(TextJob, SettingsThatCannotBeUsedAreAWarningEach) {
 TEST_F(TextJob, TheQueuesFontCounts) {
   settings_.Apply({{"*FontName", "Helvetica-Bold"}});
   const std::string output = RunOver(FilterText, settings_, "x");
-  EXPECT_EQ(CountOf(output, "/F /Helvetica-Bold findfont 12 scalefont def\n"), 1u);
+  EXPECT_EQ(CountOf(output, "/F /Helvetica-Bold E Z makefont def\n"), 1u);
   EXPECT_EQ(CountOf(output, "Courier"), 0u);
 }
 
@@ -160,7 +255,7 @@ TEST_F(TextJob, AFontThatIsNoPostScriptNameIsCourier) {
        {"", "Times Roman", "a(b", "x/y", "x%", "caf\xC3\xA9", "x\ny", long_name.c_str()}) {
     settings_.Apply({{"*FontName", name}});
     const std::string output = RunOver(FilterText, settings_, "x");
-    EXPECT_EQ(CountOf(output, "/F /Courier findfont"), 1u) << name;
+    EXPECT_EQ(CountOf(output, "/F /Courier E Z makefont def\n"), 1u) << name;
   }
 }
 
@@ -318,7 +413,7 @@ TEST_F(TextJob, ABookletKeepsPagesOfAnyLength) {
   settings_.Apply({{"*Booklet", "1"}});
   std::string line;
   for (int i = 0; i < 20000; ++i) line += "é";
-  EXPECT_EQ(CountOf(Pages(line), "/eacute"), 20000u);
+  EXPECT_EQ(CountOf(Pages(line), "\xE9"), 20000u);
 }
 
 TEST_F(TextJob, ABookletWhosePagesCannotBeKeptFailsAndGivesNothing) {
@@ -368,21 +463,6 @@ TEST(TextJobSettings, TheDocumentCarriesTheOptionsCode) {
   EXPECT_EQ(CountOf(output, "<</NumCopies 2>>setpagedevice"), 1u);
   EXPECT_EQ(CountOf(output, "*Stamp Draft"), 2u);
   EXPECT_NE(output.find("%%Pages: 2\n%%EOF\n"), std::string::npos);
-}
-
-TEST(GlyphNames, FollowTheAdobeGlyphList) {
-  EXPECT_EQ(GlyphName('A'), "A");
-  EXPECT_EQ(GlyphName('~'), "asciitilde");
-  EXPECT_EQ(GlyphName(0xA0), "space");
-  EXPECT_EQ(GlyphName(0xFF), "ydieresis");
-  EXPECT_EQ(GlyphName(0x100), "Amacron");
-  EXPECT_EQ(GlyphName(0x17F), "longs");
-  EXPECT_EQ(GlyphName(0x141), "Lslash");
-  EXPECT_EQ(GlyphName(0x2014), "emdash");
-  EXPECT_EQ(GlyphName(0x3B1), "uni03B1");
-  EXPECT_EQ(GlyphName(0x1F600), "u1F600");
-  EXPECT_EQ(GlyphName(0x7F), "");
-  EXPECT_EQ(GlyphName(0x85), "");
 }
 
 }  // namespace

@@ -1,0 +1,39 @@
+// Where the text of a job goes on its pages.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "jobresult.h"
+#include "jobsettings.h"
+#include "sheets.h"
+
+namespace kpx::filter {
+
+struct TextLayout {
+  std::string font;               // its PostScript name
+  double size = 12;               // height of the text and distance of its lines, points
+  double width_size = 12;         // the size that its widths have; less where they are narrowed
+  bool is_monospaced = true;      // all characters of the printer's font are one cell wide
+  bool has_own_encoding = false;  // a font of symbols, whose bytes are not re-encoded
+  double unit = 7.2;              // what places in a line are counted in: a cell, or a point
+  double left = 0, top = 0;       // of the first line's baseline, points
+  double room = 1;                // of a line, units
+  size_t lines = 1;               // of a page
+};
+
+// The layout of the settings: "*FontName", "*FontSize", "*Orientation", the paper and its printable
+// area. A typewriter font has whole columns; where between 72 and 79 would fit they are made
+// narrower so that 80 do. Fonts that the queue names and nobody can have count as Courier.
+TextLayout LayoutOf(const JobSettings &settings);
+
+// The same settings with the pages upright for the printer's own controller: the text is laid out
+// as it is to lie.
+JobSettings UprightSettings(const JobSettings &settings);
+
+// A warning for each setting of the text that is given and cannot be used.
+void WarnOfTextSettings(const JobSettings &settings, JobResult *result);
+
+}  // namespace kpx::filter
