@@ -49,7 +49,8 @@ bool MayCompose(char32_t character) {
     return false;
   }
   if (character >= 0x1100 && character < 0x1200) return true;
-  return g_unichar_ismark(character) || (character >= 0x1F71 && character < 0x2130) ||
+  return g_unichar_ismark(character) || (character >= 0x1F71 && character < 0x2002) ||
+         (character >= 0x2126 && character < 0x212C) ||
          (character >= 0xF900 && character < 0xFB50) || character >= 0x2F800;
 }
 
