@@ -16,10 +16,11 @@ namespace kpx::filter {
 namespace {
 
 constexpr double kTabColumns = 8;
-constexpr double kStop = 3;          // of a font that is no typewriter's, times its size
-constexpr double kBoldShift = 0.03;  // of the font size
-constexpr double kNarrowest = 0.7;   // of a shaped word that is to fit its cells
-constexpr double kHair = 0.001;      // units
+constexpr double kStop = 3;               // of a font that is no typewriter's, times its size
+constexpr double kBoldShift = 0.03;       // of the font size
+constexpr double kNarrowest = 0.7;        // of a shaped word that is to fit its cells
+constexpr size_t kLongestSegment = 8192;  // that is set at once, characters
+constexpr double kHair = 0.001;           // units
 
 // What the marks are made of. P: column line, goes there. W: text, its width. R: column line room
 // text, shows the text from there on, narrower where it needs more than `room` units. T: column
@@ -88,6 +89,7 @@ void TextPages::Put(std::u32string_view text) {
       x_ -= shift;
     } else {
       segment_ += character;
+      if (segment_.size() >= kLongestSegment) Flush();
     }
   }
 }
