@@ -136,7 +136,8 @@ FontLook LookOf(std::string_view postscript_name) {
   return look;
 }
 
-struct HostFonts::Faces {
+// The fonts that Fontconfig has found.
+struct FaceList {
   struct Opened {
     Font font;
     bool failed = false;
@@ -154,7 +155,7 @@ struct HostFonts::Faces {
 };
 
 // The list of all fonts, made when the first one is needed: most jobs need none.
-void HostFonts::Faces::Find() {
+void FaceList::Find() {
   if (set != nullptr) return;
   FcResult result = FcResultNoMatch;
   const Pattern pattern = PatternOf(look);
@@ -165,7 +166,7 @@ void HostFonts::Faces::Find() {
   draw = NewDrawFunctions();
 }
 
-bool HostFonts::Faces::Has(size_t face, std::u32string_view text) {
+bool FaceList::Has(size_t face, std::u32string_view text) {
   FcCharSet *characters = nullptr;
   if (FcPatternGetCharSet(patterns[face], FC_CHARSET, 0, &characters) != FcResultMatch)
     return false;
@@ -176,7 +177,7 @@ bool HostFonts::Faces::Has(size_t face, std::u32string_view text) {
          FontOf(face) != nullptr;
 }
 
-hb_font_t *HostFonts::Faces::FontOf(size_t face) {
+hb_font_t *FaceList::FontOf(size_t face) {
   Opened &entry = opened[face];
   if (entry.font != nullptr || entry.failed) return entry.font.get();
   FcChar8 *file = nullptr;
@@ -194,7 +195,7 @@ hb_font_t *HostFonts::Faces::FontOf(size_t face) {
   return entry.font.get();
 }
 
-HostFonts::HostFonts(FontLook look) : faces_(std::make_unique<Faces>()) {
+HostFonts::HostFonts(FontLook look) : faces_(std::make_unique<FaceList>()) {
   faces_->look = std::move(look);
 }
 

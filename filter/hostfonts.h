@@ -35,6 +35,8 @@ struct GlyphShape {
   int advance = 0;
 };
 
+struct FaceList;
+
 // The fonts of one look, those first that look like it most. Opened when they are first needed.
 class HostFonts {
  public:
@@ -44,7 +46,7 @@ class HostFonts {
   HostFonts &operator=(const HostFonts &) = delete;
 
   // The first face that has all characters of `text`; nothing when none has.
-  std::optional<size_t> FaceFor(std::u32string_view text);
+  [[nodiscard]] std::optional<size_t> FaceFor(std::u32string_view text);
 
   // The number of a character's glyph in a face that FaceFor has named; 0 when it lacks it.
   uint32_t GlyphOf(size_t face, char32_t character);
@@ -56,11 +58,10 @@ class HostFonts {
 
   // How far the first face that has a character moves for it, in thousandths of its size; nothing
   // when none has it.
-  std::optional<int> AdvanceOf(char32_t character);
+  [[nodiscard]] std::optional<int> AdvanceOf(char32_t character);
 
  private:
-  struct Faces;
-  std::unique_ptr<Faces> faces_;
+  std::unique_ptr<FaceList> faces_;
 };
 
 }  // namespace kpx::filter

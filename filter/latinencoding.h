@@ -9,7 +9,7 @@
 namespace kpx::filter {
 
 // The byte that stands for the character; nothing where the printer's fonts may lack it.
-std::optional<uint8_t> LatinByte(char32_t character);
+[[nodiscard]] std::optional<uint8_t> LatinByte(char32_t character);
 
 // PostScript that defines V, the encoding vector: the name of each byte's glyph (Adobe Glyph List).
 std::string LatinEncodingCode();
