@@ -95,6 +95,14 @@ void Underline(const KeyedTexts &keyed, const std::vector<GtkLabel *> &labels) {
   }
 }
 
+// Letters that come into a window that is shown are underlined at once, unlike the others.
+void HideUnlessAsked(GtkWindow *window) {
+  if (gtk_widget_get_mapped(GTK_WIDGET(window)) == FALSE) return;
+  if (gtk_window_get_mnemonics_visible(window) != FALSE) return;
+  gtk_window_set_mnemonics_visible(window, TRUE);
+  gtk_window_set_mnemonics_visible(window, FALSE);
+}
+
 }  // namespace
 
 void GiveAccessKeys(GtkWidget *window) {
@@ -108,4 +116,5 @@ void GiveAccessKeys(GtkWidget *window) {
   for (size_t i = 0; i < parts.pages.size(); ++i) {
     Underline(keyed.pages[i], parts.pages[i].labels);
   }
+  HideUnlessAsked(GTK_WINDOW(window));
 }

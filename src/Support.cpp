@@ -322,7 +322,9 @@ void InstallStyle() {
   GtkCssProvider *provider = gtk_css_provider_new();
   const std::string style = std::string("combobox { -GtkComboBox-appears-as-list: true; } entry.") +
                             kNotEditableClass + " { caret-color: transparent; } scrolledwindow." +
-                            L_FocusedClass + " { border-color: @theme_selected_bg_color; }";
+                            L_FocusedClass + " { border-color: @theme_selected_bg_color; }" +
+                            // The toolkit's themes write titles in a grey that is hard to read.
+                            " treeview header button { color: @theme_fg_color; }";
   gtk_css_provider_load_from_data(provider, style.c_str(), -1, nullptr);
   // The name that the desktop entries have too.
   gtk_window_set_default_icon_name("printer");

@@ -215,6 +215,37 @@ TEST_F(PropertiesPages, LeaveTheWindowItsSizeAndAreSeenWhole) {
   }
 }
 
+// Whether the label underlines a letter now.
+bool IsUnderlined(GtkWidget *label) {
+  PangoAttrList *attributes = pango_layout_get_attributes(gtk_label_get_layout(GTK_LABEL(label)));
+  GSList *found = attributes == nullptr ? nullptr : pango_attr_list_get_attributes(attributes);
+  bool underlined = false;
+  for (GSList *link = found; link != nullptr; link = link->next) {
+    const auto *attribute = static_cast<PangoAttribute *>(link->data);
+    underlined = underlined || attribute->klass->type == PANGO_ATTR_UNDERLINE;
+  }
+  g_slist_free_full(found, [](gpointer attribute) {
+    pango_attribute_destroy(static_cast<PangoAttribute *>(attribute));
+  });
+  return underlined;
+}
+
+TEST_F(PropertiesPages, ThatAreBuiltLaterUnderlineTheirLettersWithAltOnlyToo) {
+  TakePrinter(kSixPictures);
+  MakeWindow({});
+  ShowWindowOf(window_);
+  ASSERT_TRUE(RunUntil(ArePropertiesPagesBuilt));
+  SwitchTo(PlaceOf(Page::kSetup));
+  RunPending();
+  const Strings labels = {"PaperSizeLabel", "PaperTypeLabel", "DuplexLabel", "NrCopiesLabel"};
+  for (const bool asked : {false, true}) {
+    gtk_window_set_mnemonics_visible(GTK_WINDOW(window_), asked ? TRUE : FALSE);
+    for (const std::string &name : labels) {
+      EXPECT_EQ(asked, IsUnderlined(Named(name.c_str()))) << name;
+    }
+  }
+}
+
 TEST_F(PropertiesPages, APageThatDoesNotFitShowsItsScrollBarAllTheTime) {
   const int page = PlaceOf(Page::kSetup);
   TakePrinter(kSixPictures);

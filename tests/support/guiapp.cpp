@@ -433,6 +433,18 @@ ScreenArea GuiApp::Geometry(const std::string &name) {
   return AreaFrom(Demand("geometry " + name));
 }
 
+std::vector<SeenArea> GuiApp::SeenAreas() {
+  std::vector<SeenArea> areas;
+  for (const std::string &line : LinesOf(Demand("seen"))) {
+    SeenArea seen{AreaFrom(line), "", ""};
+    std::istringstream words(line);
+    std::string number;
+    words >> number >> number >> number >> number >> seen.state >> seen.widget;
+    areas.push_back(seen);
+  }
+  return areas;
+}
+
 void GuiApp::WaitDrawn() { Demand("drawn"); }
 
 std::string GuiApp::Stderr() const {

@@ -34,6 +34,12 @@ struct ScreenArea {
   int height = 0;
 };
 
+struct SeenArea {
+  ScreenArea area;
+  std::string state;   // "text", "dead" when it is insensitive, "chosen" when selected; "picture"
+  std::string widget;  // "<window>/<widget>"
+};
+
 class GuiApp {
  public:
   explicit GuiApp(GuiAppOptions options = {});
@@ -98,6 +104,8 @@ class GuiApp {
   // "<window>/<widget> TAB <role>"; without those of the toolkit's own file chooser.
   std::vector<std::string> UnnamedControls();
   ScreenArea Geometry(const std::string &name);
+  // Every text and picture that is seen in the foremost window, and where.
+  std::vector<SeenArea> SeenAreas();
 
   // Until the screen shows all windows as they are now; before a screenshot.
   void WaitDrawn();

@@ -24,6 +24,9 @@
 //                 that another one or a button covers
 //   unnamed       lines "<window>/<widget> TAB <role>" for every control, list, picture and window
 //                 without a name or label for assistive technology
+//   seen          lines "<x> <y> <width> <height> <state> <window>/<widget>" of every text and
+//   picture
+//                 of the foremost window
 //   keys          lines "<window>/<widget> TAB <text> TAB <letter>" for every button, tab and label
 //   of
 //                 a field in the foremost window; the letter is that of its access key, "-" without
@@ -275,6 +278,7 @@ Answer AnswerTo(const std::string &request) {
   if (word == "clipped") return Clipped();
   if (word == "keys") return AccessKeys();
   if (word == "unnamed") return Unnamed();
+  if (word == "seen") return SeenAreas();
   if (word == "texts") return AllTexts();
   if (word == "idle") return "1";
   if (first == std::string::npos) return {};

@@ -166,7 +166,78 @@ std::string KeyOf(GtkWidget *label) {
   return has ? "*" : "-";
 }
 
+// A rectangle of the window, in its coordinates, as the screen's pixels.
+std::string OnScreen(GtkWidget *window, const GdkRectangle &area) {
+  const int scale = gtk_widget_get_scale_factor(window);
+  int x = 0;
+  int y = 0;
+  gdk_window_get_origin(gtk_widget_get_window(window), &x, &y);
+  return std::to_string(scale * (x + area.x)) + " " + std::to_string(scale * (y + area.y)) + " " +
+         std::to_string(scale * area.width) + " " + std::to_string(scale * area.height);
+}
+
+std::string SeenLine(GtkWidget *widget, const GdkRectangle &area, const char *state) {
+  if (area.width <= 0 || area.height <= 0) return "";
+  const bool dead = state == std::string("text") && gtk_widget_is_sensitive(widget) == FALSE;
+  return OnScreen(gtk_widget_get_toplevel(widget), area) + " " + (dead ? "dead" : state) + " " +
+         PathOf(widget) + "\n";
+}
+
+// One line for each cell that has a text and is not scrolled away.
+std::string SeenCells(GtkTreeView *list) {
+  std::string lines;
+  GtkTreePath *path = nullptr;
+  GtkTreePath *last = nullptr;
+  if (gtk_tree_view_get_visible_range(list, &path, &last) == FALSE) return lines;
+  GtkWidget *window = gtk_widget_get_toplevel(GTK_WIDGET(list));
+  GdkRectangle view;
+  gtk_tree_view_get_visible_rect(list, &view);
+  for (; gtk_tree_path_compare(path, last) <= 0; gtk_tree_path_next(path)) {
+    GdkRectangle cell;
+    // The first column alone always has a text.
+    gtk_tree_view_get_cell_area(list, path, gtk_tree_view_get_column(list, 0), &cell);
+    int top = 0;
+    gtk_tree_view_convert_bin_window_to_tree_coords(list, 0, cell.y, nullptr, &top);
+    if (top < view.y || top + cell.height > view.y + view.height) continue;
+    gtk_tree_view_convert_bin_window_to_widget_coords(list, cell.x, cell.y, &cell.x, &cell.y);
+    gtk_widget_translate_coordinates(GTK_WIDGET(list), window, cell.x, cell.y, &cell.x, &cell.y);
+    cell.width = std::min(cell.width, view.width);
+    const bool chosen =
+        gtk_tree_selection_path_is_selected(gtk_tree_view_get_selection(list), path) != FALSE;
+    lines += SeenLine(GTK_WIDGET(list), cell, chosen ? "chosen" : "text");
+  }
+  gtk_tree_path_free(path);
+  gtk_tree_path_free(last);
+  return lines;
+}
+
+std::string SeenOf(GtkWidget *widget) {
+  const bool is_picture =
+      GTK_IS_IMAGE(widget) && NeedsName(widget) && gtk_widget_get_allocated_width(widget) > 8;
+  if (is_picture) return SeenLine(widget, PlaceOfText(widget), "picture");
+  if (GTK_IS_TREE_VIEW(widget)) return SeenCells(GTK_TREE_VIEW(widget));
+  const bool has_text = GTK_IS_LABEL(widget) || GTK_IS_ENTRY(widget) || GTK_IS_TEXT_VIEW(widget);
+  if (!has_text || Text(widget).value_or("").find_first_not_of(" \n") == std::string::npos)
+    return "";
+  const bool chosen = GTK_IS_ENTRY(widget) && gtk_editable_get_selection_bounds(
+                                                  GTK_EDITABLE(widget), nullptr, nullptr) != FALSE;
+  return SeenLine(widget, PlaceOfText(widget), chosen ? "chosen" : "text");
+}
+
 }  // namespace
+
+std::string SeenAreas() {
+  std::string lines;
+  const std::function<void(GtkWidget *)> add = [&](GtkWidget *widget) {
+    if (gtk_widget_get_mapped(widget) == FALSE || GTK_IS_FILE_CHOOSER_WIDGET(widget)) return;
+    lines += SeenOf(widget);
+    for (GtkWidget *child : ChildrenOf(widget)) add(child);
+  };
+  // Another window may cover what lies behind the foremost.
+  const std::vector<GtkWidget *> windows = VisibleWindows();
+  if (!windows.empty()) add(windows.front());
+  return lines;
+}
 
 std::string Clipped() {
   std::string lines;

@@ -13,6 +13,12 @@ std::string Clipped();
 // roles.
 std::string Unnamed();
 
+// Every text and picture that is seen, "<x> <y> <width> <height> <state> <window>/<widget>" in
+// pixels of the screen; the state is "text", "dead" for an insensitive text, "chosen" for a
+// selected one, or "picture". A list has an entry for each of its cells. What the toolkit's file
+// chooser shows is left out.
+std::string SeenAreas();
+
 // The access keys of the foremost window, "<window>/<widget> TAB <text> TAB <letter>"; "-" without
 // one, "*" for a button that another key presses.
 std::string AccessKeys();

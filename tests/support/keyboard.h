@@ -4,9 +4,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 
 #include "guiapp.h"
+#include "xinput.h"
 
 // The key of the widget whose shown text that is, as Key takes it; "" when it has none.
 inline std::string AccessKeyOf(GuiApp &app, const std::string &text) {
@@ -73,3 +75,36 @@ class Keyboard {
  private:
   GuiApp &app_;
 };
+
+// Whether the pictures differ in the area or in the frame around it.
+inline bool Differ(const ScreenPixels &before, const ScreenPixels &after, const ScreenArea &area) {
+  constexpr int kFrame = 2;
+  const int bottom = std::min(area.y + area.height + kFrame, after.height);
+  const int right = std::min(area.x + area.width + kFrame, after.width);
+  for (int y = std::max(0, area.y - kFrame); y < bottom; ++y) {
+    for (int x = std::max(0, area.x - kFrame); x < right; ++x) {
+      if (before.At(x, y) != after.At(x, y)) return true;
+    }
+  }
+  return false;
+}
+
+// Goes round the window with the Tab key until it is back; on the way every place that the focus
+// comes to must look another way than before.
+inline void ExpectEveryTabStopSeen(GuiApp &app, const std::string &window) {
+  app.WaitWindow(window);
+  constexpr int kMostStops = 60;
+  const std::string first = app.Focus();
+  int stops = 0;
+  do {
+    app.WaitDrawn();
+    const ScreenPixels before = XInputPixels();
+    app.Key("Tab");
+    EXPECT_EQ("", app.FocusFault()) << window;
+    app.WaitDrawn();
+    const ScreenPixels after = XInputPixels();
+    EXPECT_TRUE(Differ(before, after, app.FocusArea()))
+        << app.Focus() << " looks as it does without the focus";
+  } while (app.Focus() != first && ++stops < kMostStops);
+  EXPECT_EQ(first, app.Focus()) << "the Tab key does not come back";
+}
