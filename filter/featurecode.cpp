@@ -35,9 +35,10 @@ bool UsesPageRegion(const JobSettings &settings) {
   const PpdModel &model = settings.Model();
   const PpdChoice *size = settings.Chosen("PageSize");
   const PpdFeature *region = model.FindFeature("PageRegion");
-  if (size == nullptr || region == nullptr || region->FindChoice(size->keyword) == nullptr) {
-    return false;
-  }
+  const PpdChoice *same =
+      size == nullptr || region == nullptr ? nullptr : region->FindChoice(size->keyword);
+  // Where both say the same the one that was chosen is named.
+  if (same == nullptr || same->code == size->code) return false;
   const PpdChoice *manual = settings.Chosen("ManualFeed");
   if (manual != nullptr && SameKeyword(manual->keyword, "True")) return true;
   const PpdChoice *slot = settings.Chosen("InputSlot");
