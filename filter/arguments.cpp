@@ -16,7 +16,8 @@ struct NamedValue {
 constexpr NamedValue kLongOptions[] = {{"--type", &FilterArguments::type},
                                        {"--ppdfile", &FilterArguments::ppd_file},
                                        {"--deffile", &FilterArguments::def_file},
-                                       {"--paffile", &FilterArguments::paf_file}};
+                                       {"--paffile", &FilterArguments::paf_file},
+                                       {"--queueppd", &FilterArguments::queue_ppd_file}};
 // Their value is the rest of the word.
 constexpr NamedValue kShortOptions[] = {{"-J", &FilterArguments::title},
                                         {"-e", &FilterArguments::event},
@@ -60,7 +61,11 @@ FilterArguments ParseArguments(const std::vector<std::string> &arguments) {
     }
   }
   const bool convert = !result.ppd_file.empty() && !result.paf_file.empty();
-  result.mode = filter ? FilterMode::Filter : convert ? FilterMode::Convert : FilterMode::None;
+  const bool describe = !result.ppd_file.empty() && !result.queue_ppd_file.empty();
+  result.mode = filter     ? FilterMode::Filter
+                : describe ? FilterMode::QueuePpd
+                : convert  ? FilterMode::Convert
+                           : FilterMode::None;
   return result;
 }
 

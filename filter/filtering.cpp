@@ -8,6 +8,7 @@
 #include <string_view>
 #include <utility>
 
+#include "applicationwords.h"
 #include "conflicts.h"
 #include "jobkind.h"
 #include "joblanguage.h"
@@ -15,10 +16,13 @@
 #include "jobsettings.h"
 #include "jobsource.h"
 #include "pcljob.h"
+#include "pdfjob.h"
 #include "postscript.h"
 #include "ppdadaptor.h"
+#include "queueppd.h"
 #include "queuetypes.h"
 #include "textencoding.h"
+#include "textfile.h"
 #include "textjob.h"
 
 namespace kpx::filter {
@@ -39,18 +43,44 @@ OptionFile OptionsOfUser(const FilterArguments &arguments) {
   return of_queue;
 }
 
+// The description of the queue that words and pages are read with; without one where the printer
+// has none.
+QueuePpd DescriptionOf(const FilterArguments &arguments, const std::vector<KeyValue> &settings) {
+  if (arguments.ppd_file.empty()) return {};
+  const std::optional<std::string> model = ReadWholeFile(arguments.ppd_file);
+  if (!model) return {};  // it was there a moment ago
+  return MakeQueuePpd({*model, arguments.type, settings, {}});
+}
+
+// What an application asks to be done to the pages.
+std::vector<ApplicationOption> PageWordsOf(std::vector<ApplicationOption> words) {
+  std::erase_if(words, [](const ApplicationOption &word) { return !IsPageWord(word.first); });
+  return words;
+}
+
 // The layers of settings over the printer's defaults: the queue's file, the user's, the job's
-// words. Returns an empty text, or what failed.
-std::string ApplyLayers(const FilterArguments &arguments, JobSettings *settings) {
+// words. Fills `request` (null: the job has no pages that can be laid out). Returns an empty text,
+// or what failed.
+std::string ApplyLayers(const FilterArguments &arguments, JobSettings *settings,
+                        PageRequest *request) {
+  OptionFile queue;
   if (!arguments.def_file.empty()) {
     const bool has_options = !settings->Model().features.empty();
-    const OptionFile queue = ReadQueueOptions(arguments.def_file, has_options);
+    queue = ReadQueueOptions(arguments.def_file, has_options);
     if (!queue.error.empty()) return queue.error;
     settings->ApplyQueue(queue.settings);
     const OptionFile user = OptionsOfUser(arguments);
     if (!user.error.empty()) return user.error;
     if (!user.warning.empty()) Warn(user.warning);
     settings->ApplyUser(user.settings);
+  }
+  // What an application asks for lies below the job's own words, which name a setting exactly.
+  const std::vector<ApplicationOption> words =
+      WordsOfApplications(arguments.options, settings->Model().color);
+  if (!words.empty() || request != nullptr) {
+    const QueuePpd ppd = DescriptionOf(arguments, queue.settings);
+    settings->ApplyWords(SettingsOfWords(words, ppd, request == nullptr));
+    if (request != nullptr) *request = {ppd.text, PageWordsOf(words)};
   }
   settings->Apply(ParseOptionWords(arguments.options));
   for (const std::string &warning : settings->Warnings()) Warn(warning);
@@ -97,17 +127,20 @@ std::string FilterJob(const FilterArguments &arguments) {
     if (!read) return error.Text(arguments.ppd_file);
     model = std::move(*read);
   }
+  JobSource source = DescriptorSource(STDIN_FILENO);
+  JobSink sink = DescriptorSink(STDOUT_FILENO);
+  const bool is_pdf = arguments.type == kPostScriptType && IsPdf(&source);
   JobSettings settings(model);
-  const std::string problem = ApplyLayers(arguments, &settings);
+  PageRequest request;
+  const std::string problem = ApplyLayers(arguments, &settings, is_pdf ? &request : nullptr);
   if (!problem.empty()) return problem;
 
   const JobIdentity identity{DecodeLine(arguments.title), DecodeLine(arguments.event),
                              DecodeLine(arguments.user)};
-  JobSource source = DescriptorSource(STDIN_FILENO);
-  JobSink sink = DescriptorSink(STDOUT_FILENO);
-  const std::string refusal = RefusalOf(arguments.type, &source);
+  const std::string refusal = is_pdf ? "" : RefusalOf(arguments.type, &source);
   if (!refusal.empty()) return refusal;
-  const JobResult result = filter(settings, identity, &source, &sink);
+  const JobResult result = is_pdf ? FilterPdf(settings, identity, request, &source, &sink)
+                                  : filter(settings, identity, &source, &sink);
   for (const std::string &warning : result.warnings) Warn(warning);
   if (result.Failed()) return result.failure;
   if (source.Error() != 0) return Describe("standard input", source.Error());

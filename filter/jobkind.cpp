@@ -22,7 +22,8 @@ struct FileKind {
   bool like_text = false;
 };
 
-constexpr FileKind kFileKinds[] = {{"%PDF-", "a PDF document"},
+constexpr std::string_view kPdf = "%PDF-";
+constexpr FileKind kFileKinds[] = {{kPdf, "a PDF document"},
                                    {"\x89PNG\r\n\x1A\n", "a PNG picture"},
                                    {"\xFF\xD8\xFF", "a JPEG picture"},
                                    {"GIF87a", "a GIF picture", true},
@@ -128,6 +129,10 @@ std::string_view WithoutLead(std::string_view data) {
 }
 
 }  // namespace
+
+bool IsPdf(JobSource *source) {
+  return WithoutLead(source->Peek(JobSource::kCapacity)).starts_with(kPdf);
+}
 
 std::string RefusalOf(std::string_view type, JobSource *source) {
   std::string_view data = source->Peek(JobSource::kCapacity);

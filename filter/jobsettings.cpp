@@ -41,6 +41,13 @@ bool IsSomebody(std::string_view user) {
 
 }  // namespace
 
+std::optional<NamedPaper> NamedPaperOf(std::string_view value) {
+  const auto line = CustomPaperOf(value);
+  const auto size = line ? PaperOf(line->width, line->length) : std::nullopt;
+  if (!size) return std::nullopt;
+  return NamedPaper{line->name, *size};
+}
+
 JobSettings::JobSettings(const PpdModel &model) : model_(model) {}
 
 void JobSettings::ApplyQueue(const std::vector<KeyValue> &settings) {
@@ -62,14 +69,19 @@ void JobSettings::Define(const KeyValue &setting) {
     if (const auto media = CustomMediaOf(setting.value)) medias_[media->name] = media->shown_name;
   }
   if (setting.key != kCustomPaperKey) return;
-  const auto line = CustomPaperOf(setting.value);
-  const auto paper = line ? PaperOf(line->width, line->length) : std::nullopt;
-  if (paper) {
-    papers_[line->name] = *paper;
+  if (const auto paper = NamedPaperOf(setting.value)) {
+    papers_[paper->name] = paper->size;
   } else {
     warnings_.push_back("\"" + setting.key + "=" + setting.value +
                         "\" does not define a paper size; ignored");
   }
+}
+
+void JobSettings::ApplyWords(const ApplicationSettings &words) {
+  for (const NamedPaper &paper : words.papers) papers_[paper.name] = paper.size;
+  for (const std::string &media : words.medias) medias_.try_emplace(media, media);
+  Apply(words.settings);
+  warnings_.insert(warnings_.end(), words.warnings.begin(), words.warnings.end());
 }
 
 void JobSettings::Apply(const std::vector<KeyValue> &settings) {

@@ -16,6 +16,22 @@ struct CustomPaper {
   double width = 0, length = 0;  // points
 };
 
+struct NamedPaper {
+  std::string name;
+  CustomPaper size;
+};
+
+// The custom paper size of a line kCustomPaperKey; nothing when it is none.
+[[nodiscard]] std::optional<NamedPaper> NamedPaperOf(std::string_view value);
+
+// What the words of an application say, as settings.
+struct ApplicationSettings {
+  std::vector<KeyValue> settings;   // for JobSettings::Apply
+  std::vector<NamedPaper> papers;   // sizes of this job's own that the settings name
+  std::vector<std::string> medias;  // types of this job's own that the settings name
+  std::vector<std::string> warnings;
+};
+
 class JobSettings {
  public:
   // Begins with the defaults of `model`, which must outlive this.
@@ -33,6 +49,10 @@ class JobSettings {
   // Lays a job's settings over the present ones. A value that the printer does not offer, a custom
   // paper beyond its limits among them, changes nothing and is added to the warnings.
   void Apply(const std::vector<KeyValue> &settings);
+
+  // Lays what an application asks for over the present settings. Unlike others, a job may name
+  // paper sizes and media types of its own here.
+  void ApplyWords(const ApplicationSettings &words);
 
   const PpdModel &Model() const { return model_; }
 

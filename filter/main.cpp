@@ -1,7 +1,8 @@
-// kpxfilter: converts a PPD file into a PAF printer description, and turns job files into printer
-// data. Called as
+// kpxfilter: converts a PPD file into a PAF printer description, turns job files into printer data,
+// and writes the PPD file that the spooler gets for a queue. Called as
 //   kpxfilter --ppdfile PPD --paffile PAF
 //   kpxfilter OPTIONS -JTITLE -eTITLE -LUSER --filter --type TYPE --ppdfile PPD --deffile DEF <FILE
+//   kpxfilter --ppdfile PPD --deffile DEF --type TYPE --queueppd PPD-OF-QUEUE
 // Exit status: 0 done; 1 it could not be done, standard error says why; 2 wrong call.
 #include <clocale>
 #include <cstdlib>
@@ -11,6 +12,7 @@
 #include "arguments.h"
 #include "conversion.h"
 #include "filtering.h"
+#include "queueppdfile.h"
 #include "requestfile.h"
 #include "textencoding.h"
 
@@ -29,6 +31,9 @@ int main(int argc, char **argv) {
       return 2;
     case FilterMode::Convert:
       problem = ConvertPpd(arguments.ppd_file, arguments.paf_file);
+      break;
+    case FilterMode::QueuePpd:
+      problem = WriteQueuePpd(arguments);
       break;
     case FilterMode::Filter:
       problem = FilterJob(arguments);

@@ -36,25 +36,11 @@ using PpdFile = std::unique_ptr<ppd_file_t, ClosePpd>;
 
 std::string OrEmpty(const char *text) { return text == nullptr ? std::string() : text; }
 
-// An open descriptor on `text` without a file in any directory; -1 with errno.
-int DescriptorOf(std::string_view text) {
-  const int fd = memfd_create("ppd", MFD_CLOEXEC);
-  if (fd < 0) return -1;
-  if (!WriteWhole(fd, text)) {
-    const int saved = errno;
-    close(fd);
-    errno = saved;
-    return -1;
-  }
-  lseek(fd, 0, SEEK_SET);
-  return fd;
-}
-
 // Opens the text, putting right orphaned value lines, which libcups refuses. Bounded tries.
 PpdFile OpenText(PreparedPpd *prepared, PpdError *error) {
   constexpr int kMostRepairs = 8;
   for (int repairs = 0;; ++repairs) {
-    const int fd = DescriptorOf(prepared->text);
+    const int fd = DescriptorOfText(prepared->text);
     if (fd < 0) {
       *error = {0, std::strerror(errno)};
       return nullptr;
@@ -302,6 +288,7 @@ PpdModel ModelOf(ppd_file_t *ppd, std::string_view bytes) {
   model.nick_name = CleanText(OrEmpty(ppd->nickname));
   model.model_name = CleanText(OrEmpty(ppd->modelname));
   model.language_level = ppd->language_level;
+  model.color = ppd->color_device != 0;
   for (int i = 0; i < ppd->num_groups; ++i) AddGroup(ppd, ppd->groups[i], false, bytes, &model);
   for (int i = 0; i < ppd->num_consts; ++i) {
     const ppd_const_t &c = ppd->consts[i];
@@ -315,6 +302,19 @@ PpdModel ModelOf(ppd_file_t *ppd, std::string_view bytes) {
 }
 
 }  // namespace
+
+int DescriptorOfText(std::string_view text) {
+  const int fd = memfd_create("ppd", MFD_CLOEXEC);
+  if (fd < 0) return -1;
+  if (!WriteWhole(fd, text)) {
+    const int saved = errno;
+    close(fd);
+    errno = saved;
+    return -1;
+  }
+  lseek(fd, 0, SEEK_SET);
+  return fd;
+}
 
 std::string PpdError::Text(std::string_view file) const {
   const std::string place = line > 0 ? ": line " + std::to_string(line) : std::string();

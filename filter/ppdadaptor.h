@@ -25,4 +25,8 @@ struct PpdError {
 // The same for the file `path`, which may also not be readable at all.
 [[nodiscard]] std::optional<PpdModel> ReadPpdFile(const std::string &path, PpdError *error);
 
+// An open descriptor on `text` without a file in any directory; -1 with errno. The caller closes
+// it.
+[[nodiscard]] int DescriptorOfText(std::string_view text);
+
 }  // namespace kpx::filter

@@ -73,6 +73,7 @@ struct PpdModel {
   std::string nick_name;   // *NickName, may be empty
   std::string model_name;  // *ModelName, may be empty
   int language_level = 2;
+  bool color = false;  // the printer prints colours
   std::vector<PpdFeature> features;
   std::vector<PpdConstraint> constraints;
   std::optional<PpdCustomLimits> custom_limits;

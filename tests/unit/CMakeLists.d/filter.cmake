@@ -4,13 +4,20 @@ kpx_add_test(NAME filter_conversion SOURCES unit/filter_ppd_test.cpp unit/filter
 kpx_add_test(NAME filter_jobs LIBS kpx_filter LABEL unit
   SOURCES unit/jobrules_test.cpp unit/filter_settings_test.cpp unit/filter_kind_test.cpp unit/filter_postscript_test.cpp
           unit/filter_joblanguage_test.cpp unit/filter_text_test.cpp)
+kpx_add_test(NAME filter_applications LIBS kpx_filter LABEL unit
+  SOURCES unit/filter_words_test.cpp unit/filter_queueppd_test.cpp)
+kpx_add_test(NAME filter_pdf SOURCES e2e/filter_pdf_test.cpp LIBS kpx_filterrun LABEL e2e)
+foreach(name filter_applications filter_pdf)
+  target_compile_definitions(test_${name} PRIVATE KPX_PPD_DIR="${CMAKE_BINARY_DIR}/data/ppds")
+  add_dependencies(test_${name} kpx_data)
+endforeach()
 kpx_add_test(NAME filter_corpus SOURCES e2e/filter_corpus_test.cpp
              LIBS kpx_core kpx_filterrun Cups::Cups LABEL e2e TIMEOUT 600)
 foreach(kind program rendering streaming)
   kpx_add_test(NAME filter_${kind} SOURCES e2e/filter_${kind}_test.cpp
                LIBS kpx_filterrun LABEL e2e)
 endforeach()
-foreach(name filter_corpus filter_program filter_rendering filter_streaming)
+foreach(name filter_corpus filter_program filter_rendering filter_streaming filter_pdf)
   target_compile_definitions(test_${name} PRIVATE KPX_FILTER="$<TARGET_FILE:kpxfilter>")
   add_dependencies(test_${name} kpxfilter)
 endforeach()

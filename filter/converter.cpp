@@ -1,0 +1,105 @@
+#include "converter.h"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <iterator>
+
+#include "uninterrupted.h"
+
+namespace kpx::filter {
+
+namespace {
+
+// What a converter may use. A document that needs more is not one that somebody wants to print.
+struct Limit {
+  decltype(RLIMIT_CPU) resource;
+  rlim_t most;
+};
+constexpr Limit kLimits[] = {{RLIMIT_CPU, 30 * 60},             // seconds
+                             {RLIMIT_AS, rlim_t{2} << 30},      // bytes of memory
+                             {RLIMIT_FSIZE, rlim_t{16} << 30},  // bytes of a file
+                             {RLIMIT_NOFILE, 64},
+                             {RLIMIT_CORE, 0}};
+
+bool LimitResources() {
+  for (const Limit &limit : kLimits) {
+    rlimit now{};
+    if (getrlimit(limit.resource, &now) != 0) return false;
+    if (now.rlim_max != RLIM_INFINITY && now.rlim_max < limit.most) continue;
+    const rlimit less{limit.most, limit.most};
+    if (setrlimit(limit.resource, &less) != 0) return false;
+  }
+  return true;
+}
+
+std::vector<char *> PointersTo(const std::vector<std::string> &texts) {
+  std::vector<char *> pointers;
+  for (const std::string &text : texts) pointers.push_back(const_cast<char *>(text.c_str()));
+  pointers.push_back(nullptr);
+  return pointers;
+}
+
+// In the child: only calls that are safe there.
+[[noreturn]] void Become(const int descriptors[3], char *const words[], char *const environment[],
+                         pid_t parent) {
+  constexpr int kCannotRun = 127;
+  prctl(PR_SET_PDEATHSIG, SIGKILL);
+  std::signal(SIGPIPE, SIG_DFL);
+  const bool ready = getppid() == parent && LimitResources();
+  for (int i = 0; ready && i < 3; ++i) {
+    if (dup2(descriptors[i], i) != i) _exit(kCannotRun);
+  }
+  if (ready) execve(words[0], words, environment);
+  _exit(kCannotRun);
+}
+
+}  // namespace
+
+Converter::Converter(const ConverterCall &call) : messages_(memfd_create("messages", MFD_CLOEXEC)) {
+  const std::vector<char *> words = PointersTo(call.words);
+  const std::vector<char *> environment = PointersTo(call.environment);
+  const int descriptors[3] = {call.input, call.output, messages_};
+  const pid_t parent = getpid();
+  process_ = fork();
+  if (process_ == 0) Become(descriptors, words.data(), environment.data(), parent);
+}
+
+Converter::~Converter() {
+  if (process_ > 0) {
+    kill(process_, SIGKILL);
+    Wait();
+  }
+  if (messages_ != -1) close(messages_);
+}
+
+int Converter::Wait() {
+  constexpr int kNotStarted = 127, kSignal = 128;
+  if (process_ <= 0) return kNotStarted;
+  int status = 0;
+  Uninterrupted(waitpid, process_, &status, 0);
+  process_ = -1;
+  return WIFEXITED(status) ? WEXITSTATUS(status) : kSignal + WTERMSIG(status);
+}
+
+std::string Converter::Messages() const {
+  char buffer[4096];
+  const ssize_t count = pread(messages_, buffer, sizeof buffer, 0);
+  return count <= 0 ? std::string() : std::string(buffer, static_cast<size_t>(count));
+}
+
+int NamelessFile() {
+  const char *directory = std::getenv("TMPDIR");
+  std::string path = std::string(directory == nullptr ? "/tmp" : directory) + "/kpxfilter.XXXXXX";
+  const int file = mkostemp(path.data(), O_CLOEXEC);
+  if (file != -1) unlink(path.c_str());
+  return file;
+}
+
+}  // namespace kpx::filter

@@ -1,0 +1,128 @@
+// The words of applications as settings of the printer.
+#include <gtest/gtest.h>
+
+#include "applicationwords.h"
+#include "filterjob.h"
+#include "textfile.h"
+
+namespace {
+
+class Words : public testing::Test {
+ protected:
+  // The settings that the words make, and the warnings, a line each.
+  std::string Made(const std::string &words, bool is_pdf = false) {
+    const QueuePpd ppd = MakeQueuePpd({*text_, "postscript", queue_, {}});
+    made_ = SettingsOfWords(WordsOfApplications(words, false), ppd, !is_pdf);
+    std::string text;
+    for (const KeyValue &setting : made_.settings) text += setting.key + "=" + setting.value + "\n";
+    for (const std::string &warning : made_.warnings) text += warning + "\n";
+    return text;
+  }
+
+  const std::optional<std::string> text_ = ReadWholeFile(KPX_PPD_DIR "/vek41201.ppd");
+  std::vector<KeyValue> queue_;
+  ApplicationSettings made_;
+};
+
+constexpr char kUnknown[] = " is not known for this printer, or not with that value; ignored\n";
+
+TEST_F(Words, WhatThePrinterOffersIsASetting) {
+  EXPECT_EQ(Made("Duplex=DuplexNoTumble"), "*Duplex=DuplexNoTumble\n");
+  EXPECT_EQ(Made("PageSize=A3"), "*PageSize=A3\n");
+  EXPECT_EQ(Made("duplex=duplextumble"), "*Duplex=DuplexTumble\n");
+  EXPECT_EQ(Made("OutputBin=FinisherTray Jog=EndOfJob"),
+            "*OutputBin=FinisherTray\n*Jog=EndOfJob\n");
+}
+
+TEST_F(Words, AttributesOfTheInternetPrintingProtocolAreSettings) {
+  EXPECT_EQ(Made("sides=two-sided-long-edge"), "*Duplex=DuplexNoTumble\n");
+  EXPECT_EQ(Made("sides=two-sided-short-edge"), "*Duplex=DuplexTumble\n");
+  EXPECT_EQ(Made("media=iso_a3_297x420mm"), "*PageSize=A3\n");
+  EXPECT_EQ(Made("media=A5,Tray2"), "*PageSize=A5\n*InputSlot=Tray2\n");
+  EXPECT_EQ(Made("media=A5,tray-2,cardstock"),
+            "*PageSize=A5\n*MediaType=CardStock\n*InputSlot=Tray2\n");
+  EXPECT_EQ(Made("output-bin=finisher-tray"), "*OutputBin=FinisherTray\n");
+  EXPECT_EQ(Made("print-quality=5"), "*OutputMode=High\n");
+  EXPECT_EQ(Made("print-quality=3"), "*OutputMode=Draft\n");
+  EXPECT_EQ(Made("finishings=28"), "*StapleLocation=DualPortrait\n");
+  EXPECT_EQ(Made("printer-resolution=1200dpi"), "*Resolution=1200dpi\n");
+  EXPECT_EQ(Made("copies=3"), "*NrCopies=3\n");
+  EXPECT_EQ(Made("multiple-document-handling=separate-documents-collated-copies"),
+            "*Collate=True\n");
+}
+
+TEST_F(Words, ACustomSizeIsAPaperOfTheJobsOwn) {
+  EXPECT_EQ(Made("PageSize=Custom.400x600"), "*PageSize=Custom.400x600\n");
+  ASSERT_EQ(made_.papers.size(), 1u);
+  EXPECT_DOUBLE_EQ(made_.papers[0].size.width, 400);
+  EXPECT_DOUBLE_EQ(made_.papers[0].size.length, 600);
+  Made("media=Custom.100x200mm");
+  ASSERT_EQ(made_.papers.size(), 1u);
+  EXPECT_NEAR(made_.papers[0].size.width, 100 / 25.4 * 72, 0.01);
+}
+
+TEST_F(Words, ACustomTypeIsATypeOfTheJobsOwn) {
+  EXPECT_EQ(Made("MediaType=Custom.Gold"), "*MediaType=Gold\n");
+  EXPECT_EQ(made_.medias, std::vector<std::string>{"Gold"});
+}
+
+TEST_F(Words, SizesAndTypesOfTheQueueAreChoices) {
+  queue_ = {{"*CustomPaperSize", "Flyer''400''600"},
+            {"*CustomPaperSize", "Zweiter Zettel/2''300''500"},
+            {"*CustomMediaType", "Gold::Gold paper"}};
+  EXPECT_EQ(Made("PageSize=Flyer"), "*PageSize=Flyer\n");
+  EXPECT_EQ(Made("PageSize=OwnSize1"), "*PageSize=Zweiter Zettel/2\n");
+  EXPECT_EQ(Made("MediaType=Gold"), "*MediaType=Gold\n");
+}
+
+TEST_F(Words, WhatTheSpoolerGivesEveryJobSaysNothing) {
+  EXPECT_EQ(Made("finishings=3 number-up=1 print-color-mode=monochrome job-uuid=urn:uuid:1 "
+                 "job-originating-host-name=localhost date-time-at-creation= "
+                 "document-name-supplied=a.ps"),
+            "");
+}
+
+TEST_F(Words, SettingsOfOursAreNotAmongThem) {
+  EXPECT_EQ(Made("*Duplex=DuplexTumble *NrCopies=4 nobanner"), "");
+}
+
+TEST_F(Words, AWordThatNothingKnowsIsOneWarningWithoutItsValue) {
+  EXPECT_EQ(Made("foo=secret"), std::string("the option \"foo\"") + kUnknown);
+  EXPECT_EQ(Made("Duplex=Sideways"), std::string("the option \"Duplex\"") + kUnknown);
+  EXPECT_EQ(Made("media=no-such-paper"), std::string("the option \"InputSlot\"") + kUnknown);
+}
+
+TEST_F(Words, WordsForPagesWorkWithDocumentsWhosePagesAreLaidOut) {
+  EXPECT_EQ(Made("number-up=2 page-ranges=1-3", true), "");
+  EXPECT_EQ(Made("number-up=2 page-ranges=1-3"),
+            "the option \"number-up\" works with PDF and pictures only; ignored\n"
+            "the option \"page-ranges\" works with PDF and pictures only; ignored\n");
+  EXPECT_EQ(Made("orientation-requested=3 mirror=false page-set=all"), "");
+}
+
+TEST_F(Words, AreAppliedOverOtherSettings) {
+  PpdError error;
+  const PpdModel model = ReadPpd(*text_, &error).value();
+  JobSettings settings(model);
+  settings.Apply({{"*Duplex", "DuplexTumble"}});
+  Made("sides=two-sided-long-edge PageSize=Custom.400x600 MediaType=Custom.Gold");
+  settings.ApplyWords(made_);
+  EXPECT_EQ(settings.Chosen("Duplex")->keyword, "DuplexNoTumble");
+  ASSERT_TRUE(settings.Paper());
+  EXPECT_DOUBLE_EQ(settings.Paper()->length, 600);
+  EXPECT_EQ(settings.MediaName(), "Gold");
+  EXPECT_TRUE(settings.Warnings().empty());
+}
+
+TEST_F(Words, ACustomSizeBeyondThePrintersLimitsIsRefused) {
+  PpdError error;
+  const PpdModel model = ReadPpd(*text_, &error).value();
+  JobSettings settings(model);
+  Made("PageSize=Custom.40x60");
+  settings.ApplyWords(made_);
+  EXPECT_FALSE(settings.Paper());
+  ASSERT_EQ(settings.Warnings().size(), 1u);
+  EXPECT_NE(settings.Warnings()[0].find("beyond the printer's limits"), std::string::npos);
+}
+
+}  // namespace
