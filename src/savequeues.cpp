@@ -7,6 +7,7 @@
 #include "cprintqueues.h"
 #include "debug.h"
 #include "deffile.h"
+#include "dialogoptions.h"
 #include "globals.h"
 #include "ignoreresult.h"
 #include "paths.h"
@@ -152,5 +153,6 @@ SaveResult SaveQueues(const CList *deleted, CList *errors, const SaveObserver &o
     EndSave(list);
   }
   RemoveStrangersFiles();
+  OfferOptions(errors);
   return SaveResult::Ended;
 }

@@ -20,7 +20,8 @@ using SaveObserver = std::function<void(const SaveStep &step)>;
 enum class SaveResult { Ended, ListNotWritable };
 
 // Removes the `deleted` queues (CString, may be null) from the spooler, creates and re-addresses
-// the others, and writes list and option files. What it intends is kept on the disk until all is
+// the others, and writes list and option files; then print dialogs are told the
+// options. What it intends is kept on the disk until all is
 // written, so that a start after an interruption can finish it (unfinishedsave.h). Everything that
 // fails is reported to `errors` and on standard error. A list file that cannot be opened for
 // writing ends the save before anything is touched.

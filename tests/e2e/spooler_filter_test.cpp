@@ -43,8 +43,8 @@ class FilteredQueue : public testing::Test {
 };
 
 TEST_F(FilteredQueue, HoldsAFileOfAnotherKindAndSendsNothingOfIt) {
-  ExpectRefused("postscript", "%PDF-1.7\n1 0 obj\n",
-                "the file is a PDF document, but this queue prints only PostScript");
+  ExpectRefused("postscript", "\x89PNG\r\n\x1A\n picture",
+                "the file is a PNG picture, but this queue prints only PostScript");
   // The printer's next job is the next one that is printed.
   queue_.Print({}, "%!PS\n% a page\nshowpage\n");
   const std::optional<std::string> job = printed_.Next();

@@ -180,6 +180,7 @@ inline constexpr MessageKey kMessageKeys[] = {
     {"ERR_GETPWNAM", ""},
     {"ERR_HELP_NOT_FOUND", "s"},
     {"ERR_MKDIR", "s"},
+    {"ERR_NO_DIALOG_OPTIONS", "s"},
     {"ERR_NO_FONT", ""},
     {"ERR_QUEUE_NAME", "s"},
     {"ERR_REMOVE", "s"},

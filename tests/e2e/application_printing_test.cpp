@@ -1,0 +1,219 @@
+// What applications ask CUPS for, as the printer receives it.
+#include <gtest/gtest.h>
+
+#include "changedfile.h"
+#include "ghostscript.h"
+#include "interfacescript.h"
+#include "printedjobs.h"
+#include "spooler.h"
+
+namespace {
+
+constexpr char kOptions[] = "/opt/orlan/data/lp1.def";
+constexpr char kDescriptions[] = "/usr/lib/kpxppd";
+
+std::string Block(const std::string &type) {
+  return InterfaceBlockText({.queue_type = type,
+                             .ppd_path = "/opt/orlan/data/nls/enu/ppds/vek41201.ppd",
+                             .def_path = kOptions,
+                             .address = "127.0.0.1",
+                             .transport_parameter = "120"});
+}
+
+// PostScript of `pages` pages, each with its number.
+std::string Pages(int pages) {
+  std::string text = "%!PS-Adobe-3.0\n%%Pages: " + std::to_string(pages) + "\n%%EndComments\n";
+  for (int page = 1; page <= pages; ++page) {
+    const std::string number = std::to_string(page);
+    text += "%%Page: " + number + " " + number + "\n/Helvetica findfont 99 scalefont setfont " +
+            "99 299 moveto (" + number + ") show showpage\n";
+  }
+  return text + "%%EOF\n";
+}
+
+class Applications : public testing::Test {
+ protected:
+  Applications() : queue_("lp1") {
+    std::filesystem::permissions(files_.Path(), std::filesystem::perms(0755));
+    ps_ = files_.Write("doc.ps", Pages(5));
+    pdf_ = files_.Path("doc.pdf");
+    png_ = files_.Path("picture.png");
+    Run({"gs", "-q", "-dSAFER", "-dBATCH", "-dNOPAUSE", "-sDEVICE=pdfwrite", "-o", pdf_, ps_});
+    Run({"gs", "-q", "-dSAFER", "-dBATCH", "-dNOPAUSE", "-sDEVICE=pnggray", "-r20", "-dLastPage=1",
+         "-o", png_, ps_});
+  }
+
+  static void Run(const std::vector<std::string> &command) {
+    const CommandResult result = RunProgram(command);
+    if (result.status != 0) throw std::runtime_error(command[0] + ": " + result.output);
+  }
+
+  // The queue as a save leaves it.
+  void Describe(const std::string &type = "postscript") {
+    queue_.Append(Block(type));
+    Run({kDescriptions});
+  }
+
+  // The job as the printer gets it.
+  std::string Printed(std::vector<std::string> arguments, const std::string &input = {}) {
+    queue_.Print(arguments, input);
+    const std::optional<std::string> job = printed_.Next();
+    if (!job) throw std::runtime_error("nothing came to the printer: " + queue_.State());
+    return *job;
+  }
+
+  const TestQueue queue_;
+  const TemporaryDirectory files_;
+  std::string ps_, pdf_, png_;
+  const ChangedFile options_{kOptions, "*Duplex=None\n*OptionFinisher=True\n"};
+  PrintedJobs printed_;
+};
+
+TEST_F(Applications, AreShownTheOptionsOfTheQueue) {
+  Describe();
+  const std::string list = RunProgram({"lpoptions", "-p", "lp1", "-l"}).output;
+  EXPECT_NE(list.find("Duplex/Two-sided printing: *None DuplexNoTumble DuplexTumble"),
+            std::string::npos)
+      << list;
+  EXPECT_NE(list.find("OptionFinisher/Finisher: False *True"), std::string::npos) << list;
+  std::ofstream(kOptions) << "*Duplex=DuplexTumble\n*CustomPaperSize=Flyer''400''600\n";
+  Run({kDescriptions});
+  const std::string anew = RunProgram({"lpoptions", "-p", "lp1", "-l"}).output;
+  EXPECT_NE(anew.find("None DuplexNoTumble *DuplexTumble"), std::string::npos) << anew;
+  EXPECT_NE(anew.find(" Flyer "), std::string::npos) << anew;
+}
+
+// The twelve options of lp that are asked for most.
+struct Asked {
+  const char *option;
+  std::vector<const char *> received;
+  size_t pages = 5;
+};
+
+TEST_F(Applications, WhatLpAsksForReachesThePrinter) {
+  Describe();
+  const std::vector<Asked> table = {
+      {"sides=two-sided-long-edge", {"*Duplex DuplexNoTumble\n"}},
+      {"Duplex=DuplexTumble", {"*Duplex DuplexTumble\n"}},
+      {"media=A3", {"*PageSize A3\n"}},
+      {"PageSize=Letter", {"*PageSize Letter\n"}},
+      {"PageSize=Custom.400x600", {"*CustomPageSize True\n400\n600\n0\n"}},
+      {"InputSlot=Tray2", {"*InputSlot Tray2\n"}},
+      {"MediaType=Thick", {"*MediaType Thick\n"}},
+      {"output-bin=finisher-tray", {"*OutputBin FinisherTray\n"}},
+      {"finishings=20", {"*StapleLocation SinglePortrait\n"}},
+      {"print-quality=5", {"@PJL SET RET=DARK\n"}},
+      {"Collate=True", {"*Collate True\n"}},
+      {"page-ranges=2-3", {"*Duplex None\n"}, 2},
+      {"number-up=4", {"*PageSize A4\n"}, 2}};
+  // Each job of the table by itself, rendered.
+  for (const Asked &asked : table) {
+    const std::string job = Printed({"-o", asked.option, pdf_});
+    for (const char *code : asked.received) {
+      EXPECT_NE(job.find(code), std::string::npos) << asked.option << " lacks " << code;
+    }
+    const Rendering rendering = Render(job);
+    EXPECT_EQ(rendering.pages.size(), asked.pages) << asked.option << rendering.messages;
+  }
+  EXPECT_NE(Printed({"-n", "3", pdf_}).find("<</NumCopies 3>>"), std::string::npos);
+}
+
+TEST_F(Applications, JobsOfThePrintToolAreTheSameAsWithoutDescription) {
+  std::vector<std::string> jobs[2];
+  const auto print = [&](std::vector<std::string> *into) {
+    for (const std::string &file : {ps_, files_.Write("pcl.ps",
+                                                      "\033%-12345X@PJL ENTER "
+                                                      "LANGUAGE=PCL\n\033E data \033E")}) {
+      into->push_back(Printed({"-t", "title", "-o", "*Duplex=DuplexTumble *NrCopies=2", file}));
+    }
+    into->push_back(Printed({"-t", "title", "-n", "2", ps_, ps_}));
+  };
+  queue_.Append(Block("postscript"));
+  print(&jobs[0]);
+  Run({kDescriptions});
+  ASSERT_NE(RunProgram({"lpoptions", "-p", "lp1", "-l"}).output, "");
+  print(&jobs[1]);
+  EXPECT_EQ(jobs[0], jobs[1]);
+}
+
+TEST_F(Applications, TextJobsOfThePrintToolAreTheSameToo) {
+  queue_.Append(Block("text"));
+  const std::string script = files_.Write("a.sh", "#!/bin/sh\necho text\n");
+  const std::string source = files_.Write("a.c", "int main() { return 0; }\n");
+  const std::string page = files_.Write("a.html", "<html><body>text</body></html>\n");
+  std::vector<std::string> jobs[2];
+  for (auto &into : jobs) {
+    for (const std::string &file : {script, source, page}) {
+      into.push_back(Printed({"-t", "title", "-o", "*Nup=2", file}));
+    }
+    Run({kDescriptions});
+  }
+  EXPECT_EQ(jobs[0], jobs[1]);
+}
+
+TEST_F(Applications, FilesOfSeveralKindsInOneJobComeInOrderAndOnce) {
+  Describe();
+  const std::string job = Printed({ps_, png_, pdf_, ps_});
+  size_t at = 0;
+  std::vector<size_t> pages;
+  for (size_t next = 0; at != std::string::npos; at = next) {
+    next = job.find("@PJL JOB", at + 1);
+    const std::string document = job.substr(at, next - at);
+    if (document.find("ENTER LANGUAGE") == std::string::npos) continue;
+    pages.push_back(Render("\033%-12345X" + document).pages.size());
+  }
+  EXPECT_EQ(pages, (std::vector<size_t>{5, 1, 5, 5}));
+}
+
+TEST_F(Applications, APictureFillsAPage) {
+  Describe();
+  const Rendering rendering = Render(Printed({"-o", "media=A5", png_}), "pgmraw");
+  ASSERT_EQ(rendering.pages.size(), 1u);
+  EXPECT_NE(rendering.pages[0].find('\0'), std::string::npos) << "nothing black on it";
+}
+
+TEST_F(Applications, AWordThatNobodyKnowsIsAWarningAndTheJobIsPrinted) {
+  Describe();
+  SchedulerLog log;
+  EXPECT_EQ(Render(Printed({"-o", "NoSuchThing=7", pdf_})).pages.size(), 5u);
+  log.WaitFor("NoSuchThing\\\" is not known for this printer");
+  EXPECT_EQ(log.Text().find("NoSuchThing=7\\\""), std::string::npos);
+}
+
+TEST_F(Applications, ADocumentThatCannotBeReadIsHeldAndSaysWhy) {
+  Describe();
+  SchedulerLog log;
+  const std::string job = queue_.Print({files_.Write("bad.pdf", "%PDF-1.4\nno document\n")});
+  log.WaitFor("Backend returned status 3 (hold job)");
+  EXPECT_TRUE(queue_.Keeps(job));
+  EXPECT_NE(queue_.State().find("the PDF document is damaged and cannot be printed"),
+            std::string::npos)
+      << queue_.State();
+}
+
+TEST_F(Applications, AQueueWithoutDescriptionPrintsAndSaysSo) {
+  queue_.Append(Block("postscript"));
+  const ChangedFile filter("/opt/orlan/data/nls/enu/ppds/vek41201.ppd", "not a PPD file\n");
+  const CommandResult run = RunProgram({kDescriptions});
+  EXPECT_EQ(run.status, 0);
+  EXPECT_NE(run.output.find("the queue \"lp1\" prints, but print dialogs do not show its options"),
+            std::string::npos)
+      << run.output;
+  EXPECT_NE(run.output.find("\nlp1\n"), std::string::npos) << run.output;
+}
+
+TEST_F(Applications, RawQueuesHaveNoOptionsToShow) {
+  Describe("raw");
+  EXPECT_EQ(RunProgram({"lpoptions", "-p", "lp1", "-l"}).output.find("Duplex"), std::string::npos);
+}
+
+TEST_F(Applications, ASecondRunChangesNothing) {
+  Describe();
+  const auto before = std::filesystem::last_write_time("/etc/cups/ppd/lp1.ppd");
+  SchedulerLog log;
+  Run({kDescriptions});
+  EXPECT_EQ(log.Text().find("CUPS-Add-Modify-Printer"), std::string::npos);
+  EXPECT_EQ(std::filesystem::last_write_time("/etc/cups/ppd/lp1.ppd"), before);
+}
+
+}  // namespace
