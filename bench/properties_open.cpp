@@ -67,7 +67,7 @@ Rows RowsOf(GtkWidget *combo) {
 }
 
 void Collect(GtkWidget *widget, gpointer page) {
-  if (GTK_IS_COMBO_BOX(widget)) static_cast<Page *>(page)->push_back(RowsOf(widget));
+  if (GTK_IS_COMBO_BOX(widget)) static_cast<Combos *>(page)->push_back(RowsOf(widget));
   if (GTK_IS_CONTAINER(widget)) gtk_container_foreach(GTK_CONTAINER(widget), Collect, page);
 }
 
