@@ -13,14 +13,43 @@ namespace kpx::filter {
 namespace {
 
 constexpr size_t kSinkBuffer = 65536;
+constexpr size_t kWrittenAtOnce = 16384;  // larger pieces are not copied first
+constexpr std::string_view kLineEnds = "\r\n";
+
+// The whole lines at the front of `bytes`. A carriage return at the end may be half of a line end.
+std::string_view WholeLines(std::string_view bytes) {
+  const size_t feed = bytes.rfind('\n');
+  if (feed != std::string_view::npos) return bytes.substr(0, feed + 1);
+  const size_t end = bytes.substr(0, bytes.size() - 1).rfind('\r');
+  return bytes.substr(0, end == std::string_view::npos ? 0 : end + 1);
+}
+
+// `lines` up to the first one that begins with `mark`.
+std::string_view BeforeLineOf(char mark, std::string_view lines) {
+  for (size_t at = lines.find(mark); at != std::string_view::npos; at = lines.find(mark, at + 1)) {
+    if (at == 0 || kLineEnds.find(lines[at - 1]) != std::string_view::npos) {
+      return lines.substr(0, at);
+    }
+  }
+  return lines;
+}
+
+// `lines` up to the first one that holds a printer-language switch.
+std::string_view BeforeSwitch(std::string_view lines) {
+  const size_t at = lines.find(kUel);
+  if (at == std::string_view::npos) return lines;
+  const size_t end = lines.substr(0, at).find_last_of(kLineEnds);
+  return lines.substr(0, end == std::string_view::npos ? 0 : end + 1);
+}
 
 }  // namespace
 
 void JobSink::Write(std::string_view bytes) {
   if (error_ != 0) return;
   if (buffer_.size() + bytes.size() > kSinkBuffer) Flush();
-  if (bytes.size() > kSinkBuffer) {
-    if (!write_(bytes)) error_ = errno;
+  if (bytes.size() >= kWrittenAtOnce) {
+    Flush();
+    if (error_ == 0 && !write_(bytes)) error_ = errno;
     return;
   }
   buffer_ += bytes;
@@ -96,6 +125,15 @@ void JobSource::CopyBytes(size_t count, JobSink *sink) {
 
 void JobSource::CopyRest(JobSink *sink) {
   while (!Peek(1).empty() && sink->Error() == 0) CopyBytes(kCapacity, sink);
+}
+
+size_t JobSource::CopyPlainLines(JobSink *sink) {
+  if (begin_ == end_) return 0;
+  std::string_view lines = WholeLines({buffer_.data() + begin_, end_ - begin_});
+  lines = BeforeSwitch(BeforeLineOf('\004', BeforeLineOf('%', lines)));
+  sink->Write(lines);
+  begin_ += lines.size();
+  return lines.size();
 }
 
 void JobSource::CopyLines(size_t count, JobSink *sink) {

@@ -63,6 +63,11 @@ class JobSource {
   void CopyBytes(size_t count, JobSink *sink);
   void CopyRest(JobSink *sink);
 
+  // Hands those whole lines at the front to `sink` that are there and say nothing about a document:
+  // they begin with neither "%" nor an end of transmission and hold no printer-language switch. The
+  // front must begin a line. Returns the bytes handed on, 0 when there is no such line.
+  size_t CopyPlainLines(JobSink *sink);
+
   // Hands whole lines to `sink`, at most `count`.
   void CopyLines(size_t count, JobSink *sink);
 

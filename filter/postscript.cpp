@@ -142,6 +142,7 @@ class DocumentFilter {
  private:
   void Copy();
   bool IsInPlace() const;
+  bool PassesPlainLines() const;
   void Unstructured(bool has_first_line);
   void Line(std::string_view line);
   bool BeginsDocument(std::string_view line);
@@ -199,6 +200,11 @@ void DocumentFilter::Copy() {
   for (;;) {
     const std::string_view next = source_->Peek(kUel.size());
     if (next.empty() || next == kUel || sink_->Error() != 0) return;
+    if (source_->NextBeginsLine() && PassesPlainLines()) {
+      const size_t passed = source_->CopyPlainLines(sink_);
+      passed_ += passed;
+      if (passed > 0) continue;
+    }
     const std::string_view piece = source_->NextPiece();
     passed_ += piece.size();
     if (source_->AtLineStart()) {
@@ -207,6 +213,12 @@ void DocumentFilter::Copy() {
       sink_->Write(piece);
     }
   }
+}
+
+// Whether lines that are no comments change nothing now.
+bool DocumentFilter::PassesPlainLines() const {
+  if (ended_) return false;
+  return documents_ > 0 || place_ == Place::Prolog || (place_ == Place::Body && !page_pending_);
 }
 
 // A job that does not follow the conventions gets the code before all of its own.
