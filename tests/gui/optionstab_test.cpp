@@ -1,5 +1,6 @@
 // The Options tab in its window: which rows there are, every way to choose pages a sheet and their
 // order, Defaults.
+#include "ComboWidget.h"
 #include "OptionCombos.h"
 #include "PropTabOptions.h"
 #include "debug.h"

@@ -2,6 +2,7 @@
 // and filled again and what the log says about it; the copies.
 #include <array>
 
+#include "ComboWidget.h"
 #include "InstallableLists.h"
 #include "ListWidget.h"
 #include "OptionCombos.h"
