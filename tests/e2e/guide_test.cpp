@@ -177,6 +177,10 @@ class Reader {
     }
     if (event == "the printer is switched off") return Name("printer.example", "127.0.0.2");
     if (event == "the printer is switched on") return Name("printer.example", "127.0.0.1");
+    if (event == "another host") {
+      Root("dpkg --purge kpx");
+      return;
+    }
     if (event == "somebody stops the queue") {
       Root("/usr/sbin/cupsdisable -r 'Out of toner' notes");
       return;
