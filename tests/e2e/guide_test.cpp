@@ -130,13 +130,22 @@ class Reader {
     shown_ = Shell();
   }
 
+  // A scheduler that reads its changed configuration lets nobody in for a moment: the same command
+  // is given again, as a user would.
   std::string Shell() const {
-    const CommandResult result = RunProgram(
-        {"env", kSearchPath, std::string("HOME=") + kHome, "bash", "-e", "-c", "cd; " + command_},
-        {}, kUser);
-    if (result.status != 0)
-      throw std::runtime_error("status " + std::to_string(result.status) + ": " + result.output);
-    return result.output;
+    const Deadline deadline(EventPatience());
+    for (;;) {
+      const CommandResult result = RunProgram(
+          {"env", kSearchPath, std::string("HOME=") + kHome, "bash", "-e", "-c", "cd; " + command_},
+          {}, kUser);
+      if (result.status == 0) return result.output;
+      const bool is_away = result.output.find("Unable to connect to server") != std::string::npos ||
+                           result.output.find("Bad file descriptor") != std::string::npos;
+      if (!is_away || deadline.Left() == 0) {
+        throw std::runtime_error("status " + std::to_string(result.status) + ": " + result.output);
+      }
+      RunProgram({"sleep", "0.2"});
+    }
   }
 
   // The state of a queue is asked for until it is what the page shows; nothing else is run twice.
