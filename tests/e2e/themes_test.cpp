@@ -181,7 +181,7 @@ TEST_P(Themes, AreReadableInThePrintToolAndShowWhereTheFocusIs) {
 
 std::vector<Look> Looks() {
   std::vector<Look> looks;
-  for (const char *theme : {"Adwaita", "Adwaita:dark", "HighContrast", "HighContrast:inverse"}) {
+  for (const char *theme : {"Adwaita", "Adwaita:dark", "HighContrast", "HighContrastInverse"}) {
     for (const int size : {100, 150, 200}) looks.push_back({theme, size});
   }
   return looks;

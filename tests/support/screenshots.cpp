@@ -1,5 +1,6 @@
 // Makes the pictures of docs/screenshots, inside the sandbox: the shipped programs in every
-// language, and every tab of the properties, showing queues that were made through their windows.
+// language, in other themes and text sizes, and every tab of the properties, showing queues that
+// were made through their windows.
 //
 // Usage: screenshots DIRECTORY
 
@@ -36,6 +37,18 @@ constexpr Language kTranslations[] = {{"de_DE.UTF-8", "de/"},
                                       {"it_IT.UTF-8", "it/"},
                                       {"pt_BR.UTF-8", "pt_BR/"}};
 
+// Other looks of the English windows.
+struct Look {
+  const char *directory;
+  const char *setting;  // in the programs' environment
+};
+constexpr Look kUsualLook = {"", "GDK_DPI_SCALE=1"};
+constexpr Look kOtherLooks[] = {{"dark/", "GTK_THEME=Adwaita:dark"},
+                                {"high-contrast/", "GTK_THEME=HighContrast"},
+                                {"high-contrast-dark/", "GTK_THEME=HighContrastInverse"},
+                                {"text-150/", "GDK_DPI_SCALE=1.5"},
+                                {"text-200/", "GDK_DPI_SCALE=2"}};
+
 // The addresses are those kept for examples.
 const std::vector<QueueToAdd> kQueues = {
     {"accounts", "Vek Norvel 4110ES", 0, "192.0.2.21"},
@@ -45,13 +58,14 @@ const std::vector<QueueToAdd> kQueues = {
 };
 constexpr int kAccountsRow = 0;
 constexpr int kNotesRow = 2;
-constexpr int kOfficeRow = 3;
 
-// The programs in one language, and the folder that their pictures are put into.
+// The programs in one language and look, and the folder that their pictures are put into.
 class Album {
  public:
-  Album(const std::string &directory, const Language &language)
-      : language_(language), directory_(directory + "/" + language.directory) {
+  Album(const std::string &directory, const Language &language, const Look &look = kUsualLook)
+      : language_(language),
+        look_(look),
+        directory_(directory + "/" + language.directory + look.directory) {
     std::filesystem::create_directories(directory_);
     MakeLocale(language.lang);
   }
@@ -63,13 +77,14 @@ class Album {
     }
     XInputMove(0, 0);  // no button is to look pointed at
     Screenshot(app, directory_ + name + ".png");
-    std::printf("%s%s.png\n", language_.directory, name.c_str());
+    std::printf("%s%s%s.png\n", language_.directory, look_.directory, name.c_str());
   }
 
   void TakeAdministration() {
     GuiApp app(Program("KPXadmin"));
     app.WaitWindow("AdminWindow");
-    app.ClickRow("QueuesClist", kOfficeRow);
+    app.TabTo("QueuesClist");
+    app.Key("End");  // the office's, which a large text scrolls away
     Take(app, "administration");
     FillNewQueue(app, {"reception", "Vek Norvel 4110ES", 0, "192.0.2.24"});
     Take(app, "add-queue");
@@ -118,6 +133,7 @@ class Album {
   GuiAppOptions Program(const std::string &name) const {
     GuiAppOptions options = InLocale(language_.lang);
     options.program = "/usr/bin/" + name;
+    options.environment.emplace_back(look_.setting);
     return options;
   }
 
@@ -161,6 +177,7 @@ class Album {
   }
 
   const Language language_;
+  const Look look_;
   const std::string directory_;
 };
 
@@ -183,6 +200,11 @@ void TakeAll(const std::string &directory) {
   english.TakePrintToolTabs();
   for (const Language &language : kTranslations) {
     Album album(directory, language);
+    album.TakeAdministration();
+    album.TakePrintTool();
+  }
+  for (const Look &look : kOtherLooks) {
+    Album album(directory, kEnglish, look);
     album.TakeAdministration();
     album.TakePrintTool();
   }
