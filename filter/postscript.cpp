@@ -22,6 +22,12 @@ enum class Place {
 
 constexpr std::string_view kPrologEnds[] = {"%%EndProlog", "%%BeginSetup", "%%Page:"};
 constexpr std::string_view kConforming = "%!PS-Adobe-", kEndOfDocument = "%%EOF";
+// An EPS document is to draw one page, and may leave it to whoever includes it to show it. What was
+// shown is kept in global memory, where no restore of the document undoes it.
+constexpr std::string_view kWatchPages =
+    "true setglobal /KPXshown 1 array def KPXshown 0 false put false setglobal\n"
+    "/showpage { systemdict /showpage get exec KPXshown 0 true put } def\n";
+constexpr std::string_view kShowLastPage = "KPXshown 0 get not { showpage } if\n";
 constexpr std::string_view kForeign[] = {"%%BeginDocument", "%%BeginBinary", "%%BeginData"};
 
 std::string_view WithoutEnd(std::string_view line) {
@@ -141,6 +147,7 @@ class DocumentFilter {
 
  private:
   void Copy();
+  void ShowLastPage();
   bool IsInPlace() const;
   bool PassesPlainLines() const;
   void Unstructured(bool has_first_line);
@@ -174,6 +181,7 @@ class DocumentFilter {
   bool prolog_ended_ = false;       // explicitly
   bool ended_ = false;              // nothing but empty lines since the document's end
   bool in_place_ = true;            // of the documents that are done
+  bool is_eps_ = false;             // the present document shows its page itself or not
   bool late_ = false;               // the code came behind what may be pages
   bool page_pending_ = false;       // the page setup code of the present page is still to come
   bool page_code_ahead_ = false;    // the page setup code of the first page is out
@@ -182,6 +190,7 @@ class DocumentFilter {
 
 bool DocumentFilter::Run() {
   Copy();
+  ShowLastPage();
   return in_place_ && IsInPlace();
 }
 
@@ -213,6 +222,12 @@ void DocumentFilter::Copy() {
       sink_->Write(piece);
     }
   }
+}
+
+// At the end of an EPS document that got its setup.
+void DocumentFilter::ShowLastPage() {
+  if (is_eps_ && place_ == Place::Body) sink_->Write(kShowLastPage);
+  is_eps_ = false;
 }
 
 // Whether lines that are no comments change nothing now.
@@ -255,6 +270,7 @@ bool DocumentFilter::BeginsDocument(std::string_view line) {
 // The next document gets the code again: the present one may have set something else, and behind an
 // end of transmission all is as at the start.
 void DocumentFilter::NextDocument() {
+  ShowLastPage();
   in_place_ = in_place_ && IsInPlace();
   place_ = Place::Header;
   blocks_ = 0;
@@ -321,6 +337,10 @@ void DocumentFilter::CountedData(const std::string &line) {
 }
 
 void DocumentFilter::HeaderLine(std::string_view line) {
+  const std::string_view first = AfterTransmission(line);
+  if (first.starts_with(kConforming) && first.find(" EPSF-") != std::string_view::npos) {
+    is_eps_ = true;
+  }
   if (IsHeaderComment(AfterTransmission(line))) {
     if (line.starts_with("%%EndComments")) place_ = Place::Preamble;
     sink_->Write(line);
@@ -440,6 +460,7 @@ void DocumentFilter::BodyLine(std::string_view line) {
     sink_->Write("%%BeginPageSetup\n" + code_.page_setup + "%%EndPageSetup\n");
     page_pending_ = false;
   }
+  if (line.starts_with(kEndOfDocument)) ShowLastPage();
   sink_->Write(line);
   if (line.starts_with("%%Page:")) {
     page_pending_ = !code_.page_setup.empty() && !page_code_ahead_;
@@ -478,6 +499,7 @@ void DocumentFilter::WriteProlog(bool with_frame) {
 void DocumentFilter::WriteSetup(bool with_frame) {
   place_ = Place::Body;
   loose_prolog_ = false;
+  if (is_eps_) sink_->Write(kWatchPages);
   if (code_.setup.empty()) return;
   if (with_frame) sink_->Write("%%BeginSetup\n");
   sink_->Write(code_.setup);

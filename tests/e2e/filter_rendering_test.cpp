@@ -55,6 +55,19 @@ TEST(RenderedJob, AJobThatDoesNotConformHasItsPages) {
   ExpectSamePages("%!\n" + std::string(kMark) + "showpage\nshowpage\n");
 }
 
+TEST(RenderedJob, AnEpsFileIsShownOnce) {
+  const std::string head = "%!PS-Adobe-3.0 EPSF-3.0\n%%BoundingBox: 0 0 300 400\n%%EndComments\n";
+  const Rendering page = Render("%!\n" + std::string(kMark) + "showpage\n");
+  for (const char *end :
+       {"", "showpage\n", "%%Trailer\n%%EOF\n", "showpage\n%%EOF\n", "showpage restore\n%%EOF\n"}) {
+    const bool saves = std::string(end).find("restore") != std::string::npos;
+    const Rendering filtered =
+        Render(Filter(Call(), head + (saves ? "save\n" : "") + kMark + end).output);
+    EXPECT_EQ(filtered.messages, "") << end;
+    EXPECT_TRUE(filtered.pages == page.pages) << end << filtered.pages.size();
+  }
+}
+
 TEST(RenderedJob, AnIncludedEpsFileIsDrawnOnce) {
   ExpectSamePages(
       Document("save /showpage {} def\n%%BeginDocument: a.eps\n"

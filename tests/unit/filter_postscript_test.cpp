@@ -89,7 +89,7 @@ TEST_F(PostScriptJob, ResourcesInFrontOfTheSetupStayThere) {
 }
 
 TEST_F(PostScriptJob, AConformingHeaderWithNothingBehindItGetsTheCodeBeforeTheFirstLine) {
-  const std::string document = Document("%!PS-Adobe-3.0 EPSF-3.0\n%%EndComments\n\nshowpage\n");
+  const std::string document = Document("%!PS-Adobe-3.0\n%%EndComments\n\nshowpage\n");
   EXPECT_EQ(Outline(document), "EndComments;BeginSetup;" + std::string(kSetupCode) + "EndSetup;");
   EXPECT_TRUE(document.ends_with("%%EndSetup\nshowpage\n"));
 }
@@ -119,7 +119,7 @@ TEST_F(PostScriptJob, PageSetupCodeIsPutIntoEveryPage) {
 
 TEST_F(PostScriptJob, IncludedDocumentsGetNoCode) {
   const std::string included =
-      "%%BeginDocument: a.eps\n%!PS-Adobe-3.0 EPSF-3.0\n%%BeginSetup\n%%EndSetup\n%%Page: 1 1\n"
+      "%%BeginDocument: a.eps\n%!PS-Adobe-3.0\n%%BeginSetup\n%%EndSetup\n%%Page: 1 1\n"
       "%%BeginDocument: b.eps\n%%BeginProlog\n%%EndDocument\n%%BeginPageSetup\n%%EndDocument\n";
   Set({{"*Stamp", "Draft"}});
   const std::string document = Document(
@@ -136,7 +136,7 @@ TEST_F(PostScriptJob, MarksOfWhatIsIncludedDoNotMakeThePageAProlog) {
         "%%BeginBinary: 12\n%%EndProlog\n\n%%EndBinary\n",
         "%%BeginData: 1 Hex Lines\n%%Page: 1 1\n%%EndData\n"}) {
     const std::string body = "save 50 50 translate\n" + included + "restore showpage\n";
-    const std::string document = Document("%!PS-Adobe-3.0 EPSF-3.0\n%%EndComments\n" + body);
+    const std::string document = Document("%!PS-Adobe-3.0\n%%EndComments\n" + body);
     EXPECT_TRUE(document.ends_with("%%EndSetup\n" + body)) << document;
   }
 }
@@ -144,8 +144,8 @@ TEST_F(PostScriptJob, MarksOfWhatIsIncludedDoNotMakeThePageAProlog) {
 TEST_F(PostScriptJob, MarksOfTheNextDocumentDoNotMakeThePageAProlog) {
   const std::string enter = std::string(kUelText) + "@PJL ENTER LANGUAGE=POSTSCRIPT\n";
   const std::string output = RunOver(FilterPostScript, settings_,
-                                     "%!PS-Adobe-3.0 EPSF-3.0\n%%EndComments\nfirst showpage\n" +
-                                         enter + "%!PS-Adobe-3.0\n%%EndProlog\n%%Page: 1 1\n");
+                                     "%!PS-Adobe-3.0\n%%EndComments\nfirst showpage\n" + enter +
+                                         "%!PS-Adobe-3.0\n%%EndProlog\n%%Page: 1 1\n");
   EXPECT_NE(output.find("%%EndSetup\nfirst showpage\n"), std::string::npos);
 }
 
@@ -167,7 +167,7 @@ TEST_F(PostScriptJob, APrologOrBlockThatNeverEndsGetsTheCodeBeforeIt) {
        {"%%BeginProlog\n/x 1 def\n%%EndDocumentx\n0 0 moveto showpage\n%%Trailer\n%%EOF\n",
         "%%BeginProcSet: x\n/x 1 def\nshowpage\n%%EOF\n",
         "%%BeginProcSet: x\n%%BeginFile: y\n%%EndFile\nshowpage\n"}) {
-    const std::string job = "%!PS-Adobe-3.0 EPSF-3.0\n%%EndComments\n" + body;
+    const std::string job = "%!PS-Adobe-3.0\n%%EndComments\n" + body;
     const std::string document = Document(job);
     EXPECT_TRUE(
         Outline(document).starts_with("EndComments;BeginProlog;[Overlay]EndProlog;"
@@ -186,7 +186,7 @@ TEST_F(PostScriptJob, ABlockEndsAtItsOwnMarkInAnyCaseOrWithTheProlog) {
        {"%%BeginProcSet: x\n/x 1 def\n%%EndProcset\n",
         "%%BeginProcSet: x\n%%BeginBinary: 3\nabc\n%%EndBinary\n/x 1 def\n%%EndProcSet\n",
         "%%BeginProcSet: x\n/x 1 def\n%%EndProlog\n"}) {
-    const std::string start = "%!PS-Adobe-3.0 EPSF-3.0\n%%EndComments\n" + block;
+    const std::string start = "%!PS-Adobe-3.0\n%%EndComments\n" + block;
     const std::string document = Document(start + "showpage\n%%EOF\n");
     EXPECT_TRUE(document.starts_with(start + "%%BeginSetup\n")) << document;
     EXPECT_TRUE(document.ends_with("%%EndSetup\nshowpage\n%%EOF\n")) << document;
@@ -234,7 +234,7 @@ TEST_F(PostScriptJob, ManyBlocksOfALongPrologWithoutFrameAreAllRecognised) {
     blocks += "%%BeginProcSet: a\n%%BeginResource: b\n" + std::string(2000, '%') +
               "\n%%EndResource\n%%EndProcSet\n";
   }
-  const std::string start = "%!PS-Adobe-3.0 EPSF-3.0\n%%EndComments\n" + blocks;
+  const std::string start = "%!PS-Adobe-3.0\n%%EndComments\n" + blocks;
   const std::string body = "%%BeginProcSet: x\nshowpage\n%%EOF\n";
   const std::string document = Document(start + body);
   EXPECT_TRUE(document.starts_with(start + "%%BeginSetup\n"));
