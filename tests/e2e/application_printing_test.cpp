@@ -1,7 +1,9 @@
 // What applications ask CUPS for, as the printer receives it.
 #include <gtest/gtest.h>
 
+#include "adminsession.h"
 #include "changedfile.h"
+#include "filterjob.h"
 #include "ghostscript.h"
 #include "interfacescript.h"
 #include "printedjobs.h"
@@ -191,6 +193,28 @@ TEST_F(Applications, ADocumentThatCannotBeReadIsHeldAndSaysWhy) {
       << queue_.State();
 }
 
+TEST_F(Applications, JobsThatWaitWhileAnOlderQueueGetsItsOptionsArePrinted) {
+  queue_.Append(Block("postscript"));
+  const std::string one = queue_.Print({"-H", "hold", pdf_});
+  const std::string several = queue_.Print({"-H", "hold", ps_, pdf_});
+  Run({kDescriptions});
+  for (const std::string &job : {one, several}) {
+    Run({"lp", "-i", "lp1-" + job, "-H", "resume"});
+    const std::optional<std::string> printed = printed_.Next();
+    ASSERT_TRUE(printed) << queue_.State();
+    EXPECT_EQ(Render(*printed).pages.size(), 5u);
+    EXPECT_EQ(CountOf(*printed, "@PJL EOJ\n"), job == one ? 1u : 2u);
+  }
+}
+
+TEST_F(Applications, CupsOwnTestPageIsPrinted) {
+  Describe();
+  const std::string page = "/usr/share/cups/data/default-testpage.pdf";
+  const Rendering rendering = Render(Printed({"-t", "Test Page", page}), "pgmraw");
+  ASSERT_EQ(rendering.pages.size(), 1u) << rendering.messages;
+  EXPECT_NE(rendering.pages[0].find('\0'), std::string::npos) << "nothing black on it";
+}
+
 TEST_F(Applications, AQueueWithoutDescriptionPrintsAndSaysSo) {
   queue_.Append(Block("postscript"));
   const ChangedFile filter("/opt/orlan/data/nls/enu/ppds/vek41201.ppd", "not a PPD file\n");
@@ -214,6 +238,34 @@ TEST_F(Applications, ASecondRunChangesNothing) {
   Run({kDescriptions});
   EXPECT_EQ(log.Text().find("CUPS-Add-Modify-Printer"), std::string::npos);
   EXPECT_EQ(std::filesystem::last_write_time("/etc/cups/ppd/lp1.ppd"), before);
+}
+
+// A save of KPXadmin, by the functions of its core.
+class Saves : public testing::Test {
+ protected:
+  Saves() {
+    LoadCatalogues();
+    const Owned<CList> messages = CreateList();
+    LoadQueues(messages.get());
+  }
+  ~Saves() override {
+    DeleteQueueInSession("dialogs");
+    SaveSession();
+  }
+};
+
+TEST_F(Saves, GivePrintDialogsTheOptionsOfTheQueues) {
+  ASSERT_TRUE(AddQueueToSession("dialogs", "postscript", "Vek Norvel 4120ES", "127.0.0.1"));
+  EXPECT_EQ(SaveSession(), 0u);
+  const std::string list = RunProgram({"lpoptions", "-p", "dialogs", "-l"}).output;
+  EXPECT_NE(list.find("Duplex/Two-sided printing:"), std::string::npos) << list;
+}
+
+TEST_F(Saves, SayWhichQueueShowsNoOptions) {
+  const ChangedFile model("/opt/orlan/data/nls/enu/ppds/vek41051.ppd", "not a PPD file\n");
+  ASSERT_TRUE(AddQueueToSession("dialogs", "postscript", "Vek Norvel 4105", "127.0.0.1"));
+  EXPECT_EQ(SaveSession(), 1u);
+  EXPECT_TRUE(std::filesystem::exists(std::string(kBridgeInterfaces) + "/dialogs"));
 }
 
 }  // namespace

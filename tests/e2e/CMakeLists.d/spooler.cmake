@@ -20,5 +20,5 @@ target_compile_definitions(test_sandbox PRIVATE KPX_SANDBOX_PROGRAM="${KPX_SANDB
 set_tests_properties(sandbox PROPERTIES FIXTURES_REQUIRED stage)
 kpx_add_test(NAME printer_standin LABEL e2e SANDBOX bare SOURCES e2e/printerd_test.cpp)
 target_compile_definitions(test_printer_standin PRIVATE KPX_PRINTERD="$<TARGET_FILE:printerd>")
-kpx_add_test(NAME application_printing LIBS kpx_core LABEL e2e SANDBOX full TIMEOUT 300
-  SOURCES e2e/application_printing_test.cpp)
+kpx_add_test(NAME application_printing LIBS kpx_filter LABEL e2e SANDBOX full TIMEOUT 300
+  SOURCES e2e/application_printing_test.cpp support/adminsession.cpp)
