@@ -215,6 +215,20 @@ TEST_F(Applications, CupsOwnTestPageIsPrinted) {
   EXPECT_NE(rendering.pages[0].find('\0'), std::string::npos) << "nothing black on it";
 }
 
+TEST_F(Applications, AGtkProgramPrintsWithTheOptionsOfTheQueue) {
+  Describe();
+  Run({KPX_GTKPRINT, "lp1", "3", "cups-Duplex=DuplexNoTumble", "cups-StapleLocation=SinglePortrait",
+       "n-copies=2"});
+  const std::optional<std::string> job = printed_.Next();
+  ASSERT_TRUE(job) << queue_.State();
+  for (const char *code : {"*Duplex DuplexNoTumble\n", "*StapleLocation SinglePortrait\n",
+                           "<</NumCopies 2>>setpagedevice"}) {
+    EXPECT_NE(job->find(code), std::string::npos) << code;
+  }
+  const Rendering rendering = Render(*job);
+  EXPECT_EQ(rendering.pages.size(), 6u) << "not three pages twice: " << rendering.messages;
+}
+
 TEST_F(Applications, AQueueWithoutDescriptionPrintsAndSaysSo) {
   queue_.Append(Block("postscript"));
   const ChangedFile filter("/opt/orlan/data/nls/enu/ppds/vek41201.ppd", "not a PPD file\n");

@@ -22,3 +22,7 @@ kpx_add_test(NAME printer_standin LABEL e2e SANDBOX bare SOURCES e2e/printerd_te
 target_compile_definitions(test_printer_standin PRIVATE KPX_PRINTERD="$<TARGET_FILE:printerd>")
 kpx_add_test(NAME application_printing LIBS kpx_filter LABEL e2e SANDBOX full TIMEOUT 300
   SOURCES e2e/application_printing_test.cpp support/adminsession.cpp)
+add_executable(gtkprint support/gtkprint.cpp)
+target_link_libraries(gtkprint PRIVATE PkgConfig::GTK3)
+target_compile_definitions(test_application_printing PRIVATE KPX_GTKPRINT="$<TARGET_FILE:gtkprint>")
+add_dependencies(test_application_printing gtkprint)
