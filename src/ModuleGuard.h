@@ -2,7 +2,7 @@
 //
 // GTK and the libraries below it load modules that the command line, the environment, settings and
 // theme files, and the settings of the X server name. All of them are opened by GModule, whose
-// functions for that this module replaces in the program.
+// functions for that this module replaces in the program (D-save-1).
 #pragma once
 
 // Before gtk_init: takes from the command line and the environment what names modules, and from

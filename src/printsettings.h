@@ -1,4 +1,4 @@
-// The settings that a job of the print tool is printed with.
+// The settings that a job of the print tool is printed with (D-tool-5, D-tool-6).
 #pragma once
 
 #include <string>

@@ -1,5 +1,5 @@
 // What is in the users' directory, where every user may write, under a name that is another user's:
-// it would keep that user from printing.
+// it would keep that user from printing (D-save-11).
 #pragma once
 
 // Removes, for the superuser:

@@ -1,5 +1,5 @@
 // What a save intends, kept beside the list ("<list>.next") from before it changes anything until
-// everything is written, so that an interrupted save can be finished.
+// everything is written, so that an interrupted save can be finished (D-save-2).
 //
 // The file is the list as it is to be, in the form of the list, and after it, in lines that the
 // readers of lists skip, one "##remove NAME" for each queue that is to leave the spooler and

@@ -1,4 +1,5 @@
-// What the transport has to say, in words; the spooler keeps it in the job's log.
+// What the transport has to say, in English words (D-texts-4); the spooler keeps it in the job's
+// log.
 #pragma once
 
 #include <chrono>
