@@ -28,6 +28,7 @@ bool IsSpoolersWord(const std::string &name) {
                                               "com.", "AP_",       "cups-",         "ipp-",
                                               "x-",   "notify-",   "requesting-"};
   constexpr std::string_view kWords[] = {"copies",
+                                         "cupsPrintQuality",
                                          "media-col",
                                          "banner",
                                          "raw",
@@ -52,7 +53,7 @@ bool IsUsual(const ApplicationOption &word) {
       {"page-set", "all"},          {"outputorder", "normal"},      {"print-scaling", "auto"},
       {"landscape", "false"},       {"fit-to-page", "false"},       {"scaling", "100"},
       {"number-up-layout", "lrtb"}, {"sides", "one-sided"},         {"print-quality", "4"},
-      {"fitplot", "false"},         {"natural-scaling", "100"}};
+      {"fitplot", "false"},         {"ColorModel", "Gray"},         {"natural-scaling", "100"}};
   return std::any_of(std::begin(kUsual), std::end(kUsual), [&](const auto &usual) {
     return SameKeyword(word.first, usual.first) && SameKeyword(word.second, usual.second);
   });

@@ -78,7 +78,7 @@ TEST_F(Words, SizesAndTypesOfTheQueueAreChoices) {
 TEST_F(Words, WhatTheSpoolerGivesEveryJobSaysNothing) {
   EXPECT_EQ(Made("finishings=3 number-up=1 print-color-mode=monochrome job-uuid=urn:uuid:1 "
                  "job-originating-host-name=localhost date-time-at-creation= "
-                 "document-name-supplied=a.ps"),
+                 "document-name-supplied=a.ps ColorModel=Gray cupsPrintQuality=Normal"),
             "");
 }
 

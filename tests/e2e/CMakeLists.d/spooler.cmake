@@ -26,3 +26,7 @@ add_executable(gtkprint support/gtkprint.cpp)
 target_link_libraries(gtkprint PRIVATE PkgConfig::GTK3)
 target_compile_definitions(test_application_printing PRIVATE KPX_GTKPRINT="$<TARGET_FILE:gtkprint>")
 add_dependencies(test_application_printing gtkprint)
+kpx_add_test(NAME application_sharing LIBS kpx_core LABEL e2e SANDBOX full TIMEOUT 300
+  SOURCES e2e/application_sharing_test.cpp)
+target_compile_definitions(test_application_sharing PRIVATE
+                           KPX_SECOND_HOST="${CMAKE_CURRENT_SOURCE_DIR}/support/secondhost")
