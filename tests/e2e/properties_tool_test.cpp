@@ -117,7 +117,8 @@ TEST_F(ToolProperties, ATextQueuesFontIsStored) {
   Print(app);
   EXPECT_NE(std::string::npos, UserOptions("txt1").find("*FontName=Courier\n*FontSize=18\n"));
   const std::string job = jobs_.Next();
-  EXPECT_NE(std::string::npos, job.find("/F /Courier findfont 18 scalefont def\n")) << job;
+  EXPECT_NE(std::string::npos, job.find("/Z [18 0 0 18 0 0] def\n/F /Courier E Z makefont def\n"))
+      << job;
 }
 
 TEST_F(ToolProperties, EveryTabShowsItsTitleAndWholeTexts) {
