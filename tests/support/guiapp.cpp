@@ -411,6 +411,7 @@ ScreenArea GuiApp::FocusArea() { return AreaFrom(Demand("focusarea")); }
 
 std::string GuiApp::FocusFault() {
   FocusForemost();
+  WaitDrawn();  // a list scrolls to its cursor when it is drawn next
   return Demand("focusfault");
 }
 
