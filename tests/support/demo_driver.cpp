@@ -33,7 +33,8 @@ constexpr char kTwoSided[] = "Two-sided, long edge";
 constexpr char kTwoSidedInJob[] = "*Duplex DuplexNoTumble";
 // And the user.
 constexpr char kHighQualityInJob[] = "@PJL SET RET=DARK";
-constexpr char kFontInJob[] = "/Courier findfont 18 scalefont";
+constexpr char kFontInJob[] = "/F /Courier E Z makefont";
+constexpr char kFontSizeInJob[] = "/Z [18 0 0 18 0 0]";
 
 struct Print {
   std::string name;  // begins the names of the pictures
@@ -188,7 +189,8 @@ class Demo {
 
   // The job asks for what both of them set.
   static void CheckProperties(const std::string &job) {
-    for (const char *part : {kPaperInJob, kTwoSidedInJob, kHighQualityInJob, kFontInJob}) {
+    for (const char *part :
+         {kPaperInJob, kTwoSidedInJob, kHighQualityInJob, kFontInJob, kFontSizeInJob}) {
       if (job.find(part) == std::string::npos) {
         throw std::runtime_error(std::string("the job lacks ") + part);
       }
