@@ -1,6 +1,7 @@
 // What ./demo shows: inside the sandbox it makes two queues with KPXadmin and prints with KPXtool,
-// through their windows as users do, at last with properties that were set in both programs, and
-// leaves pictures of the windows and of every page that the printer received.
+// through their windows as users do, with properties that were set in both programs, and at last
+// from a GTK program, and leaves pictures of the windows and of every page that the printer
+// received.
 //
 // Usage: demo_driver DIRECTORY
 
@@ -98,6 +99,27 @@ class Demo {
     if (status != 0) throw std::runtime_error("the save failed: " + admin.Stderr());
     Say("  paper " + std::string(kPaper) + ", " + kTwoSided +
         "; pressed Save; KPXadmin closed with status 0");
+  }
+
+  // As a program with a print dialog does: GTK sends PDF, and the options by CUPS's names.
+  void ShowProgram() {
+    const Print print{.name = "5-program",
+                      .queue = "office",
+                      .file = {},
+                      .input = {},
+                      .what = "three pages of a GTK program, two-sided, through CUPS,"};
+    Say("");
+    Say(UserWord() + " prints " + print.what + " on " + print.queue + ":");
+    const std::string program =
+        std::filesystem::read_symlink("/proc/self/exe").parent_path() / "gtkprint";
+    const std::string command = program + " office 3 cups-Duplex=DuplexNoTumble n-copies=2";
+    RunOrThrow(user_.empty() ? command + " 2>/dev/null"
+                             : "su " + user_ + " -c '" + command + "' 2>/dev/null");
+    TakeJob(print);
+    if (ContentOf(directory_ + "/5-program.prn").find(kTwoSidedInJob) == std::string::npos) {
+      throw std::runtime_error(std::string("the job lacks ") + kTwoSidedInJob);
+    }
+    Say("  it says: " + std::string(kTwoSidedInJob));
   }
 
   void Show(const Print &print) {
@@ -255,6 +277,7 @@ int main(int argc, char **argv) {
                .what = "the text file stations.txt, with properties of the user's own,",
                .copies = 1,
                .sets_properties = true});
+    demo.ShowProgram();
   } catch (const std::exception &error) {
     std::fprintf(stderr, "demo: %s\n", error.what());
     return 1;

@@ -17,7 +17,7 @@ endforeach()
 add_executable(demo_driver support/demo_driver.cpp)
 target_link_libraries(demo_driver PRIVATE kpx_core kpx_guidriver PkgConfig::XTST)
 add_custom_target(demo_parts DEPENDS KPXadmin kpxfilter kpxnbtrans kpx_data kpx_pictures
-                  printerd demo_driver)
+                  printerd demo_driver gtkprint)
 
 # The pictures of docs/screenshots.
 add_executable(screenshots support/screenshots.cpp)
