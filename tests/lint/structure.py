@@ -8,7 +8,8 @@ itself through others, but for a window and its handlers (X, XFct). Looks for he
 types of one name that two files define: programs and tests link several of the libraries. Looks for
 files whose names differ in capitals only, and for sources of the programs beside KPXadmin that are
 not in their namespace. Looks for functions of the headers whose result can tell a failure and that
-lack [[nodiscard]]: the compilers then find the calls that drop it. Prints one line a fault; ends with 1 when there are any.
+lack [[nodiscard]]: the compilers then find the calls that drop it. Looks for colours that a window
+names itself, which another theme than ours may make unreadable. Prints one line a fault; ends with 1 when there are any.
 
 Usage: structure.py ROOT
 """
@@ -17,6 +18,7 @@ import pathlib
 import re
 import sys
 
+COLOUR = re.compile(r'"[^"\n]*(#[0-9A-Fa-f]{3}\b|#[0-9A-Fa-f]{6}\b|\brgba?\()|GdkRGBA|gtk_widget_override_')
 TOOLKIT = re.compile(r"<(gtk|gdk|gdk-pixbuf|glib|gio|pango|cairo|atk|X11)[/.-]|<(glib-unix|gmodule)\.h>")
 INCLUDE = re.compile(r'^\s*#\s*include\s+(<[^>]+>|"[^"]+")')
 PROGRAMS = ("src", "filter", "transport", "pixmaps", "tests")
@@ -140,6 +142,13 @@ def included_modules(src, modules):
     return found
 
 
+def colour_faults(src, gui):
+    for module in sorted(gui):
+        path = src / f"{module}.cpp"
+        if path.exists() and COLOUR.search(path.read_text()):
+            yield f"src/{path.name}: names a colour; take the theme's"
+
+
 def order_faults(variables, included):
     """Includes of modules of a later list. The lists stand in layer order."""
     place = {m: number for number, ms in enumerate(variables.values()) for m in ms}
@@ -238,7 +247,8 @@ def main():
         sys.exit("structure.py: the lists or the map cannot be read any more")
     included = included_modules(src, {m for modules in variables.values() for m in modules})
     faults = [*map_faults(numbers, documented), *file_faults(src, numbers),
-              *layer_faults(src, core, gui), *order_faults(variables, included),
+              *layer_faults(src, core, gui), *colour_faults(src, gui),
+              *order_faults(variables, included),
               *circle_faults(included), *name_faults(root),
               *case_faults(root), *namespace_faults(root), *dropped_failure_faults(root)]
     for fault in faults:

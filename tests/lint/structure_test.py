@@ -27,7 +27,7 @@ SOURCES = {
              "int fAddTail_Function(int value);\n[[nodiscard]] int fAddHead_Function(int value);\n"
              "int fLog_Class_ID_Function();\n",
     "words.cpp": "#include <string>\n",
-    "Window.cpp": '#include <gtk/gtk.h>\n#include "log.h"\n',
+    "Window.cpp": '#include <gtk/gtk.h>\n#include "log.h"\nconst char kStyle[] = "label { color: #A00000; }";\n',
     "main.cpp": '#include "Window.h"\n',
     "stray.cpp": "",
 }
@@ -50,6 +50,7 @@ src/CMakeLists.txt: there is no src/gone.cpp
 src/CMakeLists.txt: stray.cpp is in no list
 src/log.cpp: the core includes the toolkit's gtk/gtk.h
 src/log.h: the core includes Window.h, a module with windows
+src/Window.cpp: names a colour; take the theme's
 src/log.cpp: includes Window.h, whose list is a later one
 src/Window.cpp: includes itself through other modules
 src/log.cpp: includes itself through other modules
