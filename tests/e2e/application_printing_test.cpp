@@ -254,6 +254,18 @@ TEST_F(Applications, ASecondRunChangesNothing) {
   EXPECT_EQ(std::filesystem::last_write_time("/etc/cups/ppd/lp1.ppd"), before);
 }
 
+TEST_F(Applications, ANewVersionMakesTheDescriptionsAnew) {
+  Describe();
+  const std::string path = "/opt/orlan/data/nls/enu/ppds/vek41201.ppd";
+  std::string model = ContentOf(path);
+  const std::string text = "Two-sided printing";
+  ASSERT_NE(model.find(text), std::string::npos);
+  const ChangedFile changed(path, model.replace(model.find(text), text.size(), "Both sides"));
+  Run({kDescriptions, "-a"});
+  const std::string list = RunProgram({"lpoptions", "-p", "lp1", "-l"}).output;
+  EXPECT_NE(list.find("Duplex/Both sides:"), std::string::npos) << list;
+}
+
 // A save of KPXadmin, by the functions of its core.
 class Saves : public testing::Test {
  protected:
