@@ -13,7 +13,8 @@ function(kpx_fuzz_objects out)
     add_custom_command(OUTPUT ${object}
       COMMAND ${CMAKE_COMMAND} -E make_directory ${KPX_FUZZ_DIR}/${F_DIRECTORY}
       COMMAND ${KPX_FUZZ_CXX} ${KPX_FUZZ_FLAGS} -fsanitize=fuzzer-no-link
-              -I${PROJECT_SOURCE_DIR}/src ${F_OPTIONS} -MD -MF ${object}.d -c ${source} -o ${object}
+              -I${PROJECT_SOURCE_DIR}/src -I${KPX_NLS_DIR} ${F_OPTIONS}
+              -MD -MF ${object}.d -c ${source} -o ${object}
       DEPENDS ${source} DEPFILE ${object}.d VERBATIM
       COMMENT "Fuzzing object ${F_DIRECTORY}/${file}")
     list(APPEND objects ${object})
