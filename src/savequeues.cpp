@@ -153,6 +153,7 @@ SaveResult SaveQueues(const CList *deleted, CList *errors, const SaveObserver &o
     EndSave(list);
   }
   RemoveStrangersFiles();
-  OfferOptions(errors);
+  // What is not on the disk no dialog is to offer; the save that finishes this one does it.
+  if (list_written == 1 && options_written == 1) OfferOptions(errors);
   return SaveResult::Ended;
 }
