@@ -4,7 +4,7 @@
 #include <iterator>
 
 #include "byteordermark.h"
-#include "joblanguage.h"
+#include "pjl.h"
 #include "queuetypes.h"
 #include "wrappedjob.h"
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 
+#include "copies.h"
 #include "decimal.h"
 #include "jobrules.h"
 #include "settingkeys.h"

@@ -4,10 +4,10 @@
 #include <string>
 #include <vector>
 
-#include "joblanguage.h"
 #include "jobresult.h"
 #include "jobsettings.h"
 #include "jobsource.h"
+#include "pjl.h"
 #include "ppdmarking.h"
 
 namespace kpx::filter {

@@ -148,6 +148,7 @@ class DocumentFilter {
  private:
   void Copy();
   void ShowLastPage();
+  bool HasCode() const;
   bool IsInPlace() const;
   bool PassesPlainLines() const;
   void Unstructured(bool has_first_line);
@@ -194,10 +195,13 @@ bool DocumentFilter::Run() {
   return in_place_ && IsInPlace();
 }
 
+bool DocumentFilter::HasCode() const {
+  return !code_.prolog.empty() || !code_.setup.empty() || !code_.page_setup.empty();
+}
+
 bool DocumentFilter::IsInPlace() const {
   const bool open = place_ == Place::Prolog || blocks_ > 0 || loose_prolog_;
-  const bool has_code = !code_.prolog.empty() || !code_.setup.empty() || !code_.page_setup.empty();
-  return !has_code || (!late_ && (place_ == Place::Body || !open));
+  return !HasCode() || (!late_ && (place_ == Place::Body || !open));
 }
 
 void DocumentFilter::Copy() {
@@ -338,8 +342,9 @@ void DocumentFilter::CountedData(const std::string &line) {
 
 void DocumentFilter::HeaderLine(std::string_view line) {
   const std::string_view first = AfterTransmission(line);
-  if (first.starts_with(kConforming) && first.find(" EPSF-") != std::string_view::npos) {
-    is_eps_ = true;
+  // A job that gets no code at all stays as it is.
+  if (HasCode() && first.starts_with(kConforming)) {
+    is_eps_ = first.find(" EPSF-") != std::string_view::npos;
   }
   if (IsHeaderComment(AfterTransmission(line))) {
     if (line.starts_with("%%EndComments")) place_ = Place::Preamble;

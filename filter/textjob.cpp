@@ -7,7 +7,7 @@
 #include "booklet.h"
 #include "characters.h"
 #include "featurecode.h"
-#include "joblanguage.h"
+#include "pjl.h"
 #include "postscript.h"
 #include "sheets.h"
 #include "textdecoding.h"

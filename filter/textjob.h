@@ -3,10 +3,10 @@
 
 #include <string>
 
-#include "joblanguage.h"
 #include "jobresult.h"
 #include "jobsettings.h"
 #include "jobsource.h"
+#include "pjl.h"
 
 namespace kpx::filter {
 

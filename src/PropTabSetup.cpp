@@ -9,8 +9,8 @@
 #include "PropTabSetupFct.h"
 #include "PropertiesFrame.h"
 #include "Support.h"
+#include "copies.h"
 #include "debug.h"
-#include "jobrules.h"
 #include "optionstate.h"
 #include "settingkeys.h"
 

@@ -6,9 +6,6 @@
 #include <string>
 #include <string_view>
 
-// The most copies that a job can ask for.
-inline constexpr int kMostCopies = 32767;
-
 // The value of kJobNameKey that leaves the name to the program that prints.
 inline constexpr char kApplicationsJobName[] = "UseAppSetting";
 

@@ -15,12 +15,12 @@
 #include "filesystem.h"
 #include "globals.h"
 #include "ignoreresult.h"
-#include "jobcopies.h"
 #include "paths.h"
 #include "textencoding.h"
 #include "textfile.h"
 #include "textscan.h"
 #include "utils.h"
+#include "waitingsettings.h"
 
 namespace {
 

@@ -15,13 +15,13 @@
 #include "deffile.h"
 #include "globals.h"
 #include "ignoreresult.h"
-#include "jobcopies.h"
 #include "paths.h"
 #include "settingkeys.h"
 #include "spooljobs.h"
 #include "textencoding.h"
 #include "textfile.h"
 #include "utils.h"
+#include "waitingsettings.h"
 
 namespace {
 

@@ -12,12 +12,12 @@
 
 #include "debug.h"
 #include "deffile.h"
-#include "jobcopies.h"
 #include "openfile.h"
 #include "paths.h"
 #include "textencoding.h"
 #include "textfile.h"
 #include "userdirectory.h"
+#include "waitingsettings.h"
 
 namespace {
 

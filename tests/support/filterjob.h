@@ -7,10 +7,10 @@
 #include <string>
 #include <utility>
 
-#include "joblanguage.h"
 #include "jobresult.h"
 #include "jobsettings.h"
 #include "jobsource.h"
+#include "pjl.h"
 #include "ppdadaptor.h"
 
 using namespace kpx::filter;

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "copies.h"
 #include "deffile.h"
 #include "filterjob.h"
 #include "must.h"

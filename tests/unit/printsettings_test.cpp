@@ -10,13 +10,13 @@
 
 #include "cselection.h"
 #include "globals.h"
-#include "jobcopies.h"
 #include "must.h"
 #include "paths.h"
 #include "printcommand.h"
 #include "privateworld.h"
 #include "queuesupport.h"
 #include "temporarydirectory.h"
+#include "waitingsettings.h"
 
 namespace fs = std::filesystem;
 

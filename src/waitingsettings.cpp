@@ -1,4 +1,4 @@
-#include "jobcopies.h"
+#include "waitingsettings.h"
 
 #include <algorithm>
 #include <vector>

@@ -1,4 +1,4 @@
-#include "joblanguage.h"
+#include "pjl.h"
 
 #include <algorithm>
 #include <cctype>

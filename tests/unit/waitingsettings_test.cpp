@@ -1,5 +1,5 @@
 // The copies of settings that jobs keep: their names, and what the spooler says about its jobs.
-#include "jobcopies.h"
+#include "waitingsettings.h"
 
 #include <gtest/gtest.h>
 
