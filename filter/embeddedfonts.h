@@ -7,7 +7,7 @@
 #include <string>
 #include <tuple>
 
-#include "hostfonts.h"
+#include "fontfaces.h"
 
 namespace kpx::filter {
 
@@ -22,7 +22,7 @@ struct EmbeddedGlyph {
 class EmbeddedFonts {
  public:
   // `fonts` must outlive this.
-  explicit EmbeddedFonts(HostFonts *fonts) : fonts_(fonts) {}
+  explicit EmbeddedFonts(FontFaces *fonts) : fonts_(fonts) {}
 
   // The glyph of a face. With `cells` it is put in the middle of that many cells of a typewriter
   // font (600 thousandths of the size each), narrower where it is too wide; without, it keeps its
@@ -40,7 +40,7 @@ class EmbeddedFonts {
  private:
   EmbeddedGlyph Add(const std::string &name, const std::string &procedure);
 
-  HostFonts *fonts_;
+  FontFaces *fonts_;
   std::map<std::tuple<size_t, uint32_t, int>, EmbeddedGlyph> glyphs_;
   std::map<std::pair<char32_t, int>, EmbeddedGlyph> boxes_;
   size_t count_ = 0;  // of glyphs

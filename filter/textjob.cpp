@@ -5,7 +5,6 @@
 #include <string_view>
 
 #include "booklet.h"
-#include "characters.h"
 #include "featurecode.h"
 #include "pjl.h"
 #include "postscript.h"
@@ -14,6 +13,7 @@
 #include "textencoding.h"
 #include "textlayout.h"
 #include "textpages.h"
+#include "unicodecharacters.h"
 
 namespace kpx::filter {
 

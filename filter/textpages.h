@@ -7,9 +7,9 @@
 #include <utility>
 #include <vector>
 
-#include "characters.h"
 #include "sheets.h"
 #include "textlayout.h"
+#include "unicodecharacters.h"
 
 namespace kpx::filter {
 

@@ -95,7 +95,7 @@ bool PrintSettings::Store(const std::string &name, const CPrintQueue *queue, CLi
 
 bool PrintSettings::StoreCopy(const std::string &name, const CPrintQueue *queue, CList *errors) {
   if (queue == nullptr) return true;
-  own_ = UserDirectory::MakeOwn();
+  own_ = WaitingDirectory::MakeOwn();
   int error = own_.Error();
   if (own_.IsOpen()) {
     IgnoreResult(own_.Lock(true), "a file system without locks keeps nobody from printing");
@@ -141,7 +141,8 @@ void TidyUsersFiles() {
   const std::string login = name;
   const std::vector<std::string> leftovers = OwnLeftovers(login);
   // Without the directory nobody is at work; it is made for its lock.
-  const UserDirectory own = leftovers.empty() ? UserDirectory::Of(login) : UserDirectory::MakeOwn();
+  const WaitingDirectory own =
+      leftovers.empty() ? WaitingDirectory::Of(login) : WaitingDirectory::MakeOwn();
   if (!own.IsOpen() || !own.Lock(false)) return;
   for (const std::string &leftover : leftovers) unlink(UserDefFilePath(leftover).c_str());
   RemoveUnsentCopies(own);

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "cprintqueue.h"
-#include "userdirectory.h"
+#include "waitingdirectory.h"
 
 // Stores the settings of one job, before it is sent, in two places: in the user's option file of
 // the queue, and in a copy that the job keeps while it waits, whatever its user prints next. From
@@ -33,7 +33,7 @@ class PrintSettings {
   [[nodiscard]] bool StoreCopy(const std::string &name, const CPrintQueue *queue, CList *errors);
   [[nodiscard]] bool StoreFile(const std::string &name, const CPrintQueue *queue, CList *errors);
 
-  UserDirectory own_;
+  WaitingDirectory own_;
   std::string unsent_;  // name of the copy in own_
 };
 

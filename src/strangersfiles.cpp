@@ -16,7 +16,7 @@
 #include "paths.h"
 #include "textencoding.h"
 #include "textfile.h"
-#include "userdirectory.h"
+#include "waitingdirectory.h"
 #include "waitingsettings.h"
 
 namespace {
@@ -111,7 +111,7 @@ class Sweep {
 
   void LookAtFile(const std::string &name, const std::string &login) {
     if (WhyFileGoes(name, login) == nullptr) return;
-    const UserDirectory own = UserDirectory::Of(login);
+    const WaitingDirectory own = WaitingDirectory::Of(login);
     if (own.IsOpen() && !own.Lock(false)) return;
     // What the user's own print tool may have put there in the meantime stays.
     if (const char *reason = WhyFileGoes(name, login)) Remove(name, reason);
@@ -122,7 +122,7 @@ class Sweep {
     const std::optional<struct stat> status = StatusOf(login);
     if (!user || !status) return;
     if (status->st_uid != *user && status->st_uid != 0) Remove(login, "it belongs to another user");
-    const UserDirectory own = UserDirectory::Of(login);
+    const WaitingDirectory own = WaitingDirectory::Of(login);
     if (own.IsOpen() && own.Lock(false)) RemoveUnsentCopies(own);
   }
 

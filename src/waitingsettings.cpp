@@ -21,16 +21,16 @@ bool IsRequestOf(std::string_view text, std::string_view queue) {
   return IsRequestName(text) && text.substr(0, text.rfind('-')) == queue;
 }
 
-std::string WriteUnsentCopy(const UserDirectory &own, std::string_view settings) {
+std::string WriteUnsentCopy(const WaitingDirectory &own, std::string_view settings) {
   return own.WriteNew(L_Unsent, settings);
 }
 
-bool HasJobCopies(const UserDirectory &directory) {
+bool HasJobCopies(const WaitingDirectory &directory) {
   const std::vector<std::string> names = directory.Names();
   return std::any_of(names.begin(), names.end(), IsRequestName);
 }
 
-void RemoveJobCopies(const UserDirectory &directory,
+void RemoveJobCopies(const WaitingDirectory &directory,
                      const std::function<bool(const std::string &request)> &has_ended) {
   const LogScope log("RemoveJobCopies");
   for (const std::string &name : directory.Names()) {
@@ -40,7 +40,7 @@ void RemoveJobCopies(const UserDirectory &directory,
   }
 }
 
-void RemoveUnsentCopies(const UserDirectory &own) {
+void RemoveUnsentCopies(const WaitingDirectory &own) {
   const LogScope log("RemoveUnsentCopies");
   for (const std::string &name : own.Names()) {
     if (name.starts_with(L_Unsent)) {
@@ -53,7 +53,7 @@ void RemoveJobCopiesOfQueue(const char *queue) {
   const LogScope log("RemoveJobCopiesOfQueue");
   const Owned<CList> names = GetFilesFromDir(kUsersDir);
   for (const CString *name : Elements<CString>(names.get())) {
-    const UserDirectory directory = UserDirectory::Of(fGet_CString_Value_Function(name));
+    const WaitingDirectory directory = WaitingDirectory::Of(fGet_CString_Value_Function(name));
     if (!directory.IsOpen()) continue;
     RemoveJobCopies(directory,
                     [queue](const std::string &request) { return IsRequestOf(request, queue); });

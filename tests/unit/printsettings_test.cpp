@@ -478,7 +478,7 @@ TEST_F(StoredSettings, NothingIsRemovedWhileAnotherPrintToolOfTheUsersIsAtWork) 
   GiveTo("bob", leftover);
   std::ofstream(BobsCopy("unsent.abcdef")).close();
   {
-    const UserDirectory directory = UserDirectory::Of("bob");
+    const WaitingDirectory directory = WaitingDirectory::Of("bob");
     ASSERT_TRUE(directory.Lock(true));
     AsBob(TidyUsersFiles);
     EXPECT_EQ(Strings{"unsent.abcdef"}, BobsCopies());

@@ -8,7 +8,7 @@
 #include "paths.h"
 #include "privateworld.h"
 #include "temporarydirectory.h"
-#include "userdirectory.h"
+#include "waitingdirectory.h"
 
 namespace fs = std::filesystem;
 
@@ -133,7 +133,7 @@ TEST_F(StrangersFiles, WhatAPrintToolIsJustWritingStays) {
   PutFile("bob:lp1.aB3xYz.def", "bob");
   PutDirectory("bob", "bob");
   std::ofstream(PathOf("bob/unsent.aB3xYz")).close();
-  const UserDirectory at_work = UserDirectory::Of("bob");
+  const WaitingDirectory at_work = WaitingDirectory::Of("bob");
   ASSERT_TRUE(at_work.Lock(true));
   EXPECT_EQ((Strings{"bob", "bob:lp1.aB3xYz.def"}), Left());
   EXPECT_EQ(Strings{"unsent.aB3xYz"}, NamesIn(PathOf("bob")));

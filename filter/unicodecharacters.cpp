@@ -1,4 +1,4 @@
-#include "characters.h"
+#include "unicodecharacters.h"
 
 #include <glib.h>
 #include <hb.h>

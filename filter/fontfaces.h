@@ -38,12 +38,12 @@ struct GlyphShape {
 struct FaceList;
 
 // The fonts of one look, those first that look like it most. Opened when they are first needed.
-class HostFonts {
+class FontFaces {
  public:
-  explicit HostFonts(FontLook look);
-  ~HostFonts();
-  HostFonts(const HostFonts &) = delete;
-  HostFonts &operator=(const HostFonts &) = delete;
+  explicit FontFaces(FontLook look);
+  ~FontFaces();
+  FontFaces(const FontFaces &) = delete;
+  FontFaces &operator=(const FontFaces &) = delete;
 
   // The first face that has all characters of `text`; nothing when none has.
   [[nodiscard]] std::optional<size_t> FaceFor(std::u32string_view text);

@@ -1,4 +1,4 @@
-#include "userdirectory.h"
+#include "waitingdirectory.h"
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -55,10 +55,10 @@ bool MakeDirectory(const std::string &path) {
 
 }  // namespace
 
-UserDirectory UserDirectory::MakeOwn() {
-  const LogScope log("UserDirectory::MakeOwn");
+WaitingDirectory WaitingDirectory::MakeOwn() {
+  const LogScope log("WaitingDirectory::MakeOwn");
   const char *login = GetUserName(nullptr);
-  UserDirectory own(login == nullptr ? std::string() : RequestDirectory(kUsersDir, login));
+  WaitingDirectory own(login == nullptr ? std::string() : RequestDirectory(kUsersDir, login));
   if (own.path_.empty()) {
     own.path_ = kUsersDir;
     own.error_ = ENOENT;
@@ -80,9 +80,9 @@ UserDirectory UserDirectory::MakeOwn() {
   return own;
 }
 
-UserDirectory UserDirectory::Of(const std::string &login) {
-  const LogScope log("UserDirectory::Of");
-  UserDirectory directory(RequestDirectory(kUsersDir, login));
+WaitingDirectory WaitingDirectory::Of(const std::string &login) {
+  const LogScope log("WaitingDirectory::Of");
+  WaitingDirectory directory(RequestDirectory(kUsersDir, login));
   const passwd *user = directory.path_.empty() ? nullptr : getpwnam(login.c_str());
   if (user == nullptr) return directory;
   OpenFile opened = OpenDirectory(directory.path_);
@@ -94,7 +94,7 @@ UserDirectory UserDirectory::Of(const std::string &login) {
   return directory;
 }
 
-bool UserDirectory::Lock(bool wait) const {
+bool WaitingDirectory::Lock(bool wait) const {
   int result = 0;
   do {
     result = flock(directory_.Descriptor(), LOCK_EX | (wait ? 0 : LOCK_NB));
@@ -102,11 +102,11 @@ bool UserDirectory::Lock(bool wait) const {
   return result == 0;
 }
 
-std::vector<std::string> UserDirectory::Names() const {
+std::vector<std::string> WaitingDirectory::Names() const {
   return NamesInOpenDirectory(directory_.Descriptor());
 }
 
-std::string UserDirectory::WriteNew(const std::string &prefix, std::string_view text) const {
+std::string WaitingDirectory::WriteNew(const std::string &prefix, std::string_view text) const {
   std::string path = path_ + "/" + prefix + "XXXXXX";
   OpenFile file(mkostemp(path.data(), O_CLOEXEC));
   if (!file.IsOpen()) return {};
@@ -120,12 +120,12 @@ std::string UserDirectory::WriteNew(const std::string &prefix, std::string_view 
   return {};
 }
 
-bool UserDirectory::Rename(const std::string &from, const std::string &to) const {
+bool WaitingDirectory::Rename(const std::string &from, const std::string &to) const {
   const int directory = directory_.Descriptor();
   return renameat(directory, from.c_str(), directory, to.c_str()) == 0;
 }
 
-bool UserDirectory::Remove(const std::string &name) const {
+bool WaitingDirectory::Remove(const std::string &name) const {
   return unlinkat(directory_.Descriptor(), name.c_str(), 0) == 0;
 }
 

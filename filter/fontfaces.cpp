@@ -1,4 +1,4 @@
-#include "hostfonts.h"
+#include "fontfaces.h"
 
 #include <fontconfig/fontconfig.h>
 #include <hb-ot.h>
@@ -195,13 +195,13 @@ hb_font_t *FaceList::FontOf(size_t face) {
   return entry.font.get();
 }
 
-HostFonts::HostFonts(FontLook look) : faces_(std::make_unique<FaceList>()) {
+FontFaces::FontFaces(FontLook look) : faces_(std::make_unique<FaceList>()) {
   faces_->look = std::move(look);
 }
 
-HostFonts::~HostFonts() = default;
+FontFaces::~FontFaces() = default;
 
-std::optional<size_t> HostFonts::FaceFor(std::u32string_view text) {
+std::optional<size_t> FontFaces::FaceFor(std::u32string_view text) {
   faces_->Find();
   for (size_t face = 0; face < faces_->patterns.size(); ++face) {
     if (faces_->Has(face, text)) return face;
@@ -209,13 +209,13 @@ std::optional<size_t> HostFonts::FaceFor(std::u32string_view text) {
   return std::nullopt;
 }
 
-uint32_t HostFonts::GlyphOf(size_t face, char32_t character) {
+uint32_t FontFaces::GlyphOf(size_t face, char32_t character) {
   hb_codepoint_t glyph = 0;
   hb_font_get_nominal_glyph(faces_->FontOf(face), character, &glyph);
   return glyph;
 }
 
-GlyphShape HostFonts::ShapeOf(size_t face, uint32_t glyph) {
+GlyphShape FontFaces::ShapeOf(size_t face, uint32_t glyph) {
   hb_font_t *font = faces_->FontOf(face);
   GlyphShape shape;
   shape.advance = hb_font_get_glyph_h_advance(font, glyph);
@@ -229,7 +229,7 @@ GlyphShape HostFonts::ShapeOf(size_t face, uint32_t glyph) {
   return shape;
 }
 
-std::vector<ShapedGlyph> HostFonts::Shaped(size_t face, std::u32string_view text,
+std::vector<ShapedGlyph> FontFaces::Shaped(size_t face, std::u32string_view text,
                                            bool is_from_right) {
   const Buffer buffer(hb_buffer_create());
   hb_buffer_add_codepoints(buffer.get(), reinterpret_cast<const uint32_t *>(text.data()),
@@ -248,7 +248,7 @@ std::vector<ShapedGlyph> HostFonts::Shaped(size_t face, std::u32string_view text
   return glyphs;
 }
 
-std::optional<int> HostFonts::AdvanceOf(char32_t character) {
+std::optional<int> FontFaces::AdvanceOf(char32_t character) {
   const std::optional<size_t> face = FaceFor({&character, 1});
   if (!face) return std::nullopt;
   return hb_font_get_glyph_h_advance(faces_->FontOf(*face), GlyphOf(*face, character));

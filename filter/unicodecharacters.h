@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "embeddedfonts.h"
-#include "hostfonts.h"
+#include "fontfaces.h"
 #include "textlayout.h"
 
 namespace kpx::filter {
@@ -83,7 +83,7 @@ class Characters {
   ShapedText ShapeAnew(std::u32string_view text, bool is_from_right);
 
   const TextLayout &layout_;
-  HostFonts fonts_;  // like the printer's font; the first one has its widths
+  FontFaces fonts_;  // like the printer's font; the first one has its widths
   EmbeddedFonts embedded_;
   std::vector<std::unique_ptr<Block>> blocks_;
   std::unordered_map<std::u32string, ShapedText> shaped_;

@@ -10,17 +10,17 @@
 
 #include "openfile.h"
 
-class UserDirectory {
+class WaitingDirectory {
  public:
   // Not open.
-  UserDirectory() = default;
+  WaitingDirectory() = default;
 
   // That of the calling user, made when it is missing. Not open, with Error(), when something else
   // is in its place.
-  static UserDirectory MakeOwn();
+  static WaitingDirectory MakeOwn();
 
   // That of the user `login`, as it is; not open when there is none or it is not that user's.
-  static UserDirectory Of(const std::string &login);
+  static WaitingDirectory Of(const std::string &login);
 
   [[nodiscard]] bool IsOpen() const { return directory_.IsOpen(); }
   int Error() const { return error_; }  // an errno
@@ -42,7 +42,7 @@ class UserDirectory {
   [[nodiscard]] bool Remove(const std::string &name) const;
 
  private:
-  explicit UserDirectory(std::string path) : path_(std::move(path)) {}
+  explicit WaitingDirectory(std::string path) : path_(std::move(path)) {}
 
   std::string path_;
   OpenFile directory_;
