@@ -1,15 +1,20 @@
 #include "converter.h"
 
 #include <fcntl.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <seccomp.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <iterator>
+#include <memory>
 
 #include "uninterrupted.h"
 
@@ -39,6 +44,34 @@ bool LimitResources() {
   return true;
 }
 
+// The kernel's program that lets a converter open no connection, neither over the network nor to
+// the machine's own services; empty when it cannot be made.
+std::vector<sock_filter> WithoutConnections() {
+  const std::unique_ptr<void, void (*)(void *)> filter(seccomp_init(SCMP_ACT_ALLOW),
+                                                       seccomp_release);
+  const int file = memfd_create("calls", MFD_CLOEXEC);
+  std::vector<sock_filter> program;
+  // What io_uring does for a process passes no filter of its calls.
+  constexpr int kCalls[] = {SCMP_SYS(socket), SCMP_SYS(io_uring_setup)};
+  bool made = filter != nullptr && file != -1;
+  for (const int call : kCalls) {
+    made = made && seccomp_rule_add(filter.get(), SCMP_ACT_ERRNO(EACCES), call, 0) == 0;
+  }
+  if (made && seccomp_export_bpf(filter.get(), file) == 0) {
+    program.resize(static_cast<size_t>(lseek(file, 0, SEEK_END)) / sizeof(sock_filter));
+    const size_t size = program.size() * sizeof(sock_filter);
+    if (pread(file, program.data(), size, 0) != static_cast<ssize_t>(size)) program.clear();
+  }
+  if (file != -1) close(file);
+  return program;
+}
+
+// In the child, like what follows.
+bool GiveUpConnections(const sock_fprog &program) {
+  return program.len > 0 && prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
+         prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
+}
+
 std::vector<char *> PointersTo(const std::vector<std::string> &texts) {
   std::vector<char *> pointers;
   for (const std::string &text : texts) pointers.push_back(const_cast<char *>(text.c_str()));
@@ -48,7 +81,7 @@ std::vector<char *> PointersTo(const std::vector<std::string> &texts) {
 
 // In the child: only calls that are safe there.
 [[noreturn]] void Become(const int descriptors[3], char *const words[], char *const environment[],
-                         pid_t parent) {
+                         const sock_fprog &calls, pid_t parent) {
   constexpr int kCannotRun = 127;
   prctl(PR_SET_PDEATHSIG, SIGKILL);
   std::signal(SIGPIPE, SIG_DFL);
@@ -56,7 +89,7 @@ std::vector<char *> PointersTo(const std::vector<std::string> &texts) {
   for (int i = 0; ready && i < 3; ++i) {
     if (dup2(descriptors[i], i) != i) _exit(kCannotRun);
   }
-  if (ready) execve(words[0], words, environment);
+  if (ready && GiveUpConnections(calls)) execve(words[0], words, environment);
   _exit(kCannotRun);
 }
 
@@ -66,9 +99,12 @@ Converter::Converter(const ConverterCall &call) : messages_(memfd_create("messag
   const std::vector<char *> words = PointersTo(call.words);
   const std::vector<char *> environment = PointersTo(call.environment);
   const int descriptors[3] = {call.input, call.output, messages_};
+  std::vector<sock_filter> program = WithoutConnections();
+  const sock_fprog calls{.len = static_cast<unsigned short>(program.size()),
+                         .filter = program.data()};
   const pid_t parent = getpid();
   process_ = fork();
-  if (process_ == 0) Become(descriptors, words.data(), environment.data(), parent);
+  if (process_ == 0) Become(descriptors, words.data(), environment.data(), calls, parent);
 }
 
 Converter::~Converter() {

@@ -1,5 +1,5 @@
 // The programs that turn a document into another kind: run without a shell, with no more of the
-// machine than a document may need.
+// machine than a document may need: limited time and memory, and no connection to anything.
 #pragma once
 
 #include <sys/types.h>
@@ -27,7 +27,7 @@ class Converter {
   Converter &operator=(const Converter &) = delete;
 
   // Waits for its end: its exit status, 128 plus the number of the signal that ended it, 127 when
-  // it could not be started.
+  // it could not be started, or not without its limits.
   int Wait();
 
   // The beginning of what it printed on standard error, once it has ended.
