@@ -1,20 +1,13 @@
-// A PostScript job on its way through: the settings' code is put in where the document conventions
-// ask for it.
+// A PostScript job on its way through its wrapping: job control, and what its documents lie in.
 #pragma once
 
-#include <string>
-
+#include "documentfilter.h"
 #include "jobresult.h"
 #include "jobsettings.h"
 #include "jobsource.h"
 #include "pjl.h"
 
 namespace kpx::filter {
-
-// The code for the parts of a document, ready to be written.
-struct DocumentCode {
-  std::string exit_server, prolog, setup, page_setup;
-};
 
 // The code of `settings`, copies included.
 DocumentCode CodeOfDocument(const JobSettings &settings);
