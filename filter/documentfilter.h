@@ -25,7 +25,7 @@ class DocumentFilter {
       : model_(model), code_(code), source_(source), sink_(sink) {}
 
   // Returns whether the code is in front of what it is for, as far as can be seen.
-  bool Run();
+  [[nodiscard]] bool Run();
 
  private:
   // Where in a conforming document the copying is.
@@ -38,18 +38,18 @@ class DocumentFilter {
 
   void Copy();
   void ShowLastPage();
-  bool HasCode() const;
-  bool IsInPlace() const;
-  bool PassesPlainLines() const;
+  [[nodiscard]] bool HasCode() const;
+  [[nodiscard]] bool IsInPlace() const;
+  [[nodiscard]] bool PassesPlainLines() const;
   void Unstructured(bool has_first_line);
   void Line(std::string_view line);
-  bool BeginsDocument(std::string_view line);
+  [[nodiscard]] bool BeginsDocument(std::string_view line);
   void NextDocument();
-  bool Verbatim(std::string_view line);
+  [[nodiscard]] bool Verbatim(std::string_view line);
   void HeaderLine(std::string_view line);
   void PreambleLine(std::string_view line);
   void BeginProlog(const std::string &line);
-  bool BlockEnds(const std::string &line);
+  [[nodiscard]] bool BlockEnds(const std::string &line);
   void BlockLine(std::string_view line);
   void CodeLine(const std::string &line);
   void PrologLine(std::string_view line);
