@@ -105,6 +105,12 @@ void AddButtons(GtkWidget *window, GtkWidget *parent) {
   AddAccelerator(window, help, GDK_KEY_F1);
 }
 
+QueueDialog StateOfDialog() {
+  if (G_AddQueueWindow_helper == nullptr) return {};
+  const AddQueueWindowHelper &helper = *G_AddQueueWindow_helper;
+  return {&helper, helper.window, helper.selected_printer != -1};
+}
+
 }  // namespace
 
 GtkWidget *create_AddQueueWindow() {
@@ -117,6 +123,7 @@ GtkWidget *create_AddQueueWindow() {
   OnDeleteEvent(window, ButtonCancelAddQueuePressed);
   G_AddQueueWindow_helper =
       std::make_unique<AddQueueWindowHelper>(AddQueueWindowHelper{window, nullptr, -1});
+  G_QueueDialogs.add_queue = StateOfDialog;
 
   GtkWidget *box = gtk_box_new(GTK_ORIENTATION_VERTICAL, L_Spacing);
   gtk_container_set_border_width(GTK_CONTAINER(box), L_Border);

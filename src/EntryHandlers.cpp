@@ -2,16 +2,19 @@
 
 #include <string>
 
-#include "AddQueueWindow.h"
 #include "FilteredEntry.h"
-#include "PropTabGeneral.h"
-#include "PropertiesFrame.h"
 #include "Support.h"
 #include "addqueue.h"
 #include "debug.h"
 #include "entryfilters.h"
 
+QueueDialogs G_QueueDialogs;
+
 namespace {
+
+QueueDialog StateOf(QueueDialog (*dialog)()) {
+  return dialog == nullptr ? QueueDialog() : dialog();
+}
 
 // Carries a deletion out in place of the emission that `handler` was called for.
 void DeleteInstead(GtkEditable *entry, GCallback handler, bool allowed, gint start, gint end,
@@ -78,17 +81,13 @@ void FilterAsAddress(GtkWidget *entry) {
 
 void G_Toggle_Ok_Apply_Sensitivity() {
   const LogScope log("G_Toggle_Ok_Apply_Sensitivity");
-  Log(4, "ADDQUEUEQUEUE=>>>" + PointerText(G_AddQueueWindow_helper.get()) + "<<<");
-  Log(4, "GENPROPPROP=>>>" + PointerText(G_PropTabGenNpmenu_helper.get()) + "<<<");
-  if (G_AddQueueWindow_helper != nullptr) {
-    GtkWidget *window = G_AddQueueWindow_helper->window;
-    const bool printer_selected = G_AddQueueWindow_helper->selected_printer != -1;
-    SetSensitivity(window,
-                   IsQueueInputComplete(EntryText(window, "QueueEntry"),
-                                        EntryText(window, "AddressEntry"), printer_selected));
-  } else if (G_PropTabGenNpmenu_helper != nullptr) {
-    GtkWidget *window = G_PropertiesWindow_helper->window;
-    SetSensitivity(window, IsQueueInputComplete(EntryText(window, "QueueEntry"),
-                                                EntryText(window, "AddressEntry"), true));
-  }
+  const QueueDialog added = StateOf(G_QueueDialogs.add_queue);
+  const QueueDialog edited = StateOf(G_QueueDialogs.properties);
+  Log(4, "ADDQUEUEQUEUE=>>>" + PointerText(added.record) + "<<<");
+  Log(4, "GENPROPPROP=>>>" + PointerText(edited.record) + "<<<");
+  const QueueDialog &open = added.record != nullptr ? added : edited;
+  if (open.record == nullptr) return;
+  SetSensitivity(open.window,
+                 IsQueueInputComplete(EntryText(open.window, "QueueEntry"),
+                                      EntryText(open.window, "AddressEntry"), open.has_printer));
 }

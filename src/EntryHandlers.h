@@ -18,5 +18,19 @@ void G_IPAddressDeleteText(GtkEditable *entry, gint start, gint end, gpointer da
 void FilterAsQueueName(GtkWidget *entry);
 void FilterAsAddress(GtkWidget *entry);
 
-// Makes OK and Apply of the open queue dialog sensitive when its required fields are filled.
+// A dialog that has these entries ("QueueEntry", "AddressEntry"), "OKButton" and "ApplyButton".
+struct QueueDialog {
+  const void *record = nullptr;  // its state record; null while it is not open
+  GtkWidget *window = nullptr;
+  bool has_printer = false;  // a printer is chosen
+};
+
+// The two dialogs as they are when asked. Each sets its own when it is built.
+struct QueueDialogs {
+  QueueDialog (*add_queue)() = nullptr;
+  QueueDialog (*properties)() = nullptr;
+};
+extern QueueDialogs G_QueueDialogs;
+
+// Makes OK and Apply of the open dialog sensitive when its required fields are filled.
 void G_Toggle_Ok_Apply_Sensitivity();

@@ -102,11 +102,18 @@ void AddFeaturesList(const OptionTab &tab) {
   G_FillFeaturesCList();
 }
 
+// A queue that there is has its printer.
+QueueDialog StateOfDialog() {
+  if (G_PropTabGenNpmenu_helper == nullptr) return {};
+  return {G_PropTabGenNpmenu_helper.get(), G_PropertiesWindow_helper->window, true};
+}
+
 }  // namespace
 
 GtkWidget *create_PropTabGenAdmin() {
   const LogScope log("create_PropTabGenAdmin");
   G_PropTabGenNpmenu_helper = std::make_unique<PropTabGenNpmenuHelper>();
+  G_QueueDialogs.properties = StateOfDialog;
   PropTabGenNpmenuHelper &helper = *G_PropTabGenNpmenu_helper;
   const OptionTab tab = NewOptionTab("GeneralVbox");
   Rows rows(tab);

@@ -29,14 +29,8 @@ UPWARD = {
     ("debug", "textencoding"): "the log is written like all of standard error",
     ("optionstate", "cprintqueue"): "it lends what the queue's record holds",
     ("pixmapnames", "cprintqueue"): "a picture is that of the queue's printer model",
-    ("PropTabGeneral", "EntryHandlers"): "its entries are those of the add-queue dialog",
     ("PropertiesPages", "PropTabTextOptions"): "the page of the print tool's fonts",
     ("PropertiesWindowFct", "PropTabTextOptions"): "the same: OK reads it",
-}
-# Includes that close a circle, and why.
-CIRCLES = {
-    ("EntryHandlers", "AddQueueWindow"): "one rule for the buttons of both dialogs with a queue's",
-    ("EntryHandlers", "PropTabGeneral"): "name and address: it looks for the one that is open",
 }
 # What these define is in namespace kpx::<directory>; a file with main() uses it.
 NAMESPACED = ("filter", "transport", "pixmaps")
@@ -165,8 +159,7 @@ def circle_faults(included):
 
     graph = {}
     for module, others in included.items():
-        graph.setdefault(window(module), set()).update(
-            window(o) for o in others if o not in STATE and (module, o) not in CIRCLES)
+        graph.setdefault(window(module), set()).update(window(o) for o in others if o not in STATE)
     for start in sorted(graph):
         reached, rest = set(), [o for o in graph[start] if o != start]
         while rest:
