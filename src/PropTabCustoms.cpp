@@ -7,6 +7,7 @@
 #include "OptionDefaults.h"
 #include "PropTabCustomsFct.h"
 #include "PropertiesFrame.h"
+#include "PropertiesPages.h"
 #include "Support.h"
 #include "cmessages.h"
 #include "debug.h"
@@ -102,7 +103,17 @@ void AddHalf(GtkWidget *page, const HalfFacts &facts) {
   UpdateCustomButtons(facts.kind);
 }
 
+// The record and the two lists of rows too.
+void ForgetPage() {
+  G_CustomsTab = {};
+  G_PropTabCustoms_helper.reset();
+  G_CpsSelections.reset();
+  G_CmtSelections.reset();
+}
+
 }  // namespace
+
+const PageWidgets kCustomsPage = {create_PropTabCustoms, ForgetPage};
 
 GtkWidget *create_PropTabCustoms() {
   const LogScope log("create_PropTabCustoms");
@@ -122,13 +133,6 @@ GtkWidget *create_PropTabCustoms() {
   AddHalf(page, L_Medias);
   gtk_widget_show_all(page);
   return page;
-}
-
-void ForgetCustomsTab() {
-  G_CustomsTab = {};
-  G_PropTabCustoms_helper.reset();
-  G_CpsSelections.reset();
-  G_CmtSelections.reset();
 }
 
 CustomListHelper &CustomList(CustomKind kind) {

@@ -32,9 +32,6 @@ extern Owned<CList> G_CmtSelections;
 // Builds and fills the page; floating.
 GtkWidget *create_PropTabCustoms();
 
-// Gives up the tab's record and the two lists of rows; for the end of the properties window.
-void ForgetCustomsTab();
-
 // The part of the tab, or the list of rows, that is about the kind. The tab must be there.
 CustomListHelper &CustomList(CustomKind kind);
 CList *CustomSelections(CustomKind kind);

@@ -8,6 +8,7 @@
 #include "OptionCombos.h"
 #include "OptionDefaults.h"
 #include "PropertiesFrame.h"
+#include "PropertiesPages.h"
 #include "Support.h"
 #include "cmessages.h"
 #include "debug.h"
@@ -17,6 +18,8 @@
 #include "settingkeys.h"
 
 std::unique_ptr<PropTabDestinationHelper> G_PropTabDestination_helper;
+const PageWidgets kDestinationPage = {create_PropTabDestination,
+                                      [] { G_PropTabDestination_helper.reset(); }};
 
 namespace {
 

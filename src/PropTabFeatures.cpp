@@ -10,6 +10,7 @@
 #include "OptionDefaults.h"
 #include "PrinterPicture.h"
 #include "PropertiesFrame.h"
+#include "PropertiesPages.h"
 #include "Support.h"
 #include "cmessages.h"
 #include "conflictresolution.h"
@@ -22,6 +23,8 @@
 #include "settingkeys.h"
 
 std::unique_ptr<PropTabFeaturesHelper> G_PropTabFeatures_helper;
+const PageWidgets kFeaturesPage = {create_PropTabFeatures,
+                                   [] { G_PropTabFeatures_helper.reset(); }};
 
 namespace {
 

@@ -12,11 +12,13 @@
 #include "OptionDefaults.h"
 #include "PrinterPicture.h"
 #include "PropertiesFrame.h"
+#include "PropertiesPages.h"
 #include "Support.h"
 #include "cmessages.h"
 #include "cprintqueue.h"
 #include "debug.h"
 #include "entryfilters.h"
+#include "globals.h"
 #include "optionstate.h"
 
 std::unique_ptr<PropTabGenNpmenuHelper> G_PropTabGenNpmenu_helper;
@@ -102,6 +104,15 @@ void AddFeaturesList(const OptionTab &tab) {
   G_FillFeaturesCList();
 }
 
+GtkWidget *CreatePage() {
+  return G_ProgName == kModeAdministration ? create_PropTabGenAdmin() : create_PropTabGenTool();
+}
+
+void ForgetPage() {
+  G_PropTabGenNpmenu_helper.reset();
+  G_PropTabGenPrntool_helper.reset();
+}
+
 // A queue that there is has its printer.
 QueueDialog StateOfDialog() {
   if (G_PropTabGenNpmenu_helper == nullptr) return {};
@@ -109,6 +120,8 @@ QueueDialog StateOfDialog() {
 }
 
 }  // namespace
+
+const PageWidgets kGeneralPage = {CreatePage, ForgetPage};
 
 GtkWidget *create_PropTabGenAdmin() {
   const LogScope log("create_PropTabGenAdmin");

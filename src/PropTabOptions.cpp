@@ -7,6 +7,7 @@
 #include "OptionDefaults.h"
 #include "Pixmaps.h"
 #include "PropertiesFrame.h"
+#include "PropertiesPages.h"
 #include "Support.h"
 #include "cmessages.h"
 #include "debug.h"
@@ -17,6 +18,7 @@
 #include "settingkeys.h"
 
 std::unique_ptr<PropTabOptionsHelper> G_PropTabOptions_helper;
+const PageWidgets kOptionsPage = {create_PropTabOptions, [] { G_PropTabOptions_helper.reset(); }};
 
 namespace {
 

@@ -3,10 +3,12 @@
 #include "OptionCombos.h"
 #include "OptionDefaults.h"
 #include "PropertiesFrame.h"
+#include "PropertiesPages.h"
 #include "debug.h"
 #include "globals.h"
 
 std::unique_ptr<PropTabOutputHelper> G_PropTabOutput_helper;
+const PageWidgets kOutputPage = {create_PropTabOutput, [] { G_PropTabOutput_helper.reset(); }};
 
 GtkWidget *create_PropTabOutput() {
   const LogScope log("create_PropTabOutput");

@@ -8,6 +8,7 @@
 #include "OptionDefaults.h"
 #include "PropTabSetupFct.h"
 #include "PropertiesFrame.h"
+#include "PropertiesPages.h"
 #include "Support.h"
 #include "copies.h"
 #include "debug.h"
@@ -15,6 +16,7 @@
 #include "settingkeys.h"
 
 std::unique_ptr<PropTabSetupHelper> G_PropTabSetup_helper;
+const PageWidgets kSetupPage = {create_PropTabSetup, [] { G_PropTabSetup_helper.reset(); }};
 
 namespace {
 

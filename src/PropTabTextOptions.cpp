@@ -8,6 +8,7 @@
 #include "FilteredEntry.h"
 #include "OptionDefaults.h"
 #include "PropertiesFrame.h"
+#include "PropertiesPages.h"
 #include "Support.h"
 #include "cmessages.h"
 #include "debug.h"
@@ -19,6 +20,8 @@
 #include "textoptions.h"
 
 std::unique_ptr<PropTabTextOptionsHelper> G_PropTabTextOptions_helper;
+const PageWidgets kFontsPage = {create_PropTabTextOptions,
+                                [] { G_PropTabTextOptions_helper.reset(); }};
 
 namespace {
 

@@ -1,17 +1,6 @@
 #include "PropertiesPages.h"
 
-#include <algorithm>
-#include <iterator>
-
 #include "AccessKeys.h"
-#include "PropTabCustoms.h"
-#include "PropTabDestination.h"
-#include "PropTabFeatures.h"
-#include "PropTabGeneral.h"
-#include "PropTabOptions.h"
-#include "PropTabOutput.h"
-#include "PropTabSetup.h"
-#include "PropTabTextOptions.h"
 #include "PropertiesFrame.h"
 #include "Support.h"
 #include "cmessages.h"
@@ -24,37 +13,15 @@
 
 namespace {
 
-// How a page comes and goes.
-struct PageWidgets {
-  Page page;
-  GtkWidget *(*create)();
-  void (*forget)();
-};
-
-GtkWidget *CreateGeneralPage() {
-  return G_ProgName == kModeAdministration ? create_PropTabGenAdmin() : create_PropTabGenTool();
-}
-
-void ForgetGeneralPage() {
-  G_PropTabGenNpmenu_helper.reset();
-  G_PropTabGenPrntool_helper.reset();
-}
-
-constexpr PageWidgets L_PageWidgets[] = {
-    {Page::kGeneral, CreateGeneralPage, ForgetGeneralPage},
-    {Page::kSetup, create_PropTabSetup, [] { G_PropTabSetup_helper.reset(); }},
-    {Page::kOutput, create_PropTabOutput, [] { G_PropTabOutput_helper.reset(); }},
-    {Page::kOptions, create_PropTabOptions, [] { G_PropTabOptions_helper.reset(); }},
-    {Page::kDestination, create_PropTabDestination, [] { G_PropTabDestination_helper.reset(); }},
-    {Page::kFeatures, create_PropTabFeatures, [] { G_PropTabFeatures_helper.reset(); }},
-    {Page::kCustoms, create_PropTabCustoms, ForgetCustomsTab},
-    {Page::kFonts, create_PropTabTextOptions, [] { G_PropTabTextOptions_helper.reset(); }},
-};
-
 const PageWidgets &WidgetsOf(Page page) {
-  const auto *widgets = std::find_if(std::begin(L_PageWidgets), std::end(L_PageWidgets),
-                                     [page](const PageWidgets &row) { return row.page == page; });
-  return *widgets;
+  switch (page) {
+#define PAGE(name, ...) \
+  case Page::k##name:   \
+    return k##name##Page;
+#include "pagetable.inc"
+#undef PAGE
+  }
+  return kGeneralPage;  // for no page
 }
 
 // What the pages of the programs, in all languages, are at most: pictures, which stay as they are,
@@ -166,7 +133,9 @@ void NeedAllPropertiesPages() {
 }
 
 void ForgetPropertiesPages() {
-  for (const PageWidgets &page : L_PageWidgets) page.forget();
+#define PAGE(name, ...) k##name##Page.forget();
+#include "pagetable.inc"
+#undef PAGE
 }
 
 bool ArePropertiesPagesBuilt() {

@@ -4,6 +4,17 @@
 
 #include <gtk/gtk.h>
 
+// How a page comes and goes.
+struct PageWidgets {
+  GtkWidget *(*create)();  // builds and fills the page; floating
+  void (*forget)();  // gives up what is known of its widgets; also of a page that was not built
+};
+
+// Those of each page, which its module defines: kGeneralPage, kSetupPage and so on.
+#define PAGE(name, ...) extern const PageWidgets k##name##Page;
+#include "pagetable.inc"
+#undef PAGE
+
 // Gives the notebook of G_PropertiesWindow_helper all its tabs and builds the page of the first.
 // The others are built one a turn of the main loop, in order, once the window has been drawn,
 // unless they are needed before. What is not built when the window ends never is.

@@ -1,13 +1,8 @@
-// The pages of the properties window, by name; pagetable.h says what goes with each.
+// The pages of the properties window, by name: kGeneral, kSetup and so on; pagetable.inc has them.
 #pragma once
 
 enum class Page {
-  kGeneral,
-  kSetup,
-  kOutput,
-  kOptions,
-  kDestination,
-  kFeatures,  // administration alone
-  kCustoms,   // administration alone
-  kFonts,
+#define PAGE(name, ...) k##name,
+#include "pagetable.inc"
+#undef PAGE
 };

@@ -9,72 +9,16 @@ namespace {
 
 constexpr size_t L_HelpBuffer = 10239;
 
+#define HELP(...) \
+  std::vector<const char *> { __VA_ARGS__ }
+#define PAGE(name, word, admin_help, tool_help, has_defaults, ...) \
+  {Page::k##name, word,      #name "Label", "DEF_TAB_" word,       \
+   admin_help,    tool_help, has_defaults,  __VA_ARGS__},
 const std::vector<PropertyPage> L_AllPages = {
-    {Page::kGeneral,
-     "GENERAL",
-     "GeneralLabel",
-     "DEF_TAB_GENERAL",
-     {"KPX_ADMIN_GEN_TAB_BEGIN", "KPX_ABOUT_BTN_BEGIN"},
-     {"KPX_TOOL_GEN_TAB_BEGIN", "KPX_TOOL_GEN_TAB_FTRS_BEGIN", "KPX_ABOUT_BTN_BEGIN"},
-     false,
-     {}},
-    {Page::kSetup,
-     "SETUP",
-     "SetupLabel",
-     "DEF_TAB_SETUP",
-     {"KPX_ADMIN_SETUP_TAB_BEGIN"},
-     {"KPX_TOOL_SETUP_TAB_BEGIN"},
-     true,
-     {}},
-    {Page::kOutput,
-     "OUTPUT",
-     "OutputLabel",
-     "DEF_TAB_OUTPUT",
-     {"KPX_OUTPUT_TAB_BEGIN"},
-     {"KPX_OUTPUT_TAB_BEGIN"},
-     true,
-     {}},
-    {Page::kOptions,
-     "OPTIONS",
-     "OptionsLabel",
-     "DEF_TAB_OPTIONS",
-     {"KPX_OPTIONS_TAB_BEGIN"},
-     {"KPX_OPTIONS_TAB_BEGIN"},
-     true,
-     {}},
-    {Page::kDestination,
-     "DESTINATION",
-     "DestinationLabel",
-     "DEF_TAB_DESTINATION",
-     {"KPX_DESTINATION_TAB_BEGIN"},
-     {"KPX_DESTINATION_TAB_BEGIN"},
-     true,
-     {}},
-    {Page::kFeatures,
-     "FEATURES",
-     "FeaturesLabel",
-     "DEF_TAB_FEATURES",
-     {"KPX_ADMIN_FEATURES_TAB_BEGIN"},
-     {},
-     true,
-     {}},
-    {Page::kCustoms,
-     "CUSTOMS",
-     "CustomsLabel",
-     "DEF_TAB_CUSTOMS",
-     {"KPX_ADMIN_CUSTOMS_TAB_BEGIN"},
-     {},
-     false,
-     {Page::kSetup}},
-    {Page::kFonts,
-     "FONTS",
-     "FontsLabel",
-     "DEF_TAB_FONTS",
-     {"KPX_FONTS_TAB_BEGIN"},
-     {"KPX_FONTS_TAB_BEGIN"},
-     true,
-     {}},
+#include "pagetable.inc"
 };
+#undef PAGE
+#undef HELP
 
 bool IsAdministration() { return G_ProgName == kModeAdministration; }
 

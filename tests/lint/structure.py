@@ -29,8 +29,7 @@ UPWARD = {
     ("debug", "textencoding"): "the log is written like all of standard error",
     ("optionstate", "cprintqueue"): "it lends what the queue's record holds",
     ("pixmapnames", "cprintqueue"): "a picture is that of the queue's printer model",
-    ("PropertiesPages", "PropTabTextOptions"): "the page of the print tool's fonts",
-    ("PropertiesWindowFct", "PropTabTextOptions"): "the same: OK reads it",
+    ("PropertiesWindowFct", "PropTabTextOptions"): "OK reads the page of the print tool's fonts",
 }
 # What these define is in namespace kpx::<directory>; a file with main() uses it.
 NAMESPACED = ("filter", "transport", "pixmaps")
