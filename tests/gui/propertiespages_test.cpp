@@ -22,11 +22,11 @@ class PropertiesPages : public PropertiesTest {
   void SetUp() override {
     PropertiesTest::SetUp();
     G_ProgName = kModeAdministration;
-    MakePrinter(PafFeature("*PageSize", {{"A4", "A4 sheet"}, {"Letter", "US Letter"}}) +
-                PafFeature("*Duplex", {{"None", "Off"}, {"Long", "Long edge"}}) +
-                PafFeature("*OutputBin", {{"Top", "Top bin"}, {"Side", "Side bin"}}) +
-                PafFeature("*Orientation", {{"Portrait", "Upright"}, {"Landscape", "Lying"}}) +
-                "#ccc\n#f1\n*Duplex\n#o1\nLong\n#f2\n*OutputBin\n#o2\nSide\n#end_ccc\n");
+    MakeWholePrinter(PafFeature("*PageSize", {{"A4", "A4 sheet"}, {"Letter", "US Letter"}}) +
+                     PafFeature("*Duplex", {{"None", "Off"}, {"Long", "Long edge"}}) +
+                     PafFeature("*OutputBin", {{"Top", "Top bin"}, {"Side", "Side bin"}}) +
+                     PafFeature("*Orientation", {{"Portrait", "Upright"}, {"Landscape", "Lying"}}) +
+                     "#ccc\n#f1\n*Duplex\n#o1\nLong\n#f2\n*OutputBin\n#o2\nSide\n#end_ccc\n");
   }
 
   // The pages, without the first, that are there.
@@ -94,6 +94,12 @@ TEST_F(PropertiesPages, AreBuiltOneATurnInOrderOnceTheWindowIsDrawn) {
     seen = built;
   }
   EXPECT_EQ(all, seen);
+}
+
+TEST_F(PropertiesPages, ComplainOfNothingOnAPrinterThatHasWhatTheyList) {
+  testing::internal::CaptureStderr();
+  Open(PlaceOf(Page::kGeneral));
+  EXPECT_EQ("", testing::internal::GetCapturedStderr());
 }
 
 TEST_F(PropertiesPages, AreBuiltWhenTheUserGoesToThem) {

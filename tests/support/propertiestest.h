@@ -12,6 +12,7 @@
 #include "PropertiesWindow.h"
 #include "PropertiesWindowFct.h"
 #include "cprinter.h"
+#include "featuretable.h"
 #include "fontmap.h"
 #include "guisupport.h"
 #include "must.h"
@@ -87,6 +88,19 @@ class PropertiesTest : public GuiTest {
     printer->installable_options = std::move(content.installable_options);
     printer->constraints = std::move(content.constraints);
     Must(HashPut(printers_.get(), "Vek Norvel 4110ES", std::move(printer)));
+  }
+
+  // The same with an option of each other feature that the windows list; what a printer lacks is
+  // complained about.
+  void MakeWholePrinter(const std::string &features) {
+    std::string others;
+    for (const ListedFeature &listed : ListedFeatures()) {
+      const std::string feature = listed.feature;
+      if (features.find("#id\n" + feature + "\n") == std::string::npos) {
+        others += PafFeature(feature, {{"None", "None"}});
+      }
+    }
+    MakePrinter(others + features);
   }
 
   // The queue's printer is an installed one, whatever its name.
