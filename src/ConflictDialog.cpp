@@ -87,6 +87,8 @@ void ResolvePressed(GtkButton *button, gpointer) {
   gtk_widget_grab_focus(ok);
   if (!resolved) return;
   // They told of the conflict, which is gone.
+  gtk_window_set_title(GTK_WINDOW(gtk_widget_get_toplevel(widget)),
+                       G_Translate("DEF_WND_RESOLVED_TITLE"));
   gtk_widget_hide(lookup_widget(ok, "ErrorLabel1"));
   GtkWidget *reason = lookup_widget(ok, L_ReasonLabel);
   if (reason != nullptr) gtk_widget_hide(reason);

@@ -312,6 +312,7 @@ TEST_P(EveryLanguage, AreWholeInTheBoxesAboutSettingsThatDoNotGoTogether) {
   ExpectGood(app, "ErrorDialog");
   EXPECT_EQ(FormatMessage(Message("CONSTR_Resolved"), {Option("*Duplex"), Option("*Duplex None")}),
             app.Text("ErrorLabel2"));
+  EXPECT_EQ(Message("DEF_WND_RESOLVED_TITLE"), app.Text("ErrorDialog"));
 }
 
 TEST_P(EveryLanguage, AreWholeInThePrintToolsWindows) {

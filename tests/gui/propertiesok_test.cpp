@@ -138,8 +138,11 @@ TEST_F(PropertiesOk, TheReasonGoesWithTheConflictThatWasSetRight) {
   ASSERT_NE(nullptr, reason);
   ASSERT_TRUE(RunUntil([reason] { return gtk_widget_get_mapped(reason) != FALSE; }));
   EXPECT_GT(OnScreen(reason).y, OnScreen(lookup_widget(box, "ErrorLabel2")).y);
+  EXPECT_EQ(gtk_window_get_title(GTK_WINDOW(box)), CatalogueText("DEF_WND_ERROR_TITLE"));
   ClickOn(lookup_widget(box, "ResolveButton"));
   EXPECT_FALSE(gtk_widget_get_visible(reason));
+  EXPECT_EQ(gtk_window_get_title(GTK_WINDOW(box)), CatalogueText("DEF_WND_RESOLVED_TITLE"))
+      << "it is no error any more";
 }
 
 TEST_F(PropertiesOk, AConflictWithoutMessageBlocksSavingUnderItsTitleAndReason) {

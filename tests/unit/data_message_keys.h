@@ -159,6 +159,7 @@ inline constexpr MessageKey kMessageKeys[] = {
     {"DEF_WND_FILE_TITLE", ""},
     {"DEF_WND_HELP_TITLE", ""},
     {"DEF_WND_LPR_TITLE", ""},
+    {"DEF_WND_RESOLVED_TITLE", ""},
     {"DEF_WND_SAVE_TITLE", ""},
     {"DEF_WND_TOOL_PROP_DESTINATION_TITLE", ""},
     {"DEF_WND_TOOL_PROP_FONTS_TITLE", ""},
