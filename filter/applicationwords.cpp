@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <optional>
 #include <sstream>
 #include <string_view>
 
@@ -9,6 +10,7 @@
 #include "ppdmodel.h"
 #include "settingkeys.h"
 #include "textencoding.h"
+#include "textwords.h"
 
 namespace kpx::filter {
 
@@ -162,17 +164,25 @@ bool IsPageWord(const std::string &name) {
 }
 
 ApplicationSettings SettingsOfWords(const std::vector<ApplicationOption> &given,
-                                    const QueuePpd &ppd, bool pages_too) {
+                                    const QueuePpd &ppd, PageWords pages) {
   ApplicationSettings result;
   PpdMarking marking(ppd.text);
   const std::vector<ApplicationOption> words = WithMediaApart(given, &marking);
   for (const ApplicationOption &word : words) {
     if (SameKeyword(word.first, "copies")) result.settings.push_back({kCopiesKey, word.second});
     if (IsUsual(word) || IsSpoolersWord(word.first)) continue;
+    if (pages == PageWords::kText) {
+      if (const std::optional<KeyValue> setting = TextSettingOf(word)) {
+        result.settings.push_back(*setting);
+        continue;
+      }
+    }
     // Without its value, which may be a secret.
     const std::string text = "the option \"" + DecodeLine(word.first) + "\" ";
     if (IsPageWord(word.first)) {
-      if (pages_too) result.warnings.push_back(text + "works with PDF and pictures only; ignored");
+      if (pages != PageWords::kConverter) {
+        result.warnings.push_back(text + "works with PDF and pictures only; ignored");
+      }
     } else if (!IsUnderstood(word, words, &marking)) {
       result.warnings.push_back(text +
                                 "is not known for this printer, or not with that value; ignored");

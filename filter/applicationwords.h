@@ -19,10 +19,17 @@ std::vector<ApplicationOption> WordsOfApplications(const std::string &options, b
 // them: page ranges, pages a sheet, scaling, rotation.
 [[nodiscard]] bool IsPageWord(const std::string &name);
 
-// The words as settings of the queue's printer. Each word that neither the printer nor the spooler
-// knows is a warning, which never shows its value; so is one for pages where `pages_too` says that
-// nobody does that.
+// Who does what words ask to be done to pages.
+enum class PageWords {
+  kConverter,  // the one that lays the job's document out, which gets the words
+  kText,       // the layout of a text, for those that textwords.h knows
+  kNobody
+};
+
+// The words as settings of the queue's printer and of the job's pages. Each word that neither the
+// printer nor the spooler knows is a warning, which never shows its value; so is one for pages that
+// nobody does.
 ApplicationSettings SettingsOfWords(const std::vector<ApplicationOption> &words,
-                                    const QueuePpd &ppd, bool pages_too);
+                                    const QueuePpd &ppd, PageWords pages);
 
 }  // namespace kpx::filter

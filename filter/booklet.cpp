@@ -59,11 +59,11 @@ JobSettings BookletSettings(const JobSettings &settings) {
 }
 
 PageStore::PageStore() {
-  marks_.reset(std::tmpfile());
-  Check(marks_ != nullptr);
-  if (error_ != 0) return;
-  offsets_.reset(std::tmpfile());
-  Check(offsets_ != nullptr);
+  for (File *file : {&marks_, &offsets_, &definitions_}) {
+    if (error_ != 0) return;
+    file->reset(std::tmpfile());
+    Check(*file != nullptr);
+  }
 }
 
 void PageStore::Check(bool good) {
@@ -82,6 +82,13 @@ void PageStore::Write(std::string_view marks) {
   size_ += marks.size();
 }
 
+void PageStore::Define(std::string_view definitions) {
+  if (error_ != 0) return;
+  const size_t size = definitions.size();
+  Check(std::fwrite(definitions.data(), 1, size, definitions_.get()) == size);
+  definitions_size_ += size;
+}
+
 void PageStore::Seek(std::FILE *file, uint64_t offset) {
   if (error_ == 0) Check(fseeko(file, static_cast<off_t>(offset), SEEK_SET) == 0);
 }
@@ -97,16 +104,29 @@ uint64_t PageStore::OffsetOf(size_t page) {
 void PageStore::CopyPage(size_t page, PageTarget *target) {
   target->BeginPage();
   const uint64_t begin = OffsetOf(page);
-  uint64_t left = OffsetOf(page + 1) - begin;
-  if (error_ == 0) Seek(marks_.get(), begin);
-  char buffer[8192];
-  while (error_ == 0 && left > 0) {
-    const size_t count = static_cast<size_t>(std::min<uint64_t>(left, sizeof buffer));
-    Check(std::fread(buffer, 1, count, marks_.get()) == count);
-    if (error_ == 0) target->Write({buffer, count});
-    left -= count;
-  }
+  const uint64_t size = OffsetOf(page + 1) - begin;
+  if (heading_) target->Write(heading_(page));
+  Seek(marks_.get(), begin);
+  Copy(marks_.get(), size, [target](std::string_view marks) { target->Write(marks); });
   target->EndPage();
+}
+
+void PageStore::CopyDefinitions(JobSink *sink) {
+  Seek(definitions_.get(), 0);
+  Copy(definitions_.get(), definitions_size_,
+       [sink](std::string_view definitions) { sink->Write(definitions); });
+}
+
+// Hands the next `size` bytes of a file on.
+void PageStore::Copy(std::FILE *file, uint64_t size,
+                     const std::function<void(std::string_view)> &take) {
+  char buffer[8192];
+  while (error_ == 0 && size > 0) {
+    const size_t count = static_cast<size_t>(std::min<uint64_t>(size, sizeof buffer));
+    Check(std::fread(buffer, 1, count, file) == count);
+    if (error_ == 0) take({buffer, count});
+    size -= count;
+  }
 }
 
 void WriteBooklet(PageStore *pages, SheetWriter *sheets, const JobSink &sink) {

@@ -4,8 +4,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -28,7 +30,8 @@ size_t SidesOfBooklet(size_t pages);
 // change where the printer cannot do that, or a constraint excludes it with what is chosen.
 JobSettings BookletSettings(const JobSettings &settings);
 
-// Keeps pages in files without a name, so that memory does not grow with them.
+// Keeps pages, and what their marks rely on, in files without a name, so that memory does not grow
+// with them.
 class PageStore : public PageTarget {
  public:
   PageStore();
@@ -37,7 +40,16 @@ class PageStore : public PageTarget {
   void Write(std::string_view marks) override;
   void EndPage() override {}
 
+  // Keeps PostScript that has to stand before all pages.
+  void Define(std::string_view definitions);
+
   size_t Pages() const { return pages_; }
+
+  // Hands all that was given to Define to `sink`. Not to be mixed with Define.
+  void CopyDefinitions(JobSink *sink);
+
+  // What goes before the marks of each page (from 0) that is copied; nothing without.
+  void SetHeading(std::function<std::string(size_t)> heading) { heading_ = std::move(heading); }
 
   // Hands a page to `target`. Not to be mixed with writing: the first copy ends that.
   void CopyPage(size_t page, PageTarget *target);
@@ -53,10 +65,13 @@ class PageStore : public PageTarget {
 
   void Check(bool good);
   void Seek(std::FILE *file, uint64_t offset);
+  void Copy(std::FILE *file, uint64_t size, const std::function<void(std::string_view)> &take);
   uint64_t OffsetOf(size_t page);
 
-  File marks_, offsets_;  // all pages' marks; where each page's begin
-  uint64_t size_ = 0;     // of the marks, bytes
+  File marks_, offsets_, definitions_;  // all pages' marks; where each page's begin
+  uint64_t size_ = 0;                   // of the marks, bytes
+  uint64_t definitions_size_ = 0;
+  std::function<std::string(size_t)> heading_;
   size_t pages_ = 0;
   int error_ = 0;
 };

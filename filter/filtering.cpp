@@ -4,6 +4,7 @@
 
 #include <csignal>
 #include <cstring>
+#include <ctime>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -79,7 +80,10 @@ std::string ApplyLayers(const FilterArguments &arguments, JobSettings *settings,
       WordsOfApplications(arguments.options, settings->Model().color);
   if (!words.empty() || request != nullptr) {
     const QueuePpd ppd = DescriptionOf(arguments, queue.settings);
-    settings->ApplyWords(SettingsOfWords(words, ppd, request == nullptr));
+    const PageWords pages = request != nullptr            ? PageWords::kConverter
+                            : arguments.type == kTextType ? PageWords::kText
+                                                          : PageWords::kNobody;
+    settings->ApplyWords(SettingsOfWords(words, ppd, pages));
     if (request != nullptr) *request = {ppd.text, PageWordsOf(words)};
   }
   settings->Apply(ParseOptionWords(arguments.options));
@@ -136,7 +140,7 @@ std::string FilterJob(const FilterArguments &arguments) {
   if (!problem.empty()) return problem;
 
   const JobIdentity identity{DecodeLine(arguments.title), DecodeLine(arguments.event),
-                             DecodeLine(arguments.user)};
+                             DecodeLine(arguments.user), std::time(nullptr)};
   const std::string refusal = is_pdf ? "" : RefusalOf(arguments.type, &source);
   if (!refusal.empty()) return refusal;
   const JobResult result = is_pdf ? FilterPdf(settings, identity, request, &source, &sink)

@@ -1,6 +1,7 @@
 // The job-control part of a job: the PJL commands around the data.
 #pragma once
 
+#include <ctime>
 #include <string>
 #include <string_view>
 
@@ -11,9 +12,10 @@ namespace kpx::filter {
 
 // Who prints what.
 struct JobIdentity {
-  std::string title;  // of the job
-  std::string event;  // what notifications about the job call it
-  std::string user;   // login name of the owner
+  std::string title;     // of the job
+  std::string event;     // what notifications about the job call it
+  std::string user;      // login name of the owner
+  std::time_t time = 0;  // when the job is printed
 };
 
 // The job control at the start of a job, as an application or a driver put it there.

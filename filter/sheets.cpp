@@ -52,9 +52,10 @@ std::array<double, 6> OnPaper(const std::array<double, 6> &m, const SheetPlan &p
 
 PageTurn TurnOf(const JobSettings &settings) {
   const PpdChoice *choice = settings.Chosen(kOrientationKey + 1);
-  if (choice == nullptr) return PageTurn::kNone;
-  if (choice->keyword == "Landscape") return PageTurn::kLeft;
-  return choice->keyword == "RotLandscape" ? PageTurn::kRight : PageTurn::kNone;
+  // Pages can be laid out so without an option of the printer.
+  const std::string name = choice != nullptr ? choice->keyword : settings.Other(kOrientationKey);
+  if (name == "Landscape") return PageTurn::kLeft;
+  return name == "RotLandscape" ? PageTurn::kRight : PageTurn::kNone;
 }
 
 PpdPageSize PageInHand(const JobSettings &settings) {

@@ -1,6 +1,7 @@
 #include "textjob.h"
 
 #include <cstring>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -11,6 +12,7 @@
 #include "sheets.h"
 #include "textdecoding.h"
 #include "textencoding.h"
+#include "textheader.h"
 #include "textlayout.h"
 #include "textpages.h"
 #include "unicodecharacters.h"
@@ -62,7 +64,8 @@ void SetText(const TextJob &job, PageTarget *target, DefinitionsFunction define)
   pages.Finish();
 }
 
-void WriteStart(const TextJob &job, const DocumentCode &code) {
+// Writes what stands before the pages; `kept` has definitions for all of them, unless it is null.
+void WriteStart(const TextJob &job, const DocumentCode &code, PageStore *kept) {
   job.sink->Write(JobControlHeader(UprightSettings(job.settings), job.identity, {}, "POSTSCRIPT"));
   job.sink->Write(code.exit_server);
   // The job's fonts grow from page to page.
@@ -71,7 +74,9 @@ void WriteStart(const TextJob &job, const DocumentCode &code) {
       "%%Pages: (atend)\n%%EndComments\n%%BeginProlog\n");
   job.sink->Write(code.prolog);
   job.sink->Write(TextPagesCode(job.layout));
-  job.sink->Write("%%EndProlog\n%%BeginSetup\n" + code.setup + "%%EndSetup\n");
+  job.sink->Write("%%EndProlog\n%%BeginSetup\n");
+  if (kept != nullptr) kept->CopyDefinitions(job.sink);
+  job.sink->Write(code.setup + "%%EndSetup\n");
 }
 
 void WriteEnd(const TextJob &job, SheetWriter *sheets) {
@@ -83,23 +88,39 @@ void WriteEnd(const TextJob &job, SheetWriter *sheets) {
 void FilterPages(const TextJob &job) {
   const DocumentCode code = CodeOfDocument(job.settings);
   SheetWriter sheets(PlanOf(job.settings), code.page_setup, job.sink);
-  WriteStart(job, code);
+  WriteStart(job, code, nullptr);
   SetText(job, &sheets, [&](std::string_view definitions) { job.sink->Write(definitions); });
   WriteEnd(job, &sheets);
 }
 
-// Returns 0, or the errno of a failure with the pages' file.
-int FilterBooklet(const TextJob &job) {
+void CopyPages(PageStore *pages, SheetWriter *sheets, const JobSink &sink) {
+  for (size_t page = 0; page < pages->Pages(); ++page) {
+    if (pages->Error() != 0 || sink.Error() != 0) return;
+    pages->CopyPage(page, sheets);
+  }
+}
+
+// Sets the whole text before the first page goes out: they come in another order, or say how many
+// they are. Returns 0, or the errno of a failure with the pages' file.
+int FilterKeptPages(const TextJob &job, bool is_booklet) {
   const DocumentCode code = CodeOfDocument(job.settings);
-  SheetWriter sheets(BookletPlanOf(job.settings), code.page_setup, job.sink);
+  SheetWriter sheets(is_booklet ? BookletPlanOf(job.settings) : PlanOf(job.settings),
+                     code.page_setup, job.sink);
   PageStore pages;
-  std::string fonts;  // pages come in another order than they were set in
-  if (pages.Error() == 0) {
-    SetText(job, &pages, [&](std::string_view definitions) { fonts += definitions; });
+  const auto define = [&](std::string_view definitions) { pages.Define(definitions); };
+  if (pages.Error() == 0) SetText(job, &pages, define);
+  std::optional<TextHeader> header;
+  if (job.layout.has_header) {
+    header.emplace(job.layout, job.identity, pages.Pages(), job.characters, define);
+    pages.SetHeading([&](size_t page) { return header->MarksOf(page); });
   }
   if (pages.Error() != 0) return pages.Error();
-  WriteStart(job, {code.exit_server, code.prolog, fonts + code.setup, code.page_setup});
-  WriteBooklet(&pages, &sheets, *job.sink);
+  WriteStart(job, code, &pages);
+  if (is_booklet) {
+    WriteBooklet(&pages, &sheets, *job.sink);
+  } else {
+    CopyPages(&pages, &sheets, *job.sink);
+  }
   WriteEnd(job, &sheets);
   return pages.Error();
 }
@@ -118,8 +139,8 @@ JobResult FilterText(const JobSettings &settings, const JobIdentity &identity, J
     const TextLayout layout = LayoutOf(job_settings);
     Characters characters(layout);
     const TextJob job{job_settings, identity, layout, &characters, &text, sink};
-    if (is_booklet) {
-      error = FilterBooklet(job);
+    if (is_booklet || layout.has_header) {
+      error = FilterKeptPages(job, is_booklet);
     } else {
       FilterPages(job);
     }

@@ -16,11 +16,12 @@ namespace kpx::filter {
 // first column and a backspace one column back; other control characters are left out. Courier in
 // 12 points, or the queue's "*FontName" (a PostScript font's name, anything else counts as Courier)
 // and "*FontSize". A line has as many characters as Courier would have there; one that another font
-// makes wider is squeezed. "*Nup" and "*NupOrder" put several pages on a side of the paper; with
-// "*Booklet" the pages come two a side in the order of a booklet, once the whole job is read. An
-// empty job gives nothing. Fails when the file that keeps a booklet's pages does; what goes wrong
+// makes wider is squeezed. textwords.h has what else a job can ask for. "*Nup" and "*NupOrder" put
+// several pages on a side of the paper; with "*Booklet" the pages come two a side in the order of a
+// booklet. That and a header need the number of pages: they come once the whole job is read. An
+// empty job gives nothing. Fails when the file that keeps such pages does; what goes wrong
 // with reading and writing shows in `source` and `sink`.
-// Font, size, pages a side and their order warn when they are given and not valid.
+// Settings of the text that are given and not valid are a warning each.
 JobResult FilterText(const JobSettings &settings, const JobIdentity &identity, JobSource *source,
                      JobSink *sink);
 

@@ -26,13 +26,16 @@ constexpr double kHair = 0.001;           // units
 // text, shows the text from there on, narrower where it needs more than `room` units. T: column
 // line text, the same with all units up to the end of the line. Q: column line text font, shows
 // text in one of the job's fonts. X: text moves font, shows shaped text at the current point and
-// ends the gsave before it.
+// ends the gsave before it. L: column line text, shows text that ends there, in the font of numbers
+// and headers.
 constexpr char kProcedures[] =
     "/R { 4 2 roll P dup stringwidth pop 3 -1 roll U mul 2 copy .01 add gt\n"
     "{ exch div gsave 1 scale show grestore } { pop pop show } ifelse } bind def\n"
     "/T { N 3 index sub exch R } bind def\n"
     "/Q { KA exch get setfont 3 1 roll P show F setfont } bind def\n"
     "/X { KA exch get setfont xyshow grestore } bind def\n";
+constexpr char kNumberProcedure[] =
+    "/L { 3 1 roll P H setfont dup stringwidth pop neg 0 rmoveto show F setfont } bind def\n";
 
 bool IsFromRight(char32_t character) {
   // The blocks that hold letters of that direction, and its controls; all else goes to the right.
@@ -69,6 +72,9 @@ void AppendAscii(std::string_view bytes, std::string *text) {
   *text += bytes;
 }
 
+// From a line's number to the line, units.
+double NumberGap(const TextLayout &layout) { return layout.is_monospaced ? 2 : layout.size; }
+
 bool IsBreak(char32_t character) { return character == ' ' || character == '-'; }
 
 }  // namespace
@@ -77,6 +83,8 @@ void TextPages::Put(std::u32string_view text) {
   for (const char32_t character : text) {
     if (character < 0x20) {
       PutControl(character);
+    } else if (is_cut_) {
+      continue;
     } else if (overstruck_ != 0) {
       // Over itself it stands a little to the right, which makes it bold.
       const double shift =
@@ -95,6 +103,7 @@ void TextPages::Put(std::u32string_view text) {
 }
 
 void TextPages::PutControl(char32_t character) {
+  if (is_cut_ && (character == '\t' || character == '\b')) return;
   if (character == '\t') {
     Flush();
     const double stop = layout_.is_monospaced ? kTabColumns : kStop * layout_.size;
@@ -102,12 +111,13 @@ void TextPages::PutControl(char32_t character) {
   } else if (character == '\r') {
     Flush();
     x_ = 0;
+    is_cut_ = false;
   } else if (character == '\b') {
     Flush();
     overstruck_ = x_ > 0 ? last_ : 0;
     x_ = std::max(0.0, x_ - (layout_.is_monospaced ? 1 : last_width_));
   } else if (character == '\f') {
-    NewPage();
+    NewColumn();
   } else if (character == '\n') {
     NewLine();
   }
@@ -119,10 +129,10 @@ void TextPages::PutAscii(std::string_view text) {
     return;
   }
   const auto columns = static_cast<size_t>(layout_.room);
-  while (!text.empty()) {
+  while (!text.empty() && !is_cut_) {
     auto column = static_cast<size_t>(x_);
     if (column >= columns) {
-      NewLine();
+      if (!Wrap()) return;
       column = 0;
     }
     NeedLine();
@@ -144,19 +154,11 @@ void TextPages::Flush() {
   FindDirections();
   GatherClusters();
   for (size_t first = 0; first < clusters_.size();) {
-    if (x_ > 0 && x_ + clusters_[first].width > layout_.room + kHair) {
-      const std::u32string kept = std::exchange(segment_, {});
-      NewLine();
-      segment_ = kept;
-    }
+    if (x_ > 0 && x_ + clusters_[first].width > layout_.room + kHair && !Wrap()) break;
     const size_t end = EndOfLine(first);
     SetClusters(first, end);
     first = end;
-    if (first < clusters_.size()) {
-      const std::u32string kept = std::exchange(segment_, {});
-      NewLine();
-      segment_ = kept;
-    }
+    if (first < clusters_.size() && !Wrap()) break;
   }
   if (!clusters_.empty()) {
     last_ = segment_[clusters_.back().begin];
@@ -181,7 +183,7 @@ bool TextPages::SetPlain() {
   last_ = segment_.back();
   segment_.clear();
   for (size_t first = 0; first < infos_.size();) {
-    if (x_ > 0 && x_ + infos_[first]->cells > layout_.room) NewLine();
+    if (x_ > 0 && x_ + infos_[first]->cells > layout_.room && !Wrap()) break;
     NeedLine();
     first = SetPlainRun(first);
   }
@@ -441,37 +443,67 @@ void TextPages::SetShaped(const Cluster &cluster, double x) {
 }
 
 void TextPages::WriteMarks() {
+  if (marks_.empty()) return;
   if (characters_->HasDefinitions()) define_(characters_->TakeDefinitions());
   target_->Write(marks_);
   marks_.clear();
 }
 
-// A full page ends when something follows, so that a form feed behind its last line is its end too.
-void TextPages::NewLine() {
-  Flush();
-  if (line_ >= layout_.lines) NewPage();
+// Goes on in the next line; false where the layout cuts lines off instead.
+bool TextPages::Wrap() {
+  is_cut_ = !layout_.wraps;
+  if (!is_cut_) BreakLine();
+  return !is_cut_;
+}
+
+// A full column ends when something follows, so that a form feed behind its last line is its end
+// too.
+void TextPages::BreakLine() {
+  if (line_ >= layout_.lines) EndColumn();
   x_ = 0;
   overstruck_ = 0;
   ++line_;
 }
 
-void TextPages::NewPage() {
+void TextPages::NewLine() {
   Flush();
-  if (!page_open_) BeginPage();
-  Finish();
-  line_ = 0;
+  if (number_due_) NeedLine();
+  BreakLine();
+  number_due_ = layout_.has_numbers;
+  is_cut_ = false;
+}
+
+void TextPages::NewColumn() {
+  Flush();
+  EndColumn();
   x_ = 0;
+  is_cut_ = false;
+}
+
+void TextPages::EndColumn() {
+  if (!page_open_) BeginPage();
+  WriteMarks();
+  line_ = 0;
+  if (++column_ < layout_.columns) {
+    target_->Write(DecimalText(layout_.column_step) + " 0 translate\n");
+  } else {
+    EndPage();
+  }
 }
 
 void TextPages::NeedLine() {
-  if (line_ >= layout_.lines) {
-    const double x = x_;
-    const std::u32string kept = std::exchange(segment_, {});
-    NewPage();
-    segment_ = kept;
-    x_ = x;
-  }
+  if (line_ >= layout_.lines) EndColumn();
   if (!page_open_) BeginPage();
+  if (number_due_) PutNumber();
+}
+
+void TextPages::PutNumber() {
+  number_due_ = false;
+  marks_ += DecimalText(-NumberGap(layout_)) + " ";
+  AppendNumber(line_, &marks_);
+  marks_ += " (";
+  AppendNumber(++number_, &marks_);
+  marks_ += ") L\n";
 }
 
 void TextPages::BeginPage() {
@@ -479,10 +511,16 @@ void TextPages::BeginPage() {
   page_open_ = true;
 }
 
+void TextPages::EndPage() {
+  target_->EndPage();
+  page_open_ = false;
+  column_ = 0;
+}
+
 void TextPages::Finish() {
   Flush();
-  if (page_open_) target_->EndPage();
-  page_open_ = false;
+  WriteMarks();
+  if (page_open_) EndPage();
 }
 
 std::string TextPagesCode(const TextLayout &layout) {
@@ -495,10 +533,15 @@ std::string TextPagesCode(const TextLayout &layout) {
       "/Encoding V def currentdict end /KPXText exch definefont } if } bind def\n";
   code += "/Z [" + DecimalText(layout.width_size) + " 0 0 " + size + " 0 0] def\n";
   code += "/F /" + layout.font + " E Z makefont def\n";
-  code += "/P { " + size + " mul " + DecimalText(layout.top) + " exch sub exch U mul " +
-          DecimalText(layout.left) + " add exch moveto } bind def\n";
+  code += "/P { " + DecimalText(layout.leading) + " mul " + DecimalText(layout.top) +
+          " exch sub exch U mul " + DecimalText(layout.left) + " add exch moveto } bind def\n";
   code += "/U " + DecimalText(layout.unit) + " def\n/N " + DecimalText(layout.room) + " def\n";
-  return code + kProcedures + EmbeddedFontsCode();
+  code += kProcedures;
+  if (layout.has_header || layout.has_numbers) {
+    code += layout.has_own_encoding ? "/H /Courier E Z makefont def\n" : "/H F def\n";
+    code += kNumberProcedure;
+  }
+  return code + EmbeddedFontsCode();
 }
 
 }  // namespace kpx::filter

@@ -17,25 +17,32 @@ namespace kpx::filter {
 using DefinitionsFunction = std::function<void(std::string_view)>;
 
 // A page is written when its first character comes. Lines too long for the page are wrapped: after
-// the last column of a typewriter font, else at the last place where a word ends. What is written
+// the last column of a typewriter font, else at the last place where a word ends, or cut where the
+// layout does not wrap. What is written
 // from right to left stands so, and a line that begins with it stands at the right.
 class TextPages {
  public:
   // All must outlive this.
   TextPages(const TextLayout &layout, Characters *characters, PageTarget *target,
             DefinitionsFunction define)
-      : layout_(layout), characters_(characters), target_(target), define_(std::move(define)) {}
+      : layout_(layout),
+        characters_(characters),
+        target_(target),
+        define_(std::move(define)),
+        number_due_(layout.has_numbers) {}
 
   // Sets characters, control characters among them: a tab goes to the next stop, a carriage return
-  // to the start of the line, a backspace one character back, a form feed to a new page, a line
-  // feed to a new line. A character over the same one is bold.
+  // to the start of the line, a backspace one character back, a form feed to a new column or page,
+  // a line feed to a new line. A character over the same one is bold.
   void Put(std::u32string_view text);
 
   // Sets printable ASCII.
   void PutAscii(std::string_view text);
 
+  // Ends the line; one that is empty is numbered too.
   void NewLine();
-  void NewPage();
+  // Ends the column of text, with the last one the page.
+  void NewColumn();
   void Finish();
 
  private:
@@ -65,8 +72,13 @@ class TextPages {
   size_t SetEmbedded(const std::vector<Cluster> &clusters, size_t first, double x);
   void SetShaped(const Cluster &cluster, double x);
   [[nodiscard]] char32_t CharacterOf(const Cluster &cluster) const;
+  [[nodiscard]] bool Wrap();
+  void BreakLine();
+  void EndColumn();
   void NeedLine();
+  void PutNumber();
   void BeginPage();
+  void EndPage();
   void WritePlace(double x);
   void WriteMarks();
 
@@ -75,7 +87,11 @@ class TextPages {
   PageTarget *target_;
   const DefinitionsFunction define_;
   bool page_open_ = false;
+  size_t column_ = 0;  // of text on the page
   size_t line_ = 0;
+  size_t number_ = 0;                         // of the line in the text
+  bool number_due_ = false;                   // it is still to be written
+  bool is_cut_ = false;                       // the line is full and does not go on in the next one
   double x_ = 0;                              // where the next character stands, units
   std::u32string segment_;                    // characters that follow each other, from x_ on
   std::vector<const CharacterInfo *> infos_;  // of a plain segment

@@ -7,47 +7,9 @@
 #include "sheets.h"
 #include "temporarydirectory.h"
 #include "textjob.h"
+#include "textjobtest.h"
 
 namespace {
-
-class TextJob : public testing::Test {
- protected:
-  std::string Pages(const std::string &text, size_t step = 65536) const {
-    const std::string output = RunOver(FilterText, settings_, text, step);
-    const size_t start = output.find("%%Page: ");
-    const size_t end = output.find("%%Trailer");
-    return start == std::string::npos ? "" : WithoutFonts(output.substr(start, end - start));
-  }
-
-  // Pages without the definitions of the glyphs that they bring.
-  static std::string WithoutFonts(std::string pages) {
-    for (size_t at = pages.find(" KF\n"); at != std::string::npos; at = pages.find(" KF\n")) {
-      const size_t begin = pages.rfind('\n', at) + 1;
-      pages.erase(begin, at + 4 - begin);
-    }
-    for (size_t at = pages.find("true setglobal"); at != std::string::npos;
-         at = pages.find("true setglobal")) {
-      pages.erase(at, pages.find(" KG\n", at) + 4 - at);
-    }
-    return pages;
-  }
-
-  // The settings of a printer that is not described: A4, no job control.
-  const PpdModel model_{};
-  JobSettings settings_{model_};
-};
-
-std::string Page(int number, const std::string &marks) {
-  const std::string text = std::to_string(number);
-  return "%%Page: " + text + " " + text + "\n/S save def F setfont\n" + marks +
-         "showpage S restore\n";
-}
-
-std::string Lines(int count) {
-  std::string text;
-  for (int i = 0; i < count; ++i) text += "x\n";
-  return text;
-}
 
 TEST_F(TextJob, LinesStandAtTheirColumnAndLine) {
   EXPECT_EQ(Pages("one\ntwo (x\\)\n"), Page(1, "0 0 (one) T\n0 1 (two \\(x\\\\\\)) T\n"));
@@ -181,6 +143,16 @@ TEST_F(TextJob, EmptyLinesTakeTheirPlace) {
 TEST_F(TextJob, LongLinesAreWrapped) {
   const std::string pages = Pages(std::string(81, 'x') + "\nnext");
   EXPECT_EQ(pages, Page(1, "0 0 (" + std::string(80, 'x') + ") T\n0 1 (x) T\n0 2 (next) T\n"));
+}
+
+TEST_F(TextJob, ALineThatIsWrappedOverPagesHasItsPartsOnEach) {
+  std::string line;
+  for (int i = 0; i < 80 * 64 + 5; ++i) line += "é";
+  const std::string pages = Pages(line);
+  const size_t second = pages.find("%%Page: 2 2");
+  ASSERT_NE(second, std::string::npos);
+  EXPECT_EQ(CountOf(pages.substr(0, second), "\xE9"), 80u * 64);
+  EXPECT_EQ(CountOf(pages.substr(second), "\xE9"), 5u);
 }
 
 TEST_F(TextJob, TabsGoToEveryEighthColumn) {

@@ -10,9 +10,9 @@ namespace {
 class Words : public testing::Test {
  protected:
   // The settings that the words make, and the warnings, a line each.
-  std::string Made(const std::string &words, bool is_pdf = false) {
+  std::string Made(const std::string &words, PageWords pages = PageWords::kNobody) {
     const QueuePpd ppd = MakeQueuePpd({*text_, "postscript", queue_, {}});
-    made_ = SettingsOfWords(WordsOfApplications(words, false), ppd, !is_pdf);
+    made_ = SettingsOfWords(WordsOfApplications(words, false), ppd, pages);
     std::string text;
     for (const KeyValue &setting : made_.settings) text += setting.key + "=" + setting.value + "\n";
     for (const std::string &warning : made_.warnings) text += warning + "\n";
@@ -92,8 +92,24 @@ TEST_F(Words, AWordThatNothingKnowsIsOneWarningWithoutItsValue) {
   EXPECT_EQ(Made("media=no-such-paper"), std::string("the option \"InputSlot\"") + kUnknown);
 }
 
+TEST_F(Words, TheSpoolersWordsForTextsAreSettingsOfTextJobs) {
+  EXPECT_EQ(Made("prettyprint nowrap columns=2 cpi=12 lpi=8 page-left=72 page-right=40 page-top=50 "
+                 "page-bottom=60",
+                 PageWords::kText),
+            "*TextColumns=2\n*TextCPI=12\n*TextLPI=8\n*TextBottom=60\n*TextLeft=72\n*TextRight=40\n"
+            "*TextTop=50\n*TextHeader=true\n*TextWrap=false\n")
+      << "sorted by libcups";
+  EXPECT_EQ(Made("landscape", PageWords::kText), "*Orientation=Landscape\n");
+  EXPECT_EQ(Made("orientation-requested=4", PageWords::kText), "*Orientation=Landscape\n");
+  EXPECT_EQ(Made("orientation-requested=5", PageWords::kText), "*Orientation=RotLandscape\n");
+  EXPECT_EQ(Made("landscape=false orientation-requested=3", PageWords::kText), "");
+  EXPECT_EQ(Made("prettyprint"), "the option \"prettyprint\"" + std::string(kUnknown));
+  EXPECT_EQ(Made("scaling=50", PageWords::kText),
+            "the option \"scaling\" works with PDF and pictures only; ignored\n");
+}
+
 TEST_F(Words, WordsForPagesWorkWithDocumentsWhosePagesAreLaidOut) {
-  EXPECT_EQ(Made("number-up=2 page-ranges=1-3", true), "");
+  EXPECT_EQ(Made("number-up=2 page-ranges=1-3", PageWords::kConverter), "");
   EXPECT_EQ(Made("number-up=2 page-ranges=1-3"),
             "the option \"number-up\" works with PDF and pictures only; ignored\n"
             "the option \"page-ranges\" works with PDF and pictures only; ignored\n");
