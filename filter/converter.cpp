@@ -33,7 +33,7 @@ constexpr Limit kLimits[] = {{RLIMIT_CPU, 30 * 60},             // seconds
                              {RLIMIT_NOFILE, 64},
                              {RLIMIT_CORE, 0}};
 
-bool LimitResources() {
+[[nodiscard]] bool LimitResources() {
   for (const Limit &limit : kLimits) {
     rlimit now{};
     if (getrlimit(limit.resource, &now) != 0) return false;
@@ -67,7 +67,7 @@ std::vector<sock_filter> WithoutConnections() {
 }
 
 // In the child, like what follows.
-bool GiveUpConnections(const sock_fprog &program) {
+[[nodiscard]] bool GiveUpConnections(const sock_fprog &program) {
   return program.len > 0 && prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
          prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
 }
@@ -130,7 +130,7 @@ std::string Converter::Messages() const {
   return count <= 0 ? std::string() : std::string(buffer, static_cast<size_t>(count));
 }
 
-int NamelessFile() {
+[[nodiscard]] int NamelessFile() {
   const char *directory = std::getenv("TMPDIR");
   std::string path = std::string(directory == nullptr ? "/tmp" : directory) + "/kpxfilter.XXXXXX";
   const int file = mkostemp(path.data(), O_CLOEXEC);

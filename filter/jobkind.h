@@ -16,7 +16,7 @@ namespace kpx::filter {
 //  - PostScript on a queue for PCL; PCL, or what is clearly text, on one for PostScript.
 //  - On a queue for text, data with many NUL bytes that are not those of UTF-16.
 // A job whose own job control enters another language than the queue's is printed as it asks.
-std::string RefusalOf(std::string_view type, JobSource *source);
+[[nodiscard]] std::string RefusalOf(std::string_view type, JobSource *source);
 
 // Whether the job in `source`, which stays as it is, is a PDF document.
 [[nodiscard]] bool IsPdf(JobSource *source);

@@ -128,7 +128,8 @@ OptionFile NotOpened(const Place &place, const std::string &login, Kind kind, in
 
 // A descriptor on what is the file or directory of `login`, opened without following a link; -1
 // when there is none, and `result` says what that means.
-int OpenOwn(const Place &place, const std::string &login, Kind kind, OptionFile *result) {
+[[nodiscard]] int OpenOwn(const Place &place, const std::string &login, Kind kind,
+                          OptionFile *result) {
   // Of a directory no more than that its files can be opened.
   const int how = kind == Kind::Directory ? O_PATH | O_DIRECTORY : O_RDONLY | O_NONBLOCK;
   const int opened = openat(place.directory, place.name.c_str(), how | O_NOFOLLOW | O_CLOEXEC);

@@ -41,7 +41,7 @@ std::string JobControlHeader(const JobSettings &settings, const JobIdentity &ide
 
 // Why the delivery that is chosen cannot be asked for: it is to wait for a PIN, and there is no
 // valid one (four digits), or no way to send it. Empty when it can. Never names the PIN.
-std::string DeliveryProblem(const JobSettings &settings);
+[[nodiscard]] std::string DeliveryProblem(const JobSettings &settings);
 
 // Whether the job control enters PostScript.
 [[nodiscard]] bool EntersPostScript(const JobControl &control);

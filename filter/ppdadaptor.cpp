@@ -303,7 +303,7 @@ PpdModel ModelOf(ppd_file_t *ppd, std::string_view bytes) {
 
 }  // namespace
 
-int DescriptorOfText(std::string_view text) {
+[[nodiscard]] int DescriptorOfText(std::string_view text) {
   const int fd = memfd_create("ppd", MFD_CLOEXEC);
   if (fd < 0) return -1;
   if (!WriteWhole(fd, text)) {

@@ -40,7 +40,7 @@ class Carrier {
   std::optional<Outcome> Send(const ConnectResult &link);
   std::optional<Outcome> AfterBreak(const SendResult &sent, bool at_once);
   std::optional<Outcome> PauseAndRetry(const std::string &failure);
-  bool EndsNow();
+  [[nodiscard]] bool EndsNow();
   Outcome GiveUp(const std::string &failure) const;
   Outcome Stopped() const;
   Outcome Undone() const { return taken_ ? Outcome::kInDoubt : Outcome::kTryLater; }
@@ -60,7 +60,7 @@ class Carrier {
 
 // Waits until a descriptor is readable or the time is over (negative: no limit). False when
 // `stop` became readable.
-bool AwaitUnlessStopped(int stop, int descriptor, milliseconds limit) {
+[[nodiscard]] bool AwaitUnlessStopped(int stop, int descriptor, milliseconds limit) {
   const auto deadline = Clock::now() + limit;
   for (;;) {
     std::array<pollfd, 2> waited = {pollfd{stop, POLLIN, 0}, pollfd{descriptor, POLLIN, 0}};
