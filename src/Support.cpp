@@ -92,6 +92,29 @@ bool IsInput(const GdkEvent *event) {
   }
 }
 
+// The name that the desktop entries have too.
+constexpr char L_IconName[] = "printer";
+
+void GiveIcon(gpointer window, gpointer) {
+  if (gtk_window_get_window_type(GTK_WINDOW(window)) != GTK_WINDOW_TOPLEVEL) return;
+  gtk_window_set_icon_name(GTK_WINDOW(window), L_IconName);
+}
+
+gboolean SetIcon(gpointer) {
+  gtk_window_set_default_icon_name(L_IconName);
+  // A window that was there before has asked for the default in vain, and does not ask again.
+  GList *windows = gtk_window_list_toplevels();
+  g_list_foreach(windows, GiveIcon, nullptr);
+  g_list_free(windows);
+  return G_SOURCE_REMOVE;
+}
+
+gboolean AskForIcon(GtkWidget *window, cairo_t *, gpointer) {
+  g_signal_handlers_disconnect_by_func(window, reinterpret_cast<gpointer>(AskForIcon), nullptr);
+  g_idle_add(SetIcon, nullptr);
+  return FALSE;
+}
+
 }  // namespace
 
 GtkWidget *StoreWidget(GtkWidget *window, GtkWidget *widget, const char *name) {
@@ -326,11 +349,13 @@ void InstallStyle() {
                             // The toolkit's themes write titles in a grey that is hard to read.
                             " treeview header button { color: @theme_fg_color; }";
   gtk_css_provider_load_from_data(provider, style.c_str(), -1, nullptr);
-  // The name that the desktop entries have too.
-  gtk_window_set_default_icon_name("printer");
   gtk_style_context_add_provider_for_screen(gdk_screen_get_default(), GTK_STYLE_PROVIDER(provider),
                                             GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
   g_object_unref(provider);
+}
+
+void SetIconOnceDrawn(GtkWidget *window) {
+  g_signal_connect_after(window, "draw", G_CALLBACK(AskForIcon), nullptr);
 }
 
 void FreeString(char *string) {

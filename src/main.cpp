@@ -119,6 +119,7 @@ void RefuseSecondAdministrator() {
   GtkWidget *window = create_ErrorWindow(nullptr, G_Translate("ERR_ADMIN_RUNNING"));
   PrintErrorLine(G_Translate("ERR_ADMIN_RUNNING"));
   g_signal_connect(window, "destroy", G_CALLBACK(gtk_main_quit), nullptr);
+  SetIconOnceDrawn(window);
   gtk_widget_show(window);
   gtk_main();
   std::exit(1);
@@ -237,6 +238,7 @@ int Run(int argc, char **argv) {
   const Owned<CList> messages = CreateList();
   GtkWidget *window = StartUp(messages.get());
   if (window == nullptr) return 1;
+  SetIconOnceDrawn(window);
   gtk_widget_show(window);
   if (fIsEmpty_CList_Function(messages.get()) == 0) {
     gtk_widget_show(create_ErrorWarningWindow(messages.get(), kReturn));

@@ -9,6 +9,17 @@ namespace {
 
 int g_pressed = 0;
 
+// Whether the X server has an icon of the window.
+bool HasIcon(GtkWidget *window) {
+  GdkWindow *shown = gtk_widget_get_window(window);
+  if (shown == nullptr) return false;
+  guchar *icon = nullptr;
+  const gboolean there = gdk_property_get(shown, gdk_atom_intern("_NET_WM_ICON", FALSE), GDK_NONE,
+                                          0, sizeof(long), FALSE, nullptr, nullptr, nullptr, &icon);
+  g_free(icon);
+  return there != FALSE;
+}
+
 class Support : public GuiTest {
  protected:
   void SetUp() override {
@@ -121,8 +132,16 @@ TEST_F(Support, ADialogBelongsToTheNewestWindowWhenNoneIsActive) {
   EXPECT_EQ(ATK_ROLE_DIALOG, atk_object_get_role(gtk_widget_get_accessible(dialog)));
 }
 
-TEST_F(Support, WindowsHaveTheIconOfThePrograms) {
+TEST_F(Support, WindowsGetTheIconOfTheProgramsOnceTheFirstIsDrawn) {
+  SetIconOnceDrawn(window_);
+  EXPECT_EQ(nullptr, gtk_window_get_default_icon_name());
+  gtk_widget_show_all(window_);
+  EXPECT_TRUE(RunUntil([&] { return HasIcon(window_); }));
   EXPECT_STREQ("printer", gtk_window_get_default_icon_name());
+
+  GtkWidget *later = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+  gtk_widget_realize(later);
+  EXPECT_TRUE(HasIcon(later));
 }
 
 TEST_F(Support, AnAcceleratorOfAnInsensitiveButtonDoesNothing) {
