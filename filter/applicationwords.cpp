@@ -9,6 +9,7 @@
 #include "decimal.h"
 #include "ppdmodel.h"
 #include "settingkeys.h"
+#include "sheets.h"
 #include "textencoding.h"
 #include "textwords.h"
 
@@ -129,6 +130,55 @@ void AddMarked(const MarkedChoice &marked, const QueuePpd &ppd, ApplicationSetti
   }
 }
 
+bool IsOn(std::string_view value) {
+  return SameKeyword(value, "yes") || SameKeyword(value, "true") || SameKeyword(value, "on");
+}
+
+bool IsSwitch(std::string_view value) {
+  return IsOn(value) || SameKeyword(value, "no") || SameKeyword(value, "false") ||
+         SameKeyword(value, "off");
+}
+
+// Whether a word for pages works with text and PostScript.
+bool WorksHere(const ApplicationOption &word) {
+  if (SameKeyword(word.first, "outputorder")) return SameKeyword(word.second, "reverse");
+  if (SameKeyword(word.first, "number-up")) return IsPagesPerSide(word.second);
+  if (SameKeyword(word.first, "number-up-layout")) return IsPageOrder(word.second);
+  return SameKeyword(word.first, "booklet") && IsSwitch(word.second);
+}
+
+// What is said of a word for pages that nobody heeds; nothing where the job fails for it.
+std::string Unheeded(const ApplicationOption &word, PageWords pages) {
+  constexpr std::string_view kSelecting[] = {"page-ranges", "page-set"};
+  constexpr std::string_view kKnown[] = {"number-up", "number-up-layout", "booklet", "outputorder"};
+  if (IsAmong(word.first, std::begin(kSelecting), std::end(kSelecting))) return {};
+  if (pages == PageWords::kNobody) return "does not work with PCL jobs; ignored";
+  if (pages == PageWords::kConverter || WorksHere(word)) return {};
+  return IsAmong(word.first, std::begin(kKnown), std::end(kKnown))
+             ? "does not work with that value; ignored"
+             : "works with PDF and pictures only; ignored";
+}
+
+// The settings that words for pages stand for.
+std::vector<KeyValue> PageSettingsOf(const std::vector<ApplicationOption> &words) {
+  std::vector<KeyValue> settings;
+  std::string layout;
+  for (const ApplicationOption &word : words) {
+    if (!WorksHere(word)) continue;
+    if (SameKeyword(word.first, "number-up-layout")) layout = word.second;
+    if (SameKeyword(word.first, "booklet")) {
+      settings.push_back({kBookletKey, IsOn(word.second) ? "1" : "0"});
+    }
+    // Every job has the number 1.
+    if (SameKeyword(word.first, "number-up") && word.second != "1") {
+      settings.push_back({kNupKey, word.second});
+      settings.push_back({kNupOrderKey, "Left"});
+    }
+  }
+  if (!layout.empty()) settings.push_back({kNupOrderKey, layout});
+  return settings;
+}
+
 }  // namespace
 
 std::vector<ApplicationOption> WordsOfApplications(const std::string &options, bool color) {
@@ -180,15 +230,18 @@ ApplicationSettings SettingsOfWords(const std::vector<ApplicationOption> &given,
     // Without its value, which may be a secret.
     const std::string text = "the option \"" + DecodeLine(word.first) + "\" ";
     if (IsPageWord(word.first)) {
-      if (pages != PageWords::kConverter) {
-        result.warnings.push_back(text + "works with PDF and pictures only; ignored");
-      }
+      const std::string unheeded = Unheeded(word, pages);
+      if (!unheeded.empty()) result.warnings.push_back(text + unheeded);
     } else if (!IsUnderstood(word, words, &marking)) {
       result.warnings.push_back(text +
                                 "is not known for this printer, or not with that value; ignored");
     }
   }
   for (const MarkedChoice &marked : marking.ChoicesOf(words)) AddMarked(marked, ppd, &result);
+  if (pages == PageWords::kText || pages == PageWords::kDocument) {
+    const std::vector<KeyValue> of_pages = PageSettingsOf(words);
+    result.settings.insert(result.settings.end(), of_pages.begin(), of_pages.end());
+  }
   return result;
 }
 

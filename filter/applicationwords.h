@@ -22,13 +22,14 @@ std::vector<ApplicationOption> WordsOfApplications(const std::string &options, b
 // Who does what words ask to be done to pages.
 enum class PageWords {
   kConverter,  // the one that lays the job's document out, which gets the words
-  kText,       // the layout of a text, for those that textwords.h knows
+  kText,       // the layout of a text, for those that textwords.h knows, and the settings
+  kDocument,   // the settings and the selection of pages, for those that these know
   kNobody
 };
 
 // The words as settings of the queue's printer and of the job's pages. Each word that neither the
 // printer nor the spooler knows is a warning, which never shows its value; so is one for pages that
-// nobody does.
+// nobody does, but for one that selects pages: the job fails for that.
 ApplicationSettings SettingsOfWords(const std::vector<ApplicationOption> &words,
                                     const QueuePpd &ppd, PageWords pages);
 

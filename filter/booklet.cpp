@@ -28,14 +28,6 @@ bool CanTurnOverShortEdge(const JobSettings &settings) {
   });
 }
 
-void PlacePage(PageStore *pages, std::optional<size_t> page, SheetWriter *sheets) {
-  if (page) {
-    pages->CopyPage(*page, sheets);
-  } else {
-    sheets->SkipPlace();
-  }
-}
-
 }  // namespace
 
 size_t SidesOfBooklet(size_t pages) { return (pages + kPagesOfSheet - 1) / kPagesOfSheet * 2; }
@@ -56,6 +48,16 @@ JobSettings BookletSettings(const JobSettings &settings) {
   JobSettings result = settings;
   if (CanTurnOverShortEdge(settings)) result.Apply({{kDuplexKey, kShortEdge}});
   return result;
+}
+
+SideList SidesOf(const JobSettings &settings, size_t pages, size_t places) {
+  const PpdChoice *sides = settings.Chosen(kDuplexKey + 1);
+  const bool is_two_sided = sides != nullptr && sides->keyword.starts_with("Duplex");
+  return SideList(settings.Pages(), {.pages = pages,
+                                     .places = places,
+                                     .is_booklet = IsBooklet(settings),
+                                     .is_reversed = settings.Pages().is_reversed,
+                                     .fills_sheets = is_two_sided});
 }
 
 PageStore::PageStore() {
@@ -101,6 +103,17 @@ uint64_t PageStore::OffsetOf(size_t page) {
   return offset;
 }
 
+long PageStore::ReadPage(size_t page, uint64_t offset, char *bytes, size_t size) {
+  const uint64_t begin = OffsetOf(page) + offset, end = OffsetOf(page + 1);
+  const auto count = static_cast<size_t>(std::min<uint64_t>(end - std::min(begin, end), size));
+  if (error_ == 0 && count > 0) {
+    Seek(marks_.get(), begin);
+    if (error_ == 0) Check(std::fread(bytes, 1, count, marks_.get()) == count);
+  }
+  errno = error_;
+  return error_ == 0 ? static_cast<long>(count) : -1;
+}
+
 void PageStore::CopyPage(size_t page, PageTarget *target) {
   target->BeginPage();
   const uint64_t begin = OffsetOf(page);
@@ -126,15 +139,6 @@ void PageStore::Copy(std::FILE *file, uint64_t size,
     Check(std::fread(buffer, 1, count, file) == count);
     if (error_ == 0) take({buffer, count});
     size -= count;
-  }
-}
-
-void WriteBooklet(PageStore *pages, SheetWriter *sheets, const JobSink &sink) {
-  for (size_t side = 0; side < SidesOfBooklet(pages->Pages()); ++side) {
-    if (pages->Error() != 0 || sink.Error() != 0) return;
-    const auto [left, right] = PagesOfSide(side, pages->Pages());
-    PlacePage(pages, left, sheets);
-    PlacePage(pages, right, sheets);
   }
 }
 

@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "jobsettings.h"
+#include "pageselection.h"
 #include "sheets.h"
 
 namespace kpx::filter {
@@ -29,6 +30,10 @@ size_t SidesOfBooklet(size_t pages);
 // The settings with both sides printed and turned over the short edge, where the fold is. Without
 // change where the printer cannot do that, or a constraint excludes it with what is chosen.
 JobSettings BookletSettings(const JobSettings &settings);
+
+// The sides of a job of so many pages, as the settings ask for them: booklet, `places` pages on a
+// side, the pages that are printed and their order.
+SideList SidesOf(const JobSettings &settings, size_t pages, size_t places);
 
 // Keeps pages, and what their marks rely on, in files without a name, so that memory does not grow
 // with them.
@@ -54,6 +59,10 @@ class PageStore : public PageTarget {
   // Hands a page to `target`. Not to be mixed with writing: the first copy ends that.
   void CopyPage(size_t page, PageTarget *target);
 
+  // Reads at most `size` bytes of a page from `offset` on; 0 behind its end, -1 with errno. To be
+  // mixed with writing as little as CopyPage.
+  long ReadPage(size_t page, uint64_t offset, char *bytes, size_t size);
+
   // 0, or the errno of what failed first; nothing is kept or copied from then on.
   int Error() const { return error_; }
 
@@ -75,8 +84,5 @@ class PageStore : public PageTarget {
   size_t pages_ = 0;
   int error_ = 0;
 };
-
-// Hands the pages to `sheets`, whose plan is of two pages a side, until writing to `sink` fails.
-void WriteBooklet(PageStore *pages, SheetWriter *sheets, const JobSink &sink);
 
 }  // namespace kpx::filter

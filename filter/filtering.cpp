@@ -15,6 +15,7 @@
 #include "jobresult.h"
 #include "jobsettings.h"
 #include "jobsource.h"
+#include "pageselection.h"
 #include "pcljob.h"
 #include "pdfjob.h"
 #include "pjl.h"
@@ -60,8 +61,7 @@ std::vector<ApplicationOption> PageWordsOf(std::vector<ApplicationOption> words)
 }
 
 // The layers of settings over the printer's defaults: the queue's file, the user's, the job's
-// words. Fills `request` (null: the job has no pages that can be laid out). Returns an empty text,
-// or what failed.
+// words. Fills `request` (null: the job is no PDF document). Returns an empty text, or what failed.
 std::string ApplyLayers(const FilterArguments &arguments, JobSettings *settings,
                         PageRequest *request) {
   OptionFile queue;
@@ -82,10 +82,15 @@ std::string ApplyLayers(const FilterArguments &arguments, JobSettings *settings,
     const QueuePpd ppd = DescriptionOf(arguments, queue.settings);
     const PageWords pages = request != nullptr            ? PageWords::kConverter
                             : arguments.type == kTextType ? PageWords::kText
-                                                          : PageWords::kNobody;
+                            : arguments.type == kPclType  ? PageWords::kNobody
+                                                          : PageWords::kDocument;
     settings->ApplyWords(SettingsOfWords(words, ppd, pages));
     if (request != nullptr) *request = {ppd.text, PageWordsOf(words)};
   }
+  PageSelection selection;
+  const std::string unclear = ReadPageSelection(words, &selection);
+  if (!unclear.empty()) return unclear;
+  settings->Select(selection);
   settings->Apply(ParseOptionWords(arguments.options));
   for (const std::string &warning : settings->Warnings()) Warn(warning);
   for (const std::string &conflict : ConflictTexts(*settings)) Warn(conflict);

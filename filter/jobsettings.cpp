@@ -54,7 +54,9 @@ JobSettings::JobSettings(const PpdModel &model) : model_(model) {}
 void JobSettings::ApplyQueue(const std::vector<KeyValue> &settings) {
   // The definitions stand behind the settings that name them.
   for (const KeyValue &setting : settings) Define(setting);
+  is_choice_ = false;
   Apply(settings);
+  is_choice_ = true;
   queue_user_ = Other(kUserNameKey);
   others_.erase(kUserNameKey);
 }
@@ -96,6 +98,7 @@ void JobSettings::ApplyOne(const KeyValue &setting) {
     const auto copies = NumberOf<int>(setting.value);
     if (copies && *copies >= 1 && *copies <= kMostCopies) {
       copies_ = *copies;
+      has_chosen_copies_ = has_chosen_copies_ || is_choice_;
     } else {
       warnings_.push_back("\"*NrCopies=" + setting.value + "\" is not a number of copies; ignored");
     }
@@ -106,7 +109,9 @@ void JobSettings::ApplyOne(const KeyValue &setting) {
   const PpdFeature *feature = may_be_feature ? model_.FindFeature(setting.key.substr(1)) : nullptr;
   if (feature == nullptr) {
     // A booklet and several pages a sheet exclude each other: the one set later stays.
-    if (const char *out = KeyPutOutBy(setting.key); out != nullptr) others_.erase(out);
+    const bool is_no_booklet = setting.key == kBookletKey && setting.value == "0";
+    const char *out = is_no_booklet ? nullptr : KeyPutOutBy(setting.key);
+    if (out != nullptr) others_.erase(out);
     others_[setting.key] = setting.value;
     return;
   }
@@ -117,6 +122,7 @@ void JobSettings::ApplyOne(const KeyValue &setting) {
   if (choice != nullptr || custom) {
     features_[feature->keyword] = choice != nullptr ? choice->keyword : setting.value;
     others_.erase(setting.key);
+    if (is_choice_) chosen_.insert(feature->keyword);
   } else if (feature->keyword == "Delivery" && TakesPin(setting.value)) {
     // Not to be ignored: see DeliveryProblem.
     others_[setting.key] = setting.value;
@@ -155,6 +161,18 @@ const PpdChoice *JobSettings::Chosen(std::string_view keyword) const {
 bool JobSettings::IsSet(std::string_view keyword) const {
   const PpdFeature *feature = model_.FindFeature(keyword);
   return feature != nullptr && features_.contains(feature->keyword);
+}
+
+bool JobSettings::IsChosen(std::string_view keyword) const {
+  const PpdFeature *feature = model_.FindFeature(keyword);
+  return feature != nullptr && chosen_.contains(feature->keyword);
+}
+
+JobSettings JobSettings::ForLaidOutPages() const {
+  JobSettings result = *this;
+  for (const char *key : {kNupKey, kNupOrderKey, kBookletKey}) result.others_.erase(key);
+  result.pages_ = {};
+  return result;
 }
 
 std::optional<CustomPaper> JobSettings::Paper() const {

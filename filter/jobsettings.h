@@ -3,11 +3,14 @@
 
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "optionfiles.h"
+#include "pageselection.h"
 #include "ppdmodel.h"
 
 namespace kpx::filter {
@@ -78,6 +81,18 @@ class JobSettings {
 
   int Copies() const { return copies_; }
 
+  // Whether somebody chose the feature (keyword without asterisk), or the number of copies, for
+  // this job: its user's file or its words, not the queue's.
+  [[nodiscard]] bool IsChosen(std::string_view keyword) const;
+  [[nodiscard]] bool HasChosenCopies() const { return has_chosen_copies_; }
+
+  // The pages that are printed, and their order.
+  const PageSelection &Pages() const { return pages_; }
+  void Select(PageSelection pages) { pages_ = std::move(pages); }
+
+  // The settings for a job whose pages are laid out already.
+  JobSettings ForLaidOutPages() const;
+
   const std::vector<std::string> &Warnings() const { return warnings_; }
 
  private:
@@ -92,6 +107,10 @@ class JobSettings {
   std::map<std::string, std::string, std::less<>> medias_;
   std::string queue_user_;  // the queue's "*UserName"
   int copies_ = 1;
+  std::set<std::string, std::less<>> chosen_;  // keywords
+  bool has_chosen_copies_ = false;
+  bool is_choice_ = true;  // the layer that is being laid over the others is one of the job's
+  PageSelection pages_;
   std::vector<std::string> warnings_;
 };
 

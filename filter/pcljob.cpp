@@ -58,6 +58,11 @@ void WarnOfSettings(const JobSettings &settings, JobResult *result) {
 JobResult FilterPcl(const JobSettings &settings, const JobIdentity &identity, JobSource *source,
                     JobSink *sink) {
   JobResult result;
+  const bool is_postscript = settings.Model().pjl && EntersPostScript(PeekJobControl(source));
+  if (!settings.Pages().IsEverything() && !is_postscript) {
+    return Failure("\"" + settings.Pages().words +
+                   "\" cannot be printed: nobody knows where a page of a PCL job ends");
+  }
   if (!settings.Model().pjl) {
     source->CopyRest(sink);
     sink->Flush();
@@ -67,9 +72,7 @@ JobResult FilterPcl(const JobSettings &settings, const JobIdentity &identity, Jo
     WarnOfSettings(settings, &result);
     return result;
   }
-  if (EntersPostScript(PeekJobControl(source))) {
-    return FilterPostScript(settings, identity, source, sink);
-  }
+  if (is_postscript) return FilterPostScript(settings, identity, source, sink);
   WarnOfSettings(settings, &result);
   const JobControl control = TakeJobControl(source);
   if (!source->Peek(1).empty()) {

@@ -8,6 +8,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#include <iterator>
 #include <string_view>
 
 #include "booklet.h"
@@ -109,15 +110,40 @@ std::string PagesASheet(const JobSettings &settings, const std::vector<Applicati
          OptionWord("number-up-layout", std::string(LayoutOf(order)));
 }
 
-std::string PageOptions(const JobSettings &settings, const PageRequest &request, bool is_made) {
-  std::string options = PaperWord(settings);
-  if (is_made) return options + PagesASheet(settings, {});
+bool IsOfSheets(const std::string &name) {
+  constexpr std::string_view kWords[] = {"number-up",
+                                         "number-up-layout",
+                                         "booklet",
+                                         "page-border",
+                                         "page-set",
+                                         "outputorder",
+                                         "presentation-direction-number-up"};
+  return std::any_of(std::begin(kWords), std::end(kWords),
+                     [&](std::string_view word) { return SameKeyword(name, word); });
+}
+
+bool HasRanges(const PageRequest &request) {
+  return std::any_of(request.words.begin(), request.words.end(),
+                     [](const auto &word) { return SameKeyword(word.first, "page-ranges"); });
+}
+
+// The options for each run of the program that lays pages out, one after the other. It counts the
+// sides of a sheet as pages, so pages are chosen before they are put on sheets.
+std::vector<std::string> PageOptions(const JobSettings &settings, const PageRequest &request,
+                                     bool is_made) {
+  const std::string paper = PaperWord(settings);
+  if (is_made) return {paper + PagesASheet(settings, {})};
   const std::string sheets = PagesASheet(settings, request.words);
+  std::string of_pages, of_sheets = sheets;
+  bool shares_sides = !sheets.empty();
   for (const auto &[name, value] : request.words) {
-    const bool replaced = !sheets.empty() && SameKeyword(name, "number-up");
-    if (!replaced) options += OptionWord(name, value);
+    if (!sheets.empty() && SameKeyword(name, "number-up")) continue;
+    (IsOfSheets(name) ? of_sheets : of_pages) += OptionWord(name, value);
+    shares_sides = shares_sides || (SameKeyword(name, "number-up") && value != "1") ||
+                   SameKeyword(name, "booklet");
   }
-  return options + sheets;
+  if (shares_sides && HasRanges(request)) return {paper + of_pages, paper + of_sheets};
+  return {paper + of_pages + of_sheets};
 }
 
 std::vector<std::string> Environment() {
@@ -142,24 +168,42 @@ std::string Reason(int status, const std::string &messages) {
   return "the PDF document is damaged and cannot be printed";
 }
 
-// Lays the pages of `document` out for the paper: the number of bytes in `pages`. A failure where
-// `result` says so.
-JobResult LayOut(const JobSettings &settings, const PageRequest &request, int document, int pages) {
-  const std::string options = PageOptions(settings, request, HasPagesMade(document));
+// Lays the pages of `document` out for the paper in one run, into `pages`.
+JobResult LayOutOnce(const std::string &options, const std::string &ppd, int document, int pages) {
   ConverterCall call{
       .words = {kPageProgram, "1", "kpx", "document", "1", options, "/proc/self/fd/0"},
       .environment = Environment(),
       .input = document,
       .output = pages};
-  const Descriptor ppd(request.ppd.empty() ? -1 : DescriptorOfText(request.ppd));
-  if (ppd.IsOpen()) {
-    fcntl(ppd.Number(), F_SETFD, 0);  // for the converter
-    call.environment.push_back("PPD=/proc/self/fd/" + std::to_string(ppd.Number()));
+  const Descriptor description(ppd.empty() ? -1 : DescriptorOfText(ppd));
+  if (description.IsOpen()) {
+    fcntl(description.Number(), F_SETFD, 0);  // for the converter
+    call.environment.push_back("PPD=/proc/self/fd/" + std::to_string(description.Number()));
   }
   Converter converter(call);
   const int status = converter.Wait();
-  if (status != 0) return Failure(Reason(status, converter.Messages()));
-  if (lseek(pages, 0, SEEK_END) == 0) return Failure("the PDF document has no pages to print");
+  return status == 0 ? JobResult() : Failure(Reason(status, converter.Messages()));
+}
+
+// Lays the pages of `document` out, into `pages`. A failure where nothing is left to print.
+JobResult LayOut(const JobSettings &settings, const PageRequest &request, int document, int pages) {
+  const std::vector<std::string> runs = PageOptions(settings, request, HasPagesMade(document));
+  const Descriptor chosen(runs.size() > 1 ? NamelessFile() : -1);
+  if (runs.size() > 1 && !chosen.IsOpen())
+    return Failure(WithErrno("no room for the PDF document"));
+  int from = document;
+  for (size_t run = 0; run < runs.size(); ++run) {
+    const int to = run + 1 < runs.size() ? chosen.Number() : pages;
+    JobResult result = LayOutOnce(runs[run], request.ppd, from, to);
+    if (result.Failed()) return result;
+    if (lseek(to, 0, SEEK_END) == 0) {
+      const std::string &words = settings.Pages().words;
+      return Failure(words.empty() ? "the PDF document has no pages to print"
+                                   : "\"" + words + "\" selects none of the document's pages");
+    }
+    lseek(to, 0, SEEK_SET);
+    from = to;
+  }
   return {};
 }
 
@@ -206,7 +250,7 @@ JobResult Print(const JobSettings &settings, const JobIdentity &identity, int pa
   to.Close();
   JobSource source = DescriptorSource(from.Number());
   if (source.Peek(1).empty()) return Failure(Reason(converter.Wait(), converter.Messages()));
-  JobResult result = FilterPostScript(settings, identity, &source, sink);
+  JobResult result = FilterPostScript(settings.ForLaidOutPages(), identity, &source, sink);
   from.Close();
   const int status = converter.Wait();
   if (result.Failed() || sink->Error() != 0 || status == 0) return result;

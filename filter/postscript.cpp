@@ -1,43 +1,102 @@
 #include "postscript.h"
 
+#include <string>
 #include <string_view>
+#include <vector>
 
+#include "documentlayout.h"
 #include "featurecode.h"
+#include "sheets.h"
 #include "wrappedjob.h"
 
 namespace kpx::filter {
 
 namespace {
 
-// A document's way through its wrapping. Returns what DocumentFilter::Run returns.
-bool FilterPlain(const JobSettings &settings, const DocumentCode &code, JobSource *source,
-                 JobSink *sink) {
-  return DocumentFilter(settings.Model(), code, source, sink).Run();
+// The documents of a job on their way through their wrapping.
+class PostScriptJob {
+ public:
+  PostScriptJob(const JobSettings &settings, JobSink *sink) : settings_(settings), sink_(sink) {}
+
+  void FilterPlain(JobSource *source) { Filter(source, sink_); }
+  void FilterTagged(JobSource *source);
+  void FilterEps(size_t length, JobSource *source);
+  void CopyOther(JobSource *source);
+
+  // A failure, or the warnings.
+  JobResult Result() const;
+  [[nodiscard]] bool Failed() const { return !failure_.empty(); }
+
+ private:
+  void Filter(JobSource *source, JobSink *sink);
+  void CopyRest(JobSource *source, JobSink *sink);
+
+  const JobSettings &settings_;
+  JobSink *sink_;
+  const DocumentCode code_ = CodeOfDocument(settings_);
+  bool in_place_ = true;
+  std::vector<std::string> warnings_;
+  std::string failure_;
+};
+
+void PostScriptJob::Filter(JobSource *source, JobSink *sink) {
+  if (!ChangesPages(settings_)) {
+    in_place_ = DocumentFilter(settings_.Model(), code_, source, sink).Run() && in_place_;
+    return;
+  }
+  const JobResult result = LayOutDocuments(settings_, source, sink, &in_place_);
+  failure_ = result.failure;
+  if (warnings_.empty()) warnings_ = result.warnings;
 }
 
-bool FilterTagged(const JobSettings &settings, const DocumentCode &code, JobSource *source,
-                  JobSink *sink) {
+// What comes behind the documents: it may hold pages that were not asked for.
+void PostScriptJob::CopyRest(JobSource *source, JobSink *sink) {
+  if (!settings_.Pages().IsEverything() && !source->Peek(1).empty() && failure_.empty()) {
+    failure_ = "the pages of \"" + settings_.Pages().words +
+               "\" cannot be told from the others in this job: it holds other data";
+  }
+  if (failure_.empty()) source->CopyRest(sink);
+}
+
+void PostScriptJob::FilterTagged(JobSource *source) {
   JobSource document = FromTaggedBinary(source);
-  JobSink tagged = ToTaggedBinary(sink);
-  const bool in_place = FilterPlain(settings, code, &document, &tagged);
+  JobSink tagged = ToTaggedBinary(sink_);
+  Filter(&document, &tagged);
   // A language switch that was quoted is data.
-  document.CopyRest(&tagged);
+  CopyRest(&document, &tagged);
+  if (Failed()) return;
   tagged.Flush();
   constexpr std::string_view kBetween = "\004\r\n";
   while (!source->Peek(1).empty() &&
          kBetween.find(source->Peek(1).front()) != std::string_view::npos) {
     source->Skip(1);
   }
-  return in_place;
 }
 
-bool FilterEps(const JobSettings &settings, const DocumentCode &code, size_t length,
-               JobSource *source, JobSink *sink) {
+void PostScriptJob::FilterEps(size_t length, JobSource *source) {
   JobSource document = PartOf(source, length);
-  const bool in_place = FilterPlain(settings, code, &document, sink);
-  document.CopyRest(sink);
+  Filter(&document, sink_);
+  CopyRest(&document, sink_);
   DropRest(source);
-  return in_place;
+}
+
+// A job in another language.
+void PostScriptJob::CopyOther(JobSource *source) {
+  CopyRest(source, sink_);
+  if (UsesSheets(settings_) && warnings_.empty()) {
+    warnings_.push_back("only PostScript is put on sheets: this job is printed as it is");
+  }
+}
+
+JobResult PostScriptJob::Result() const {
+  if (Failed()) return Failure(failure_);
+  JobResult result;
+  WarnOfPageSettings(settings_, &result);
+  for (const std::string &warning : warnings_) result.Warn(warning);
+  if (!in_place_) {
+    result.Warn("the job's prolog is not marked as ended: options and copies may not count");
+  }
+  return result;
 }
 
 }  // namespace
@@ -58,10 +117,9 @@ DocumentCode CodeOfDocument(const JobSettings &settings) {
 
 JobResult FilterPostScript(const JobSettings &settings, const JobIdentity &identity,
                            JobSource *source, JobSink *sink) {
-  const DocumentCode code = CodeOfDocument(settings);
-  bool in_place = true;
+  PostScriptJob job(settings, sink);
   // More than one turn for a job that holds several documents with job control between them.
-  for (;;) {
+  while (!job.Failed()) {
     const JobControl control = TakeJobControl(source);
     SkipByteOrderMark(source);
     if (source->Peek(1).empty() || sink->Error() != 0) break;
@@ -73,25 +131,21 @@ JobResult FilterPostScript(const JobSettings &settings, const JobIdentity &ident
       sink->Flush();
       return Failure("the EPS file does not hold the PostScript that its header names");
     }
-    sink->Write(JobControlHeader(settings, identity, control.settings,
-                                 other ? control.language : "POSTSCRIPT"));
+    sink->Write(JobControlHeader(other ? settings : SheetSettings(settings), identity,
+                                 control.settings, other ? control.language : "POSTSCRIPT"));
     if (other) {
-      source->CopyRest(sink);
+      job.CopyOther(source);
     } else if (is_eps) {
-      in_place = FilterEps(settings, code, eps_length, source, sink) && in_place;
+      job.FilterEps(eps_length, source);
     } else if (IsTaggedBinary(source->Peek(2))) {
-      in_place = FilterTagged(settings, code, source, sink) && in_place;
+      job.FilterTagged(source);
     } else {
-      in_place = FilterPlain(settings, code, source, sink) && in_place;
+      job.FilterPlain(source);
     }
-    sink->Write(JobControlTrailer(settings.Model()));
+    if (!job.Failed()) sink->Write(JobControlTrailer(settings.Model()));
   }
-  sink->Flush();
-  JobResult result;
-  if (!in_place) {
-    result.Warn("the job's prolog is not marked as ended: options and copies may not count");
-  }
-  return result;
+  if (!job.Failed()) sink->Flush();
+  return job.Result();
 }
 
 }  // namespace kpx::filter

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "jobresult.h"
 #include "jobsettings.h"
 #include "jobsource.h"
 
@@ -17,8 +18,13 @@ enum class PageTurn { kNone, kLeft, kRight };
 // How the settings' "*Orientation" turns the pages.
 PageTurn TurnOf(const JobSettings &settings);
 
-// The paper in force and its printable area, as the reader of its pages holds it.
-PpdPageSize PageInHand(const JobSettings &settings);
+// The same settings with the pages upright for the printer's own controller: what is printed is
+// laid out as it is to lie.
+JobSettings UprightSettings(const JobSettings &settings);
+
+// The paper in force and its printable area, as the reader of its pages holds it when they are
+// turned so.
+PpdPageSize PageInHand(const JobSettings &settings, PageTurn turn);
 
 // How the pages share a side of a sheet: a grid, as the reader holds the sheet.
 struct SheetPlan {
@@ -26,6 +32,7 @@ struct SheetPlan {
   bool turned = false;              // the reader turns the paper by a quarter, clockwise
   bool from_right = false;          // the first page is at the right
   bool columns_first = false;       // the second page is below the first one
+  bool from_bottom = false;         // the first page is at the bottom
   double width = 0, length = 0;     // of the paper, and of a page before it is scaled; points
   double inset_x = 0, inset_y = 0;  // of the paper, left free on both sides; points
   PageTurn turn = PageTurn::kNone;  // the paper is turned so in the reader's hands
@@ -33,22 +40,34 @@ struct SheetPlan {
   size_t Places() const { return columns * rows; }
 };
 
-// The plan for `pages` pages (1, 2, 4, 6, 9 or 16) on one side of the paper, as the reader holds
-// it. Those of two and of six lie across the paper. `order` is "Left" (rows from the left), "Right"
-// (rows from the right), "Down" (columns from the left) or "Back" (columns from the right);
-// anything else is "Left".
+// The plan for `pages` pages (1, 2, 4, 6, 8, 9 or 16) on one side of the paper, as the reader holds
+// it. Those of two, six and eight lie across the paper. `order` is "Left" (rows from the left),
+// "Right" (rows from the right), "Down" (columns from the left), "Back" (columns from the right),
+// or one of the eight orders of the word "number-up-layout" ("lrtb" is left to right, then top to
+// bottom); anything else is "Left".
 SheetPlan PlanFor(const PpdPageSize &paper, size_t pages, std::string_view order);
 
-// Whether that many pages can share a side, and whether "*NupOrder" knows the order.
+// Whether that many pages can share a side, and whether PlanFor knows the order.
 [[nodiscard]] bool IsPagesPerSide(std::string_view pages);
 [[nodiscard]] bool IsPageOrder(std::string_view order);
 
-// The plan that the settings' "*Nup" and "*NupOrder" ask for. Only two and four pages have an
-// order; one page for any other number.
-SheetPlan PlanOf(const JobSettings &settings);
+// Warns of a "*Nup" and a "*NupOrder" that nobody knows.
+void WarnOfPageSettings(const JobSettings &settings, JobResult *result);
+
+// The plan that the settings' "*Nup" and "*NupOrder" ask for, on their paper turned so. Only two
+// and four pages have an order of the windows, all have one of an application; one page for any
+// other number.
+SheetPlan PlanOf(const JobSettings &settings, PageTurn turn);
 
 // The plan for a booklet of the settings' paper: two pages a side.
-SheetPlan BookletPlanOf(const JobSettings &settings);
+SheetPlan BookletPlanOf(const JobSettings &settings, PageTurn turn);
+
+// The room for a page at a place (from 0, in the order of the pages).
+struct SheetCell {
+  std::array<double, 6> matrix;  // puts the room's lower left corner on the paper
+  double width = 0, length = 0;  // points, as the reader holds the page
+};
+SheetCell CellOf(const SheetPlan &plan, size_t place);
 
 // The matrix that puts a page at a place (from 0, in the order of the pages). It is scaled to fit
 // and is in the middle of its cell; the grid's middle is that of the paper, so that a sheet can be

@@ -7,6 +7,7 @@
 
 #include "booklet.h"
 #include "featurecode.h"
+#include "pageselection.h"
 #include "pjl.h"
 #include "postscript.h"
 #include "sheets.h"
@@ -87,25 +88,40 @@ void WriteEnd(const TextJob &job, SheetWriter *sheets) {
 
 void FilterPages(const TextJob &job) {
   const DocumentCode code = CodeOfDocument(job.settings);
-  SheetWriter sheets(PlanOf(job.settings), code.page_setup, job.sink);
+  SheetWriter sheets(PlanOf(job.settings, TurnOf(job.settings)), code.page_setup, job.sink);
   WriteStart(job, code, nullptr);
   SetText(job, &sheets, [&](std::string_view definitions) { job.sink->Write(definitions); });
   WriteEnd(job, &sheets);
 }
 
-void CopyPages(PageStore *pages, SheetWriter *sheets, const JobSink &sink) {
-  for (size_t page = 0; page < pages->Pages(); ++page) {
-    if (pages->Error() != 0 || sink.Error() != 0) return;
-    pages->CopyPage(page, sheets);
+JobResult FileFailure(const PageStore &pages) {
+  return Failure(std::string("temporary file: ") + std::strerror(pages.Error()));
+}
+
+void WriteSides(const TextJob &job, const SideList &sides, PageStore *pages, SheetWriter *sheets) {
+  for (size_t side = 0; side < sides.Count(); ++side) {
+    if (pages->Error() != 0 || job.sink->Error() != 0) return;
+    for (const auto page : sides.PagesOf(side)) {
+      if (page) {
+        pages->CopyPage(*page, sheets);
+      } else {
+        sheets->SkipPlace();
+      }
+    }
   }
 }
 
-// Sets the whole text before the first page goes out: they come in another order, or say how many
-// they are. Returns 0, or the errno of a failure with the pages' file.
-int FilterKeptPages(const TextJob &job, bool is_booklet) {
+SheetPlan PlanOfJob(const JobSettings &settings) {
+  const PageTurn turn = TurnOf(settings);
+  return IsBooklet(settings) ? BookletPlanOf(settings, turn) : PlanOf(settings, turn);
+}
+
+// Sets the whole text before the first page goes out: they come in another order, not all of them
+// do, or they say how many they are.
+JobResult FilterKeptPages(const TextJob &job) {
   const DocumentCode code = CodeOfDocument(job.settings);
-  SheetWriter sheets(is_booklet ? BookletPlanOf(job.settings) : PlanOf(job.settings),
-                     code.page_setup, job.sink);
+  const SheetPlan plan = PlanOfJob(job.settings);
+  SheetWriter sheets(plan, code.page_setup, job.sink);
   PageStore pages;
   const auto define = [&](std::string_view definitions) { pages.Define(definitions); };
   if (pages.Error() == 0) SetText(job, &pages, define);
@@ -114,33 +130,33 @@ int FilterKeptPages(const TextJob &job, bool is_booklet) {
     header.emplace(job.layout, job.identity, pages.Pages(), job.characters, define);
     pages.SetHeading([&](size_t page) { return header->MarksOf(page); });
   }
-  if (pages.Error() != 0) return pages.Error();
-  WriteStart(job, code, &pages);
-  if (is_booklet) {
-    WriteBooklet(&pages, &sheets, *job.sink);
-  } else {
-    CopyPages(&pages, &sheets, *job.sink);
+  if (pages.Error() != 0) return FileFailure(pages);
+  const SideList sides = SidesOf(job.settings, pages.Pages(), plan.Places());
+  if (sides.Count() == 0 && pages.Pages() > 0) {
+    return Failure(NothingSelected(job.settings.Pages(), pages.Pages()));
   }
+  WriteStart(job, code, &pages);
+  WriteSides(job, sides, &pages, &sheets);
+  if (pages.Error() != 0) return FileFailure(pages);
   WriteEnd(job, &sheets);
-  return pages.Error();
+  return {};
 }
 
 }  // namespace
 
 JobResult FilterText(const JobSettings &settings, const JobIdentity &identity, JobSource *source,
                      JobSink *sink) {
-  int error = 0;
   JobResult result;
   WarnOfTextSettings(settings, &result);
   JobSource text = DecodedSource(source);
   if (!text.Peek(1).empty()) {
-    const bool is_booklet = IsBooklet(settings);
-    const JobSettings job_settings = is_booklet ? BookletSettings(settings) : settings;
+    const JobSettings job_settings = IsBooklet(settings) ? BookletSettings(settings) : settings;
     const TextLayout layout = LayoutOf(job_settings);
     Characters characters(layout);
     const TextJob job{job_settings, identity, layout, &characters, &text, sink};
-    if (is_booklet || layout.has_header) {
-      error = FilterKeptPages(job, is_booklet);
+    if (IsBooklet(settings) || settings.Pages().ChangesPages() || layout.has_header) {
+      JobResult kept = FilterKeptPages(job);
+      if (kept.Failed()) return kept;
     } else {
       FilterPages(job);
     }
@@ -148,7 +164,6 @@ JobResult FilterText(const JobSettings &settings, const JobIdentity &identity, J
     if (!warning.empty()) result.Warn(warning);
   }
   sink->Flush();
-  if (error != 0) return Failure(std::string("temporary file: ") + std::strerror(error));
   return result;
 }
 

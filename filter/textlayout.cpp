@@ -107,7 +107,7 @@ void LayOutLines(double top, double bottom, const TextWords &words, TextLayout *
 }  // namespace
 
 TextLayout LayoutOf(const JobSettings &settings) {
-  const PpdPageSize page = PageInHand(settings);
+  const PpdPageSize page = PageInHand(settings, TurnOf(settings));
   const TextWords words = TextWordsOf(settings);
   TextLayout layout;
   layout.font = FontName(settings);
@@ -125,12 +125,6 @@ TextLayout LayoutOf(const JobSettings &settings) {
   return layout;
 }
 
-JobSettings UprightSettings(const JobSettings &settings) {
-  JobSettings upright = settings;
-  if (TurnOf(settings) != PageTurn::kNone) upright.Apply({{kOrientationKey, "Portrait"}});
-  return upright;
-}
-
 void WarnOfTextSettings(const JobSettings &settings, JobResult *result) {
   const auto warn = [&](const std::string &key, auto good, const std::string &words) {
     const std::string value = settings.Other(key);
@@ -139,9 +133,7 @@ void WarnOfTextSettings(const JobSettings &settings, JobResult *result) {
   const auto is_size = [](std::string_view text) { return SizeOf(text).has_value(); };
   warn(kFontSizeKey, is_size, "is not a size from 4 to 72 points: 12 is used");
   warn(kFontNameKey, IsPostScriptName, "cannot be the name of a font: Courier is used");
-  warn(kNupKey, IsPagesPerSide, "is not a number of pages per side (1, 2, 4, 6, 9, 16): 1 is used");
-  warn(kNupOrderKey, IsPageOrder,
-       "is not an order of pages (Left, Right, Down, Back): Left is used");
+  WarnOfPageSettings(settings, result);
   WarnOfTextWords(settings, result);
   if (TextWordsOf(settings).has_header && !LayoutOf(settings).has_header) {
     result->Warn("the pages have no room for a header: they are printed without");

@@ -40,10 +40,6 @@ struct TextLayout {
 // count as Courier. A header that has no room is left out.
 TextLayout LayoutOf(const JobSettings &settings);
 
-// The same settings with the pages upright for the printer's own controller: the text is laid out
-// as it is to lie.
-JobSettings UprightSettings(const JobSettings &settings);
-
 // A warning for each setting of the text that is given and cannot be used.
 void WarnOfTextSettings(const JobSettings &settings, JobResult *result);
 

@@ -53,7 +53,7 @@ const Word &WordOf(std::string_view key) {
 // The highest number that is valid for the word on the settings' paper.
 double MostOf(const Word &word, const JobSettings &settings) {
   if (word.kind != Kind::kAcross && word.kind != Kind::kAlong) return word.most;
-  const PpdPageSize page = PageInHand(settings);
+  const PpdPageSize page = PageInHand(settings, TurnOf(settings));
   const double side = word.kind == Kind::kAcross ? page.width : page.length;
   return std::max(0.0, std::floor(side / 2 - kLeastRoom));
 }

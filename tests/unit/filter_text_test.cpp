@@ -205,7 +205,7 @@ TEST_F(TextJob, SettingsThatCannotBeUsedAreAWarningEach) {
   EXPECT_EQ(WarningsOver(FilterText, settings_, "x"),
             "\"*FontSize=73\" is not a size from 4 to 72 points: 12 is used\n"
             "\"*FontName=Bad Name\" cannot be the name of a font: Courier is used\n"
-            "\"*Nup=3\" is not a number of pages per side (1, 2, 4, 6, 9, 16): 1 is used\n"
+            "\"*Nup=3\" is not a number of pages per side (1, 2, 4, 6, 8, 9, 16): 1 is used\n"
             "\"*NupOrder=Foo\" is not an order of pages (Left, Right, Down, Back): Left is used\n");
   settings_.Apply(
       {{"*FontSize", "72"}, {"*FontName", "Helvetica"}, {"*Nup", "16"}, {"*NupOrder", "Back"}});
@@ -290,7 +290,7 @@ TEST_P(SheetOrder, PagesStandInTheChosenOrder) {
   const PpdModel model{};
   JobSettings settings(model);
   settings.Apply({{"*Nup", GetParam().pages}, {"*NupOrder", GetParam().order}});
-  const SheetPlan plan = PlanOf(settings);
+  const SheetPlan plan = PlanOf(settings, TurnOf(settings));
   std::vector<std::string> corners;
   for (size_t i = 0; i < plan.Places(); ++i) corners.push_back(CornerOf(plan, i));
   EXPECT_EQ(corners, GetParam().corners);
@@ -307,7 +307,11 @@ INSTANTIATE_TEST_SUITE_P(
                     OrderCase{"four_unknown", "4", "Up", {"tl", "tr", "bl", "br"}},
                     OrderCase{"two_left", "2", "Left", {"b", "t"}},
                     OrderCase{"two_right", "2", "Right", {"t", "b"}},
-                    OrderCase{"six_has_none", "6", "Back", {"bl", "l", "tl", "br", "r", "tr"}}),
+                    OrderCase{"six_has_none", "6", "Back", {"bl", "l", "tl", "br", "r", "tr"}},
+                    OrderCase{"four_upwards", "4", "lrbt", {"bl", "br", "tl", "tr"}},
+                    OrderCase{"four_upwards_back", "4", "btrl", {"br", "tr", "bl", "tl"}},
+                    OrderCase{
+                        "six_of_an_application", "6", "rltb", {"tl", "l", "bl", "tr", "r", "br"}}),
     [](const auto &instance) { return instance.param.name; });
 
 TEST(Sheets, PagesStayWhereThePrinterCanPrint) {

@@ -113,7 +113,7 @@ TEST(TextWords, MarginsEndAtThePrintableArea) {
   const PpdModel model = TestPpd("office.ppd");
   JobSettings settings(model);
   settings.Apply({{"*PageSize", "A4"}, {"*TextLeft", "0"}, {"*TextTop", "0"}});
-  const PpdPageSize page = PageInHand(settings);
+  const PpdPageSize page = PageInHand(settings, TurnOf(settings));
   ASSERT_GT(page.left, 0);
   const std::string code = Definitions(settings);
   EXPECT_NE(code.find("U mul " + std::to_string(static_cast<int>(page.left)) + " add exch moveto"),

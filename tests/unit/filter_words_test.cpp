@@ -10,7 +10,7 @@ namespace {
 class Words : public testing::Test {
  protected:
   // The settings that the words make, and the warnings, a line each.
-  std::string Made(const std::string &words, PageWords pages = PageWords::kNobody) {
+  std::string Made(const std::string &words, PageWords pages = PageWords::kDocument) {
     const QueuePpd ppd = MakeQueuePpd({*text_, "postscript", queue_, {}});
     made_ = SettingsOfWords(WordsOfApplications(words, false), ppd, pages);
     std::string text;
@@ -108,12 +108,37 @@ TEST_F(Words, TheSpoolersWordsForTextsAreSettingsOfTextJobs) {
             "the option \"scaling\" works with PDF and pictures only; ignored\n");
 }
 
-TEST_F(Words, WordsForPagesWorkWithDocumentsWhosePagesAreLaidOut) {
-  EXPECT_EQ(Made("number-up=2 page-ranges=1-3", PageWords::kConverter), "");
-  EXPECT_EQ(Made("number-up=2 page-ranges=1-3"),
-            "the option \"number-up\" works with PDF and pictures only; ignored\n"
-            "the option \"page-ranges\" works with PDF and pictures only; ignored\n");
+TEST_F(Words, WordsForPagesOfADocumentLaidOutElsewhereAreNoSettings) {
+  EXPECT_EQ(Made("number-up=2 page-ranges=1-3 booklet=yes", PageWords::kConverter), "");
   EXPECT_EQ(Made("orientation-requested=3 mirror=false page-set=all"), "");
+}
+
+TEST_F(Words, PagesASheetAndBookletsOfApplicationsAreSettings) {
+  EXPECT_EQ(Made("number-up=2 page-ranges=1-3"), "*Nup=2\n*NupOrder=Left\n");
+  EXPECT_EQ(Made("number-up-layout=btrl number-up=6"), "*Nup=6\n*NupOrder=Left\n*NupOrder=btrl\n");
+  EXPECT_EQ(Made("booklet=yes number-up=1"), "*Booklet=1\n");
+  EXPECT_EQ(Made("booklet=off"), "*Booklet=0\n");
+}
+
+TEST_F(Words, WordsForPagesThatNobodyHeedsAreWarnings) {
+  EXPECT_EQ(Made("number-up=3"),
+            "the option \"number-up\" does not work with that value; ignored\n");
+  EXPECT_EQ(Made("mirror=true scaling=50"),
+            "the option \"mirror\" works with PDF and pictures only; ignored\n"
+            "the option \"scaling\" works with PDF and pictures only; ignored\n");
+  EXPECT_EQ(Made("number-up=2 page-ranges=1-3 outputorder=reverse", PageWords::kNobody),
+            "the option \"number-up\" does not work with PCL jobs; ignored\n"
+            "the option \"outputorder\" does not work with PCL jobs; ignored\n");
+}
+
+TEST_F(Words, NoBookletLeavesThePagesASheetOfTheUser) {
+  PpdError error;
+  const PpdModel model = ReadPpd(*text_, &error).value();
+  JobSettings settings(model);
+  settings.Apply({{"*Nup", "4"}});
+  Made("booklet=no");
+  settings.ApplyWords(made_);
+  EXPECT_EQ(settings.Other("*Nup"), "4");
 }
 
 TEST_F(Words, AreAppliedOverOtherSettings) {

@@ -1,0 +1,27 @@
+// The pages of PostScript documents as the settings want them on the paper.
+#pragma once
+
+#include "jobresult.h"
+#include "jobsettings.h"
+#include "jobsource.h"
+
+namespace kpx::filter {
+
+// Whether the settings put several pages on a side, or a booklet.
+[[nodiscard]] bool UsesSheets(const JobSettings &settings);
+
+// Whether they ask for anything but the document's pages as they come.
+[[nodiscard]] bool ChangesPages(const JobSettings &settings);
+
+// The settings for what surrounds the pages: a booklet is printed on both sides, and the printer's
+// own controller does not turn sheets.
+JobSettings SheetSettings(const JobSettings &settings);
+
+// Writes the documents at the front of `source` with the code of the settings and with their pages
+// as these say, up to the end of the job or a language switch. A document whose pages cannot be
+// told apart is printed as it is, with a warning; with a selection of pages it is a failure before
+// anything of it is written. Clears `in_place` where the code may come too late.
+JobResult LayOutDocuments(const JobSettings &settings, JobSource *source, JobSink *sink,
+                          bool *in_place);
+
+}  // namespace kpx::filter
