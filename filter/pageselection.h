@@ -58,7 +58,7 @@ class SideList {
   std::vector<std::optional<size_t>> PagesOf(size_t side) const;
 
  private:
-  std::optional<size_t> Selected(size_t number) const;
+  [[nodiscard]] std::optional<size_t> Selected(size_t number) const;
 
   std::vector<PageSelection::Range> ranges_;
   SideRequest request_;
