@@ -126,6 +126,7 @@ mkdir /mnt/tests
 cp -a "$1" /mnt/stage
 cp "$1/../tests/printerd" /mnt/tests/
 cp "$2" /mnt/sandbox
+cd /mnt # the new /tmp hides a tree that is in the old one
 mount -t tmpfs -o mode=1777 tmpfs /tmp
 Xvfb :0 -nolisten tcp 2>/dev/null &
 tries=0
