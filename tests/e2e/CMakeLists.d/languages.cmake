@@ -8,7 +8,7 @@ target_compile_definitions(test_locales PRIVATE KPX_PROJECT_VERSION="${PROJECT_V
 # One more language, built as CONTRIBUTING.md says.
 add_test(NAME new_language COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/e2e/new_language/check
          ${PROJECT_SOURCE_DIR} ${CMAKE_BINARY_DIR})
-set_tests_properties(new_language PROPERTIES LABELS e2e TIMEOUT 600 DEPENDS stage)
+set_tests_properties(new_language PROPERTIES LABELS e2e DEPENDS stage)
 # The windows in other themes.
-kpx_add_test(NAME themes LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full TIMEOUT 900
+kpx_add_test(NAME themes LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
   SOURCES e2e/themes_test.cpp)

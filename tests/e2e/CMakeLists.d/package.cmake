@@ -7,7 +7,7 @@ add_test(NAME package_build COMMAND ${CMAKE_CPACK_COMMAND} -G DEB
 set_tests_properties(package_build PROPERTIES FIXTURES_SETUP package DEPENDS stage)
 
 kpx_add_test(NAME package LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full STAGE ${KPX_NO_STAGE}
-  TIMEOUT 120 SOURCES e2e/package_test.cpp)
+  SOURCES e2e/package_test.cpp)
 target_compile_definitions(test_package PRIVATE KPX_MAKEQUEUES="$<TARGET_FILE:makequeues>"
   KPX_PROJECT_VERSION="${PROJECT_VERSION}" KPX_STAGE_DIR="${KPX_STAGE}"
   KPX_PACKAGE_DIR="${KPX_PACKAGE}")

@@ -8,7 +8,7 @@ add_dependencies(test_properties_tool makequeues)
 kpx_add_test(NAME access_keys LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
   SOURCES e2e/access_keys_test.cpp)
 # The same tasks without a pointer.
-kpx_add_test(NAME keyboard_tasks LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full TIMEOUT 600
+kpx_add_test(NAME keyboard_tasks LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
   SOURCES e2e/keyboard_tasks_test.cpp support/printerjobs.cpp)
 target_compile_definitions(test_keyboard_tasks PRIVATE KPX_MAKEQUEUES="$<TARGET_FILE:makequeues>")
 add_dependencies(test_keyboard_tasks makequeues)

@@ -6,7 +6,7 @@ target_compile_definitions(kpx_faults PRIVATE
   KPX_SERVICE_FILE="${CMAKE_SOURCE_DIR}/packaging/kpx-queues.service")
 target_link_libraries(kpx_faults PUBLIC kpx_core Cups::Cups)
 # With a stand-in for the spooler and many queues.
-kpx_add_test(NAME save_kill LIBS kpx_faults LABEL e2e SANDBOX bare TIMEOUT 900
+kpx_add_test(NAME save_kill LIBS kpx_faults LABEL e2e SANDBOX bare
   SOURCES e2e/savekill_test.cpp)
 # With the real spooler and all that belongs to a queue.
 foreach(kind kill error powercut)

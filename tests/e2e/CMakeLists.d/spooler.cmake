@@ -1,34 +1,34 @@
 # The spooler bridge, and the sandbox itself.
-kpx_add_test(NAME spooler_printing LABEL e2e SANDBOX full TIMEOUT 180
+kpx_add_test(NAME spooler_printing LABEL e2e SANDBOX full
   SOURCES e2e/spooler_printing_test.cpp)
-kpx_add_test(NAME spooler_failures LIBS kpx_core LABEL e2e SANDBOX full TIMEOUT 180
+kpx_add_test(NAME spooler_failures LIBS kpx_core LABEL e2e SANDBOX full
   SOURCES e2e/spooler_failures_test.cpp)
-kpx_add_test(NAME spooler_filter LIBS kpx_core LABEL e2e SANDBOX full TIMEOUT 180
+kpx_add_test(NAME spooler_filter LIBS kpx_core LABEL e2e SANDBOX full
   SOURCES e2e/spooler_filter_test.cpp)
-kpx_add_test(NAME spooler_scripts LIBS kpx_core LABEL e2e SANDBOX full TIMEOUT 300
+kpx_add_test(NAME spooler_scripts LIBS kpx_core LABEL e2e SANDBOX full
   SOURCES e2e/spooler_scripts_test.cpp)
-kpx_add_test(NAME spooler_doubt LIBS kpx_core kpx_loopback LABEL e2e SANDBOX full TIMEOUT 180
+kpx_add_test(NAME spooler_doubt LIBS kpx_core kpx_loopback LABEL e2e SANDBOX full
   SOURCES e2e/spooler_doubt_test.cpp)
-kpx_add_test(NAME spooler_commands LABEL e2e SANDBOX full TIMEOUT 180
+kpx_add_test(NAME spooler_commands LABEL e2e SANDBOX full
   SOURCES e2e/spooler_commands_test.cpp)
-kpx_add_test(NAME spooler_coherence LIBS kpx_transport LABEL e2e SANDBOX full TIMEOUT 300
+kpx_add_test(NAME spooler_coherence LIBS kpx_transport LABEL e2e SANDBOX full
   SOURCES e2e/spooler_coherence_test.cpp support/faultinjection.cpp)
 # Starts its sandboxes itself.
-kpx_add_test(NAME sandbox LABEL e2e TIMEOUT 120 SOURCES e2e/sandbox_test.cpp)
+kpx_add_test(NAME sandbox LABEL e2e SOURCES e2e/sandbox_test.cpp)
 target_compile_definitions(test_sandbox PRIVATE KPX_SANDBOX_PROGRAM="${KPX_SANDBOX}"
                            KPX_STAGE_DIR="${KPX_STAGE}")
 set_tests_properties(sandbox PROPERTIES FIXTURES_REQUIRED stage)
 kpx_add_test(NAME printer_standin LABEL e2e SANDBOX bare SOURCES e2e/printerd_test.cpp)
 target_compile_definitions(test_printer_standin PRIVATE KPX_PRINTERD="$<TARGET_FILE:printerd>")
-kpx_add_test(NAME application_printing LIBS kpx_filter LABEL e2e SANDBOX full TIMEOUT 300
+kpx_add_test(NAME application_printing LIBS kpx_filter LABEL e2e SANDBOX full
   SOURCES e2e/application_printing_test.cpp support/adminsession.cpp)
 add_executable(gtkprint support/gtkprint.cpp)
 target_link_libraries(gtkprint PRIVATE PkgConfig::GTK3)
 target_compile_definitions(test_application_printing PRIVATE KPX_GTKPRINT="$<TARGET_FILE:gtkprint>")
 add_dependencies(test_application_printing gtkprint)
-kpx_add_test(NAME application_privacy LIBS kpx_filter LABEL e2e SANDBOX full TIMEOUT 300
+kpx_add_test(NAME application_privacy LIBS kpx_filter LABEL e2e SANDBOX full
   SOURCES e2e/application_privacy_test.cpp)
-kpx_add_test(NAME application_sharing LIBS kpx_core LABEL e2e SANDBOX full TIMEOUT 300
+kpx_add_test(NAME application_sharing LIBS kpx_core LABEL e2e SANDBOX full
   SOURCES e2e/application_sharing_test.cpp)
 target_compile_definitions(test_application_sharing PRIVATE
                            KPX_SECOND_HOST="${CMAKE_CURRENT_SOURCE_DIR}/support/secondhost")

@@ -1,5 +1,5 @@
 foreach(kind delivery failures stop)
   kpx_add_test(NAME transport_${kind}
                SOURCES e2e/transport_${kind}_test.cpp
-               LIBS kpx_loopback SANDBOX bare LABEL e2e TIMEOUT 240)
+               LIBS kpx_loopback SANDBOX bare LABEL e2e)
 endforeach()

@@ -4,9 +4,9 @@ target_link_libraries(makequeues PRIVATE kpx_core)
 
 kpx_add_test(NAME startup LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
   SOURCES e2e/startup_test.cpp)
-kpx_add_test(NAME print_tool LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full TIMEOUT 600
+kpx_add_test(NAME print_tool LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
   SOURCES e2e/print_tool_test.cpp)
-kpx_add_test(NAME print_settings LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full TIMEOUT 600
+kpx_add_test(NAME print_settings LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
   SOURCES e2e/print_settings_test.cpp)
 foreach(test IN ITEMS test_print_tool test_print_settings)
   target_compile_definitions(${test} PRIVATE KPX_MAKEQUEUES="$<TARGET_FILE:makequeues>")

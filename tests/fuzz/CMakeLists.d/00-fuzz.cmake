@@ -71,6 +71,6 @@ function(kpx_add_fuzzer)
             -max_total_time=${most_seconds}
             -print_final_stats=1 -artifact_prefix=${KPX_FUZZ_DIR}/crash-${T_NAME}- ${learnt}
             ${CMAKE_CURRENT_SOURCE_DIR}/fuzz/corpus/${T_NAME})
-  math(EXPR timeout "300 * ${KPX_TIMEOUT_FACTOR}")
+  math(EXPR timeout "1200 * ${KPX_TIMEOUT_FACTOR}")
   set_tests_properties(fuzz_${T_NAME} PROPERTIES LABELS fuzz TIMEOUT ${timeout})
 endfunction()

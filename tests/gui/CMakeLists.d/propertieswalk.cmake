@@ -4,3 +4,5 @@ kpx_add_test(NAME gui_propertiespages LIBS kpx_guisupport LABEL gui SANDBOX full
 # Random changes through the properties windows.
 kpx_add_test(NAME gui_propertieswalk LIBS kpx_guisupport LABEL gui SANDBOX full
   SOURCES gui/propertieswalk_test.cpp support/propertieswalker.cpp)
+# The longest one starts first, so that it is not alone at the end.
+set_tests_properties(gui_propertieswalk PROPERTIES COST 300)

@@ -13,7 +13,7 @@ foreach(name filter_applications filter_pdf)
   add_dependencies(test_${name} kpx_data)
 endforeach()
 kpx_add_test(NAME filter_corpus SOURCES e2e/filter_corpus_test.cpp
-             LIBS kpx_core kpx_filterrun Cups::Cups LABEL e2e TIMEOUT 600)
+             LIBS kpx_core kpx_filterrun Cups::Cups LABEL e2e)
 foreach(kind program rendering streaming)
   kpx_add_test(NAME filter_${kind} SOURCES e2e/filter_${kind}_test.cpp
                LIBS kpx_filterrun LABEL e2e)
