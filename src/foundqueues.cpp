@@ -221,6 +221,8 @@ Owned<CPrintQueue> QueueFromScript(const char *name, const std::string &script) 
   if (printer_name == nullptr || !IsQueueType(block.queue_type) || block.address.empty()) {
     return nullptr;
   }
+  const PrinterModel &row = FindPrinterModel(printer_name);
+  if (block.port != std::to_string(row.port) || block.backend != row.backend) return nullptr;
   const CPrinter *printer = HashValue<CPrinter>(G_Printers_hash, printer_name);
   NewQueue values;
   values.name = name;

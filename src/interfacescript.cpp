@@ -19,9 +19,6 @@ namespace {
 
 constexpr std::string_view L_AddressVariable = "NETWORK_ADDRESS";
 
-// The port on which the printers take data.
-constexpr char L_Port[] = "2501";
-
 // Program and new value of what makes a script the spooler's.
 constexpr std::pair<const char *, const char *> L_OwnerCommands[] = {
     {"/bin/chmod", "755"}, {"/bin/chgrp", "bin"}, {"/bin/chown", "lp"}};
@@ -45,6 +42,16 @@ std::string FilterLines(const InterfaceBlock &block) {
          "    --type " +
          block.queue_type + " \\\n" + "    --ppdfile " + block.ppd_path + " \\\n" +
          "    --deffile " + block.def_path + " <\"$1\"\n";
+}
+
+// The line that sends the data. The address is a variable of the script.
+std::string TransportLine(const InterfaceBlock &block) {
+  const std::string address = " $" + std::string(L_AddressVariable) + " ";
+  if (block.backend.empty()) {
+    return std::string("} | ") + kTransportProgram + address + block.port + " " +
+           block.transport_parameter + "\n";
+  }
+  return std::string("} | ") + kBackendProgram + address + block.port + " " + block.backend + "\n";
 }
 
 // Beside the script, so that it can take the script's place in one step.
@@ -71,10 +78,8 @@ std::string InterfaceBlockText(const InterfaceBlock &block) {
          "do\n" +
          FilterLines(block) +
          "  shift\n"
-         "done\n"
-         "} | " +
-         kTransportProgram + " $" + std::string(L_AddressVariable) + " " + L_Port + " " +
-         block.transport_parameter + "\n";
+         "done\n" +
+         TransportLine(block);
 }
 
 int WriteToInterfaceFile(const char *script_path, const char *queue_type, const char *ppd_path,
@@ -85,9 +90,13 @@ int WriteToInterfaceFile(const char *script_path, const char *queue_type, const 
        {script_path, queue_type, ppd_path, def_path, address, transport_parameter}) {
     if (text == nullptr) return 0;
   }
-  const std::string text =
-      InterfaceBlockText({queue_type, ppd_path, def_path, address, transport_parameter});
-  if (AppendDurably(script_path, text, TemporaryScript(script_path))) return 1;
+  return WriteInterfaceBlock(
+      script_path, {queue_type, ppd_path, def_path, address, transport_parameter}, errors);
+}
+
+int WriteInterfaceBlock(const std::string &script_path, const InterfaceBlock &block,
+                        CList *errors) {
+  if (AppendDurably(script_path, InterfaceBlockText(block), TemporaryScript(script_path))) return 1;
   G_Report(errors, "ERR_UNABLE_TO_WRITE_FILE", {script_path});
   return 0;
 }

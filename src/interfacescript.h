@@ -19,6 +19,8 @@ struct InterfaceBlock {
   std::string def_path;
   std::string address;
   std::string transport_parameter;
+  std::string backend = {};  // of CUPS; empty: our own transport
+  std::string port = "2501";
 };
 
 // The lines of the block.
@@ -31,6 +33,10 @@ std::string InterfaceBlockText(const InterfaceBlock &block);
                                        const char *ppd_path, const char *def_path,
                                        const char *address, const char *transport_parameter,
                                        CList *errors);
+
+// The same of a block.
+[[nodiscard]] int WriteInterfaceBlock(const std::string &script_path, const InterfaceBlock &block,
+                                      CList *errors);
 
 // `script` with every line that begins with "NETWORK_ADDRESS" replaced by one that sets `address`,
 // and every other byte as it was; nothing when there is no such line.

@@ -1,5 +1,7 @@
 #include "queuecreation.h"
 
+#include <unistd.h>
+
 #include <optional>
 #include <utility>
 
@@ -24,8 +26,13 @@ struct ScriptValues {
   std::string transport_parameter;
 };
 
-std::string PpdPath(const char *ppd_file) {
-  return std::string(kNlsDir) + "/" + G_GetNlsDirFromLang() + "/ppds/" + ppd_file;
+std::string PpdPath(const PrinterModel &model) {
+  const std::string nls_dir = std::string(model.nls_dir) + "/";
+  const std::string file = std::string("/ppds/") + model.ppd_file;
+  const std::string path = nls_dir + G_GetNlsDirFromLang() + file;
+  // A model may have been added before the language was installed.
+  const bool is_added = model.number == kAddedModelNumber;
+  return is_added && access(path.c_str(), R_OK) != 0 ? nls_dir + "enu" + file : path;
 }
 
 // Rewrites the script when it sets another address than the queue's, or the address is no longer
@@ -60,16 +67,18 @@ int CreateQueue(const char *name, const CPrintQueue *queue, ScriptValues &values
                 const QueueObserver &observer) {
   const PrinterModel &model =
       FindPrinterModel(fGet_CString_Value_Function(fGet_PrinterName_Function(queue)));
-  if (model.ppd_file != nullptr) values.ppd_path = PpdPath(model.ppd_file);
+  if (model.ppd_file != nullptr) values.ppd_path = PpdPath(model);
   if (model.transport_parameter != nullptr) values.transport_parameter = model.transport_parameter;
   if (AddQueueSysV(name, model.spooler_model, errors, observer) == 0) {
     if (!IsIncompleteQueue(name)) HashRemove(G_Queues_hash, name);
     return 0;
   }
-  return WriteToInterfaceFile(
-      InterfacePath(name).c_str(), fGet_CString_Value_Function(fGet_Language_Function(queue)),
-      values.ppd_path.c_str(), QueueDefFilePath(std::string(name) + ".def").c_str(),
-      fGet_CString_Value_Function(fGet_Address_Function(queue)), values.transport_parameter.c_str(),
+  return WriteInterfaceBlock(
+      InterfacePath(name),
+      {fGet_CString_Value_Function(fGet_Language_Function(queue)), values.ppd_path,
+       QueueDefFilePath(std::string(name) + ".def"),
+       fGet_CString_Value_Function(fGet_Address_Function(queue)), values.transport_parameter,
+       model.backend, std::to_string(model.port)},
       errors);
 }
 

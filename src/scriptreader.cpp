@@ -43,8 +43,7 @@ std::vector<Pattern> BlockPattern(bool raw) {
   }
   lines.push_back({"  shift", ""});
   lines.push_back({"done", ""});
-  lines.push_back({std::string("} | ") + kTransportProgram + " $NETWORK_ADDRESS 2501 ", "",
-                   &InterfaceBlock::transport_parameter});
+  lines.push_back({"} | ", "", &InterfaceBlock::transport_parameter});
   return lines;
 }
 
@@ -62,10 +61,42 @@ std::optional<std::string> ValueIn(std::string_view line, const Pattern &pattern
   return std::string(line);
 }
 
+// What the last line of a block begins with, in either of its forms.
+std::string TransportWords(const char *program) {
+  return std::string(program) + " $NETWORK_ADDRESS ";
+}
+
 // Whether the last line of a script can be the beginning of such a line.
 bool CanBegin(std::string_view line, const Pattern &pattern) {
   if (pattern.before.starts_with(line)) return true;
-  return pattern.value != nullptr && line.starts_with(pattern.before);
+  if (pattern.value == nullptr || !line.starts_with(pattern.before)) return false;
+  if (pattern.value != &InterfaceBlock::transport_parameter) return true;
+  line.remove_prefix(pattern.before.size());
+  const auto fits = [line](const char *program) {
+    const std::string words = TransportWords(program);
+    return words.starts_with(line) || line.starts_with(words);
+  };
+  return fits(kTransportProgram) || fits(kBackendProgram);
+}
+
+// Takes the last line of a block, which the pattern has put where the parameter goes, apart:
+// "kpxnbtrans $NETWORK_ADDRESS port parameter", or "kpxbackend $NETWORK_ADDRESS port backend".
+// False for another.
+bool TakeTransport(InterfaceBlock *block) {
+  const std::string line = block->transport_parameter;
+  const auto behind = [&line](const char *program) {
+    const std::string words = TransportWords(program);
+    return line.starts_with(words) ? line.substr(words.size()) : std::string();
+  };
+  const std::string own = behind(kTransportProgram), other = behind(kBackendProgram);
+  const std::string &rest = own.empty() ? other : own;
+  const size_t blank = rest.find(' ');
+  if (blank == std::string::npos || blank == 0) return false;
+  block->port = rest.substr(0, blank);
+  if (block->port.find_first_not_of("0123456789") != std::string::npos) return false;
+  block->transport_parameter = own.empty() ? "" : rest.substr(blank + 1);
+  block->backend = own.empty() ? rest.substr(blank + 1) : "";
+  return true;
 }
 
 // What follows the marker line, read by one of the two patterns.
@@ -84,6 +115,7 @@ BlockReading ReadAs(std::string_view rest, bool raw, bool from_bridge) {
     in_commands = in_commands || pattern.before == L_Commands;
     rest.remove_prefix(end + 1);
   }
+  if (!TakeTransport(&reading.block)) return reading;
   reading.state = BlockState::Whole;
   if (raw) reading.block.queue_type = "raw";
   return reading;
