@@ -107,10 +107,13 @@ void AddDelivery(const JobSettings &settings, const JobIdentity &identity, Comma
 std::string OwnCommands(const JobSettings &settings, const JobIdentity &identity,
                         bool with_copies) {
   CommandList commands(settings.Model().pjl_utf8);
-  const std::string name = settings.Other(kJobNameKey);
-  commands.SetText("JOBNAME", name.empty() || name == kApplicationsJobName ? identity.title : name);
-  commands.SetText("USERNAME", settings.UserName(identity.user));
-  AddDelivery(settings, identity, &commands);
+  if (!settings.Model().other_maker) {
+    const std::string name = settings.Other(kJobNameKey);
+    const bool own = !name.empty() && name != kApplicationsJobName;
+    commands.SetText("JOBNAME", own ? name : identity.title);
+    commands.SetText("USERNAME", settings.UserName(identity.user));
+    AddDelivery(settings, identity, &commands);
+  }
   if (with_copies && settings.Copies() > 1) {
     commands.Add(CopiesVariable(settings), std::to_string(settings.Copies()));
   }

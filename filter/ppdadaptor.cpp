@@ -176,6 +176,7 @@ void AddGroup(ppd_file_t *ppd, const ppd_group_t &group, bool installable, std::
     if (model->FindFeature(group.options[i].keyword) != nullptr) continue;
     PpdFeature feature = FeatureOf(ppd, group.options[i], bytes);
     feature.installable = installable;
+    feature.group = CleanText(group.text);
     model->features.push_back(std::move(feature));
   }
   for (int i = 0; i < group.num_subgroups; ++i) {
@@ -283,6 +284,17 @@ void FillSizes(ppd_file_t *ppd, PpdModel *model) {
   }
 }
 
+// What the models that were added are told apart by.
+void FillMaker(ppd_file_t *ppd, PpdModel *model) {
+  for (int i = 0; i < ppd->num_filters; ++i) model->filters.emplace_back(OrEmpty(ppd->filters[i]));
+  const auto value = [ppd](const char *name) {
+    const ppd_attr_t *attr = ppdFindAttr(ppd, name, nullptr);
+    return attr == nullptr ? std::string() : OrEmpty(attr->value);
+  };
+  model->throughput = value("Throughput");
+  model->other_maker = SameKeyword(value(kOtherMakerKeyword), "True");
+}
+
 PpdModel ModelOf(ppd_file_t *ppd, std::string_view bytes) {
   PpdModel model;
   model.nick_name = CleanText(OrEmpty(ppd->nickname));
@@ -298,6 +310,7 @@ PpdModel ModelOf(ppd_file_t *ppd, std::string_view bytes) {
   FillSizes(ppd, &model);
   FillJcl(ppd, &model);
   FillPjlSettings(ppd, &model);
+  FillMaker(ppd, &model);
   return model;
 }
 

@@ -40,6 +40,7 @@ struct PpdFeature {
   std::string text;  // never empty
   PpdUi ui = PpdUi::PickOne;
   bool installable = false;
+  std::string group;  // the text of the group it is in, may be empty
   PpdSection section = PpdSection::Any;
   double order = 0;
   std::string default_choice;  // as written; may name no choice, or be empty
@@ -80,6 +81,11 @@ struct PpdModel {
   std::map<std::string, PpdPageSize, std::less<>> page_sizes;
   std::map<std::string, bool, std::less<>> requires_page_region;  // by input slot or "All"
 
+  // What CUPS would hand jobs to: "application/vnd.cups-postscript 0 -" and the like.
+  std::vector<std::string> filters;
+  std::string throughput;    // *Throughput, pages a minute, may be empty
+  bool other_maker = false;  // takes no job commands but those of its PPD file (kOtherMakerKeyword)
+
   bool pjl = false;  // the printer understands PJL
   bool pjl_utf8 = false;
   // What a job that is not PostScript sets by PJL ("DUPLEX=ON"), by feature and choice.
@@ -89,6 +95,9 @@ struct PpdModel {
   // The feature of this keyword (case does not count, no asterisk), or nothing.
   const PpdFeature *FindFeature(std::string_view keyword) const;
 };
+
+// Our own keyword in the PPD files of models that were added.
+inline constexpr char kOtherMakerKeyword[] = "KPXOtherMaker";
 
 // Whether two keywords are the same: case does not count (ASCII only).
 [[nodiscard]] bool SameKeyword(std::string_view a, std::string_view b);
