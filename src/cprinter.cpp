@@ -100,6 +100,19 @@ CString *fGetPpdFile_Function(const CPrinter *printer) {
   return printer == nullptr ? nullptr : printer->ppd_file.get();
 }
 
+namespace {
+
+Owned<CString> TakeContent(CPrinter *printer, PafContent content) {
+  printer->features = std::move(content.features);
+  printer->installable_options = std::move(content.installable_options);
+  printer->custom_paper = std::move(content.custom_paper);
+  printer->constraints = std::move(content.constraints);
+  printer->ppd_file = std::move(content.ppd_file);
+  return std::move(content.name);
+}
+
+}  // namespace
+
 Owned<CString> fFillFromPaf_Function(CPrinter *printer) {
   const LogScope log("fFillFromPaf_Function");
   if (printer == nullptr) return nullptr;
@@ -113,11 +126,17 @@ Owned<CString> fFillFromPaf_Function(CPrinter *printer) {
     Log(1, std::string(path) + ":" + std::to_string(error->line_number) + ": " + error->reason);
     G_Fatal(5, "ERR_FILE_CORRUPTED", {path, error->line});
   }
-  PafContent &content = std::get<PafContent>(result);
-  printer->features = std::move(content.features);
-  printer->installable_options = std::move(content.installable_options);
-  printer->custom_paper = std::move(content.custom_paper);
-  printer->constraints = std::move(content.constraints);
-  printer->ppd_file = std::move(content.ppd_file);
-  return std::move(content.name);
+  return TakeContent(printer, std::move(std::get<PafContent>(result)));
+}
+
+bool FillFromPaf(CPrinter *printer) {
+  const LogScope log("FillFromPaf");
+  if (printer == nullptr) return false;
+  const std::optional<std::string> file =
+      ReadWholeFile(fGet_CString_Value_Function(printer->paf_file.get()));
+  if (!file) return false;
+  LineReader lines(*file);
+  std::variant<PafContent, PafError> result = ReadPaf(lines);
+  if (std::holds_alternative<PafError>(result)) return false;
+  return TakeContent(printer, std::move(std::get<PafContent>(result))) != nullptr;
 }

@@ -53,3 +53,7 @@ CString *fGetPpdFile_Function(const CPrinter *printer);
 // that cannot be read or is corrupt ends the process with status 5 after one line on standard
 // error.
 [[nodiscard]] Owned<CString> fFillFromPaf_Function(CPrinter *printer);
+
+// The same of a description that the programs can do without: false, and the record as it was, for
+// null and for a file that cannot be read or is corrupt.
+[[nodiscard]] bool FillFromPaf(CPrinter *printer);

@@ -22,6 +22,7 @@
 #include "Support.h"
 #include "ToolWindow.h"
 #include "ToolWindowFct.h"
+#include "addedmodels.h"
 #include "chelp.h"
 #include "cmessages.h"
 #include "cprinters.h"
@@ -132,12 +133,14 @@ void LoadHelp() {
   fFillFromHelp_Function(G_Help.get());
 }
 
-void LoadPrinters() {
+// What is wrong with models that were added is added to `messages`.
+void LoadPrinters(CList *messages) {
   BuildPrinterPaths();
   Log(1, "Create the CPrinters structure");
   G_Printers = CreatePrinters(ppd_path.c_str(), paf_path.c_str());
   IgnoreResult(fBuildPrinters_Function(G_Printers.get()), "the catalogue is there");
   G_Printers_hash = fGetPrinters_Function(G_Printers.get());
+  LoadAddedModels(G_Printers_hash, lng_dir, messages);
 }
 
 // What is wrong with the queues is added to `messages`.
@@ -206,7 +209,7 @@ GtkWidget *StartUp(CList *messages) {
   LoadHelp();
   Log(1, "Set the pixmaps dir");
   add_pixmap_directory(kPixmapDir);
-  LoadPrinters();
+  LoadPrinters(messages);
   LoadQueueCollections(messages);
   return CreateMainWindow();
 }

@@ -149,6 +149,8 @@ std::string_view Utf8Prefix(std::string_view text, size_t max_bytes) {
   return text.substr(0, splits ? end : max_bytes);
 }
 
+std::string LocaleText(std::string_view text) { return LocaleBytes(text); }
+
 void PrintError(std::string_view text) {
   const std::string bytes = LocaleBytes(text);
   std::fwrite(bytes.data(), 1, bytes.size(), stderr);

@@ -28,6 +28,9 @@ std::string PlainText(std::string_view bytes);
 // The first at most `max_bytes` bytes of `text`, without splitting a UTF-8 sequence.
 std::string_view Utf8Prefix(std::string_view text, size_t max_bytes);
 
+// `text` (UTF-8) in the locale's character set, what that lacks as PrintError has it.
+std::string LocaleText(std::string_view text);
+
 // Writes `text` (UTF-8, no line feed added) to standard error in the locale's character set and
 // flushes. Of the characters that it lacks, quotation marks and no-break spaces become plain ones,
 // all others "?".

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "addedmodels.h"
 #include "addqueue.h"
 #include "cmessages.h"
 #include "coresupport.h"
@@ -32,6 +33,7 @@ void LoadCatalogues() {
   G_Printers = CreatePrinters(ppd_path.c_str(), paf_path.c_str());
   Must(fBuildPrinters_Function(G_Printers.get()));
   G_Printers_hash = fGetPrinters_Function(G_Printers.get());
+  LoadAddedModels(G_Printers_hash, lng_dir, nullptr);
 }
 
 void LoadQueues(CList *messages) {

@@ -31,8 +31,7 @@ std::string SpoolerLog() {
 
 }  // namespace
 
-PrinterJobs::PrinterJobs() : watch_(inotify_init1(IN_CLOEXEC | IN_NONBLOCK)) {
-  const char *directory = std::getenv("KPX_JOBS");
+PrinterJobs::PrinterJobs(const char *directory) : watch_(inotify_init1(IN_CLOEXEC | IN_NONBLOCK)) {
   if (directory == nullptr) throw std::runtime_error("no printer stand-in: run in the sandbox");
   directory_ = directory;
   inotify_add_watch(watch_.get(), directory, IN_MOVED_TO);

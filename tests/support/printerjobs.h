@@ -1,6 +1,7 @@
 // What the printer stand-in of the sandbox has received.
 #pragma once
 
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -10,8 +11,9 @@ using kpx::transport::Descriptor;
 
 class PrinterJobs {
  public:
-  // Counts the jobs from now on.
-  PrinterJobs();
+  // Counts the jobs from now on: those of the sandbox, or of another stand-in that stores them in
+  // `directory`.
+  explicit PrinterJobs(const char *directory = std::getenv("KPX_JOBS"));
 
   // Waits for the next job and returns its bytes; throws std::runtime_error, with the end of the
   // spooler's log, when none comes.

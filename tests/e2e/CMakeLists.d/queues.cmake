@@ -1,3 +1,7 @@
 # Queues in a real spooler, through the bridge.
 kpx_add_test(NAME queue_creation LIBS kpx_core LABEL e2e SANDBOX full
   SOURCES e2e/queue_creation_test.cpp)
+# Models of other makers, added to the installation.
+kpx_add_test(NAME added_models LIBS kpx_filter kpx_transport LABEL e2e SANDBOX full TIMEOUT 300
+  SOURCES e2e/added_models_test.cpp support/adminsession.cpp support/printerjobs.cpp)
+target_compile_definitions(test_added_models PRIVATE KPX_PRINTERD="$<TARGET_FILE:printerd>")

@@ -1,0 +1,89 @@
+#include "commands.h"
+
+#include <unistd.h>
+
+#include "cmessages.h"
+#include "modelcommands.h"
+#include "output.h"
+#include "paths.h"
+#include "queuelistkeep.h"
+#include "words.h"
+
+namespace kpx::ctl {
+
+namespace {
+
+constexpr char kName[] = "kpxctl";
+
+std::string Synopsis(const Command &command) {
+  std::string line = std::string(kName) + " " + command.subject + " " + command.verb;
+  if (*command.words != '\0') line += std::string(" ") + command.words;
+  return line;
+}
+
+void PrintHelp() {
+  PrintLine(G_Message("CTL_USAGE", {std::string(kName) + " COMMAND ..."}));
+  for (const Command &command : Commands()) {
+    PrintLine("");
+    PrintLine("  " + Synopsis(command));
+    PrintLine("      " + std::string(G_Translate(command.help_key)));
+  }
+}
+
+Status Refuse(const std::string &problem) {
+  Complain(problem);
+  Complain(G_Message("CTL_SEE_HELP", {std::string(kName) + " --help"}));
+  return kWrongCall;
+}
+
+// The superuser alone may change things, and one administrator at a time.
+Status MayChange() {
+  if (geteuid() != 0) {
+    Complain(G_Translate("CTL_NOT_ROOT"));
+    return kFailed;
+  }
+  if (LockQueueList(kQueuesFile) == 1) return kDone;
+  Complain(G_Translate("ERR_ADMIN_RUNNING"));
+  return kRefused;
+}
+
+Status Run(const Command &command, const std::vector<std::string> &words) {
+  const std::variant<Call, std::string> read = ReadCall(command, words);
+  if (const auto *problem = std::get_if<std::string>(&read)) {
+    Complain(*problem);
+    Complain(G_Message("CTL_USAGE", {Synopsis(command)}));
+    return kWrongCall;
+  }
+  const Call &call = std::get<Call>(read);
+  if (command.changes) {
+    if (const Status status = MayChange(); status != kDone) return status;
+  }
+  return command.run(call);
+}
+
+}  // namespace
+
+const std::vector<Command> &Commands() {
+  static const std::vector<Command> commands = ModelCommands();
+  return commands;
+}
+
+Status RunCommandLine(const std::vector<std::string> &words) {
+  if (words.empty()) return Refuse(G_Message("CTL_WORD_MISSING", {"COMMAND"}));
+  if (words[0] == "--help" || words[0] == "-h") {
+    PrintHelp();
+    return kDone;
+  }
+  if (words[0] == "--version") {
+    PrintLine(std::string(kName) + " " + KPX_VERSION);
+    return kDone;
+  }
+  for (const Command &command : Commands()) {
+    if (words[0] != command.subject || words.size() < 2 || words[1] != command.verb) continue;
+    return Run(command, {words.begin() + 2, words.end()});
+  }
+  return Refuse(
+      G_Message("CTL_WRONG_WORD", {words.size() > 1 ? words[0] + " " + words[1] : words[0]}));
+}
+
+}  // namespace kpx::ctl
