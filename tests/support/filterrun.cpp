@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <deque>
 #include <stdexcept>
 
 #include "deadline.h"
@@ -28,17 +29,45 @@ int Start(const std::vector<std::string> &arguments, int input, int output, int 
   return child;
 }
 
+// A run whose input and output are files.
+class RunWithFiles {
+ public:
+  RunWithFiles(const std::vector<std::string> &arguments, const std::string &input) {
+    const int in = open(directory_.Write("in", input).c_str(), O_RDONLY | O_CLOEXEC);
+    const int out = open(directory_.Write("out", "").c_str(), O_WRONLY | O_CLOEXEC);
+    const int err = open(directory_.Write("err", "").c_str(), O_WRONLY | O_CLOEXEC);
+    child_ = Start(arguments, in, out, err);
+    for (const int fd : {in, out, err}) close(fd);
+  }
+
+  FilterRun Result() const {
+    const int status = WaitFor(child_);
+    return {status, ContentOf(directory_.Path("out")), ContentOf(directory_.Path("err"))};
+  }
+
+ private:
+  TemporaryDirectory directory_;
+  pid_t child_ = 0;
+};
+
+constexpr size_t kAtATime = 16;
+
 }  // namespace
 
 FilterRun RunFilter(const std::vector<std::string> &arguments, const std::string &input) {
-  const TemporaryDirectory directory;
-  const int in = open(directory.Write("in", input).c_str(), O_RDONLY | O_CLOEXEC);
-  const int out = open(directory.Write("out", "").c_str(), O_WRONLY | O_CLOEXEC);
-  const int err = open(directory.Write("err", "").c_str(), O_WRONLY | O_CLOEXEC);
-  const pid_t child = Start(arguments, in, out, err);
-  for (const int fd : {in, out, err}) close(fd);
-  const int status = WaitFor(child);
-  return {status, ContentOf(directory.Path("out")), ContentOf(directory.Path("err"))};
+  return RunWithFiles(arguments, input).Result();
+}
+
+std::vector<FilterRun> FilterAll(const std::vector<FilterInput> &jobs) {
+  std::vector<FilterRun> results;
+  std::deque<RunWithFiles> running;
+  for (const FilterInput &job : jobs) {
+    running.emplace_back(FilterArgumentsOf(job.call), job.input);
+    if (running.size() < kAtATime && results.size() + running.size() < jobs.size()) continue;
+    for (const RunWithFiles &run : running) results.push_back(run.Result());
+    running.clear();
+  }
+  return results;
 }
 
 FilterRun Convert(const std::string &ppd_path, const std::string &paf_path) {

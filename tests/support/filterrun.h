@@ -26,6 +26,13 @@ struct FilterCall {
 std::vector<std::string> FilterArgumentsOf(const FilterCall &call);
 FilterRun Filter(const FilterCall &call, const std::string &input);
 
+// The same of many jobs, some of them at a time.
+struct FilterInput {
+  FilterCall call;
+  std::string input;
+};
+std::vector<FilterRun> FilterAll(const std::vector<FilterInput> &jobs);
+
 // Starts the program between two descriptors (which stay the caller's), standard error to nowhere;
 // returns the process id.
 int StartFilter(const std::vector<std::string> &arguments, int input, int output);
