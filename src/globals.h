@@ -11,7 +11,12 @@ struct CHelp;
 struct CPrinters;
 struct CPrintQueues;
 
-enum ProgramMode { kModeNeither = 0, kModeAdministration = 1, kModePrintTool = 2 };
+enum ProgramMode {
+  kModeNeither = 0,
+  kModeAdministration = 1,
+  kModePrintTool = 2,
+  kModeJobs = 3,
+};
 
 extern int G_ProgName;  // a ProgramMode
 

@@ -1,4 +1,4 @@
-// Start-up and shut-down of the one executable behind KPXadmin and KPXtool.
+// Start-up and shut-down of the one executable behind KPXadmin, KPXtool and KPXjobs.
 
 #include <X11/Xlib.h>
 #include <fcntl.h>
@@ -16,6 +16,8 @@
 
 #include "AdminWindow.h"
 #include "AdminWindowFct.h"
+#include "JobsWindow.h"
+#include "JobsWindowFct.h"
 #include "MessageDialogs.h"
 #include "ModuleGuard.h"
 #include "Pixmaps.h"
@@ -60,6 +62,7 @@ int ModeFromProgramName(const char *path) {
   const char *name = slash == nullptr ? path : slash + 1;
   if (std::strcmp(name, "KPXadmin") == 0) return kModeAdministration;
   if (std::strcmp(name, "KPXtool") == 0) return kModePrintTool;
+  if (std::strcmp(name, "KPXjobs") == 0) return kModeJobs;
   return kModeNeither;
 }
 
@@ -174,6 +177,7 @@ GtkWidget *CreateMainWindow() {
     TakeStandardInput();
     return window;
   }
+  if (G_ProgName == kModeJobs) return create_JobsWindow();
   return nullptr;
 }
 
@@ -181,6 +185,8 @@ GtkWidget *CreateMainWindow() {
 gboolean CancelOnSignal(gpointer) {
   if (G_ProgName == kModeAdministration) {
     ButtonCancelPressed();
+  } else if (G_ProgName == kModeJobs) {
+    ButtonCloseJobsPressed();
   } else {
     ButtonCancelToolPressed();
   }
@@ -201,8 +207,12 @@ int EndWithoutDisplay(Display *display) {
   return L_ToolkitErrorHandler(display);
 }
 
-// Everything up to the main window; null when the program's name is neither of the two.
+// Everything up to the main window; null when the program's name is none of the three.
 GtkWidget *StartUp(CList *messages) {
+  if (G_ProgName == kModeJobs) {
+    LoadHelp();
+    return CreateMainWindow();
+  }
   // Its answer comes while the texts and printers are read.
   if (G_ProgName == kModeAdministration) AskSpooler();
   G_Fonts_hash = ParseFontmap();

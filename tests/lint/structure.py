@@ -235,7 +235,7 @@ def main():
     documented = documented_modules((root / "docs/ARCHITECTURE.md").read_text(encoding="utf-8"))
     core = library_modules(lists, variables, "kpx_core")
     gui = library_modules(lists, variables, "kpx_gui")
-    if not core or not gui or len(documented) != 12:
+    if not core or not gui or len(documented) < 12:
         sys.exit("structure.py: the lists or the map cannot be read any more")
     included = included_modules(src, {m for modules in variables.values() for m in modules})
     faults = [*map_faults(numbers, documented), *file_faults(src, numbers),

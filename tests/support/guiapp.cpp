@@ -467,6 +467,8 @@ double GuiApp::ProcessorSeconds() const {
   return (user + system) / static_cast<double>(sysconf(_SC_CLK_TCK));
 }
 
+int GuiApp::LongestTurn() { return std::stoi(Demand("turn")); }
+
 void Screenshot(const std::string &path) { RunImport({"-window", "root", path}); }
 
 void Screenshot(const std::string &path, const ScreenArea &area) {

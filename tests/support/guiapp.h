@@ -114,6 +114,8 @@ class GuiApp {
   std::string Stderr() const;
   // The processor time that the program has used, in seconds; the system counts in hundredths.
   double ProcessorSeconds() const;
+  // The longest turn of its main loop since this was last asked, in milliseconds.
+  int LongestTurn();
 
  private:
   std::optional<std::string> Ask(

@@ -35,6 +35,7 @@
 //   texts         lines "<window>/<widget> TAB <text>", one a line, of every text in the windows,
 //   in
 //                 lists and in tooltips; what the toolkit's file chooser shows is left out
+//   turn          the longest turn of the main loop since this was last asked, in milliseconds
 //   idle          "1", when everything that was under way has been done
 //   drawn         "1", when all windows have been drawn as they are now
 //
@@ -253,6 +254,25 @@ Answer WindowIdentifier(GtkWidget *window) {
   return std::to_string(gdk_x11_window_get_xid(gtk_widget_get_window(window)));
 }
 
+// A turn lasts from the end of one wait for events to the beginning of the next.
+gint64 L_TurnStart = 0;  // in microseconds, as the next
+gint64 L_LongestTurn = 0;
+
+gint WaitForEvents(GPollFD *descriptors, guint count, gint timeout) {
+  const gint64 now = g_get_monotonic_time();
+  if (L_TurnStart != 0) L_LongestTurn = std::max(L_LongestTurn, now - L_TurnStart);
+  const gint result = g_poll(descriptors, count, timeout);
+  L_TurnStart = g_get_monotonic_time();
+  return result;
+}
+
+std::string TakeLongestTurn() {
+  const gint64 longest = L_LongestTurn;
+  L_LongestTurn = 0;
+  L_TurnStart = 0;  // this one is the tests' own
+  return std::to_string(longest / 1000);
+}
+
 Answer AboutWidget(const std::string &word, const std::string &name, int number) {
   GtkWidget *widget = Find(name);
   if (widget == nullptr) return {};
@@ -280,6 +300,7 @@ Answer AnswerTo(const std::string &request) {
   if (word == "unnamed") return Unnamed();
   if (word == "seen") return SeenAreas();
   if (word == "texts") return AllTexts();
+  if (word == "turn") return TakeLongestTurn();
   if (word == "idle") return "1";
   if (first == std::string::npos) return {};
   const size_t second = request.find(' ', first + 1);
@@ -415,6 +436,7 @@ int ListenOn(const char *path) {
 extern "C" G_MODULE_EXPORT void gtk_module_init(gint *, gchar ***) {
   const char *path = std::getenv("KPX_INSPECT_SOCKET");
   if (path == nullptr) return;
+  g_main_context_set_poll_func(nullptr, WaitForEvents);
   const int listener = ListenOn(path);
   if (listener < 0) {
     g_printerr("libkpxinspect: no socket\n");

@@ -135,7 +135,7 @@ TEST_P(Manual, IsAsOldAsTheEnglishOne) {
 
 INSTANTIATE_TEST_SUITE_P(Pages, Manual,
                          testing::Combine(testing::ValuesIn(kTranslations),
-                                          testing::Values("KPXadmin.8", "KPXtool.1")),
+                                          testing::Values("KPXadmin.8", "KPXtool.1", "KPXjobs.1")),
                          [](const auto &row) {
                            const std::string page = std::get<1>(row.param);
                            return std::get<0>(row.param).locale +

@@ -1,0 +1,175 @@
+#include "ippclient.h"
+
+#include <cstdlib>
+
+namespace {
+
+constexpr int L_LongQuarters = 12;     // three seconds
+constexpr int L_GiveUpQuarters = 240;  // a minute
+constexpr double L_Quarter = 0.25;     // seconds
+constexpr int L_ConnectMilliseconds = 3000;
+
+// Nobody is asked for a password: what this user may not do is refused.
+const char *NoPassword(const char *, http_t *, const char *, const char *, void *) {
+  return nullptr;
+}
+
+std::string ValueText(const CupsLibrary &cups, ipp_attribute_t *attribute) {
+  switch (cups.ippGetValueTag(attribute)) {
+    case IPP_TAG_INTEGER:
+    case IPP_TAG_ENUM:
+      return std::to_string(cups.ippGetInteger(attribute, 0));
+    case IPP_TAG_BOOLEAN:
+      return cups.ippGetBoolean(attribute, 0) != 0 ? "1" : "0";
+    default:
+      break;
+  }
+  std::string text;
+  for (int i = 0; i < cups.ippGetCount(attribute); ++i) {
+    const char *value = cups.ippGetString(attribute, i, nullptr);
+    if (value == nullptr) continue;
+    if (!text.empty()) text += ' ';
+    text += value;
+  }
+  return text;
+}
+
+// Objects of the answer are groups of that tag, one behind the other.
+std::vector<IppObject> ObjectsIn(const CupsLibrary &cups, ipp_t *answer, ipp_tag_t group) {
+  std::vector<IppObject> objects;
+  bool open = false;
+  for (ipp_attribute_t *attribute = cups.ippFirstAttribute(answer); attribute != nullptr;
+       attribute = cups.ippNextAttribute(answer)) {
+    const char *name = cups.ippGetName(attribute);
+    if (cups.ippGetGroupTag(attribute) != group || name == nullptr) {
+      open = false;
+      continue;
+    }
+    if (!open) objects.emplace_back();
+    open = true;
+    objects.back().push_back({name, ValueText(cups, attribute)});
+  }
+  return objects;
+}
+
+IppAnswer Judge(const CupsLibrary &cups, ipp_t *answer, ipp_tag_t group) {
+  IppAnswer result;
+  if (answer == nullptr) {
+    const char *words = cups.cupsLastErrorString();
+    result.words = words == nullptr ? "" : words;
+    return result;
+  }
+  const ipp_status_t status = cups.ippGetStatusCode(answer);
+  const bool good = status < IPP_STATUS_REDIRECTION_OTHER_SITE;
+  // An empty list is told as something that is not there.
+  const bool empty = status == IPP_STATUS_ERROR_NOT_FOUND && group != IPP_TAG_ZERO;
+  if (good || empty) {
+    result.kind = IppAnswer::Kind::Done;
+    result.objects = ObjectsIn(cups, answer, group);
+  } else {
+    result.kind = status == IPP_STATUS_ERROR_SERVICE_UNAVAILABLE ? IppAnswer::Kind::Unreachable
+                                                                 : IppAnswer::Kind::Refused;
+    const char *words = cups.cupsLastErrorString();
+    result.words = words == nullptr ? "" : words;
+  }
+  return result;
+}
+
+}  // namespace
+
+IppRequest::IppRequest(const CupsLibrary &cups, ipp_op_t operation, const std::string &object)
+    : cups_(cups), request_(cups.ippNewRequest(operation)) {
+  const std::string uri = "ipp://localhost/" + object;
+  const bool job = object.starts_with("jobs/");
+  Text(IPP_TAG_OPERATION, IPP_TAG_URI, job ? "job-uri" : "printer-uri", uri);
+  const char *user = cups.cupsUser();
+  Text(IPP_TAG_OPERATION, IPP_TAG_NAME, "requesting-user-name", user == nullptr ? "" : user);
+}
+
+IppRequest::~IppRequest() {
+  if (request_ != nullptr) cups_.ippDelete(request_);
+}
+
+IppRequest &IppRequest::Text(ipp_tag_t group, ipp_tag_t kind, const char *name,
+                             const std::string &value) {
+  cups_.ippAddString(request_, group, kind, name, nullptr, value.c_str());
+  return *this;
+}
+
+IppRequest &IppRequest::Texts(ipp_tag_t group, const char *name,
+                              const std::vector<const char *> &values) {
+  cups_.ippAddStrings(request_, group, IPP_TAG_KEYWORD, name, static_cast<int>(values.size()),
+                      nullptr, values.data());
+  return *this;
+}
+
+IppRequest &IppRequest::Number(ipp_tag_t group, const char *name, int value) {
+  cups_.ippAddInteger(request_, group, IPP_TAG_INTEGER, name, value);
+  return *this;
+}
+
+IppRequest &IppRequest::Truth(ipp_tag_t group, const char *name, bool value) {
+  cups_.ippAddBoolean(request_, group, name, value ? 1 : 0);
+  return *this;
+}
+
+std::string TextIn(const IppObject &object, const char *name) {
+  for (const IppValue &value : object) {
+    if (value.name == name) return value.text;
+  }
+  return "";
+}
+
+int NumberIn(const IppObject &object, const char *name, int otherwise) {
+  const std::string text = TextIn(object, name);
+  return text.empty() ? otherwise : static_cast<int>(std::strtol(text.c_str(), nullptr, 10));
+}
+
+// Runs for each quarter of a second that nothing came.
+int KeepWaiting(http_t *, void *client) { return static_cast<IppClient *>(client)->StillWaiting(); }
+
+IppClient::IppClient(const std::atomic<bool> &stop, std::function<void()> waits_long)
+    : cups_(LoadCups()), stop_(stop), waits_long_(std::move(waits_long)) {
+  if (cups_ != nullptr) cups_->cupsSetPasswordCB2(NoPassword, nullptr);
+}
+
+IppClient::~IppClient() { Disconnect(); }
+
+int IppClient::StillWaiting() {
+  if (stop_) return 0;
+  if (++quarters_ == L_LongQuarters) waits_long_();
+  return quarters_ < L_GiveUpQuarters ? 1 : 0;
+}
+
+bool IppClient::Connect() {
+  if (http_ != nullptr) return true;
+  http_ = cups_->httpConnect2(cups_->cupsServer(), cups_->ippPort(), nullptr, AF_UNSPEC,
+                              cups_->cupsEncryption(), 1, L_ConnectMilliseconds, nullptr);
+  if (http_ == nullptr) return false;
+  cups_->httpSetTimeout(http_, L_Quarter, KeepWaiting, this);
+  return true;
+}
+
+void IppClient::Disconnect() {
+  if (http_ != nullptr) cups_->httpClose(http_);
+  http_ = nullptr;
+}
+
+IppAnswer IppClient::Do(IppRequest &request, ipp_tag_t group, const std::string &file) {
+  quarters_ = 0;
+  if (!Connect()) return {};
+  const std::string object = file.empty() ? "/" : "/printers/";
+  ipp_t *answer = file.empty() ? cups_->cupsDoRequest(http_, request.Release(), object.c_str())
+                               : cups_->cupsDoFileRequest(http_, request.Release(), object.c_str(),
+                                                          file.c_str());
+  IppAnswer result = Judge(*cups_, answer, group);
+  if (answer != nullptr) cups_->ippDelete(answer);
+  // What the connection still brings would be taken for the answer to the next request.
+  if (result.kind == IppAnswer::Kind::Unreachable) Disconnect();
+  return result;
+}
+
+std::string IppClient::User() const {
+  const char *user = cups_ == nullptr ? nullptr : cups_->cupsUser();
+  return user == nullptr ? "" : user;
+}

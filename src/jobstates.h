@@ -1,0 +1,50 @@
+// The words for states of queues and jobs, and for what keeps a job from being printed, in the
+// user's language.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "spoolerstate.h"
+
+// What keeps a job, as the last words about it tell.
+enum class Trouble {
+  None,         // nothing that is known here
+  Unreachable,  // the printer does not answer
+  UnknownName,  // its name is not known
+  TakesNoData,  // it answers and takes nothing: out of paper, paused
+  InDoubt,      // all or a part of the job may have been printed
+  NoSpace,      // on this host
+  NotSetUp,     // the queue is incomplete
+  Failed,       // one of the programs that prepare the job
+};
+struct TroubleReading {
+  Trouble kind = Trouble::None;
+  std::string printer;  // its address, if the words name it
+  std::string cause;    // the words without what the bridge adds to them
+};
+
+// What words of the bridge, its filter and its transport mean; other words mean nothing.
+TroubleReading ReadTrouble(std::string_view words);
+
+// One or two words each.
+std::string QueueStateText(const SpoolerQueue &queue);
+std::string JobStateText(const SpoolerJob &job);
+
+// Pages when the printer has told them, else the size.
+std::string JobSizeText(const SpoolerJob &job);
+
+// Why the queue or the job is where it is, and what its user can do; empty when there is nothing to
+// say. `queue` is the job's, null when it is not known.
+std::string QueueReasonText(const SpoolerQueue &queue);
+std::string JobReasonText(const SpoolerJob &job, const SpoolerQueue *queue);
+
+// A trouble and what mends it, as sentences; empty for none.
+std::string TroubleText(const TroubleReading &trouble);
+
+// What the printer itself reports of its paper, doors and toner (`reasons` as IPP has them), in
+// words; empty when it reports nothing.
+std::string PrinterReasonsText(std::string_view reasons);
+
+// True when all or a part of the job may have been printed already.
+[[nodiscard]] bool MayHaveBeenPrinted(const SpoolerJob &job);

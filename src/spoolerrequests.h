@@ -1,0 +1,32 @@
+// What the program asks the print service for, as IPP requests. Each waits for the answer.
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "ippclient.h"
+#include "spoolerstate.h"
+
+// All queues by name, all jobs (or the user's own) the newest first; nothing without an answer.
+[[nodiscard]] std::optional<std::vector<SpoolerQueue>> AskForQueues(IppClient &client);
+[[nodiscard]] std::optional<std::vector<SpoolerJob>> AskForJobs(IppClient &client, bool own);
+// Appends that job to `found` if there is one. False without an answer.
+[[nodiscard]] bool AskForJob(IppClient &client, int number, std::vector<SpoolerJob> *found);
+
+// Has the service keep the events of its queues and jobs from now on: the subscription's number, 0
+// when it does not.
+[[nodiscard]] int Subscribe(IppClient &client);
+// Gives the subscription up; one that nobody gives up ends by itself after some minutes.
+void Unsubscribe(IppClient &client, int subscription);
+
+struct SpoolerEvents {
+  bool lost = false;      // there is no such subscription any more
+  bool any = false;       // something happened
+  int last = 0;           // the number of the last event
+  std::vector<int> jobs;  // that they are about
+};
+// The events from that number on; nothing without an answer.
+[[nodiscard]] std::optional<SpoolerEvents> AskForEvents(IppClient &client, int subscription,
+                                                        int first);
+
+[[nodiscard]] IppAnswer DoSpoolerTask(IppClient &client, const SpoolerTask &task);

@@ -1,0 +1,3 @@
+# The job window with a real spooler.
+kpx_add_test(NAME jobs LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full TIMEOUT 600
+  SOURCES e2e/jobs_test.cpp)

@@ -1,0 +1,256 @@
+// The job window with a real spooler: what it shows of queues and jobs, what its buttons do to
+// them, and what it says while the spooler does not answer.
+#include "guiapp.h"
+#include "installation.h"
+#include "jobstest.h"
+#include "keyboard.h"
+#include "spooler.h"
+
+namespace {
+
+using Strings = std::vector<std::string>;
+
+TEST_F(Jobs, AreListedTheNewestFirstWithStateAndReason) {
+  const TestQueue queue("office");
+  queue.Complete("echo 'kpxfilter: the file is broken' >&2; exit 1");
+  PrintUntil(queue, {"-t", "broken"}, "is held");
+  queue.Print({"-t", "kept", "-H", "hold"}, "data");
+  JobsApp app;
+  app.WaitRow("JobsClist", "kept");
+  EXPECT_EQ((Strings{"kept", "broken"}), app.Column("JobsClist", 0));
+  EXPECT_EQ((Strings{"office", "office"}), app.Column("JobsClist", 1));
+  EXPECT_EQ((Strings{CatalogueText("JOB_HELD"), CatalogueText("JOB_HELD")}),
+            app.Column("JobsClist", 5));
+  EXPECT_EQ((Strings{CatalogueText("JOB_HELD_REASON"),
+                     CatalogueText("TROUBLE_FAILED", {"kpxfilter: the file is broken"})}),
+            app.Column("JobsClist", 6));
+  EXPECT_EQ((Strings{"office"}), app.Column("QueuesClist", 0));
+  EXPECT_EQ((Strings{"2"}), app.Column("QueuesClist", 2));
+  EXPECT_EQ(Strings{}, app.ClippedTexts());
+  EXPECT_EQ(Strings{}, app.UnnamedControls());
+}
+
+TEST_F(Jobs, ThatComeAndGoAreShownByThemselves) {
+  const TestQueue queue("office");
+  queue.Record();
+  JobsApp app;
+  app.WaitRow("QueuesClist", "office");
+  const std::string job = queue.Print({"-t", "letter", "-H", "hold"}, "data");
+  app.WaitRow("JobsClist", "letter");
+  ASSERT_EQ(0, RunProgram({"cancel", "office-" + job}).status);
+  app.WaitCell("JobsClist", "letter", 5, CatalogueText("JOB_CANCELLED"));
+  queue.Print({"-t", "second"}, "data");
+  app.WaitCell("JobsClist", "second", 5, CatalogueText("JOB_PRINTED"));
+  const TestQueue other("annex");
+  app.WaitRow("QueuesClist", "annex");
+}
+
+TEST_F(Jobs, OfAnOrdinaryUserAreTheOwnOnes) {
+  if (!HasOrdinaryUsers()) GTEST_SKIP() << "the sandbox has no ordinary users";
+  const TestQueue queue("office");
+  queue.Record();
+  queue.Print({"-t", "of root", "-H", "hold"}, "data");
+  const std::string job = PrintAs("anna", queue, {"-t", "of anna", "-H", "hold"});
+  JobsApp app({.user = "anna"});
+  app.WaitRow("JobsClist", "of anna");
+  EXPECT_EQ((Strings{"of anna"}), app.Column("JobsClist", 0));
+  EXPECT_FALSE(app.HasWidget("StopButton"));
+  app.Select("JobsClist", "of anna");
+  app.Click("ReleaseButton");
+  app.WaitCell("JobsClist", "of anna", 5, CatalogueText("JOB_PRINTED"));
+}
+
+TEST_F(Jobs, AreHeldReleasedMovedAndPrintedAgainByKeys) {
+  const TestQueue queue("office");
+  queue.Record();
+  const TestQueue other("annex");
+  other.Record();
+  const std::string job = queue.Print({"-t", "letter", "-H", "hold"}, "data");
+  JobsApp app;
+  Keyboard keys(app);
+  app.WaitRow("JobsClist", "letter");
+  keys.GoTo(CatalogueText("DEF_LBL_JOBS"), "JobsClist");
+  keys.Key("Down");
+  app.WaitUntil("a selected job", [&] { return app.IsSensitive("ReleaseButton"); });
+  EXPECT_EQ(CatalogueText("JOB_HELD_REASON"), app.Text("ReasonLabel"));
+  EXPECT_FALSE(app.IsSensitive("HoldButton"));
+  keys.Press(CatalogueText("DEF_BTN_MOVE_TITLE"));
+  keys.Await("MoveJobsWindow");
+  EXPECT_EQ("annex", app.Text("TargetComboEntry"));
+  keys.Close("MoveJobsWindow", "Return");
+  app.WaitCell("JobsClist", "letter", 1, "annex");
+  keys.Press(CatalogueText("DEF_BTN_RELEASE_TITLE"));
+  app.WaitCell("JobsClist", "letter", 5, CatalogueText("JOB_PRINTED"));
+  ASSERT_EQ(1U, other.Calls().size());
+  app.WaitUntil("Print again", [&] { return app.IsSensitive("AgainButton"); });
+  keys.Press(CatalogueText("DEF_BTN_AGAIN_TITLE"));
+  app.WaitUntil("the second print", [&] { return other.Calls().size() == 2; });
+  EXPECT_EQ("data", other.Calls()[1].contents.at(0));
+  EXPECT_EQ("", app.Stderr());
+}
+
+TEST_F(Jobs, SeveralAreCancelledAfterAQuestion) {
+  const TestQueue queue("office");
+  queue.Record();
+  for (const char *title : {"one", "two", "three"}) {
+    queue.Print({"-t", title, "-H", "hold"}, "data");
+  }
+  JobsApp app;
+  Keyboard keys(app);
+  app.WaitRow("JobsClist", "three");
+  keys.GoTo(CatalogueText("DEF_LBL_JOBS"), "JobsClist");
+  keys.Key("Down");
+  keys.Key("shift+Down");
+  keys.Press(CatalogueText("DEF_BTN_CANCELJOB_TITLE"));
+  keys.Await("QuestionDialog");
+  EXPECT_EQ(CatalogueText("ASK_CANCEL_JOBS", {"2"}), app.Text("QuestionLabel"));
+  keys.Close("QuestionDialog", "Escape");
+  EXPECT_EQ(CatalogueText("JOB_HELD"), app.Cell("JobsClist", "two", 5));
+  keys.Press(CatalogueText("DEF_BTN_CANCELJOB_TITLE"));
+  keys.Await("QuestionDialog");
+  keys.Close("QuestionDialog", "Return");
+  for (const char *title : {"two", "three"}) {
+    app.WaitCell("JobsClist", title, 5, CatalogueText("JOB_CANCELLED"));
+  }
+  EXPECT_EQ(CatalogueText("JOB_HELD"), app.Cell("JobsClist", "one", 5));
+  keys.ExpectFocusSeen("after the jobs went");
+}
+
+TEST_F(Jobs, OfAQueueThatTheAdministratorStopsWait) {
+  const TestQueue queue("office");
+  queue.Record();
+  JobsApp app;
+  Keyboard keys(app);
+  app.WaitRow("QueuesClist", "office");
+  keys.GoTo(CatalogueText("DEF_LBL_QUEUES"), "QueuesClist");
+  keys.Key("Down");
+  app.WaitUntil("Stop", [&] { return app.IsSensitive("StopButton"); });
+  keys.Press(CatalogueText("DEF_BTN_STOP_TITLE"));
+  keys.Await("QuestionDialog");
+  EXPECT_EQ(CatalogueText("ASK_STOP_QUEUE", {"office"}), app.Text("QuestionLabel"));
+  keys.Close("QuestionDialog", "Return");
+  app.WaitCell("QueuesClist", "office", 1, CatalogueText("QUEUE_STOPPED"));
+  queue.Print({"-t", "letter"}, "data");
+  app.WaitCell("JobsClist", "letter", 5, CatalogueText("JOB_WAITING"));
+  EXPECT_NE(std::string::npos, app.Cell("JobsClist", "letter", 6).find("KPXjobs"));
+  keys.Press(CatalogueText("DEF_BTN_START_TITLE"));
+  app.WaitCell("JobsClist", "letter", 5, CatalogueText("JOB_PRINTED"));
+  app.WaitUntil("Refuse", [&] { return app.IsSensitive("RefuseButton"); });
+  keys.Press(CatalogueText("DEF_BTN_REFUSE_TITLE"));
+  keys.Await("QuestionDialog");
+  keys.Close("QuestionDialog", "Return");
+  app.WaitCell("QueuesClist", "office", 3, CatalogueText("DEF_BTN_NO_TITLE"));
+  EXPECT_NE(0, RunProgram({"/usr/bin/lp", "-d", "office"}, "data").status);
+  keys.Press(CatalogueText("DEF_BTN_ACCEPT_TITLE"));
+  app.WaitCell("QueuesClist", "office", 3, CatalogueText("DEF_BTN_YES_TITLE"));
+}
+
+TEST_F(Jobs, ThatMayHaveBeenPrintedAreReleasedAfterAQuestion) {
+  const TestQueue queue("office");
+  queue.Complete("echo 'kpxnbtrans: the connection broke' >&2; exit 76");
+  PrintUntil(queue, {"-t", "letter"}, "is held");
+  JobsApp app;
+  app.WaitRow("JobsClist", "letter");
+  EXPECT_EQ(CatalogueText("JOB_DOUBT"), app.Cell("JobsClist", "letter", 5));
+  app.Select("JobsClist", "letter");
+  EXPECT_EQ(CatalogueText("TROUBLE_DOUBT"), app.Text("ReasonLabel"));
+  app.Click("ReleaseButton");
+  app.WaitWindow("QuestionDialog");
+  EXPECT_EQ(CatalogueText("ASK_PRINT_TWICE"), app.Text("QuestionLabel"));
+}
+
+TEST_F(Jobs, ThatCannotBeMovedSayWhy) {
+  const TestQueue queue("office");
+  queue.Record();
+  auto other = std::make_unique<TestQueue>("annex");
+  const std::string job = queue.Print({"-t", "letter", "-H", "hold"}, "data");
+  JobsApp app;
+  app.WaitRow("JobsClist", "letter");
+  app.Select("JobsClist", "letter");
+  app.Click("MoveButton");
+  app.WaitWindow("MoveJobsWindow");
+  ASSERT_EQ("annex", app.Text("TargetComboEntry"));
+  other.reset();
+  app.Key("Return");
+  app.WaitWindow("KPXErrorWarningDialog");
+  EXPECT_NE(std::string::npos, app.Text("ErrorWarningText").find("office-" + job + ": "));
+  EXPECT_EQ("office", app.Cell("JobsClist", "letter", 1));
+}
+
+// The words are those of the transport, which speaks them when a printer has taken nothing for
+// long.
+TEST_F(Jobs, OfAPrinterWithoutPaperSayWhereToLook) {
+  const TestQueue queue("office");
+  queue.Complete(
+      "echo 'kpxnbtrans: the printer has taken no data for 30 s (it last answered 1 s ago); it may "
+      "be out of paper or paused; waiting' >&2; sleep 600");
+  queue.Print({"-t", "letter"}, "data");
+  JobsApp app;
+  app.WaitCell("JobsClist", "letter", 6, CatalogueText("TROUBLE_NO_DATA"));
+}
+
+TEST_F(Jobs, OfAPrinterThatIsOffOrUnknownSaySo) {
+  const TestQueue off("off");
+  off.Complete("/opt/orlan/bin/kpxnbtrans 127.0.0.1 2599 <\"$1\"");
+  const TestQueue unknown("unknown");
+  unknown.Complete("/opt/orlan/bin/kpxnbtrans no-such-printer.invalid 2501 <\"$1\"");
+  off.Print({"-t", "to off"}, "data");
+  unknown.Print({"-t", "to unknown"}, "data");
+  JobsApp app;
+  app.WaitRow("JobsClist", "to off");
+  app.WaitCell("JobsClist", "to off", 6,
+               CatalogueText("TROUBLE_UNREACHABLE", {"127.0.0.1", "Connection refused"}));
+  app.WaitCell("JobsClist", "to unknown", 6,
+               CatalogueText("TROUBLE_NAME", {"no-such-printer.invalid"}));
+}
+
+TEST_F(Jobs, WindowSaysThatTheSpoolerIsGoneAndIsRightAgainWhenItIsBack) {
+  const TestQueue queue("office");
+  queue.Record();
+  queue.Print({"-t", "letter", "-H", "hold"}, "data");
+  JobsApp app;
+  app.WaitRow("JobsClist", "letter");
+  {
+    const NoScheduler gone;
+    app.WaitContact("SPOOLER_GONE");
+    EXPECT_EQ((Strings{"letter"}), app.Column("JobsClist", 0));
+  }
+  app.WaitContact("");
+  queue.Print({"-t", "second", "-H", "hold"}, "data");
+  app.WaitRow("JobsClist", "second");
+}
+
+TEST_F(Jobs, WindowGoesOnWhileTheSpoolerHangs) {
+  const TestQueue queue("office");
+  queue.Record();
+  queue.Print({"-t", "letter", "-H", "hold"}, "data");
+  JobsApp app;
+  app.WaitRow("JobsClist", "letter");
+  app.LongestTurn();
+  {
+    const HungScheduler hung;
+    app.Select("JobsClist", "letter");
+    app.Click("ReleaseButton");
+    app.WaitContact("SPOOLER_SILENT");
+    app.Click("HelpButton");
+    app.WaitWindow("KPXHelpDialog");
+    app.Key("Escape");
+    app.WaitGone("KPXHelpDialog");
+  }
+  app.WaitCell("JobsClist", "letter", 5, CatalogueText("JOB_PRINTED"));
+  app.WaitContact("");
+  // The spooler was silent for three seconds and more.
+  EXPECT_LT(app.LongestTurn(), 1000) << "a turn of the main loop waited for the spooler";
+}
+
+TEST_F(Jobs, WindowClosesWhileTheSpoolerHangs) {
+  const TestQueue queue("office");
+  JobsApp app;
+  app.WaitRow("QueuesClist", "office");
+  const HungScheduler hung;
+  app.WaitContact("SPOOLER_SILENT");
+  app.Key("Escape");
+  EXPECT_EQ(0, app.WaitExit());
+}
+
+}  // namespace

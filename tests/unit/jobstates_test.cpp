@@ -1,0 +1,86 @@
+// What the words of the bridge, the filter and the transport are taken for.
+#include "jobstates.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+struct Row {
+  const char *words;
+  Trouble kind;
+  const char *printer;
+  const char *cause;
+};
+
+const Row kRows[] = {
+    {"", Trouble::None, "", ""},
+    {"Rendering completed.", Trouble::None, "", "Rendering completed."},
+    {"kpxnbtrans: cannot reach 10.9.0.5 port 2501 (Connection refused); the printer may be busy or "
+     "switched off; trying again in 8 s",
+     Trouble::Unreachable, "10.9.0.5", "Connection refused"},
+    {"kpxnbtrans: cannot reach 10.9.0.5 port 2501 (10.9.0.5: No route to host); the printer may be "
+     "busy or switched off; trying again in 8 s",
+     Trouble::Unreachable, "10.9.0.5", "No route to host"},
+    {"kpxnbtrans: cannot reach nowhere port 2501 (cannot look up the name nowhere: Name or service "
+     "not known)",
+     Trouble::UnknownName, "nowhere", "cannot look up the name nowhere: Name or service not known"},
+    {"kpxnbtrans: the printer has taken no data for 30 s (it last answered 1 s ago); it may be out "
+     "of paper or paused; waiting",
+     Trouble::TakesNoData, "",
+     "the printer has taken no data for 30 s (it last answered 1 s ago); it may be out of paper or "
+     "paused; waiting"},
+    {"kpxnbtrans: the connection to p broke after 8 bytes (reset); giving up: the printer may have "
+     "printed the job or a part of it; the job is held (status 76)",
+     Trouble::InDoubt, "",
+     "the connection to p broke after 8 bytes (reset); giving up: the printer may have printed the "
+     "job or a part of it"},
+    {"It may have been printed; the job is held (the exit status of its interface script is "
+     "unknown)",
+     Trouble::InDoubt, "", "It may have been printed"},
+    {"kpxfilter: no such setting; the job is held (status 1)", Trouble::Failed, "",
+     "kpxfilter: no such setting"},
+    {"Not enough space to unpack the file; the job is held", Trouble::NoSpace, "",
+     "Not enough space to unpack the file"},
+    {"The interface script /x is empty or incomplete; the job is held: move it", Trouble::NotSetUp,
+     "", "The interface script /x is empty or incomplete"},
+};
+
+TEST(Troubles, AreReadFromTheWords) {
+  for (const Row &row : kRows) {
+    const TroubleReading reading = ReadTrouble(row.words);
+    EXPECT_EQ(row.kind, reading.kind) << row.words;
+    EXPECT_EQ(row.printer, reading.printer) << row.words;
+    EXPECT_EQ(row.cause, reading.cause) << row.words;
+  }
+}
+
+TEST(Troubles, NeverHaveControlCharactersOfOthers) {
+  EXPECT_EQ("a?b", ReadTrouble("a\x1B"
+                               "b; the job is held (status 1)")
+                       .cause);
+}
+
+TEST(Reasons, OfPrintersAreSaidOnce) {
+  EXPECT_EQ("", PrinterReasonsText("none"));
+  EXPECT_EQ("PRINTER_PAPER_OUT PRINTER_DOOR_OPEN",
+            PrinterReasonsText("media-empty-error media-needed cover-open-report"));
+}
+
+TEST(Reasons, OfAJobThatSomebodyHoldsAreNotItsOlderWords) {
+  SpoolerJob job;
+  job.state = JobState::Held;
+  job.words = "kpxnbtrans: cannot reach p port 2501 (Connection refused); the printer may be busy";
+  EXPECT_EQ("JOB_HELD_REASON", JobReasonText(job, nullptr));
+  job.words += "; the job is held (status 1)";
+  EXPECT_EQ("TROUBLE_UNREACHABLE", JobReasonText(job, nullptr));
+}
+
+TEST(Reasons, OfAJobBehindAStoppedQueueAreTheQueues) {
+  SpoolerJob job;
+  SpoolerQueue queue;
+  EXPECT_EQ("", JobReasonText(job, &queue));
+  queue.state = QueueState::Stopped;
+  EXPECT_EQ("QUEUE_STOPPED_REASON", JobReasonText(job, &queue));
+}
+
+}  // namespace
