@@ -138,6 +138,10 @@ void AddColumn(GtkWidget *list, const ListColumn &column, int number, int tip_co
   GtkTreeViewColumn *view = gtk_tree_view_column_new_with_attributes(
       title, renderer, "text", kFirstTextColumn + number, "tip", tip_column, nullptr);
   gtk_tree_view_column_set_resizable(view, TRUE);
+  // A label without text would still have the bold font of titles read.
+  if (column.title_key == nullptr) {
+    gtk_tree_view_column_set_widget(view, gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 0));
+  }
   if (column.width > 0) gtk_tree_view_column_set_min_width(view, column.width);
   gtk_tree_view_append_column(GTK_TREE_VIEW(list), view);
 }
