@@ -15,7 +15,7 @@ foreach(name filter_applications filter_pdf filter_texttable)
 endforeach()
 kpx_add_test(NAME filter_corpus SOURCES e2e/filter_corpus_test.cpp
              LIBS kpx_core kpx_filterrun Cups::Cups LABEL e2e)
-foreach(kind program rendering)
+foreach(kind layout program rendering)
   kpx_add_test(NAME filter_${kind} SOURCES e2e/filter_${kind}_test.cpp
                LIBS kpx_filterrun LABEL e2e)
 endforeach()
@@ -23,7 +23,7 @@ kpx_add_test(NAME filter_streaming SOURCES e2e/filter_streaming_test.cpp
              LIBS kpx_filterrun LABEL e2e TIMEOUT 900)
 kpx_add_test(NAME filter_textcells SOURCES e2e/filter_textcells_test.cpp
              LIBS kpx_filter kpx_filterrun LABEL e2e)
-foreach(name filter_corpus filter_program filter_rendering filter_streaming filter_pdf filter_textcells
+foreach(name filter_corpus filter_layout filter_program filter_rendering filter_streaming filter_pdf filter_textcells
         filter_texttable)
   target_compile_definitions(test_${name} PRIVATE KPX_FILTER="$<TARGET_FILE:kpxfilter>")
   add_dependencies(test_${name} kpxfilter)
