@@ -1,5 +1,6 @@
 #include "documentfilter.h"
 
+#include <algorithm>
 #include <optional>
 
 #include "featurecode.h"
@@ -31,10 +32,23 @@ bool IsDataMark(std::string_view line) {
 
 }  // namespace
 
-bool DocumentFilter::Run() {
+void CodeReport::Add(const CodeReport &other) {
+  is_in_place = is_in_place && other.is_in_place;
+  if (unkept.empty()) unkept = other.unkept;
+}
+
+CodeReport DocumentFilter::Run() {
   Copy();
+  EndDocument();
+  return report_;
+}
+
+// What is to be said and done behind the last line of a document.
+void DocumentFilter::EndDocument() {
+  if (!set_.empty()) report_.Add({IsInPlace(), set_.front()->what});
+  report_.Add({IsInPlace(), {}});
+  set_.clear();
   ShowLastPage();
-  return in_place_ && IsInPlace();
 }
 
 bool DocumentFilter::HasCode() const {
@@ -55,13 +69,14 @@ void DocumentFilter::Copy() {
   for (;;) {
     const std::string_view next = source_->Peek(kUel.size());
     if (next.empty() || next == kUel || sink_->Error() != 0) return;
-    if (source_->NextBeginsLine() && PassesPlainLines()) {
+    if (source_->NextBeginsLine() && !watches_ && PassesPlainLines()) {
       const size_t passed = source_->CopyPlainLines(sink_);
       passed_ += passed;
       if (passed > 0) continue;
     }
     const std::string_view piece = source_->NextPiece();
     passed_ += piece.size();
+    Watch(piece);
     if (source_->AtLineStart()) {
       Line(piece);
     } else {
@@ -116,8 +131,9 @@ bool DocumentFilter::BeginsDocument(std::string_view line) {
 // The next document gets the code again: the present one may have set something else, and behind an
 // end of transmission all is as at the start.
 void DocumentFilter::NextDocument() {
-  ShowLastPage();
-  in_place_ = in_place_ && IsInPlace();
+  EndDocument();
+  watches_ = !code_.kept.empty();
+  watched_ = 0;
   place_ = Place::Header;
   blocks_ = 0;
   prolog_written_ = prolog_ended_ = loose_prolog_ = late_ = false;
@@ -285,7 +301,29 @@ void DocumentFilter::PrologLine(std::string_view line) {
   }
 }
 
+// Looks for what the document itself sets before its pages. Where nothing marks these, it is given
+// up after a while.
+void DocumentFilter::Watch(std::string_view piece) {
+  constexpr size_t kMost = 64 * JobSource::kCapacity;
+  if (!watches_ || documents_ > 0 || piece.starts_with('%')) return;
+  for (const KeptChoice &choice : code_.kept) {
+    const bool known = std::find(set_.begin(), set_.end(), &choice) != set_.end();
+    if (!known && piece.find(choice.mention) != std::string_view::npos) set_.push_back(&choice);
+  }
+  if (place_ == Place::Body) watched_ += piece.size();
+  watches_ = watched_ < kMost;
+}
+
+// Chooses again what the document has set, behind its set-up.
+void DocumentFilter::WriteKept(std::string_view line) {
+  if (!watches_ || !(line.starts_with("%%EndSetup") || line.starts_with(kPageMark))) return;
+  for (const KeptChoice *choice : set_) sink_->Write(choice->code);
+  set_.clear();
+  watches_ = false;
+}
+
 void DocumentFilter::BodyLine(std::string_view line) {
+  WriteKept(line);
   constexpr std::string_view kInclude = "%%IncludeFeature:";
   if (page_pending_ && line.starts_with("%%BeginPageSetup")) {
     sink_->Write(line);

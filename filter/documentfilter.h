@@ -5,7 +5,9 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "featurecode.h"
 #include "jobsource.h"
 #include "ppdmodel.h"
 
@@ -14,6 +16,15 @@ namespace kpx::filter {
 // The code for the parts of a document, ready to be written.
 struct DocumentCode {
   std::string exit_server, prolog, setup, page_setup;
+  std::vector<KeptChoice> kept = {};  // to be put behind the document's own set-up
+};
+
+// What came of putting the code in.
+struct CodeReport {
+  bool is_in_place = true;  // in front of what it is for, as far as can be seen
+  std::string unkept;       // what the documents set where nothing can be put behind it; or empty
+
+  void Add(const CodeReport &other);
 };
 
 // Copies one document, or several that follow each other; ends at the end of the job or before a
@@ -24,8 +35,7 @@ class DocumentFilter {
   DocumentFilter(const PpdModel &model, const DocumentCode &code, JobSource *source, JobSink *sink)
       : model_(model), code_(code), source_(source), sink_(sink) {}
 
-  // Returns whether the code is in front of what it is for, as far as can be seen.
-  [[nodiscard]] bool Run();
+  CodeReport Run();
 
  private:
   // Where in a conforming document the copying is.
@@ -37,6 +47,7 @@ class DocumentFilter {
   };
 
   void Copy();
+  void EndDocument();
   void ShowLastPage();
   [[nodiscard]] bool HasCode() const;
   [[nodiscard]] bool IsInPlace() const;
@@ -56,6 +67,8 @@ class DocumentFilter {
   void BodyLine(std::string_view line);
   void CountedData(const std::string &line);
   void StartBody();
+  void Watch(std::string_view piece);
+  void WriteKept(std::string_view line);
   void WriteFirstPageSetup();
   void WriteProlog(bool with_frame);
   void WriteSetup(bool with_frame);
@@ -68,15 +81,18 @@ class DocumentFilter {
   int documents_ = 0;  // depth of BeginDocument
   int blocks_ = 0;     // depth of other Begin/End pairs in the preamble
   bool prolog_written_ = false;
-  bool loose_prolog_ = false;       // prolog code without a frame goes on
-  bool prolog_ended_ = false;       // explicitly
-  bool ended_ = false;              // nothing but empty lines since the document's end
-  bool in_place_ = true;            // of the documents that are done
-  bool is_eps_ = false;             // the present document shows its page itself or not
-  bool late_ = false;               // the code came behind what may be pages
-  bool page_pending_ = false;       // the page setup code of the present page is still to come
-  bool page_code_ahead_ = false;    // the page setup code of the first page is out
-  size_t passed_ = 0, looked_ = 0;  // bytes handed out, and looked at from the lines of blocks
+  bool loose_prolog_ = false;            // prolog code without a frame goes on
+  bool prolog_ended_ = false;            // explicitly
+  bool ended_ = false;                   // nothing but empty lines since the document's end
+  CodeReport report_;                    // of the documents that are done
+  bool is_eps_ = false;                  // the present document shows its page itself or not
+  bool late_ = false;                    // the code came behind what may be pages
+  bool page_pending_ = false;            // the page setup code of the present page is still to come
+  bool page_code_ahead_ = false;         // the page setup code of the first page is out
+  std::vector<const KeptChoice *> set_;  // those that the document has set
+  bool watches_ = !code_.kept.empty();   // for what the document sets before its pages
+  size_t watched_ = 0;                   // bytes
+  size_t passed_ = 0, looked_ = 0;       // bytes handed out, and looked at from the lines of blocks
 };
 
 }  // namespace kpx::filter

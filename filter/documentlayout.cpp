@@ -5,7 +5,6 @@
 #include <string_view>
 
 #include "booklet.h"
-#include "documentfilter.h"
 #include "documentpages.h"
 #include "laidoutdocument.h"
 #include "postscript.h"
@@ -49,8 +48,8 @@ std::string ProblemOf(const JobSettings &settings, const DocumentPages &document
   return {};
 }
 
-bool Write(const JobSettings &settings, const DocumentCode &code, JobSource *source,
-           JobSink *sink) {
+CodeReport Write(const JobSettings &settings, const DocumentCode &code, JobSource *source,
+                 JobSink *sink) {
   return DocumentFilter(settings.Model(), code, source, sink).Run();
 }
 
@@ -62,11 +61,11 @@ DocumentCode WithSheets(const JobSettings &settings, const DocumentPages &docume
                          .is_lying = document.IsLying(),
                          .keeps_sides = IsBooklet(settings)};
   return {code.exit_server, code.prolog + SheetProcedures(cells), OwnCode(code.setup),
-          OwnCode(code.page_setup)};
+          OwnCode(code.page_setup), code.kept};
 }
 
 JobResult WriteLaidOut(const JobSettings &settings, DocumentPages *document, JobSink *sink,
-                       bool *in_place) {
+                       CodeReport *report) {
   const bool on_sheets = UsesSheets(settings);
   const bool is_descending =
       document->PageOrder() == DocumentPages::Order::kDescending && !IsBooklet(settings);
@@ -83,20 +82,20 @@ JobResult WriteLaidOut(const JobSettings &settings, DocumentPages *document, Job
   LaidOutDocument laid_out(document, sides,
                            {.on_sheets = on_sheets, .is_descending = pages.is_reversed});
   JobSource source = laid_out.Source();
-  *in_place =
-      Write(settings, on_sheets ? WithSheets(settings, *document, code) : code, &source, sink) &&
-      *in_place;
+  report->Add(
+      Write(settings, on_sheets ? WithSheets(settings, *document, code) : code, &source, sink));
   return document->Error() == 0 ? JobResult() : FileFailure(*document);
 }
 
-JobResult LayOut(const JobSettings &settings, JobSource *source, JobSink *sink, bool *in_place) {
+JobResult LayOut(const JobSettings &settings, JobSource *source, JobSink *sink,
+                 CodeReport *report) {
   DocumentPages document;
   document.Read(source);
   if (document.Error() != 0) return FileFailure(document);
   const bool selects = !settings.Pages().IsEverything();
   std::string problem = ProblemOf(settings, document);
   if (problem.empty() && selects && !IsAtEnd(source)) problem = "it holds several documents";
-  if (problem.empty()) return WriteLaidOut(SheetSettings(settings), &document, sink, in_place);
+  if (problem.empty()) return WriteLaidOut(SheetSettings(settings), &document, sink, report);
   if (selects) {
     return Failure("the pages of \"" + settings.Pages().words +
                    "\" cannot be told from the others"
@@ -104,7 +103,7 @@ JobResult LayOut(const JobSettings &settings, JobSource *source, JobSink *sink, 
                    problem);
   }
   JobSource whole = document.Whole();
-  *in_place = Write(settings, CodeOfDocument(settings), &whole, sink) && *in_place;
+  report->Add(Write(settings, CodeOfDocument(settings), &whole, sink));
   if (document.Error() != 0) return FileFailure(document);
   JobResult result;
   result.Warn("the pages of this job " + WishOf(settings) + ", because " + problem +
@@ -128,14 +127,14 @@ JobSettings SheetSettings(const JobSettings &settings) {
 }
 
 JobResult LayOutDocuments(const JobSettings &settings, JobSource *source, JobSink *sink,
-                          bool *in_place) {
+                          CodeReport *report) {
   JobResult result;
   while (!IsAtEnd(source) && sink->Error() == 0) {
     if (source->Peek(1).front() == kTransmission) {
       source->Skip(1);
       continue;
     }
-    JobResult one = LayOut(settings, source, sink, in_place);
+    JobResult one = LayOut(settings, source, sink, report);
     if (one.Failed()) return one;
     if (result.warnings.empty()) result.warnings = one.warnings;
   }

@@ -1,6 +1,7 @@
 // The pages of PostScript documents as the settings want them on the paper.
 #pragma once
 
+#include "documentfilter.h"
 #include "jobresult.h"
 #include "jobsettings.h"
 #include "jobsource.h"
@@ -20,8 +21,8 @@ JobSettings SheetSettings(const JobSettings &settings);
 // Writes the documents at the front of `source` with the code of the settings and with their pages
 // as these say, up to the end of the job or a language switch. A document whose pages cannot be
 // told apart is printed as it is, with a warning; with a selection of pages it is a failure before
-// anything of it is written. Clears `in_place` where the code may come too late.
+// anything of it is written. Adds to `report`.
 JobResult LayOutDocuments(const JobSettings &settings, JobSource *source, JobSink *sink,
-                          bool *in_place);
+                          CodeReport *report);
 
 }  // namespace kpx::filter

@@ -109,6 +109,21 @@ bool BelongsTo(const PpdFeature &feature, PpdSection section) {
          (section == PpdSection::Document && feature.section == PpdSection::Any);
 }
 
+// Switches of the page device that programs often turn off.
+struct OftenSet {
+  std::string_view keyword, usual, what, mention;
+};
+constexpr OftenSet kOften[] = {{"Duplex", "None", "the sides", "uplex"},
+                               {"Collate", "False", "the collating", "Collate"}};
+
+// Runs `code` where `is_usual` finds the page device's `key` as it is without a choice.
+std::string UnlessSet(std::string_view key, std::string_view is_usual, const std::string &code) {
+  const std::string name(key);
+  return "[{\n/currentpagedevice where { pop currentpagedevice /" + name + " 2 copy known { get " +
+         std::string(is_usual) + " } { pop pop false } ifelse\n{\n" + code +
+         "} if } if\n} stopped cleartomark\n";
+}
+
 const PpdFeature *CopiesFeature(const PpdModel &model) {
   for (const std::string_view keyword : kCopiesFeatures) {
     const PpdFeature *feature = model.FindFeature(keyword);
@@ -175,6 +190,31 @@ std::string CopiesCode(const JobSettings &settings) {
                                ? "<</NumCopies " + count + ">>setpagedevice"
                                : "/#copies " + count + " def";
   return "[{\n" + code + "\n} stopped cleartomark\n";
+}
+
+std::vector<KeptChoice> KeptChoices(const JobSettings &settings) {
+  std::vector<KeptChoice> kept;
+  if (settings.Model().language_level < 2) return kept;
+  if (settings.HasChosenCopies() && settings.Copies() > 1) {
+    kept.push_back(
+        {"the number of copies", "NumCopies",
+         UnlessSet("NumCopies",
+                   "dup null eq { pop /#copies where { /#copies get } { 1 } "
+                   "ifelse } if 1 eq",
+                   "<</NumCopies " + std::to_string(settings.Copies()) + ">>setpagedevice\n")});
+  }
+  for (const auto &[keyword, usual, what, mention] : kOften) {
+    const PpdChoice *choice = settings.Chosen(keyword);
+    if (!settings.IsChosen(keyword) || choice == nullptr || choice->code.empty() ||
+        SameKeyword(choice->keyword, usual)) {
+      continue;
+    }
+    kept.push_back(
+        {std::string(what), std::string(mention),
+         UnlessSet(keyword, "false eq",
+                   GuardedFeature({std::string(keyword), choice->keyword, choice->code, 0}))});
+  }
+  return kept;
 }
 
 PpdPageSize PageInForce(const JobSettings &settings) {

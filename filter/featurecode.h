@@ -39,6 +39,15 @@ std::string IncludedFeature(const PpdModel &model, std::string_view keyword,
 // its own for copies (JclCopies).
 std::string CopiesCode(const JobSettings &settings);
 
+// What somebody chose for a job, where programs put the contrary into it without being asked: one
+// copy, one side, not collated.
+struct KeptChoice {
+  std::string what;     // for messages: "the number of copies"
+  std::string mention;  // a document that sets it holds this
+  std::string code;     // chooses it again, unless the document has set something else than that
+};
+std::vector<KeptChoice> KeptChoices(const JobSettings &settings);
+
 // The job-control code of the PPD for the number of copies; empty where it has none or one copy is
 // asked for.
 std::string JclCopies(const JobSettings &settings);

@@ -34,17 +34,17 @@ class PostScriptJob {
   const JobSettings &settings_;
   JobSink *sink_;
   const DocumentCode code_ = CodeOfDocument(settings_);
-  bool in_place_ = true;
+  CodeReport report_;
   std::vector<std::string> warnings_;
   std::string failure_;
 };
 
 void PostScriptJob::Filter(JobSource *source, JobSink *sink) {
   if (!ChangesPages(settings_)) {
-    in_place_ = DocumentFilter(settings_.Model(), code_, source, sink).Run() && in_place_;
+    report_.Add(DocumentFilter(settings_.Model(), code_, source, sink).Run());
     return;
   }
-  const JobResult result = LayOutDocuments(settings_, source, sink, &in_place_);
+  const JobResult result = LayOutDocuments(settings_, source, sink, &report_);
   failure_ = result.failure;
   if (warnings_.empty()) warnings_ = result.warnings;
 }
@@ -93,8 +93,12 @@ JobResult PostScriptJob::Result() const {
   JobResult result;
   WarnOfPageSettings(settings_, &result);
   for (const std::string &warning : warnings_) result.Warn(warning);
-  if (!in_place_) {
+  if (!report_.is_in_place) {
     result.Warn("the job's prolog is not marked as ended: options and copies may not count");
+  }
+  if (!report_.unkept.empty()) {
+    result.Warn("the job itself sets " + report_.unkept +
+                ", and does not mark where its set-up ends: what was chosen may not count");
   }
   return result;
 }
@@ -112,6 +116,7 @@ DocumentCode CodeOfDocument(const JobSettings &settings) {
   code.setup =
       GuardedFeatures(CodeOfSection(settings, PpdSection::Document)) + CopiesCode(settings);
   code.page_setup = GuardedFeatures(CodeOfSection(settings, PpdSection::Page));
+  code.kept = KeptChoices(settings);
   return code;
 }
 

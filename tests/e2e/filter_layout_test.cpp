@@ -207,4 +207,165 @@ TEST(LaidOutJob, EveryNumberOfPagesHasItsCells) {
   ExpectBooklet(document, own);
 }
 
+// Pages of other sizes, and what may happen to a page.
+std::string Pages(const std::vector<std::string> &bodies) {
+  std::string text = "%!PS-Adobe-3.0\n%%EndComments\n%%BeginProlog\n%%EndProlog\n";
+  int number = 0;
+  for (const std::string &body : bodies) {
+    const std::string page = std::to_string(++number);
+    text += "%%Page: " + page + " " + page + "\n" + body +
+            "/Times-Roman findfont 40 scalefont setfont 72 300 moveto (page" + page +
+            ") show showpage\n";
+  }
+  return text + "%%EOF\n";
+}
+
+TEST(LaidOutJob, PagesOfDifferentSizesFillTheirCells) {
+  const std::string wide = "<< /PageSize [842 595] >> setpagedevice\n";
+  const std::string small = "<< /PageSize [298 421] >> setpagedevice\n";
+  const std::string usual = "<< /PageSize [595 842] >> setpagedevice\n";
+  const std::string job = Pages({usual, wide, small, usual});
+  const std::vector<Side> own = SidesOf(job);
+  ASSERT_EQ(own.size(), 4u);
+  const std::vector<Side> sides = SidesOf(Print(job, "*Nup=4").output);
+  ASSERT_EQ(sides.size(), 1u);
+  const Held held = HeldFor(4, false);
+  for (int page = 1; page <= 4; ++page) {
+    Side of_page = own[static_cast<size_t>(page - 1)];
+    Place place = of_page.words.at(Word(page));
+    if (page == 2) {
+      // A wide page in an upright cell has its top at the left.
+      place = {595 - place.y, place.x, true};
+      std::swap(of_page.width, of_page.length);
+    }
+    const auto [column, row] = CellOf("Left", held, page - 1);
+    ExpectPlace(sides[0], Word(page), Expected(held, column, row, of_page, Lie::kUpright, place));
+  }
+}
+
+// How many dots of a picture of the device pgmraw are dark, by quarters: top left, top right,
+// bottom left, bottom right.
+std::vector<int> DarkQuarters(const std::string &picture) {
+  std::istringstream header(picture.substr(picture.find('\n', picture.find('#')) + 1, 40));
+  size_t width = 0, length = 0;
+  header >> width >> length;
+  const size_t start = picture.size() - width * length;
+  std::vector<int> quarters(4);
+  for (size_t at = 0; at < width * length; ++at) {
+    const size_t quarter = at / width * 2 / length * 2 + at % width * 2 / width;
+    if (static_cast<unsigned char>(picture[start + at]) < 128)
+      ++quarters[std::min<size_t>(quarter, 3)];
+  }
+  return quarters;
+}
+
+TEST(LaidOutJob, NoPageReachesTheOthers) {
+  const std::string fill = "0 setgray -2000 -2000 5000 5000 rectfill\n";
+  for (const std::string &body : std::vector<std::string>{
+           fill + "erasepage\n", fill + "save initgraphics erasepage restore\n",
+           "initclip initmatrix " + fill, "save initgraphics " + fill + "restore\n",
+           "gsave matrix defaultmatrix setmatrix initclip " + fill + "grestore\n",
+           fill + "<< /PageSize [595 842] /Duplex true >> setpagedevice erasepage\n",
+           fill + "a4 erasepage\n", fill + "erasepage copypage\n"}) {
+    SCOPED_TRACE(body);
+    const FilterRun run = Print(Pages({"", "", "", body}), "*Nup=4");
+    const Rendering sheet = Render(run.output, "pgmraw");
+    ASSERT_EQ(sheet.pages.size(), 1u) << sheet.messages;
+    EXPECT_EQ(sheet.messages, "");
+    const std::vector<int> dark = DarkQuarters(sheet.pages[0]);
+    const bool stays = body.find("erasepage") == std::string::npos;
+    for (const int quarter : {0, 1, 2}) {
+      EXPECT_GT(dark[static_cast<size_t>(quarter)], 0) << "erased: " << quarter;
+      EXPECT_LT(dark[static_cast<size_t>(quarter)], 1000) << "painted over: " << quarter;
+    }
+    EXPECT_EQ(dark[3] > 10000, stays) << dark[3];
+  }
+}
+
+TEST(LaidOutJob, TheSetUpOfTheDocumentHoldsForItsFirstPageAsItDoes) {
+  std::string job = Pages({"", ""});
+  job.insert(job.find("%%Page: 1 1"), "%%BeginSetup\n100 200 translate\n%%EndSetup\n");
+  const std::vector<Side> own = SidesOf(job);
+  const std::vector<Side> sides = SidesOf(Print(job, "*Nup=2").output);
+  ASSERT_EQ(sides.size(), 1u);
+  for (int page = 1; page <= 2; ++page) {
+    const Side &of_page = own.at(static_cast<size_t>(page - 1));
+    ExpectPlace(sides[0], Word(page),
+                Expected(HeldFor(2, false), page - 1, 0, of_page, Lie::kUpright,
+                         of_page.words.at(Word(page))));
+  }
+}
+
+std::string WordsOf(const std::string &job) {
+  std::string words;
+  for (const Side &side : SidesOf(job)) {
+    for (const auto &[word, place] : side.words) words += word.substr(4);
+    words += "|";
+  }
+  return words;
+}
+
+TEST(LaidOutJob, ChosenPagesArePrintedOfPostScriptAndText) {
+  const std::string document = Pages({"", "", "", "", ""});
+  const std::string text = "page1\fpage2\fpage3\fpage4\fpage5\n";
+  const std::vector<std::pair<std::string, std::string>> cases = {
+      {"page-ranges=2-3,5", "2|3|5|"},
+      {"page-set=even", "2|4|"},
+      {"page-ranges=2- number-up=2", "23|45|"},
+      {"page-ranges=2-5 booklet=yes", "25|34|"},
+      {"outputorder=reverse page-ranges=-2", "2|1|"},
+      {"number-up=2 page-set=odd", "12|5|"}};
+  for (const auto &[words, expected] : cases) {
+    EXPECT_EQ(WordsOf(Print(document, words).output), expected) << words;
+    EXPECT_EQ(WordsOf(Print(text, words, "text").output), expected) << words;
+  }
+}
+
+TEST(LaidOutJob, ASelectionThatCannotBeMadeEndsWithOneSentence) {
+  const auto expect = [](const std::string &job, const std::string &words, const std::string &type,
+                         const std::string &sentence) {
+    const FilterRun run = Print(job, words, type);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.output, "");
+    EXPECT_EQ(run.errors, "kpxfilter: " + sentence + "\n");
+  };
+  expect("%!\nshowpage\n", "page-ranges=2", "postscript",
+         "the pages of \"page-ranges=2\" cannot be told from the others in this job: it does not "
+         "mark its pages");
+  expect(Pages({"", ""}), "page-ranges=9", "postscript",
+         "\"page-ranges=9\" selects none of the job's 2 pages");
+  expect("text\n", "page-ranges=x", "text",
+         "\"page-ranges=x\" does not name pages: write for example 1-4,7,9-");
+}
+
+TEST(LaidOutJob, ADiskThatIsFullIsSaidAndNothingIsPrinted) {
+  const TemporaryDirectory directory;
+  const std::string job = directory.Write("job.ps", Pages({std::string(100000, ' ')}));
+  const std::string command = "(trap '' XFSZ; ulimit -f 8; exec " KPX_FILTER
+                              " '*Nup=2' -JT -eT -Lanna --filter --type postscript <" +
+                              job + " 2>" + directory.Path("errors") + ") | cat >" +
+                              directory.Path("out");
+  EXPECT_EQ(std::system(command.c_str()), 0);
+  EXPECT_EQ(ContentOf(directory.Path("out")), "");
+  EXPECT_EQ(ContentOf(directory.Path("errors")), "kpxfilter: temporary file: File too large\n");
+}
+
+// A program's own one copy and one side, and what a printer with both has in force on the page.
+TEST(LaidOutJob, WhatIsChosenWinsOverWhatAProgramWritesByDefault) {
+  const auto in_force = [](const std::string &set, const std::string &options) {
+    std::string job =
+        Pages({"currentpagedevice dup /NumCopies get = dup /Duplex get = /Tumble get =\n"});
+    job.insert(job.find("%%Page: 1 1"),
+               "%%BeginSetup\n<<" + set + ">> setpagedevice\n%%EndSetup\n");
+    return Render(Print(job, options).output, "ljet4d").messages;
+  };
+  const std::string usual = "/NumCopies 1 /Duplex false";
+  EXPECT_EQ(in_force(usual, ""), "1\nfalse\nfalse\n");
+  EXPECT_EQ(in_force(usual, "*NrCopies=2 *Duplex=DuplexTumble"), "2\ntrue\ntrue\n");
+  EXPECT_EQ(in_force(usual, "copies=2 sides=two-sided-long-edge number-up=2"), "2\ntrue\nfalse\n");
+  EXPECT_EQ(in_force("/NumCopies 3 /Duplex true /Tumble false", "*NrCopies=2 *Duplex=DuplexTumble"),
+            "3\ntrue\nfalse\n")
+      << "what the job wants to be unusual stays";
+}
+
 }  // namespace

@@ -25,10 +25,10 @@ std::string PdfOf(const std::string &postscript, const std::string &options = {}
 }
 
 // A document of `pages` pages, of a size in points, each with its number and a frame.
-std::string Pages(int pages, int width = 595, int length = 842) {
+std::string Pages(int pages, int width = 595, int length = 842, int first = 1) {
   const std::string w = std::to_string(width), l = std::to_string(length);
   std::string text = "%!PS\n<</PageSize[" + w + " " + l + "]>>setpagedevice\n";
-  for (int page = 1; page <= pages; ++page) {
+  for (int page = first; page <= pages; ++page) {
     text += "/Helvetica findfont 200 scalefont setfont 100 300 moveto (" + std::to_string(page) +
             ") show 20 setlinewidth 40 40 " + std::to_string(width - 80) + " " +
             std::to_string(length - 80) + " rectstroke showpage\n";
@@ -103,6 +103,28 @@ TEST(PdfJob, WordsForPagesArePagesASheetAndRanges) {
   EXPECT_EQ(Render(Print(pdf, "page-ranges=2-4").output).pages.size(), 3u);
   EXPECT_EQ(Render(Print(pdf, "number-up=4").output).pages.size(), 2u);
   EXPECT_EQ(Render(Print(pdf, "page-set=even").output).pages.size(), 4u);
+}
+
+TEST(PdfJob, RangesAreThoseOfTheDocumentOnSheetsToo) {
+  const std::string pdf = PdfOf(Pages(8));
+  const auto same = [&](const std::string &words, const std::string &def,
+                        const std::string &chosen) {
+    const Rendering sheets = Render(Print(pdf, words, def).output, "pgmraw");
+    const Rendering expected = Render(Print(chosen, "number-up=2").output, "pgmraw");
+    ASSERT_EQ(sheets.pages.size(), expected.pages.size()) << words;
+    EXPECT_LT(Difference(sheets.pages.at(0), expected.pages.at(0)), kEdges) << words;
+  };
+  const std::string from_third = PdfOf(Pages(8, 595, 842, 3));
+  same("page-ranges=3- number-up=2", {}, from_third);
+  same("page-ranges=3-", "*Nup=2\n", from_third);
+}
+
+TEST(PdfJob, ASelectionOfNothingIsOneSentence) {
+  const FilterRun run = Print(PdfOf(Pages(2)), "page-ranges=7-");
+  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(run.output, "");
+  EXPECT_EQ(run.errors, "kpxfilter: \"page-ranges=7-\" selects none of the document's pages\n");
+  EXPECT_EQ(Print(PdfOf(Pages(2)), "page-ranges=x").status, 1);
 }
 
 TEST(PdfJob, TheSettingsPagesASheetCountWhereTheJobSaysNothing) {

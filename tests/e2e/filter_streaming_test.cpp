@@ -128,6 +128,9 @@ std::string Repeated(const std::string &text, size_t times) {
 
 const std::string kHead = "%!PS-Adobe-3.0\n%%EndComments\n%%BeginSetup\n%%EndSetup\n%%Page: 1 1\n";
 
+const std::string kPages = Repeated(
+    "%%Page: 1 1\n" + Repeated("100 100 moveto 200 200 lineto stroke\n", 50) + "showpage\n", 500);
+
 INSTANTIATE_TEST_SUITE_P(
     Jobs, Streaming,
     testing::Values(
@@ -145,6 +148,8 @@ INSTANTIATE_TEST_SUITE_P(
                  std::string(kMegabyte, '\033'), "\n%%EndBinary\n", 200},
         JobShape{"header_only", "postscript", "%!PS-Adobe-3.0\n", Repeated("%%Comment: x\n", 50000),
                  "", 200},
+        JobShape{"pages_nup", "postscript", kHead, kPages, "%%EOF\n", 40, "*Nup=4"},
+        JobShape{"pages_booklet", "postscript", kHead, kPages, "%%EOF\n", 40, "*Booklet=1"},
         JobShape{"pcl", "pcl6", ") HP-PCL XL;2;0\n", std::string(kMegabyte, '\033'), "", 200},
         JobShape{"pcl_options", "pcl6", ") HP-PCL XL;2;0\n", std::string(kMegabyte, '\033'), "",
                  200, "*Duplex=DuplexNoTumble"},
