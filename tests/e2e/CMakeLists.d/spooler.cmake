@@ -26,6 +26,11 @@ add_executable(gtkprint support/gtkprint.cpp)
 target_link_libraries(gtkprint PRIVATE PkgConfig::GTK3)
 target_compile_definitions(test_application_printing PRIVATE KPX_GTKPRINT="$<TARGET_FILE:gtkprint>")
 add_dependencies(test_application_printing gtkprint)
+kpx_add_test(NAME application_table LIBS kpx_core LABEL e2e SANDBOX full
+  SOURCES e2e/application_table_test.cpp)
+target_compile_definitions(test_application_table PRIVATE KPX_GTKPRINT="$<TARGET_FILE:gtkprint>"
+                           KPX_TABLE="${PROJECT_SOURCE_DIR}/docs/applications.md")
+add_dependencies(test_application_table gtkprint)
 kpx_add_test(NAME application_privacy LIBS kpx_filter LABEL e2e SANDBOX full
   SOURCES e2e/application_privacy_test.cpp)
 kpx_add_test(NAME application_sharing LIBS kpx_core LABEL e2e SANDBOX full
