@@ -7,7 +7,9 @@
 #include <cups/ppd.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <memory>
+#include <string_view>
 
 #include "ppdadaptor.h"
 #include "ppdmodel.h"
@@ -36,6 +38,18 @@ class OptionList {
   cups_option_t *options_ = nullptr;
   int count_ = 0;
 };
+
+// The words without the spooler's "cupsPrintQuality", where the job has a "print-quality" before
+// it: it says the same of the options of a PPD, and libcups would let it replace the other.
+std::string WithQualityAsAsked(const std::string &words) {
+  constexpr std::string_view kAsked = "print-quality=", kAdded = " cupsPrintQuality=";
+  const size_t asked = words.find(kAsked), added = words.rfind(kAdded);
+  const bool both = asked < added && added != std::string::npos && words[added - 1] != '\\' &&
+                    (asked == 0 || words[asked - 1] == ' ');
+  if (!both) return words;
+  const size_t end = std::min(words.find(' ', added + 1), words.size());
+  return words.substr(0, added) + words.substr(end);
+}
 
 // The text of a custom value, with blanks where nothing is.
 std::string CustomText(ppd_file_t *ppd, const char *keyword) {
@@ -82,7 +96,7 @@ void AddMarked(ppd_file_t *ppd, ppd_group_t &group, std::vector<MarkedChoice> *m
 }  // namespace
 
 std::vector<ApplicationOption> ApplicationOptionsOf(const std::string &words) {
-  const OptionList list(words);
+  const OptionList list(WithQualityAsAsked(words));
   std::vector<ApplicationOption> options;
   for (int i = 0; i < list.Count(); ++i) {
     options.emplace_back(list.Options()[i].name, list.Options()[i].value);

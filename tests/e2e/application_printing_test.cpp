@@ -57,6 +57,41 @@ TEST_F(Applications, WhatLpAsksForReachesThePrinter) {
   EXPECT_NE(Printed({"-n", "3", pdf_}).find("<</NumCopies 3>>"), std::string::npos);
 }
 
+TEST_F(Applications, WhatAnIppClientAsksForReachesThePrinter) {
+  Describe();
+  const std::vector<Asked> table = {
+      {"keyword media iso_a3_297x420mm", {"*PageSize A3\n"}},
+      {"collection media-col { MEMBER collection media-size { MEMBER integer x-dimension 14800 "
+       "MEMBER integer y-dimension 21000 } MEMBER keyword media-source tray-2 "
+       "MEMBER keyword media-type cardstock }",
+       {"*PageSize A5\n", "*InputSlot Tray2\n", "*MediaType CardStock\n"}},
+      {"keyword sides two-sided-long-edge", {"*Duplex DuplexNoTumble\n"}},
+      {"integer copies 3", {"<</NumCopies 3>>"}},
+      {"keyword output-bin finisher-tray", {"*OutputBin FinisherTray\n"}},
+      {"enum print-quality 3", {"@PJL SET ECONOMODE=ON\n"}},
+      {"enum print-quality 5", {"@PJL SET RET=DARK\n"}},
+      {"enum finishings 28", {"*StapleLocation DualPortrait\n"}},
+      {"keyword multiple-document-handling separate-documents-collated-copies",
+       {"*Collate True\n"}}};
+  for (const Asked &asked : table) {
+    PrintByIpp(std::string("ATTR ") + asked.option, pdf_);
+    const std::optional<std::string> job = printed_.Next();
+    ASSERT_TRUE(job) << asked.option << queue_.State();
+    for (const char *code : asked.received) {
+      EXPECT_NE(job->find(code), std::string::npos) << asked.option << " lacks " << code;
+    }
+  }
+  // The page is turned, in what way is pdftopdf's.
+  std::vector<std::string> pages;
+  for (const char *orientation : {"3", "4", "6"}) {
+    PrintByIpp(std::string("ATTR enum orientation-requested ") + orientation, pdf_);
+    const Rendering rendering = Render(printed_.Next().value_or(""), "pgmraw", 18);
+    ASSERT_EQ(rendering.pages.size(), 5u) << orientation << rendering.messages;
+    pages.push_back(rendering.pages[0]);
+  }
+  EXPECT_TRUE(pages[0] != pages[1] && pages[0] != pages[2]);
+}
+
 TEST_F(Applications, JobsOfThePrintToolAreTheSameAsWithoutDescription) {
   std::vector<std::string> jobs[2];
   const auto print = [&](std::vector<std::string> *into) {
@@ -242,6 +277,25 @@ TEST_F(Saves, GivePrintDialogsTheOptionsOfTheQueues) {
   EXPECT_EQ(SaveSession(), 0u);
   const std::string list = RunProgram({"lpoptions", "-p", "dialogs", "-l"}).output;
   EXPECT_NE(list.find("Duplex/Two-sided printing:"), std::string::npos) << list;
+}
+
+TEST_F(Saves, GiveQueuesOfAnOlderVersionTheirOptionsWhileJobsWait) {
+  ASSERT_TRUE(AddQueueToSession("dialogs", "postscript", "Vek Norvel 4120ES", "127.0.0.1"));
+  EXPECT_EQ(SaveSession(), 0u);
+  // As the bridge made them before print dialogs knew their options.
+  const std::string raw =
+      "/usr/sbin/lpadmin -x dialogs && /usr/sbin/lpadmin -p dialogs -E -v kpxlp:/interface";
+  ASSERT_EQ(RunProgram({"sh", "-c", raw}).status, 0);
+  const auto options = [] { return RunProgram({"lpoptions", "-p", "dialogs", "-l"}).output; };
+  ASSERT_EQ(options().find("Duplex"), std::string::npos) << options();
+  const std::string held = RunProgram({"lp", "-d", "dialogs", "-H", "hold"}, Pages(2)).output;
+  ASSERT_TRUE(held.starts_with("request id is dialogs-")) << held;
+  EXPECT_EQ(SaveSession(), 0u);
+  EXPECT_NE(options().find("Duplex/Two-sided printing:"), std::string::npos) << options();
+  PrintedJobs printed;
+  const std::string job = held.substr(14, held.find(' ', 14) - 14);
+  ASSERT_EQ(RunProgram({"lp", "-i", job, "-H", "resume"}).status, 0);
+  EXPECT_EQ(Render(printed.Next().value_or("")).pages.size(), 2u);
 }
 
 TEST_F(Saves, SayWhichQueueShowsNoOptions) {

@@ -213,18 +213,12 @@ class Table : public Applications {
     if (application == "GTK program") {
       command = {KPX_GTKPRINT, "lp1", "5"};
     } else if (application == "IPP client") {
-      const std::string request =
-          "{ OPERATION Print-Job GROUP operation-attributes-tag\n"
-          "ATTR charset attributes-charset utf-8 ATTR language attributes-natural-language en\n"
-          "ATTR uri printer-uri $uri ATTR mimeMediaType document-format "
-          "application/octet-stream\nGROUP job-attributes-tag " +
-          Joined(row.asked, " ") + "\nFILE $filename STATUS successful-ok }\n";
-      command = {"ipptool", "-tf", paths.at(0), "ipp://%2Frun%2Fcups%2Fcups.sock/printers/lp1",
-                 files_.Write("job.test", request)};
-      paths.clear();
+      PrintByIpp(Joined(row.asked, " "), paths.at(0));
+      return;
     }
-    const bool has_words = application != "IPP client" && application != "print tool";
-    if (has_words) command.insert(command.end(), row.asked.begin(), row.asked.end());
+    if (application != "print tool") {
+      command.insert(command.end(), row.asked.begin(), row.asked.end());
+    }
     command.insert(command.end(), paths.begin(), paths.end());
     Run(command);
   }

@@ -69,6 +69,19 @@ class Applications : public testing::Test {
     return *job;
   }
 
+  // Prints `document` as a client of the Internet Printing Protocol; `attributes` are those of the
+  // job, as ipptool takes them.
+  void PrintByIpp(const std::string &attributes, const std::string &document) {
+    const std::string request =
+        "{ OPERATION Print-Job GROUP operation-attributes-tag\n"
+        "ATTR charset attributes-charset utf-8 ATTR language attributes-natural-language en\n"
+        "ATTR uri printer-uri $uri ATTR mimeMediaType document-format application/octet-stream\n"
+        "GROUP job-attributes-tag " +
+        attributes + "\nFILE $filename STATUS successful-ok }\n";
+    Run({"ipptool", "-tf", document, "ipp://%2Frun%2Fcups%2Fcups.sock/printers/" + queue_.name(),
+         files_.Write("job.test", request)});
+  }
+
   const TestQueue queue_;
   const TemporaryDirectory files_;
   std::string ps_, pdf_, png_;

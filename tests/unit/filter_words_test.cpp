@@ -44,6 +44,9 @@ TEST_F(Words, AttributesOfTheInternetPrintingProtocolAreSettings) {
   EXPECT_EQ(Made("output-bin=finisher-tray"), "*OutputBin=FinisherTray\n");
   EXPECT_EQ(Made("print-quality=5"), "*OutputMode=High\n");
   EXPECT_EQ(Made("print-quality=3"), "*OutputMode=Draft\n");
+  // So the spooler hands on what a client asks for.
+  EXPECT_EQ(Made("print-quality=3 cupsPrintQuality=Draft"), "*OutputMode=Draft\n");
+  EXPECT_EQ(Made("print-quality=5 job-id=1 cupsPrintQuality=High x-a=1"), "*OutputMode=High\n");
   EXPECT_EQ(Made("finishings=28"), "*StapleLocation=DualPortrait\n");
   EXPECT_EQ(Made("printer-resolution=1200dpi"), "*Resolution=1200dpi\n");
   EXPECT_EQ(Made("copies=3"), "*NrCopies=3\n");
