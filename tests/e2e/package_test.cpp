@@ -233,6 +233,26 @@ TEST_F(PackageTest, AnUpgradeKeepsWhatUsersMade) {
   EXPECT_EQ("", Shell("dpkg --verify kpx"));
 }
 
+TEST_F(PackageTest, AnUpgradeGivesTheQueuesOfAnOlderVersionTheirOptions) {
+  const TemporaryDirectory directory;
+  const std::string later = LaterPackage(directory);
+  MustDpkg({"-i", Package()});
+  MakeWhatUsersMake();
+  // As the bridge made them before print dialogs knew their options.
+  Shell("/usr/sbin/lpadmin -x lp1 && /usr/sbin/lpadmin -p lp1 -E -v kpxlp:/interface");
+  const std::string options = "lpoptions -p lp1 -l 2>&1 || :";
+  ASSERT_EQ(std::string::npos, Shell(options).find("Duplex"));
+  Shell("echo 'Patience' | lp -d lp1 -H hold");
+  MustDpkg({"-i", later});
+  EXPECT_NE(std::string::npos, Shell(options).find("Duplex/Two-sided printing: *None"));
+
+  PrinterJobs jobs;
+  Shell("lp -i $(lpstat -o lp1 | cut -d' ' -f1) -H resume");
+  EXPECT_EQ(1, PagesOf(PostScriptOf(jobs.Next()).at(0)));
+  Shell("echo 'After that' | lp -d lp1 -o sides=two-sided-short-edge");
+  EXPECT_NE(std::string::npos, jobs.Next().find("*Duplex DuplexTumble\n"));
+}
+
 TEST_F(PackageTest, ARemovalKeepsWhatUsersMadeAndAPurgeTakesIt) {
   MustDpkg({"-i", Package()});
   MakeWhatUsersMake();
