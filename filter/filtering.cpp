@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstring>
 #include <ctime>
@@ -13,6 +14,7 @@
 #include "conflicts.h"
 #include "jobkind.h"
 #include "jobresult.h"
+#include "jobrules.h"
 #include "jobsettings.h"
 #include "jobsource.h"
 #include "pageselection.h"
@@ -23,6 +25,7 @@
 #include "ppdadaptor.h"
 #include "queueppd.h"
 #include "queuetypes.h"
+#include "settingkeys.h"
 #include "textencoding.h"
 #include "textfile.h"
 #include "textjob.h"
@@ -60,16 +63,34 @@ std::vector<ApplicationOption> PageWordsOf(std::vector<ApplicationOption> words)
   return words;
 }
 
+// Dialogs send every option, changed or not. A delivery that says no more than the queue's default
+// does not undo one of the user's that waits for a PIN.
+void KeepDeliveryWithPin(const std::string &of_queue, const JobSettings &settings,
+                         ApplicationSettings *words) {
+  const PpdChoice *stored = settings.Chosen("Delivery");
+  if (stored == nullptr || !NeedsPin(stored->keyword) || NeedsPin(of_queue)) return;
+  const size_t dropped = std::erase_if(words->settings, [&](const KeyValue &setting) {
+    return setting.key == kDeliveryKey && SameKeyword(setting.value, of_queue);
+  });
+  if (dropped == 0) return;
+  Warn(
+      "the job is held for the PIN of the user's settings, although the application asks for the "
+      "queue's usual delivery");
+}
+
 // The layers of settings over the printer's defaults: the queue's file, the user's, the job's
 // words. Fills `request` (null: the job is no PDF document). Returns an empty text, or what failed.
 std::string ApplyLayers(const FilterArguments &arguments, JobSettings *settings,
                         PageRequest *request) {
   OptionFile queue;
+  std::string usual_delivery;
   if (!arguments.def_file.empty()) {
     const bool has_options = !settings->Model().features.empty();
     queue = ReadQueueOptions(arguments.def_file, has_options);
     if (!queue.error.empty()) return queue.error;
     settings->ApplyQueue(queue.settings);
+    const PpdChoice *delivery = settings->Chosen("Delivery");
+    if (delivery != nullptr) usual_delivery = delivery->keyword;
     const OptionFile user = OptionsOfUser(arguments);
     if (!user.error.empty()) return user.error;
     if (!user.warning.empty()) Warn(user.warning);
@@ -84,7 +105,9 @@ std::string ApplyLayers(const FilterArguments &arguments, JobSettings *settings,
                             : arguments.type == kTextType ? PageWords::kText
                             : arguments.type == kPclType  ? PageWords::kNobody
                                                           : PageWords::kDocument;
-    settings->ApplyWords(SettingsOfWords(words, ppd, pages));
+    ApplicationSettings asked = SettingsOfWords(words, ppd, pages);
+    KeepDeliveryWithPin(usual_delivery, *settings, &asked);
+    settings->ApplyWords(asked);
     if (request != nullptr) *request = {ppd.text, PageWordsOf(words)};
   }
   PageSelection selection;

@@ -131,6 +131,10 @@ class Maker {
         options_.insert(statement.option.substr(1));
       }
     }
+    // libcups takes the choices of some options without their frame too.
+    if (model_) {
+      for (const PpdFeature &feature : model_->features) options_.insert(feature.keyword);
+    }
     FindCustoms();
   }
 

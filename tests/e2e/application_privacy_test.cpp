@@ -80,6 +80,24 @@ TEST_F(Privacy, AStoredPinGoesWithTheDeliveryThatADialogChooses) {
   EXPECT_EQ(printed_.Next().value_or(kPin).find(kPin), std::string::npos);
 }
 
+TEST_F(Privacy, ADialogsUsualDeliveryDoesNotUndoTheUsersPin) {
+  Describe();
+  Store("HoldJobUntilYouEnterPIN");
+  const std::string held = "@PJL SET DELIVERY=HOLDPIN\n";
+  SchedulerLog log;
+  // As GTK's dialog sends all options, changed or not.
+  PrintAsAnna({"-o", "Delivery=PrintImmediately", "-o", "Duplex=None", pdf_});
+  const std::string job = printed_.Next().value_or("");
+  EXPECT_NE(job.find(held), std::string::npos) << job;
+  EXPECT_NE(job.find("@PJL SET DELIVERYPIN=\"4711\"\n"), std::string::npos) << job;
+  log.WaitFor("kpxfilter: the job is held for the PIN of the user");
+  // What differs from the queue's default is somebody's wish.
+  PrintAsAnna({"-o", "Delivery=ArchiveToDocumentServer", pdf_});
+  EXPECT_NE(printed_.Next().value_or("").find("@PJL SET DELIVERY=ARCHIVE\n"), std::string::npos);
+  PrintAsAnna({"-o", "*Delivery=PrintImmediately", pdf_});
+  EXPECT_NE(printed_.Next().value_or("").find("@PJL SET DELIVERY=PRINT\n"), std::string::npos);
+}
+
 TEST_F(Privacy, NothingShowsWhatTheUsersSettingsAdd) {
   const SchedulerConfiguration configuration(SayingAll());
   const std::string unreachable = "127.0.0.99";
@@ -90,18 +108,25 @@ TEST_F(Privacy, NothingShowsWhatTheUsersSettingsAdd) {
   queue_.Append(block.replace(at, address.size(), "NETWORK_ADDRESS=" + unreachable));
   Run({kDescriptions});
   Store("HoldJobUntilYouEnterPIN");
-  // More than fits into a pipe, so that the filter waits for the printer.
-  const std::string many = files_.Write("many.ps", Pages(900)), document = files_.Path("many.pdf");
+  // More than the transport and the pipes hold, so that all wait for the printer.
+  const std::string many = files_.Write(
+      "many.ps", "%!PS\n0 1 200000 {dup 500 mod exch 500 idiv 1 1 rectfill} for showpage\n");
+  const std::string document = files_.Path("many.pdf");
   Run({"gs", "-q", "-dSAFER", "-dBATCH", "-dNOPAUSE", "-sDEVICE=pdfwrite", "-o", document, many});
   SchedulerLog log;
   const std::string job = PrintAsAnna({"-o", "Duplex=DuplexTumble", document});
   log.WaitFor("cannot reach " + unreachable);
-  const std::string meanwhile = SeenByBob(job);
+  // Every program that has part in it is there to be seen.
+  const Deadline deadline(EventPatience());
+  std::string meanwhile = SeenByBob(job);
+  while (meanwhile.find("/usr/bin/pdftops ") == std::string::npos && deadline.Left() > 0) {
+    meanwhile += SeenByBob(job);
+  }
   RunProgram({"cancel", "lp1-" + job});
   log.WaitFor("[Job " + job + "] Unloading");
   const std::string all =
       meanwhile + SeenByBob(job) + log.Text() + LogOf("page_log") + LogOf("access_log");
-  for (const char *seen : {"/opt/orlan/bin/kpxfilter ",
+  for (const char *seen : {"/opt/orlan/bin/kpxfilter ", "/usr/bin/pdftops ",
                            "kpxnbtrans "
                            "127.0.0.99",
                            "DuplexTumble", "job-state (enum) = processing"}) {

@@ -65,6 +65,13 @@ TEST_F(QueueDescription, CodeThatTakesSeveralLinesGoesWithThem) {
   EXPECT_EQ(made_.text.find("first"), std::string::npos);
 }
 
+TEST_F(QueueDescription, CodeOfAnOptionWithoutFrameGoesToo) {
+  source_.model =
+      "*PPD-Adobe: \"4.3\"\n*FormatVersion: \"4.3\"\n*NickName: \"x\"\n"
+      "*PageSize A4/A4: \"<</PageSize[595 842]>>setpagedevice\"\n";
+  EXPECT_EQ(Made().FindFeature("PageSize")->FindChoice("A4")->code, "");
+}
+
 TEST_F(QueueDescription, TheQueuesSettingsAreItsDefaults) {
   source_.settings = {{"*Duplex", "DuplexTumble"},
                       {"*OptionFinisher", "True"},

@@ -12,8 +12,16 @@ add_custom_command(OUTPUT ${filter_archive}
   DEPENDS ${filter_objects} VERBATIM)
 add_custom_target(fuzz_filter_archive DEPENDS ${filter_archive})
 
-foreach(kind ppd postscript text options)
-  kpx_add_fuzzer(NAME filter_${kind} SOURCES fuzz/filter_${kind}_fuzz.cpp
-                 OPTIONS ${filter_options} LINK ${filter_archive} ${KPX_FUZZ_CORE} -lcups ${TextSetting_LDFLAGS})
+set(filter_libraries ${filter_archive} ${KPX_FUZZ_CORE} -lcups ${Seccomp_LDFLAGS} ${TextSetting_LDFLAGS})
+foreach(kind ppd postscript text options queueppd words)
+  # libcups reads a whole PPD file for each of their inputs.
+  set(runs 20000)
+  if(kind STREQUAL "queueppd")
+    set(runs 4000)
+  elseif(kind STREQUAL "words")
+    set(runs 1000)
+  endif()
+  kpx_add_fuzzer(NAME filter_${kind} SOURCES fuzz/filter_${kind}_fuzz.cpp RUNS ${runs}
+                 OPTIONS ${filter_options} LINK ${filter_libraries})
   add_dependencies(fuzz_filter_${kind} fuzz_filter_archive)
 endforeach()
