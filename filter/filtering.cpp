@@ -78,6 +78,12 @@ void KeepDeliveryWithPin(const std::string &of_queue, const JobSettings &setting
       "queue's usual delivery");
 }
 
+PageWords WhoLaysPagesOut(const std::string &type, bool is_pdf) {
+  if (is_pdf) return PageWords::kConverter;
+  if (type == kTextType) return PageWords::kText;
+  return type == kPclType ? PageWords::kNobody : PageWords::kDocument;
+}
+
 // The layers of settings over the printer's defaults: the queue's file, the user's, the job's
 // words. Fills `request` (null: the job is no PDF document). Returns an empty text, or what failed.
 std::string ApplyLayers(const FilterArguments &arguments, JobSettings *settings,
@@ -101,10 +107,7 @@ std::string ApplyLayers(const FilterArguments &arguments, JobSettings *settings,
       WordsOfApplications(arguments.options, settings->Model().color);
   if (!words.empty() || request != nullptr) {
     const QueuePpd ppd = DescriptionOf(arguments, queue.settings);
-    const PageWords pages = request != nullptr            ? PageWords::kConverter
-                            : arguments.type == kTextType ? PageWords::kText
-                            : arguments.type == kPclType  ? PageWords::kNobody
-                                                          : PageWords::kDocument;
+    const PageWords pages = WhoLaysPagesOut(arguments.type, request != nullptr);
     ApplicationSettings asked = SettingsOfWords(words, ppd, pages);
     KeepDeliveryWithPin(usual_delivery, *settings, &asked);
     settings->ApplyWords(asked);

@@ -221,6 +221,31 @@ TEST_F(Applications, AGtkProgramPrintsWithTheOptionsOfTheQueue) {
   EXPECT_EQ(rendering.pages.size(), 6u) << "not three pages twice: " << rendering.messages;
 }
 
+TEST_F(Applications, TheDialogOfAGtkProgramShowsTheOptionsAndWhichOfThemConflict) {
+  Describe();
+  // GTK and the session's bus have much to say.
+  const std::string words = files_.Path("words");
+  const CommandResult run = RunProgram(
+      {"sh", "-c",
+       "exec env -u NO_AT_BRIDGE -u DBUS_SESSION_BUS_ADDRESS XDG_RUNTIME_DIR=" + files_.Path() +
+           " dbus-run-session -- " KPX_PRINTDIALOG " 'Stapling?' 'no conflict'"
+           " 'Output tray=Finisher tray' 'Stapling=One staple, portrait'"
+           " 'Paper type=Transparencies' conflict 'Paper type=Recycled' 'no conflict'"
+           " 'Two-sided=Short Edge (Flip)' Print -- " KPX_GTKPRINT " --dialog lp1 3 2>" +
+           words});
+  ASSERT_EQ(run.status, 0) << ContentOf(words);
+  EXPECT_TRUE(
+      run.output.ends_with("Off\nOne staple, portrait\nOne staple, landscape\n"
+                           "Two staples, portrait\nTwo staples, landscape\n"))
+      << run.output;
+  const std::string job = printed_.Next().value_or("");
+  for (const char *code : {"*Duplex DuplexTumble\n", "*StapleLocation SinglePortrait\n",
+                           "*OutputBin FinisherTray\n", "*MediaType Recycled\n"}) {
+    EXPECT_NE(job.find(code), std::string::npos) << code;
+  }
+  EXPECT_EQ(Render(job).pages.size(), 3u);
+}
+
 TEST_F(Applications, AQueueWithoutDescriptionPrintsAndSaysSo) {
   queue_.Append(Block("postscript"));
   const ChangedFile filter("/opt/orlan/data/nls/enu/ppds/vek41201.ppd", "not a PPD file\n");
