@@ -219,7 +219,8 @@ ApplicationSettings SettingsOfWords(const std::vector<ApplicationOption> &given,
   PpdMarking marking(ppd.text);
   const std::vector<ApplicationOption> words = WithMediaApart(given, &marking);
   for (const ApplicationOption &word : words) {
-    if (SameKeyword(word.first, "copies")) result.settings.push_back({kCopiesKey, DecodeLine(word.second)});
+    if (SameKeyword(word.first, "copies"))
+      result.settings.push_back({kCopiesKey, DecodeLine(word.second)});
     if (IsUsual(word) || IsSpoolersWord(word.first)) continue;
     if (pages == PageWords::kText) {
       if (const std::optional<KeyValue> setting = TextSettingOf(word)) {
