@@ -7,6 +7,7 @@
 
 #include "AccessKeys.h"
 #include "MessageDialogs.h"
+#include "MoreOptionsList.h"
 #include "OptionCombos.h"
 #include "OptionDefaults.h"
 #include "PropTabFeatures.h"
@@ -48,6 +49,7 @@ GtkWidget *ListOfInstalled() {
 GtkWidget *PlaceOf(const std::string &feature) {
   GtkWidget *combo = OptionCombo(feature.c_str());
   if (combo != nullptr) return combo;
+  if (GtkWidget *more = ShowMoreOption(feature); more != nullptr) return more;
   if (HashFind(G_PrinterInstallableOptions_hash, feature.c_str()) == nullptr) return nullptr;
   return ListOfInstalled();
 }

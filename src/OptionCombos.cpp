@@ -14,10 +14,12 @@
 #include "cprintqueue.h"
 #include "debug.h"
 #include "featuretable.h"
+#include "moreoptions.h"
 #include "multipleup.h"
 #include "optionchange.h"
 #include "optionlists.h"
 #include "optionstate.h"
+#include "printermodels.h"
 #include "settingkeys.h"
 
 OptionChangeHooks G_OptionChangeHooks;
@@ -28,6 +30,7 @@ constexpr int L_PictureSpacing = 12;  // pixels
 
 struct OptionWidgets {
   const char *feature = nullptr;  // of ListedFeatures
+  std::string shown;              // the printer's feature that the row shows
   GtkWidget *combo = nullptr;     // all lent by the window
   GtkWidget *entry = nullptr;
   GtkWidget *picture = nullptr;
@@ -38,7 +41,7 @@ std::vector<OptionWidgets> L_Rows;
 
 const OptionWidgets *RowOf(const char *feature) {
   for (const OptionWidgets &row : L_Rows) {
-    if (std::strcmp(row.feature, feature) == 0) return &row;
+    if (std::strcmp(row.feature, feature) == 0 || row.shown == feature) return &row;
   }
   return nullptr;
 }
@@ -66,7 +69,7 @@ std::string ChoiceOf(const char *feature) {
 }
 
 std::string PictureFor(const char *feature) {
-  const std::string option = ChoiceOf(feature);
+  const std::string option = ChoiceOf(ShownFeature(feature).c_str());
   return PictureOfChoice(feature, option, IsCustomChoice(feature, option.c_str()));
 }
 
@@ -97,8 +100,12 @@ void LogFilling(const char *feature) {
 void FillCombo(GtkWidget *combo, const char *feature, std::optional<SettingsSnapshot> &snapshot) {
   const LogScope log("G_FillComboWithOptions");
   LogFilling(feature);
+  const std::string shown = ShownFeature(feature);
+  // That an added model lacks one is no fault.
+  const bool is_added = G_PrinterModel == kAddedModelNumber;
+  if (is_added && HashFind(G_PrinterFeatures_hash, shown.c_str()) == nullptr) return;
   const std::optional<OptionList> list =
-      GetOptionsForFeature(G_PrinterFeatures_hash, feature, snapshot);
+      GetOptionsForFeature(G_PrinterFeatures_hash, shown.c_str(), snapshot);
   if (!list) {
     Log(2, std::string("The options_glist is empty for feature >>") + feature + "<<");
     return;
@@ -142,13 +149,15 @@ void AddOptionRow(GtkWidget *window, GtkGrid *grid, int row, const char *feature
   if (number == ListedFeatures().size()) return;
   const ListedFeature &listed = ListedFeatures()[number];
   const std::string name = listed.name;
-  OptionWidgets widgets{listed.feature};
+  OptionWidgets widgets;
+  widgets.feature = listed.feature;
+  widgets.shown = ShownFeature(listed.feature);
   widgets.combo = NewCombo(window, (name + "Combo").c_str(), (name + "ComboEntry").c_str(),
                            [&listed] { G_ComboBoxOptionChanged(listed.feature); });
   widgets.entry = lookup_widget(window, (name + "ComboEntry").c_str());
   GtkWidget *label = AddField(window, grid, row, {name + "Label", label_key}, widgets.combo);
   gtk_widget_set_valign(widgets.combo, GTK_ALIGN_CENTER);
-  const bool offered = HashFind(G_PrinterFeatures_hash, feature) != nullptr;
+  const bool offered = HashFind(G_PrinterFeatures_hash, widgets.shown.c_str()) != nullptr;
   if (with_picture) {
     widgets.picture =
         offered ? create_pixmap(window, PictureFor(feature).c_str()) : create_dummy_pixmap(window);
@@ -210,13 +219,15 @@ void G_FillAllComboWithOptions() {
   for (const OptionWidgets &row : L_Rows) {
     if (IsListFilled(row.feature)) FillCombo(row.combo, row.feature, snapshot);
   }
+  Run(G_OptionChangeHooks.refill_more_options);
 }
 
 void G_ComboBoxOptionChanged(const char *feature) {
   const LogScope log("G_ComboBoxOptionChanged");
   const OptionWidgets *row = RowOf(feature);
   if (row == nullptr) return;
-  const std::optional<OptionChange> change = ChangeOption(feature, ComboText(row->combo));
+  const std::optional<OptionChange> change =
+      ChangeOption(row->shown.c_str(), ComboText(row->combo));
   if (!change) return;
   if (change->order_boxes) ShowOrderBoxes(*change->order_boxes);
   if (row->picture != nullptr) {
@@ -235,6 +246,7 @@ void ShowTurnedSheet() {
 
 void RedrawOptionPicture(const char *feature) {
   GtkWidget *picture = OptionPicture(feature);
-  if (picture == nullptr || HashFind(G_PrinterFeatures_hash, feature) == nullptr) return;
+  if (picture == nullptr) return;
+  if (HashFind(G_PrinterFeatures_hash, ShownFeature(feature).c_str()) == nullptr) return;
   change_pixmap(picture, PictureFor(feature).c_str());
 }

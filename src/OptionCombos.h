@@ -55,6 +55,7 @@ void ShowTurnedSheet();
 struct OptionChangeHooks {
   void (*show_nup_orders)(OrderBoxes boxes) = nullptr;
   void (*redraw_multiple_up)() = nullptr;   // booklet, pages a sheet, page orders
+  void (*refill_more_options)() = nullptr;  // the list of the Options tab
   void (*refill_installables)() = nullptr;  // the two lists, or the one of the print tool
   // The delivery's identifier, the notification's identifier: what depends on them.
   void (*delivery_shown)(const char *option) = nullptr;

@@ -9,7 +9,10 @@
 #include "Support.h"
 #include "debug.h"
 #include "featuretable.h"
+#include "moreoptions.h"
 #include "optionlists.h"
+#include "optionstate.h"
+#include "printermodels.h"
 #include "properties.h"
 #include "settingkeys.h"
 
@@ -35,7 +38,9 @@ PageReset ResetPage(Page page) {
   PageReset result = PageReset::kSame;
   for (const ListedFeature *listed : DefaultsOfPage(page)) {
     if (!IsResetByDefaults(listed->feature)) continue;
-    const FeatureReset one = ResetFeature(listed->feature);
+    const FeatureReset one = ResetFeature(ShownFeature(listed->feature).c_str());
+    // An added model need not have every feature of the page.
+    if (one == FeatureReset::kNoDefault && G_PrinterModel == kAddedModelNumber) continue;
     if (one == FeatureReset::kNoDefault) {
       Log(2, std::string("Unable to load the default option for ") + listed->default_name);
       return PageReset::kStopped;

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "MoreOptionsList.h"
 #include "OptionCombos.h"
 #include "OptionDefaults.h"
 #include "Pixmaps.h"
@@ -228,6 +229,7 @@ GtkWidget *create_PropTabOptions() {
   GtkGrid *grid = GTK_GRID(tab.grid);
   AddOptionRows(window, grid, Page::kOptions);
   if (CurrentQueueType().has_pages_a_sheet) AddNupFrame(tab);
+  AddMoreOptions(window, tab.page);
   AddDefaultsButton(tab, "DefaultOptionsButton", ButtonOptionsDefaultsPressed);
   return tab.page;
 }
@@ -274,8 +276,9 @@ void ButtonOptionsDefaultsPressed() {
   const LogScope log("ButtonOptionsDefaultsPressed");
   const PageReset result = ResetPage(Page::kOptions);
   if (result == PageReset::kStopped) return;
+  const bool more_changed = ResetMoreOptions();
   // The lists of installable options too: a resolution can conflict with what is installed.
-  if (result == PageReset::kChanged) RefillAfterDefaults();
+  if (result == PageReset::kChanged || more_changed) RefillAfterDefaults();
   if (!HasButtons()) {
     ChooseMultipleUp("1");
     return;

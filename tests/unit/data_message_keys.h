@@ -158,6 +158,8 @@ inline constexpr MessageKey kMessageKeys[] = {
     {"DEF_LBL_JOBS", ""},
     {"DEF_LBL_JOG", ""},
     {"DEF_LBL_MESSAGE", ""},
+    {"DEF_LBL_MORE_OPTION", ""},
+    {"DEF_LBL_MORE_OPTIONS", ""},
     {"DEF_LBL_MULTIPLEUP_TITLE", ""},
     {"DEF_LBL_NAME_TITLE", ""},
     {"DEF_LBL_ORIENTATION", ""},

@@ -5,3 +5,5 @@ kpx_add_test(NAME queue_creation LIBS kpx_core LABEL e2e SANDBOX full
 kpx_add_test(NAME added_models LIBS kpx_filter kpx_transport LABEL e2e SANDBOX full TIMEOUT 300
   SOURCES e2e/added_models_test.cpp support/adminsession.cpp support/printerjobs.cpp)
 target_compile_definitions(test_added_models PRIVATE KPX_PRINTERD="$<TARGET_FILE:printerd>")
+kpx_add_test(NAME added_models_windows LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
+  SOURCES e2e/added_models_windows_test.cpp)
