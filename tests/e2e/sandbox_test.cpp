@@ -43,6 +43,8 @@ class Sandbox {
     if (pipe2(ends, O_CLOEXEC) != 0) throw std::runtime_error("pipe");
     process_ = fork();
     if (process_ == 0) {
+      // A run of the tests in the background or under nohup ignores some.
+      for (const int signal : {SIGHUP, SIGINT, SIGTERM}) ::signal(signal, SIG_DFL);
       dup2(ends[1], STDOUT_FILENO);
       dup2(ends[1], STDERR_FILENO);
       const int null = open("/dev/null", O_RDONLY);
@@ -96,6 +98,24 @@ class Sandbox {
 
 Ending InSandbox(const std::string &script, const Sandbox::Options &options = {}) {
   return Sandbox(script, options).Wait();
+}
+
+// A copy of the stage in `directory`, for an ordinary user, to whom it has to belong.
+Sandbox::Options OptionsOfAnOrdinaryUser(const TemporaryDirectory &directory) {
+  const std::string stage = directory.Path("stage");
+  fs::copy(KPX_STAGE_DIR, stage, fs::copy_options::recursive | fs::copy_options::copy_symlinks);
+  fs::create_directory(directory.Path("tests"));
+  fs::copy(std::string(KPX_STAGE_DIR) + "/../tests/printerd", directory.Path("tests/printerd"));
+  Sandbox::Options options{.stage = stage};
+  if (getuid() == 0) {
+    options.user = kOrdinaryUser;
+    const auto give = [](const fs::path &path) {
+      EXPECT_EQ(0, lchown(path.c_str(), kOrdinaryUser, kOrdinaryUser)) << path;
+    };
+    give(directory.Path());
+    for (const auto &entry : fs::recursive_directory_iterator(directory.Path())) give(entry.path());
+  }
+  return options;
 }
 
 constexpr char kPrintOnePage[] = R"sh(
@@ -227,24 +247,21 @@ TEST(SandboxTool, AQueueMadeInItPrintsAsLp) {
 }
 
 TEST(SandboxTool, WithoutRootAQueueMadeInItPrintsAsLpToo) {
-  // The stage has to belong to the user.
   const TemporaryDirectory directory;
-  const std::string stage = directory.Path("stage");
-  fs::copy(KPX_STAGE_DIR, stage, fs::copy_options::recursive | fs::copy_options::copy_symlinks);
-  fs::create_directory(directory.Path("tests"));
-  fs::copy(std::string(KPX_STAGE_DIR) + "/../tests/printerd", directory.Path("tests/printerd"));
-  Sandbox::Options options{.stage = stage};
-  if (getuid() == 0) {
-    options.user = kOrdinaryUser;
-    const auto give = [](const fs::path &path) {
-      EXPECT_EQ(0, lchown(path.c_str(), kOrdinaryUser, kOrdinaryUser)) << path;
-    };
-    give(directory.Path());
-    for (const auto &entry : fs::recursive_directory_iterator(directory.Path())) give(entry.path());
-  }
-  const Ending ending = InSandbox(kPrintOnePage, options);
+  const Ending ending = InSandbox(kPrintOnePage, OptionsOfAnOrdinaryUser(directory));
   EXPECT_EQ(0, ending.status) << ending.output;
   EXPECT_NE(std::string::npos, ending.output.find("a page\n")) << ending.output;
+}
+
+TEST(SandboxTool, WithoutRootTestsGiveTheToolkitModulesAndSettingsToo) {
+  const TemporaryDirectory directory;
+  const Ending ending = InSandbox(
+      "set -e; echo settings >/etc/gtk-3.0/settings.ini; cat /etc/gtk-3.0/settings.ini;"
+      "for toolkit in /usr/lib/*/gtk-3.0; do mkdir -p $toolkit/modules; done;"
+      "echo module >$toolkit/modules/trace; cat $toolkit/modules/trace",
+      OptionsOfAnOrdinaryUser(directory));
+  EXPECT_EQ(0, ending.status);
+  EXPECT_EQ("settings\nmodule\n", ending.output);
 }
 
 TEST(SandboxTool, StartsBesideAnXServerOfTheMachineAsRootAndAsAnOrdinaryUser) {
