@@ -198,6 +198,8 @@ void GuiApp::Start(const GuiAppOptions &options) {
   pid_ = fork();
   if (pid_ < 0) throw std::runtime_error("fork");
   if (pid_ == 0) {
+    // A run of the tests in the background or under nohup ignores some.
+    for (const int signal : {SIGHUP, SIGINT, SIGTERM}) std::signal(signal, SIG_DFL);
     dup2(input.get(), STDIN_FILENO);
     dup2(errors.get(), STDERR_FILENO);
     Become(options.program, user, const_cast<char **>(argument_pointers.data()),
