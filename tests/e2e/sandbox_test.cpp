@@ -161,6 +161,27 @@ chown -R "$3:$3" /mnt
 setpriv --reuid "$3" --regid "$3" --clear-groups /mnt/sandbox --stage /mnt/stage sh -c "$screen" user
 )sh";
 
+// In a mount namespace: a sandbox of an ordinary user where something is mounted below what it lays
+// its views over. The same arguments.
+constexpr char kAboveOtherMounts[] = R"sh(
+set -e
+mount -t tmpfs -o mode=755 tmpfs /mnt
+mkdir /mnt/tests
+cp -a "$1" /mnt/stage
+cp "$1/../tests/printerd" /mnt/tests/
+cp "$2" /mnt/sandbox
+chown -R "$3:$3" /mnt
+cd /mnt
+mount -t tmpfs -o mode=1777 tmpfs /tmp
+mkdir /tmp/image
+mount -t tmpfs tmpfs /tmp/image
+echo mounted >/tmp/image/file
+mount -t tmpfs tmpfs /var/opt
+setpriv --reuid "$3" --regid "$3" --clear-groups /mnt/sandbox --bare --stage /mnt/stage \
+  sh -c 'cat /tmp/image/file; echo written >/var/lib/trace; cat /var/lib/trace; ls /opt/orlan/bin/KPXtool'
+[ ! -e /var/lib/trace ]
+)sh";
+
 }  // namespace
 
 TEST(SandboxTool, EndsWithTheCommandsStatus) {
@@ -271,6 +292,15 @@ TEST(SandboxTool, StartsBesideAnXServerOfTheMachineAsRootAndAsAnOrdinaryUser) {
        kBesideAnXServer, "sh", KPX_STAGE_DIR, KPX_SANDBOX_PROGRAM, std::to_string(kOrdinaryUser)});
   EXPECT_EQ(0, run.status);
   EXPECT_EQ("root sees a screen\nuser sees a screen\n", run.output);
+}
+
+TEST(SandboxTool, StartsAsAnOrdinaryUserWhereOtherThingsAreMounted) {
+  if (getuid() != 0) GTEST_SKIP() << "only root can mount them";
+  const CommandResult run =
+      RunProgram({"unshare", "--mount", "sh", "-c", kAboveOtherMounts, "sh", KPX_STAGE_DIR,
+                  KPX_SANDBOX_PROGRAM, std::to_string(kOrdinaryUser)});
+  EXPECT_EQ(0, run.status);
+  EXPECT_EQ("mounted\nwritten\n/opt/orlan/bin/KPXtool\n", run.output);
 }
 
 TEST(SandboxTool, AnnaAndBobAreOrdinaryUsersAndOptionFilesAreSafeFromEachOther) {
