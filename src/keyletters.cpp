@@ -4,6 +4,8 @@
 #include <array>
 #include <limits>
 
+#include "ignoreresult.h"
+
 namespace {
 
 constexpr size_t L_Codes = 256;  // of ISO-8859-1
@@ -150,7 +152,7 @@ using Codes = std::array<bool, L_Codes>;
 
 // Chooses among the letters that are not `taken`; `extra` is what each costs more. Returns whether
 // every text got one.
-bool Choose(KeyedTexts &part, const Codes &taken, const Costs &extra) {
+[[nodiscard]] bool Choose(KeyedTexts &part, const Codes &taken, const Costs &extra) {
   std::vector<Costs> rows;
   for (const std::string &text : part.texts) {
     Costs costs = CostsOf(text);
@@ -211,5 +213,5 @@ void ChooseKeyLetters(KeyedWindow &window) {
     }
   }
   for (const KeyedTexts &page : window.pages) Take(page, taken);
-  Choose(window.spare, taken, {});
+  IgnoreResult(Choose(window.spare, taken, {}), "these have keys of their own");
 }
