@@ -53,7 +53,10 @@ class Keyboard {
     const auto chosen = [&] { return app_.Text(row + "ComboEntry").ends_with(option); };
     const size_t rows = app_.Rows(row + "Combo").size();
     for (const char *key : {"Up", "Down"}) {
-      for (size_t i = 0; i < rows && !chosen(); ++i) Key(key);
+      for (size_t i = 0; i < rows && !chosen(); ++i) {
+        Key(key);
+        app_.WaitDrawn();
+      }
     }
     EXPECT_TRUE(chosen()) << row << " shows " << app_.Text(row + "ComboEntry");
   }

@@ -28,12 +28,13 @@ pid_t Spawn(const std::vector<std::string> &arguments, int input, int words) {
     posix_spawn_file_actions_addclose(&actions, STDIN_FILENO);
   }
   posix_spawn_file_actions_adddup2(&actions, words, STDERR_FILENO);
-  // The test ignores broken pipes; the program shall not have that from us.
+  // The test ignores broken pipes, and a run of the tests in the background or under nohup other
+  // signals; the program shall not have that from us.
   posix_spawnattr_t attributes;
   posix_spawnattr_init(&attributes);
   sigset_t defaults;
   sigemptyset(&defaults);
-  sigaddset(&defaults, SIGPIPE);
+  for (const int signal : {SIGPIPE, SIGHUP, SIGINT, SIGTERM}) sigaddset(&defaults, signal);
   posix_spawnattr_setsigdefault(&attributes, &defaults);
   posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
   pid_t process = -1;
