@@ -51,8 +51,8 @@ int SaveFonts() {
 int SaveDestination() {
   DestinationEntries entries = ReadDestinationEntries();
   const DestinationFault fault = StoreDestination(entries);
-  GtkWidget *address = lookup_widget(G_PropertiesWindow_helper->window, "EmailNotifAddressEntry");
-  gtk_entry_set_text(GTK_ENTRY(address), entries.email_address.c_str());
+  gtk_entry_set_text(GTK_ENTRY(G_PropTabDestination_helper->email_address),
+                     entries.email_address.c_str());
   switch (fault) {
     case DestinationFault::kNone:
       return 1;
