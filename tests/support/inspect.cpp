@@ -25,16 +25,13 @@
 //   unnamed       lines "<window>/<widget> TAB <role>" for every control, list, picture and window
 //                 without a name or label for assistive technology
 //   seen          lines "<x> <y> <width> <height> <state> <window>/<widget>" of every text and
-//   picture
-//                 of the foremost window
+//                 picture of the foremost window
 //   keys          lines "<window>/<widget> TAB <text> TAB <letter>" for every button, tab and label
-//   of
-//                 a field in the foremost window; the letter is that of its access key, "-" without
-//                 one, "*" for a button that another key presses; the file chooser's own are left
-//                 out
+//                 of a field in the foremost window; the letter is that of its access key, "-"
+//                 without one, "*" for a button that another key presses; the file chooser's own
+//                 are left out
 //   texts         lines "<window>/<widget> TAB <text>", one a line, of every text in the windows,
-//   in
-//                 lists and in tooltips; what the toolkit's file chooser shows is left out
+//                 in lists and in tooltips; what the toolkit's file chooser shows is left out
 //   turn          the longest turn of the main loop since this was last asked, in milliseconds
 //   idle          "1", when everything that was under way has been done
 //   drawn         "1", when all windows have been drawn as they are now
