@@ -7,6 +7,7 @@
 #include "output.h"
 #include "paths.h"
 #include "queuelistkeep.h"
+#include "whycommand.h"
 #include "words.h"
 
 namespace kpx::ctl {
@@ -16,7 +17,8 @@ namespace {
 constexpr char kName[] = "kpxctl";
 
 std::string Synopsis(const Command &command) {
-  std::string line = std::string(kName) + " " + command.subject + " " + command.verb;
+  std::string line = std::string(kName) + " " + command.subject;
+  if (*command.verb != '\0') line += std::string(" ") + command.verb;
   if (*command.words != '\0') line += std::string(" ") + command.words;
   return line;
 }
@@ -64,7 +66,11 @@ Status Run(const Command &command, const std::vector<std::string> &words) {
 }  // namespace
 
 const std::vector<Command> &Commands() {
-  static const std::vector<Command> commands = ModelCommands();
+  static const std::vector<Command> commands = [] {
+    std::vector<Command> all = ModelCommands();
+    all.push_back(WhyCommand());
+    return all;
+  }();
   return commands;
 }
 
@@ -79,7 +85,9 @@ Status RunCommandLine(const std::vector<std::string> &words) {
     return kDone;
   }
   for (const Command &command : Commands()) {
-    if (words[0] != command.subject || words.size() < 2 || words[1] != command.verb) continue;
+    if (words[0] != command.subject) continue;
+    if (*command.verb == '\0') return Run(command, {words.begin() + 1, words.end()});
+    if (words.size() < 2 || words[1] != command.verb) continue;
     return Run(command, {words.begin() + 2, words.end()});
   }
   return Refuse(

@@ -19,7 +19,7 @@ struct Call;
 
 struct Command {
   const char *subject;   // "model"
-  const char *verb;      // "add"
+  const char *verb;      // "add"; empty for a subject that is a command itself
   const char *words;     // what may follow, for people
   const char *help_key;  // of the catalogue: what it does
   const char *switches;  // options without a value, in blanks: "--json --dry-run"

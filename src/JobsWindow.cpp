@@ -51,7 +51,7 @@ std::string JobCell(int row, int column) {
   const SpoolerJob &job = Helper().jobs.At(row);
   switch (static_cast<JobColumn>(column)) {
     case JobColumn::Title:
-      return job.title;
+      return JobTitleText(job);
     case JobColumn::Queue:
       return job.queue;
     case JobColumn::User:
@@ -160,9 +160,11 @@ void AddJobButtons(JobsWindowHelper &helper, GtkWidget *parent) {
              &helper.job_buttons);
 }
 
-void AddWindowButtons(GtkWidget *window, GtkWidget *parent) {
+void AddWindowButtons(GtkWidget *window, GtkWidget *parent, GtkWidget **why) {
   GtkWidget *box = NewButtonBox(window, GTK_ORIENTATION_HORIZONTAL, "JobsHbuttonbox");
   gtk_box_pack_start(GTK_BOX(parent), box, FALSE, FALSE, 0);
+  *why = NewButton(window, box, "WhyButton", "DEF_BTN_WHY_TITLE", ButtonWhyPressed);
+  gtk_widget_set_sensitive(*why, FALSE);
   GtkWidget *close =
       NewButton(window, box, "CloseButton", "DEF_BTN_CLOSE_TITLE", ButtonCloseJobsPressed);
   GtkWidget *help =
@@ -199,7 +201,7 @@ GtkWidget *create_JobsWindow() {
   AddReason(helper, box);
   AddJobButtons(helper, box);
   gtk_box_pack_start(GTK_BOX(box), gtk_separator_new(GTK_ORIENTATION_HORIZONTAL), FALSE, FALSE, 0);
-  AddWindowButtons(helper.window, box);
+  AddWindowButtons(helper.window, box, &helper.why_button);
   gtk_widget_show_all(box);
   for (const char *name : {"QueueHbuttonbox", "JobHbuttonbox", "JobsHbuttonbox"}) {
     GtkWidget *buttons = lookup_widget(helper.window, name);

@@ -14,7 +14,8 @@ struct JobsWindowHelper {
   GtkWidget *contact_label = nullptr;  // shown while the print service does not answer
   GtkWidget *queues_list = nullptr;
   GtkWidget *jobs_list = nullptr;
-  GtkWidget *reason_label = nullptr;                   // of the selected row
+  GtkWidget *reason_label = nullptr;  // of the selected row
+  GtkWidget *why_button = nullptr;
   std::map<SpoolerAction, GtkWidget *> queue_buttons;  // empty for an ordinary user
   std::map<SpoolerAction, GtkWidget *> job_buttons;
   QueueRows queues;

@@ -11,6 +11,7 @@
 #include "QuestionDialog.h"
 #include "Support.h"
 #include "ViewedList.h"
+#include "WhyWindow.h"
 #include "cmessages.h"
 #include "debug.h"
 #include "jobstates.h"
@@ -64,12 +65,21 @@ std::string SelectedReason() {
   return queues.size() == 1 ? QueueReasonText(queues[0]) : "";
 }
 
+// Its name as lp and lpstat have it.
+std::string SelectedName() {
+  const std::vector<SpoolerJob> jobs = SelectedJobs();
+  const std::vector<SpoolerQueue> queues = SelectedQueues();
+  if (jobs.size() == 1) return jobs[0].queue + "-" + std::to_string(jobs[0].number);
+  return queues.size() == 1 ? queues[0].name : "";
+}
+
 // What depends on the selection and on what the selected rows say.
 void ShowSelection() {
   const FocusKeeper keeper(Helper().window,
                            SelectedQueues().empty() ? Helper().jobs_list : Helper().queues_list);
   SetButtons(Helper().queue_buttons, SelectedQueues());
   SetButtons(Helper().job_buttons, SelectedJobs());
+  gtk_widget_set_sensitive(Helper().why_button, SelectedName().empty() ? FALSE : TRUE);
   const std::string reason = SelectedReason();
   if (reason != gtk_label_get_text(GTK_LABEL(Helper().reason_label))) {
     gtk_label_set_text(GTK_LABEL(Helper().reason_label), reason.c_str());
@@ -259,6 +269,12 @@ void ButtonMoveJobPressed() {
 void ButtonPrintAgainPressed() {
   const LogScope log("ButtonPrintAgainPressed");
   AskAndDo(SpoolerAction::PrintJobAgain, SelectedJobs());
+}
+
+void ButtonWhyPressed() {
+  const LogScope log("ButtonWhyPressed");
+  const std::string name = SelectedName();
+  if (!name.empty()) gtk_widget_show(create_WhyWindow(name));
 }
 
 void ButtonHelpJobsPressed() {

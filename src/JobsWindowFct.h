@@ -21,6 +21,7 @@ void ButtonHoldJobPressed();
 void ButtonReleaseJobPressed();
 void ButtonMoveJobPressed();
 void ButtonPrintAgainPressed();
+void ButtonWhyPressed();
 void ButtonHelpJobsPressed();
 
 // Also the window's close: ends the watch and the main loop.

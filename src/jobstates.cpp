@@ -5,6 +5,7 @@
 
 namespace {
 
+constexpr std::string_view L_CapturedInput = "KPXtool.stdindata.";
 constexpr std::string_view L_Held = "; the job is held";
 constexpr std::string_view L_Stops = "; the queue ";
 constexpr std::string_view L_Transport = "kpxnbtrans: ";
@@ -174,6 +175,10 @@ std::string QueueStateText(const SpoolerQueue &queue) {
 
 std::string JobStateText(const SpoolerJob &job) {
   return G_Translate(MayHaveBeenPrinted(job) ? "JOB_DOUBT" : StateKey(job.state));
+}
+
+std::string JobTitleText(const SpoolerJob &job) {
+  return job.title.starts_with(L_CapturedInput) ? G_Translate("MSG3") : PlainText(job.title);
 }
 
 std::string JobSizeText(const SpoolerJob &job) {

@@ -31,6 +31,10 @@ TroubleReading ReadTrouble(std::string_view words);
 std::string QueueStateText(const SpoolerQueue &queue);
 std::string JobStateText(const SpoolerJob &job);
 
+// The document's name; data from standard input, which lp knows by the file that it was kept in, is
+// called so.
+std::string JobTitleText(const SpoolerJob &job);
+
 // Pages when the printer has told them, else the size.
 std::string JobSizeText(const SpoolerJob &job);
 

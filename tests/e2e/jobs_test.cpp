@@ -2,11 +2,55 @@
 // them, and what it says while the spooler does not answer.
 #include "guiapp.h"
 #include "installation.h"
+#include "interfacescript.h"
 #include "jobstest.h"
 #include "keyboard.h"
+#include "must.h"
+#include "paths.h"
 #include "spooler.h"
+#include "whycheck.h"
 
 namespace {
+
+// Of a printer that speaks with kpxnbtrans.
+void MakeQueue(const std::string &name, const std::string &address) {
+  ASSERT_EQ(0, RunProgram({KPX_MAKEQUEUES, name + "=postscript=Vek Norvel 4110ES"}).status);
+  Must(ChangeAddressInInterface(name.c_str(), address.c_str(), nullptr));
+}
+
+// Presses Why?, and closes the window when it has come to its conclusion.
+std::string Explanation(JobsApp &app) {
+  app.WaitUntil("Why?", [&] { return app.IsSensitive("WhyButton"); });
+  app.Click("WhyButton");
+  app.WaitWindow("WhyWindow");
+  const std::string room = CatalogueText("WHY_ROOM_GOOD");
+  app.WaitUntil("the last step",
+                [&] { return app.Text("WhyText").find(room) != std::string::npos; });
+  std::string steps = app.Text("WhyText");
+  app.Key("Return");
+  app.WaitGone("WhyWindow");
+  return steps;
+}
+
+std::vector<WhyStep> Steps(const WhySubject &subject) {
+  std::vector<WhyStep> steps;
+  CheckWhy(subject, [&](const WhyStep &step) { steps.push_back(step); });
+  return steps;
+}
+
+std::string BadSteps(const std::vector<WhyStep> &steps) {
+  std::string mends;
+  for (const WhyStep &step : steps) {
+    if (step.result == WhyResult::Bad) mends += std::string(step.mend_key) + " ";
+  }
+  return mends;
+}
+
+std::string AllSteps(const std::vector<WhyStep> &steps) {
+  std::string texts;
+  for (const WhyStep &step : steps) texts += std::string(step.text_key) + " ";
+  return texts;
+}
 
 using Strings = std::vector<std::string>;
 
@@ -202,6 +246,59 @@ TEST_F(Jobs, OfAPrinterThatIsOffOrUnknownSaySo) {
                CatalogueText("TROUBLE_UNREACHABLE", {"127.0.0.1", "Connection refused"}));
   app.WaitCell("JobsClist", "to unknown", 6,
                CatalogueText("TROUBLE_NAME", {"no-such-printer.invalid"}));
+}
+
+// Select and press Why?: two actions.
+TEST_F(Jobs, AreExplainedStepByStep) {
+  MakeQueue("lp1", "127.0.0.1");
+  MakeQueue("lost", "no-such-printer.invalid");
+  JobsApp app;
+  app.WaitRow("QueuesClist", "lp1");
+  EXPECT_FALSE(app.IsSensitive("WhyButton"));
+  app.Select("QueuesClist", "lp1");
+  std::string steps = Explanation(app);
+  EXPECT_NE(std::string::npos, steps.find(CatalogueText("WHY_SPOOLER_GOOD", {"lp1"}))) << steps;
+  EXPECT_NE(std::string::npos, steps.find(CatalogueText("WHY_SCRIPT_GOOD"))) << steps;
+  EXPECT_NE(std::string::npos, steps.find(CatalogueText("WHY_PORT_GOOD", {"127.0.0.1", "2501"})))
+      << steps;
+  EXPECT_NE(std::string::npos, steps.find(CatalogueText("WHY_ROOM_GOOD"))) << steps;
+
+  app.Select("QueuesClist", "lost");
+  steps = Explanation(app);
+  EXPECT_NE(std::string::npos, steps.find(CatalogueText("WHY_NAME_MEND"))) << steps;
+  EXPECT_EQ(std::string::npos, steps.find(CatalogueText("WHY_HOST_GOOD", {"lost"}))) << steps;
+}
+
+TEST_F(Jobs, ExplanationsNameTheMendOfEachFault) {
+  MakeQueue("lp2", "127.0.0.1");
+  const std::string script = std::string(kBridgeInterfaces) + "/lp2";
+  const std::string whole = ContentOf(script);
+  const auto steps = [] { return Steps(AskForSubject("lp2", "root")); };
+  EXPECT_EQ("", BadSteps(steps()));
+  ASSERT_EQ(0, RunProgram({"cupsdisable", "lp2"}).status);
+  EXPECT_EQ("WHY_STOPPED_MEND ", BadSteps(steps()));
+  ASSERT_EQ(0, RunProgram({"cupsenable", "lp2"}).status);
+  ASSERT_EQ(0, RunProgram({"cupsreject", "lp2"}).status);
+  EXPECT_EQ("WHY_REFUSES_MEND ", BadSteps(steps()));
+  ASSERT_EQ(0, RunProgram({"/usr/bin/accept", "lp2"}).status);
+  std::ofstream(script) << whole.substr(0, whole.find("kpxnbtrans"));
+  EXPECT_EQ("WHY_SCRIPT_MEND ", BadSteps(steps()));
+  std::ofstream(script) << whole;
+  const std::string options = std::string(kDataDir) + "/lp2.def";
+  ASSERT_EQ(0, chmod(options.c_str(), 0600));
+  EXPECT_EQ("WHY_OPTIONS_MEND ", BadSteps(steps()));
+  std::ofstream(options, std::ios::app) << "*Delivery=HoldJobUntilYouEnterPIN\n";
+  ASSERT_EQ(0, chmod(options.c_str(), 0644));
+  EXPECT_NE(std::string::npos, AllSteps(steps()).find("WHY_PIN "));
+  const CommandResult shown = RunProgram({"/usr/sbin/kpxctl", "why", "lp2"});
+  EXPECT_EQ(0, shown.status) << shown.output;
+  EXPECT_NE(std::string::npos, shown.output.find(CatalogueText("WHY_SCRIPT_GOOD") + "\n"));
+  const CommandResult none = RunProgram({"/usr/sbin/kpxctl", "why", "none"});
+  EXPECT_EQ(1, none.status);
+  EXPECT_NE(std::string::npos, none.output.find(CatalogueText("WHY_NO_QUEUE_MEND")));
+  EXPECT_EQ("WHY_NO_QUEUE_MEND WHY_SCRIPT_MEND ", BadSteps(Steps(AskForSubject("none", "root"))));
+  const HungScheduler hung;
+  EXPECT_EQ("WHY_SPOOLER_MEND ", BadSteps(steps()));
 }
 
 TEST_F(Jobs, WindowSaysThatTheSpoolerIsGoneAndIsRightAgainWhenItIsBack) {

@@ -1,0 +1,319 @@
+#include "whycheck.h"
+
+#include <fcntl.h>
+#include <grp.h>
+#include <netdb.h>
+#include <poll.h>
+#include <pwd.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <cstring>
+#include <memory>
+#include <optional>
+
+#include "cmessages.h"
+#include "ippclient.h"
+#include "jobrules.h"
+#include "jobstates.h"
+#include "paths.h"
+#include "porting.h"
+#include "scriptreader.h"
+#include "settingkeys.h"
+#include "spoolerrequests.h"
+#include "spooljobs.h"
+#include "textencoding.h"
+#include "textfile.h"
+#include "utils.h"
+
+namespace {
+
+constexpr int L_ConnectMilliseconds = 3000;
+constexpr int L_KeepMilliseconds = 500;                   // a printer that is busy closes at once
+constexpr unsigned long long L_RoomNeeded = 16ULL << 20;  // bytes
+constexpr const char *L_Disks[] = {"/var/spool/cups", kDataDir, "/tmp"};
+constexpr std::string_view L_SpoolerUser = "lp";
+constexpr char L_WordsMend[] = "";  // the words themselves tell it
+
+using Found = std::function<void(const WhyStep &)>;
+
+WhyStep Good(WhyCheck check, const char *key, const std::string &words = "",
+             const std::string &more_words = "") {
+  return {check, WhyResult::Good, key, nullptr, words, more_words};
+}
+
+WhyStep Unknown(WhyCheck check, const char *key, const std::string &words = "") {
+  return {check, WhyResult::Unknown, key, nullptr, words};
+}
+
+WhyStep Bad(WhyCheck check, const char *key, const char *mend_key, const std::string &words = "",
+            const std::string &more_words = "") {
+  return {check, WhyResult::Bad, key, mend_key, words, more_words};
+}
+
+WhyStep CheckSpooler(const WhySubject &subject) {
+  const SpoolerQueue &state = subject.state;
+  if (subject.contact != SpoolerContact::Answering) {
+    return Bad(WhyCheck::Spooler, "WHY_SPOOLER_BAD", "WHY_SPOOLER_MEND");
+  }
+  if (state.name.empty()) {
+    return Bad(WhyCheck::Spooler, "WHY_NO_QUEUE", "WHY_NO_QUEUE_MEND", subject.queue);
+  }
+  if (state.state == QueueState::Stopped) {
+    return Bad(WhyCheck::Spooler, "WHY_STOPPED", "WHY_STOPPED_MEND", state.name);
+  }
+  if (!state.accepts) {
+    return Bad(WhyCheck::Spooler, "WHY_REFUSES", "WHY_REFUSES_MEND", state.name);
+  }
+  return Good(WhyCheck::Spooler, "WHY_SPOOLER_GOOD", state.name);
+}
+
+// The block of the queue's script, where there is a whole one.
+std::optional<InterfaceBlock> CheckScript(const WhySubject &subject, const Found &found) {
+  const QueueScript script = LookAtScript(subject.queue.c_str());
+  const std::string path = InterfacePath(subject.queue);
+  if (script.state == ScriptState::Unreadable) {
+    found(Unknown(WhyCheck::Script, "WHY_SCRIPT_UNREADABLE", path));
+    return std::nullopt;
+  }
+  const BlockReading reading = ReadInterfaceBlock(script.text);
+  if (script.state == ScriptState::Gone || script.state == ScriptState::NotAFile ||
+      reading.state == BlockState::Cut) {
+    found(Bad(WhyCheck::Script, "WHY_SCRIPT_BAD", "WHY_SCRIPT_MEND", path));
+    return std::nullopt;
+  }
+  if (reading.state == BlockState::Other) {
+    found(Unknown(WhyCheck::Script, "WHY_SCRIPT_OTHER", path));
+    return std::nullopt;
+  }
+  found(Good(WhyCheck::Script, "WHY_SCRIPT_GOOD"));
+  return reading.block;
+}
+
+struct Freer {
+  void operator()(addrinfo *list) const { freeaddrinfo(list); }
+};
+using Addresses = std::unique_ptr<addrinfo, Freer>;
+
+Addresses LookUp(const InterfaceBlock &block, std::string *reason) {
+  std::string host = block.address;
+  if (host.size() > 2 && host.front() == '[' && host.back() == ']') {
+    host = host.substr(1, host.size() - 2);
+  }
+  addrinfo wanted = {};
+  wanted.ai_socktype = SOCK_STREAM;
+  addrinfo *list = nullptr;
+  const int result = getaddrinfo(host.c_str(), block.port.c_str(), &wanted, &list);
+  if (result != 0) *reason = DisplayText(gai_strerror(result));
+  return Addresses(list);
+}
+
+class Socket {
+ public:
+  explicit Socket(const addrinfo &address)
+      : descriptor_(socket(address.ai_family, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0)) {}
+  ~Socket() {
+    if (descriptor_ >= 0) close(descriptor_);
+  }
+  Socket(const Socket &) = delete;
+  Socket &operator=(const Socket &) = delete;
+
+  // 0, or the error.
+  int Connect(const addrinfo &address) const {
+    if (connect(descriptor_, address.ai_addr, address.ai_addrlen) == 0) return 0;
+    if (errno != EINPROGRESS) return errno;
+    pollfd waited = {descriptor_, POLLOUT, 0};
+    if (poll(&waited, 1, L_ConnectMilliseconds) <= 0) return ETIMEDOUT;
+    int error = 0;
+    socklen_t size = sizeof error;
+    getsockopt(descriptor_, SOL_SOCKET, SO_ERROR, &error, &size);
+    return error;
+  }
+
+  // Whether the other side has closed the connection within a moment.
+  [[nodiscard]] bool IsClosedAtOnce() const {
+    pollfd waited = {descriptor_, POLLRDHUP, 0};
+    return poll(&waited, 1, L_KeepMilliseconds) > 0 &&
+           (waited.revents & (POLLRDHUP | POLLHUP | POLLERR)) != 0;
+  }
+
+ private:
+  int descriptor_;
+};
+
+void CheckConnection(const InterfaceBlock &block, const addrinfo &address, const Found &found) {
+  const Socket socket(address);
+  const int error = socket.Connect(address);
+  const std::string &host = block.address;
+  if (error != 0 && error != ECONNREFUSED) {
+    const std::string reason = DisplayText(std::strerror(error));  // NOLINT: a text of its own
+    found(Bad(WhyCheck::Host, "WHY_HOST_BAD", "WHY_HOST_MEND", host, reason));
+    return;
+  }
+  found(Good(WhyCheck::Host, "WHY_HOST_GOOD", host));
+  if (error == ECONNREFUSED) {
+    found(Bad(WhyCheck::Port, "WHY_PORT_BAD", "WHY_PORT_MEND", host, block.port));
+    return;
+  }
+  found(Good(WhyCheck::Port, "WHY_PORT_GOOD", host, block.port));
+  if (socket.IsClosedAtOnce()) {
+    found(Bad(WhyCheck::Data, "WHY_DATA_BAD", "WHY_DATA_MEND"));
+  } else {
+    found(Good(WhyCheck::Data, "WHY_DATA_GOOD"));
+  }
+}
+
+void CheckPrinter(const InterfaceBlock &block, const Found &found) {
+  std::string reason;
+  const Addresses addresses = LookUp(block, &reason);
+  if (addresses == nullptr) {
+    found(Bad(WhyCheck::Name, "WHY_NAME_BAD", "WHY_NAME_MEND", block.address, reason));
+    return;
+  }
+  found(Good(WhyCheck::Name, "WHY_NAME_GOOD", block.address));
+  // A backend of CUPS has a port of its own.
+  if (block.backend.empty()) CheckConnection(block, *addresses, found);
+}
+
+WhyStep CheckWords(const WhySubject &subject) {
+  const TroubleReading trouble = ReadTrouble(subject.words);
+  if (trouble.kind == Trouble::None) return Good(WhyCheck::Words, "WHY_WORDS_GOOD");
+  return Bad(WhyCheck::Words, "WHY_WORDS_BAD", L_WordsMend, PlainText(subject.words));
+}
+
+// Whether the programs of the print service may read it; true for a file that is not there.
+bool CanSpoolerRead(const std::string &path) {
+  struct stat file = {};
+  if (stat(path.c_str(), &file) != 0) return errno == ENOENT;
+  const passwd *user = getpwnam(L_SpoolerUser.data());
+  const group *group = getgrnam(L_SpoolerUser.data());
+  if (user != nullptr && file.st_uid == user->pw_uid) return (file.st_mode & S_IRUSR) != 0;
+  if (group != nullptr && file.st_gid == group->gr_gid) return (file.st_mode & S_IRGRP) != 0;
+  return (file.st_mode & S_IROTH) != 0;
+}
+
+std::vector<std::string> OptionFiles(const WhySubject &subject, const InterfaceBlock &block) {
+  if (block.def_path.empty()) return {};
+  const std::string name = block.def_path.substr(block.def_path.rfind('/') + 1);
+  return {block.def_path,
+          UsersDirectoryBeside(block.def_path) + "/" + UserDefFileName(subject.user, name)};
+}
+
+void CheckOptions(const std::vector<std::string> &files, const Found &found) {
+  for (const std::string &path : files) {
+    const bool is_queues = path == files.front();
+    if ((!is_queues || access(path.c_str(), F_OK) == 0) && CanSpoolerRead(path)) continue;
+    found(Bad(WhyCheck::Options, "WHY_OPTIONS_BAD", "WHY_OPTIONS_MEND", path));
+    return;
+  }
+  found(Good(WhyCheck::Options, "WHY_OPTIONS_GOOD"));
+}
+
+// The last setting of the delivery in the files that this user can read.
+void CheckPin(const std::vector<std::string> &files, const Found &found) {
+  const std::string start = std::string(kDeliveryKey) + "=";
+  std::string delivery;
+  for (const std::string &path : files) {
+    const std::optional<std::string> text = ReadWholeFile(path);
+    if (!text) continue;
+    LineReader lines(*text);
+    while (const std::optional<std::string> line = lines.Next()) {
+      if (line->starts_with(start)) delivery = line->substr(start.size());
+    }
+  }
+  if (NeedsPin(delivery)) found(Unknown(WhyCheck::Pin, "WHY_PIN"));
+}
+
+void CheckRoom(const Found &found) {
+  for (const char *path : L_Disks) {
+    struct statvfs disk = {};
+    if (statvfs(path, &disk) != 0) continue;
+    if (static_cast<unsigned long long>(disk.f_bavail) * disk.f_frsize >= L_RoomNeeded) continue;
+    found(Bad(WhyCheck::Room, "WHY_ROOM_BAD", "WHY_ROOM_MEND", path));
+    return;
+  }
+  found(Good(WhyCheck::Room, "WHY_ROOM_GOOD"));
+}
+
+// The number behind the last "-" when what stands before it is a queue of that name.
+int NumberOfJob(const std::string &name) {
+  const size_t dash = name.rfind('-');
+  if (dash == std::string::npos) return 0;
+  return RequestIn(name, name.substr(0, dash)) == name ? std::atoi(name.c_str() + dash + 1) : 0;
+}
+
+void FillFromJob(const SpoolerJob &job, WhySubject *subject) {
+  subject->queue = job.queue;
+  subject->user = job.user;
+  subject->words = job.words;
+}
+
+}  // namespace
+
+WhySubject AskForSubject(const std::string &name, const std::string &user) {
+  WhySubject subject;
+  subject.queue = name;
+  subject.user = user;
+  std::atomic<bool> stop = false;
+  IppClient client(stop, [&stop] { stop = true; });
+  if (client.cups() == nullptr) return subject;
+  const std::optional<std::vector<SpoolerQueue>> queues = AskForQueues(client);
+  if (!queues) return subject;
+  subject.contact = SpoolerContact::Answering;
+  const auto take_state = [&] {
+    for (const SpoolerQueue &queue : *queues) {
+      if (queue.name == subject.queue) subject.state = queue;
+    }
+  };
+  take_state();
+  const int number = subject.state.name.empty() ? NumberOfJob(name) : 0;
+  std::vector<SpoolerJob> jobs;
+  if (number != 0 && AskForJob(client, number, &jobs) && !jobs.empty()) {
+    FillFromJob(jobs[0], &subject);
+    take_state();
+  }
+  if (jobs.empty()) subject.words = subject.state.words;
+  return subject;
+}
+
+void CheckWhy(const WhySubject &subject, const Found &found) {
+  found(CheckSpooler(subject));
+  const std::optional<InterfaceBlock> block = CheckScript(subject, found);
+  if (block && !block->address.empty()) CheckPrinter(*block, found);
+  found(CheckWords(subject));
+  if (block) {
+    const std::vector<std::string> files = OptionFiles(subject, *block);
+    if (!files.empty()) {
+      CheckOptions(files, found);
+      CheckPin(files, found);
+    }
+  }
+  CheckRoom(found);
+}
+
+std::string WhyText(const WhyStep &step) {
+  return G_Message(step.text_key, {step.words, step.more_words});
+}
+
+std::string WhyMend(const WhyStep &step) {
+  if (step.mend_key == nullptr) return "";
+  return step.mend_key == L_WordsMend ? TroubleText(ReadTrouble(step.words))
+                                      : G_Translate(step.mend_key);
+}
+
+std::string WhyLines(const WhyStep &step) {
+  const std::string mend = WhyMend(step);
+  return WhyText(step) + "\n" + (mend.empty() ? "" : "    " + mend + "\n");
+}
+
+std::string WhyConclusion(const std::vector<WhyStep> &steps) {
+  for (const WhyStep &step : steps) {
+    if (step.result == WhyResult::Bad) return G_Message("WHY_FOUND", {WhyText(step)});
+  }
+  return G_Translate("WHY_NOTHING_FOUND");
+}
