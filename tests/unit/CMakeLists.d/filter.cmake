@@ -15,12 +15,10 @@ foreach(name filter_applications filter_pdf filter_texttable)
 endforeach()
 kpx_add_test(NAME filter_corpus SOURCES e2e/filter_corpus_test.cpp
              LIBS kpx_core kpx_filterrun Cups::Cups LABEL e2e)
-foreach(kind layout program rendering)
+foreach(kind layout program rendering streaming)
   kpx_add_test(NAME filter_${kind} SOURCES e2e/filter_${kind}_test.cpp
                LIBS kpx_filterrun LABEL e2e)
 endforeach()
-kpx_add_test(NAME filter_streaming SOURCES e2e/filter_streaming_test.cpp
-             LIBS kpx_filterrun LABEL e2e TIMEOUT 900)
 kpx_add_test(NAME filter_textcells SOURCES e2e/filter_textcells_test.cpp
              LIBS kpx_filter kpx_filterrun LABEL e2e)
 foreach(name filter_corpus filter_layout filter_program filter_rendering filter_streaming filter_pdf filter_textcells
