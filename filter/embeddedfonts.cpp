@@ -108,12 +108,8 @@ EmbeddedGlyph EmbeddedFonts::Embed(size_t face, uint32_t glyph, int cells, char3
 
 EmbeddedGlyph EmbeddedFonts::EmbedBox(char32_t character, int cells) {
   const int width = (cells < 1 ? 1 : cells) * kCell;
-  const auto [entry, is_new] = boxes_.try_emplace({character, cells});
-  if (is_new) {
-    entry->second = Add("", Numbers({width, 0, 0, -150, width, 750}) + "d 30 setlinewidth\n" +
-                                BoxPath(character, width) + "stroke");
-  }
-  return entry->second;
+  return Add("", Numbers({width, 0, 0, -150, width, 750}) + "d 30 setlinewidth\n" +
+                     BoxPath(character, width) + "stroke");
 }
 
 std::string EmbeddedFonts::TakeDefinitions() { return std::exchange(definitions_, {}); }

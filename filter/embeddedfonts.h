@@ -29,7 +29,7 @@ class EmbeddedFonts {
   // own advance. `character` is what it stands for, 0 for a part of a shaped word.
   EmbeddedGlyph Embed(size_t face, uint32_t glyph, int cells, char32_t character);
 
-  // A box with the character's code in it, for one that no font has.
+  // A box with the character's code in it, for one that no font has; to be called once for each.
   EmbeddedGlyph EmbedBox(char32_t character, int cells);
 
   // The PostScript that defines what was embedded since the last call. It has to stand before the
@@ -42,7 +42,6 @@ class EmbeddedFonts {
 
   FontFaces *fonts_;
   std::map<std::tuple<size_t, uint32_t, int>, EmbeddedGlyph> glyphs_;
-  std::map<std::pair<char32_t, int>, EmbeddedGlyph> boxes_;
   size_t count_ = 0;  // of glyphs
   std::string definitions_;
 };

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <iterator>
 
 #include "decimal.h"
 #include "latinencoding.h"
@@ -82,6 +83,8 @@ CharacterInfo Characters::FindEmbedded(char32_t character, CharacterInfo info) {
     }
   } else {
     boxes_.insert(character);
+    // One more than are named tells that there are others.
+    if (boxes_.size() > kMostNamed + 1) boxes_.erase(std::prev(boxes_.end()));
     info.is_box = true;
     place = embedded_.EmbedBox(character, std::max(cells, 1));
     if (cells == 0) info.width = static_cast<float>(0.6 * layout_.width_size / layout_.unit);

@@ -87,7 +87,7 @@ class Characters {
   EmbeddedFonts embedded_;
   std::vector<std::unique_ptr<Block>> blocks_;
   std::unordered_map<std::u32string, ShapedText> shaped_;
-  std::set<char32_t> boxes_;
+  std::set<char32_t> boxes_;  // the lowest ones
   size_t boxes_set_ = 0;
 };
 
