@@ -271,7 +271,9 @@ TextPages::Cluster TextPages::ClusterAt(size_t begin) {
   cluster.width = cluster.info->width;
   cluster.level = levels_.empty() ? 0 : static_cast<unsigned char>(levels_[begin]);
   bool has_marks = cluster.kind == CharacterKind::kMark;
-  while (cluster.end < segment_.size() && cluster.kind != CharacterKind::kDropped &&
+  // A box carries no marks: they stand by themselves.
+  const bool is_carrier = cluster.kind != CharacterKind::kDropped && !cluster.info->is_box;
+  while (cluster.end < segment_.size() && is_carrier &&
          characters_->InfoOf(segment_[cluster.end]).kind == CharacterKind::kMark) {
     has_marks = true;
     ++cluster.end;

@@ -39,6 +39,13 @@ bool IsBlank(char32_t character) {
   return g_unichar_isspace(character) && !g_unichar_iszerowidth(character);
 }
 
+// Marks that choose a form of the letter before them or join others: nothing to be seen.
+bool IsSelector(char32_t character) {
+  return character == 0x34F || (character >= 0x180B && character <= 0x180F) ||
+         (character >= 0xFE00 && character <= 0xFE0F) ||
+         (character >= 0xE0100 && character <= 0xE01EF);
+}
+
 FontLook LookFor(const TextLayout &layout) {
   FontLook look = LookOf(layout.font);
   if (layout.has_own_encoding) look.family.clear();
@@ -105,7 +112,13 @@ CharacterInfo Characters::Find(char32_t character) {
   const std::optional<uint8_t> byte = LatinByte(character);
   if (byte && (!layout_.has_own_encoding || character < 0x7F)) return FindOwn(character, *byte);
   if (g_unichar_ismark(character) && g_unichar_iszerowidth(character)) {
-    info.kind = CharacterKind::kMark;
+    if (fonts_.FaceFor({&character, 1})) {
+      info.kind = CharacterKind::kMark;
+    } else if (!IsSelector(character)) {
+      info.cells = 1;
+      info.width = 1;
+      info = FindEmbedded(character, info);
+    }
     return info;
   }
   if (g_unichar_iszerowidth(character) && IsPlainScript(character)) return info;

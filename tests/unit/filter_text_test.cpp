@@ -94,6 +94,19 @@ TEST_F(TextJob, ACharacterThatNoFontHasIsABoxWithAWarning) {
             WarningsOver(FilterText, settings_, "\u4F60"));
 }
 
+TEST_F(TextJob, ALetterThatNoFontHasIsABoxWithItsMarksBesideIt) {
+  const std::string pages = Pages("\U0010FF00\u0301x");
+  EXPECT_NE(pages.find("0 0 ( ) 0 Q\n"), std::string::npos) << pages;
+  EXPECT_EQ(CountOf(pages, " X\n"), 1u) << pages;
+  EXPECT_NE(WarningsOver(FilterText, settings_, "\U0010FF00\u0301x"), "");
+}
+
+TEST_F(TextJob, AMarkThatNoFontHasIsABox) {
+  // A mark of a script that the fonts of desktops lack, and one that is never to be seen.
+  EXPECT_EQ(CountOf(WarningsOver(FilterText, settings_, "a\U0001E8D0"), "U+1E8D0"), 1u);
+  EXPECT_EQ(WarningsOver(FilterText, settings_, "a\U000E0100"), "");
+}
+
 TEST_F(TextJob, HebrewStandsFromRightToLeft) {
   // alef, bet, gimel: codes in the order in which they were first seen
   EXPECT_EQ(Pages("a \u05D0\u05D1\u05D2 b"),
