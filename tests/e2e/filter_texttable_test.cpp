@@ -67,13 +67,13 @@ const std::vector<Case> kCases = {
     {"cyrillic", "", "Привет ёж\n", {"Привет ёж"}},
     {"hebrew", "", "x שלום y\n", {"x םולש y"}},
     {"vietnamese", "", "ếệượđ\n", {"ếệượđ"}},
-    {"cjk_without_font",
+    {"without_font",
      "",
-     "a \uF8F0 b\n",
+     "a \U0010FF00 b\n",
      {},
      kPpd,
      "",
-     "1 character that no font of this host has is printed as a box with its code: U+F8F0"},
+     "1 character that no font of this host has is printed as a box with its code: U+10FF00"},
     {"combining", "", "e\u0301A\u030a n\u0303\n", {"éÅ ñ"}},
     {"arrows_and_boxes", "", "→∞≠ ┌─┐│└┘ ░█ ⅛♥№\n", {"→∞≠ ┌─┐│└┘ ░█ ⅛♥№"}},
     {"byte_order_mark", "", "\xEF\xBB\xBFx", {"x"}},
@@ -213,7 +213,7 @@ TEST(TextTable, EveryKindOfTextPrintsWhatItSays) {
   const auto printed = PrintedPagesOf(outputs);
   ASSERT_EQ(printed.size(), kCases.size());
   for (size_t i = 0; i < kCases.size(); ++i) {
-    if (std::string_view(kCases[i].name) == "cjk_without_font") continue;  // the box has no text
+    if (std::string_view(kCases[i].name) == "without_font") continue;  // the box has no text
     std::vector<std::string> pages;
     for (const PrintedPage &page : printed[i]) pages.push_back(Read(kCases[i], page));
     EXPECT_EQ(pages, kCases[i].pages) << kCases[i].name;
@@ -370,6 +370,35 @@ TEST(TextTable, UnderlinedTextStandsOnItsLine) {
   };
   EXPECT_GT(left_of("u"), 0);
   EXPECT_NEAR(left_of("u"), left_of("_"), 0.01);
+}
+
+// With whatever fonts this host has: a character without one is a box. docs/scripts.png shows the
+// page.
+TEST(TextTable, APageOfManyScriptsHasAllItsLines) {
+  const std::string text = ContentOf(KPX_TEST_DATA "/data/scripts.txt");
+  FilterCall call;
+  call.type = "text";
+  const FilterRun run = Filter(call, text);
+  EXPECT_EQ(run.status, 0);
+  EXPECT_LE(std::count(run.errors.begin(), run.errors.end(), '\n'), 1) << run.errors;
+  const auto printed = PrintedPagesOf({run.output});
+  ASSERT_EQ(printed[0].size(), 1u);
+  const std::vector<PrintedWord> &words = printed[0][0].words;
+  const double cell = 541.0 / 80;
+  std::istringstream lines(text);
+  size_t scripts = 0;
+  for (std::string line; std::getline(lines, line); ++scripts) {
+    const double baseline = 842 - 794 + 12 * static_cast<double>(scripts);
+    const auto has_word = [&](double from, double to) {
+      return std::any_of(words.begin(), words.end(), [&](const PrintedWord &word) {
+        return word.left > from && word.left < to && word.top < baseline - 4 &&
+               word.bottom > baseline - 4;
+      });
+    };
+    EXPECT_TRUE(has_word(35, 37)) << "the name in " << line;
+    EXPECT_TRUE(has_word(36 + 12.5 * cell, 577)) << "the words in " << line;
+  }
+  EXPECT_GE(scripts, 30u);
 }
 
 TEST(TextTable, SettingsOfThePrinterAreInTheJob) {
