@@ -1,10 +1,7 @@
 // PDF documents as jobs for PostScript printers: what the printer would show.
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <cstdlib>
-#include <filesystem>
-#include <sstream>
 
 #include "filterrun.h"
 #include "ghostscript.h"
@@ -175,98 +172,6 @@ TEST(PdfJob, OnOtherQueuesIsRefusedInWords) {
   EXPECT_EQ(run.status, 1);
   EXPECT_EQ(run.errors,
             "kpxfilter: the file is a PDF document, but this queue prints only plain text\n");
-}
-
-// What a program prints on standard output.
-std::string OutputOfShell(const std::string &command) {
-  const TemporaryDirectory directory;
-  if (std::system((command + " >" + directory.Path("out") + " 2>/dev/null").c_str()) != 0)
-    return {};
-  return ContentOf(directory.Path("out"));
-}
-
-// The documents that Debian packages have brought to this machine.
-std::vector<std::string> InstalledDocuments() {
-  std::vector<std::string> documents;
-  for (const char *root : {"/usr/share/doc", "/usr/share/cups/data", "/usr/share/texmf"}) {
-    std::error_code error;
-    for (std::filesystem::recursive_directory_iterator file(root, error), end; file != end;
-         file.increment(error)) {
-      if (file->path().extension() == ".pdf") documents.push_back(file->path());
-    }
-  }
-  std::sort(documents.begin(), documents.end());
-  return documents;
-}
-
-// A picture of the device pgmraw as the mean of squares of twelve by twelve dots: lines that are a
-// dot wider or narrower, as programs draw them, weigh little, missing ones much.
-std::vector<double> Squares(const std::string &picture) {
-  constexpr size_t kSide = 12;
-  std::istringstream header(picture.substr(picture.find('\n', picture.find('#')) + 1, 40));
-  size_t width = 0, length = 0;
-  header >> width >> length;
-  const size_t start = picture.size() - width * length;
-  std::vector<double> squares((width / kSide) * (length / kSide));
-  for (size_t y = 0; y < length / kSide * kSide; ++y) {
-    for (size_t x = 0; x < width / kSide * kSide; ++x) {
-      const auto dot = static_cast<unsigned char>(picture[start + y * width + x]);
-      squares[y / kSide * (width / kSide) + x / kSide] += dot / 255.0 / (kSide * kSide);
-    }
-  }
-  return squares;
-}
-
-// Mean of the differences of all squares, from 0 to 1.
-double MeanDifference(const std::string &a, const std::string &b) {
-  const std::vector<double> first = Squares(a), second = Squares(b);
-  if (first.empty() || first.size() != second.size()) return 1;
-  double sum = 0;
-  for (size_t i = 0; i < first.size(); ++i) sum += std::abs(first[i] - second[i]);
-  return sum / static_cast<double>(first.size());
-}
-
-TEST(PdfCorpus, DocumentsOfInstalledPackagesLookAsTheirSources) {
-  constexpr double kMost = 0.03;
-  constexpr char kGhostscript[] = "gs -q -dSAFER -dBATCH -dNOPAUSE -r108 -sDEVICE=pgmraw ";
-  const std::vector<std::string> documents = InstalledDocuments();
-  ASSERT_FALSE(documents.empty());
-  int compared = 0;
-  for (const std::string &document : documents) {
-    SCOPED_TRACE(document);
-    const std::string info = OutputOfShell("pdfinfo '" + document + "'");
-    const size_t at = info.find("Page size:");
-    if (at == std::string::npos) continue;  // needs a password, or has no pages
-    const double width = std::stod(info.substr(at + 10));
-    const double length = std::stod(info.substr(info.find(" x ", at) + 3));
-    // On paper of the document's own size nothing is scaled.
-    if (width < 284 || length < 420 || width > 864 || length > 1296) continue;
-    const std::string paper =
-        std::to_string(std::lround(width)) + "x" + std::to_string(std::lround(length));
-    const FilterRun run = Print(ContentOf(document),
-                                "PageSize=Custom." + paper + " page-ranges=1-3 print-scaling=none");
-    ASSERT_EQ(run.status, 0) << run.errors;
-    const Rendering printed = Render(run.output, "pgmraw", 108);
-    for (size_t page = 0; page < printed.pages.size(); ++page) {
-      const TemporaryDirectory directory;
-      const std::string number = std::to_string(page + 1);
-      const std::string picture = directory.Path("page");
-      ASSERT_EQ(std::system((std::string(kGhostscript) + "-dFirstPage=" + number + " -dLastPage=" +
-                             number + " -g" + std::to_string(std::lround(std::round(width) * 1.5)) +
-                             "x" + std::to_string(std::lround(std::round(length) * 1.5)) + " -o " +
-                             picture + " '" + document + "' >/dev/null 2>&1")
-                                .c_str()),
-                0);
-      const std::string source = ContentOf(picture);
-      if (source.size() != printed.pages[page].size()) continue;  // half a dot of the paper's edge
-      EXPECT_LT(MeanDifference(source, printed.pages[page]), kMost) << "page " << number;
-      const std::string blank = source.substr(0, 20) + std::string(source.size() - 20, '\xFF');
-      EXPECT_GT(MeanDifference(source, blank), 2 * MeanDifference(source, printed.pages[page]))
-          << "page " << number << " may as well be blank";
-      ++compared;
-    }
-  }
-  EXPECT_GE(compared, 5) << "of " << documents.size() << " documents";
 }
 
 }  // namespace

@@ -27,6 +27,10 @@ target_link_libraries(gtkprint PRIVATE PkgConfig::GTK3)
 target_compile_definitions(test_application_printing PRIVATE KPX_GTKPRINT="$<TARGET_FILE:gtkprint>"
                            KPX_PRINTDIALOG="${CMAKE_CURRENT_SOURCE_DIR}/support/printdialog")
 add_dependencies(test_application_printing gtkprint)
+if(KPX_LONG)
+  kpx_add_test(NAME application_office LIBS kpx_core LABEL e2e SANDBOX full
+    SOURCES e2e/application_office_test.cpp)
+endif()
 kpx_add_test(NAME application_table LIBS kpx_core LABEL e2e SANDBOX full
   SOURCES e2e/application_table_test.cpp)
 target_compile_definitions(test_application_table PRIVATE KPX_GTKPRINT="$<TARGET_FILE:gtkprint>"

@@ -8,8 +8,11 @@ kpx_add_test(NAME filter_jobs LIBS kpx_filter LABEL unit
 kpx_add_test(NAME filter_applications LIBS kpx_filter LABEL unit
   SOURCES unit/filter_words_test.cpp unit/filter_queueppd_test.cpp)
 kpx_add_test(NAME filter_pdf SOURCES e2e/filter_pdf_test.cpp LIBS kpx_filterrun LABEL e2e)
+kpx_add_test(NAME filter_pdfcorpus SOURCES e2e/filter_pdfcorpus_test.cpp LIBS kpx_filterrun LABEL e2e)
+target_compile_definitions(test_filter_pdfcorpus PRIVATE
+                           KPX_MAKEPDFS="${CMAKE_CURRENT_SOURCE_DIR}/support/makepdfs")
 kpx_add_test(NAME filter_texttable SOURCES e2e/filter_texttable_test.cpp LIBS kpx_filterrun LABEL e2e)
-foreach(name filter_applications filter_pdf filter_texttable)
+foreach(name filter_applications filter_pdf filter_pdfcorpus filter_texttable)
   target_compile_definitions(test_${name} PRIVATE KPX_PPD_DIR="${CMAKE_BINARY_DIR}/data/ppds")
   add_dependencies(test_${name} kpx_data)
 endforeach()
@@ -21,7 +24,8 @@ foreach(kind layout program rendering streaming)
 endforeach()
 kpx_add_test(NAME filter_textcells SOURCES e2e/filter_textcells_test.cpp
              LIBS kpx_filter kpx_filterrun LABEL e2e)
-foreach(name filter_corpus filter_layout filter_program filter_rendering filter_streaming filter_pdf filter_textcells
+foreach(name filter_corpus filter_layout filter_program filter_rendering filter_streaming filter_pdf filter_pdfcorpus
+        filter_textcells
         filter_texttable)
   target_compile_definitions(test_${name} PRIVATE KPX_FILTER="$<TARGET_FILE:kpxfilter>")
   add_dependencies(test_${name} kpxfilter)
