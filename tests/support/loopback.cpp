@@ -51,6 +51,13 @@ bool IsReady(int descriptor, short events) {
   return false;
 }
 
+bool AttachDroppingFilter(int socket) {
+  // One instruction: take no byte of any packet.
+  sock_filter drop = BPF_STMT(BPF_RET | BPF_K, 0);
+  const sock_fprog program{1, &drop};
+  return setsockopt(socket, SOL_SOCKET, SO_ATTACH_FILTER, &program, sizeof program) == 0;
+}
+
 }  // namespace
 
 Listener::Listener(const std::string &address, std::uint16_t port) {
@@ -98,13 +105,13 @@ bool Listener::HasCaller() const {
   return poll(&waited, 1, 0) > 0;
 }
 
+bool Listener::CanCutCable() {
+  const Descriptor socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  return AttachDroppingFilter(socket.get()) || errno != EPERM;
+}
+
 void Listener::CutCable(int socket) {
-  // One instruction: take no byte of any packet.
-  sock_filter drop = BPF_STMT(BPF_RET | BPF_K, 0);
-  const sock_fprog program{1, &drop};
-  if (setsockopt(socket, SOL_SOCKET, SO_ATTACH_FILTER, &program, sizeof program) != 0) {
-    Fail("filter");
-  }
+  if (!AttachDroppingFilter(socket)) Fail("filter");
 }
 
 std::string Listener::port() const { return std::to_string(port_); }

@@ -29,6 +29,8 @@ class Listener {
   bool HasCaller() const;
   // From now on every packet sent to `socket` is lost, as if the cable had been cut.
   static void CutCable(int socket);
+  // Whether this process may do that.
+  static bool CanCutCable();
 
   std::string port() const;
   int socket() const { return socket_.get(); }

@@ -89,6 +89,7 @@ TEST(TransportJob, PausesGrowUpToTheLongest) {
 }
 
 TEST(TransportJob, AnAddressThatDoesNotAnswerCountsAsUnreachable) {
+  if (!Listener::CanCutCable()) GTEST_SKIP() << "this host lets root alone filter packets";
   Listener printer;
   printer.Listen();
   Listener::CutCable(printer.socket());
@@ -98,6 +99,7 @@ TEST(TransportJob, AnAddressThatDoesNotAnswerCountsAsUnreachable) {
 }
 
 TEST(TransportJob, APrinterWithoutASignOfLifeIsGivenUp) {
+  if (!Listener::CanCutCable()) GTEST_SKIP() << "this host lets root alone filter packets";
   Listener printer;
   printer.Listen();
   Limits limits = ShortLimits();
