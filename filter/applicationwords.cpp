@@ -164,13 +164,12 @@ std::vector<KeyValue> PageSettingsOf(const std::vector<ApplicationOption> &words
   std::vector<KeyValue> settings;
   std::string layout;
   for (const ApplicationOption &word : words) {
-    if (!WorksHere(word)) continue;
+    if (IsUsual(word) || !WorksHere(word)) continue;
     if (SameKeyword(word.first, "number-up-layout")) layout = word.second;
     if (SameKeyword(word.first, "booklet")) {
       settings.push_back({kBookletKey, IsOn(word.second) ? "1" : "0"});
     }
-    // Every job has the number 1.
-    if (SameKeyword(word.first, "number-up") && word.second != "1") {
+    if (SameKeyword(word.first, "number-up")) {
       settings.push_back({kNupKey, word.second});
       settings.push_back({kNupOrderKey, "Left"});
     }

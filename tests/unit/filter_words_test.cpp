@@ -121,6 +121,7 @@ TEST_F(Words, PagesASheetAndBookletsOfApplicationsAreSettings) {
   EXPECT_EQ(Made("number-up-layout=btrl number-up=6"), "*Nup=6\n*NupOrder=Left\n*NupOrder=btrl\n");
   EXPECT_EQ(Made("booklet=yes number-up=1"), "*Booklet=1\n");
   EXPECT_EQ(Made("booklet=off"), "*Booklet=0\n");
+  EXPECT_EQ(Made("number-up=1 number-up-layout=lrtb"), "") << "every job has them";
 }
 
 TEST_F(Words, WordsForPagesThatNobodyHeedsAreWarnings) {
