@@ -17,7 +17,8 @@ constexpr int L_Border = 10;
 constexpr int L_Spacing = 8;
 constexpr int L_Width = 960;
 constexpr int L_Height = 620;
-constexpr int L_ReasonWidth = 80;  // characters
+constexpr int L_ReasonWidth = 50;  // characters, in a narrow window
+constexpr int L_ReasonUsualWidth = 90;
 constexpr int L_ReasonLines = 3;
 
 enum class QueueColumn { Name, State, Jobs, Accepts, Words };
@@ -112,7 +113,7 @@ void AddReason(JobsWindowHelper &helper, GtkWidget *parent) {
   auto *label = GTK_LABEL(helper.reason_label);
   gtk_label_set_line_wrap(label, TRUE);
   gtk_label_set_width_chars(label, L_ReasonWidth);
-  gtk_label_set_max_width_chars(label, L_ReasonWidth);
+  gtk_label_set_max_width_chars(label, L_ReasonUsualWidth);
   gtk_label_set_yalign(label, 0.0F);
   gtk_label_set_lines(label, L_ReasonLines);
   gtk_box_pack_start(GTK_BOX(parent), helper.reason_label, FALSE, FALSE, 0);

@@ -4,6 +4,7 @@
 #include "ComboWidget.h"
 #include "ListWidget.h"
 #include "PropertiesFrame.h"
+#include "QueueBar.h"
 #include "Support.h"
 #include "ToolWindowFct.h"
 #include "cmessages.h"
@@ -24,7 +25,7 @@ void AddQueueRow(ToolWindowHelper &helper, GtkWidget *parent) {
   gtk_box_pack_start(GTK_BOX(parent), StoreWidget(helper.window, row, "QueueHbuttonbox"), FALSE,
                      FALSE, 0);
   gtk_box_reorder_child(GTK_BOX(parent), row, 0);
-  helper.queue_combo = NewCombo(helper.window, "QueueCombo", "QueueComboEntry", nullptr);
+  helper.queue_combo = NewCombo(helper.window, "QueueCombo", "QueueComboEntry", ShowChosenQueue);
   gtk_box_pack_start(
       GTK_BOX(row),
       NewLabel(helper.window, "QueueLabel", G_Translate("DEF_LBL_QUEUE_TITLE"), helper.queue_combo),

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <vector>
 
 #include "ComboWidget.h"
@@ -10,6 +11,7 @@
 #include "LprCmdWindow.h"
 #include "MessageDialogs.h"
 #include "PropertiesWindow.h"
+#include "QueueBar.h"
 #include "Support.h"
 #include "ToolWindow.h"
 #include "cmessages.h"
@@ -113,6 +115,7 @@ void ButtonHelpToolPressed() {
 void ButtonCancelToolPressed() {
   const LogScope log("ButtonCancelToolPressed");
   if (G_QueuesWindow_helper == nullptr) return;
+  ForgetChosenQueue();
   RemoveCapturedFile();
   G_QueuesWindow_helper.reset();
   G_FilesList.reset();
@@ -166,6 +169,17 @@ void ShowQueues() {
     gtk_widget_set_sensitive(widget, entries.empty() ? FALSE : TRUE);
     gtk_widget_set_tooltip_text(widget, entries.empty() ? G_Translate("TOOL_NO_QUEUE") : nullptr);
   }
+}
+
+bool ShowQueue(const std::string &name) {
+  const LogScope log("ShowQueue");
+  const std::vector<std::string> entries = QueueEntries();
+  const auto found = std::find_if(entries.begin(), entries.end(), [&](const std::string &entry) {
+    return QueueNameFromEntry(entry) == name;
+  });
+  if (found == entries.end()) return false;
+  ComboSetRow(G_QueuesWindow_helper->queue_combo, static_cast<int>(found - entries.begin()));
+  return true;
 }
 
 void AddFileRow(const std::string &path, const std::string &shown) {

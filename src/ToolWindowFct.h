@@ -30,6 +30,9 @@ GList *BuildQueuesGList();
 // Fills the queue combo and shows its first queue; without any queue nothing can be printed.
 void ShowQueues();
 
+// Shows that queue instead; false when there is none of the name.
+[[nodiscard]] bool ShowQueue(const std::string &name);
+
 // Appends a file to G_FilesList and a row for it that shows `shown` (UTF-8).
 void AddFileRow(const std::string &path, const std::string &shown);
 

@@ -11,7 +11,8 @@
 namespace {
 
 constexpr char L_StateKey[] = "kpx-viewed-list";
-constexpr int L_TitleMargin = 20;  // pixels
+constexpr int L_TitleMargin = 20;  // pixels, as the next
+constexpr int L_AroundList = 60;   // margins, frame and scroll bar
 
 using Handler = void (*)();
 
@@ -150,18 +151,38 @@ gboolean MaySelectionChange(GtkTreeSelection *, GtkTreeModel *, GtkTreePath *, g
 }
 
 // Titles are bolder than other texts, and have a margin and a frame.
-int WidthOf(GtkWidget *list, const ViewedColumn &column) {
-  const int title = TextWidth(list, G_Translate(column.title_key)) * 6 / 5 + L_TitleMargin;
-  return std::max(title, TextWidth(list, std::string(static_cast<size_t>(column.characters), '0')));
+int TitleWidth(GtkWidget *list, const ViewedColumn &column) {
+  return TextWidth(list, G_Translate(column.title_key)) * 6 / 5 + L_TitleMargin;
 }
 
-void AddColumn(GtkWidget *list, const ViewedColumn &column, int number, int tip_column) {
+// In pixels; where the screen is too narrow, the columns that are wider than their titles give way.
+std::vector<int> WidthsOf(GtkWidget *list, const std::vector<ViewedColumn> &columns) {
+  const int room = RoomOnScreen().width - L_AroundList;
+  const int digit = TextWidth(list, "0");
+  std::vector<int> widths;
+  int titles = 0;
+  int whole = 0;
+  for (const ViewedColumn &column : columns) {
+    titles += TitleWidth(list, column);
+    widths.push_back(std::max(TitleWidth(list, column), digit * column.characters));
+    whole += widths.back();
+  }
+  if (whole <= room || whole == titles) return widths;
+  const double share = std::max(0.0, static_cast<double>(room - titles) / (whole - titles));
+  for (size_t i = 0; i < columns.size(); ++i) {
+    const int title = TitleWidth(list, columns[i]);
+    widths[i] = title + static_cast<int>((widths[i] - title) * share);
+  }
+  return widths;
+}
+
+void AddColumn(GtkWidget *list, const ViewedColumn &column, int width, int number, int tip_column) {
   GtkCellRenderer *renderer = NewTipRenderer();
   g_object_set(renderer, "ellipsize", PANGO_ELLIPSIZE_END, "single-paragraph-mode", TRUE, nullptr);
   GtkTreeViewColumn *view = gtk_tree_view_column_new_with_attributes(
       G_Translate(column.title_key), renderer, "text", number, "tip", tip_column, nullptr);
   gtk_tree_view_column_set_sizing(view, GTK_TREE_VIEW_COLUMN_FIXED);
-  gtk_tree_view_column_set_fixed_width(view, WidthOf(list, column));
+  gtk_tree_view_column_set_fixed_width(view, width);
   gtk_tree_view_column_set_resizable(view, TRUE);
   gtk_tree_view_column_set_expand(view, number + 1 == tip_column ? TRUE : FALSE);
   gtk_tree_view_append_column(GTK_TREE_VIEW(list), view);
@@ -178,8 +199,9 @@ GtkWidget *NewViewedList(const std::vector<ViewedColumn> &columns, ViewedRows ro
   state->model->rows = &state->rows;
   state->model->columns = static_cast<int>(columns.size());
   GtkWidget *list = gtk_tree_view_new_with_model(GTK_TREE_MODEL(state->model));
+  const std::vector<int> widths = WidthsOf(list, columns);
   for (size_t i = 0; i < columns.size(); ++i) {
-    AddColumn(list, columns[i], static_cast<int>(i), state->model->columns);
+    AddColumn(list, columns[i], widths[i], static_cast<int>(i), state->model->columns);
   }
   gtk_tree_view_set_fixed_height_mode(GTK_TREE_VIEW(list), TRUE);
   gtk_tree_view_set_search_column(GTK_TREE_VIEW(list), 0);

@@ -6,6 +6,7 @@
 namespace {
 
 constexpr std::string_view L_CapturedInput = "KPXtool.stdindata.";
+constexpr std::string_view L_Paused = "Paused";  // what CUPS says when nobody gave a reason
 constexpr std::string_view L_Held = "; the job is held";
 constexpr std::string_view L_Stops = "; the queue ";
 constexpr std::string_view L_Transport = "kpxnbtrans: ";
@@ -191,16 +192,24 @@ std::string QueueReasonText(const SpoolerQueue &queue) {
   std::string text = PrinterReasonsText(queue.reasons);
   const TroubleReading trouble = ReadTrouble(queue.words);
   if (queue.state == QueueState::Stopped) {
-    AddSentence(&text, trouble.kind == Trouble::None && !queue.words.empty()
+    const bool has_words = !queue.words.empty() && queue.words != L_Paused;
+    AddSentence(&text, trouble.kind == Trouble::None && has_words
                            ? G_Message("QUEUE_STOPPED_WORDS", {Plain(queue.words)})
                            : G_Translate("QUEUE_STOPPED_REASON"));
   }
   if (!queue.accepts) AddSentence(&text, G_Translate("QUEUE_REFUSES_REASON"));
-  // What it said about a job that is done is of the past.
-  if (queue.state != QueueState::Idle || queue.waiting > 0) {
-    AddSentence(&text, TroubleText(trouble));
-  }
+  // What it said about a job that it is done with is that job's.
+  if (queue.state != QueueState::Idle) AddSentence(&text, TroubleText(trouble));
   return text;
+}
+
+std::string QueueHindranceText(const SpoolerQueue &queue) {
+  if (queue.state == QueueState::Stopped || !queue.accepts) return QueueReasonText(queue);
+  if (queue.state == QueueState::Idle) return "";
+  const TroubleReading trouble = ReadTrouble(queue.words);
+  const bool hinders = trouble.kind == Trouble::Unreachable ||
+                       trouble.kind == Trouble::UnknownName || trouble.kind == Trouble::TakesNoData;
+  return hinders ? TroubleText(trouble) : "";
 }
 
 std::string JobReasonText(const SpoolerJob &job, const SpoolerQueue *queue) {

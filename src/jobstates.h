@@ -43,6 +43,10 @@ std::string JobSizeText(const SpoolerJob &job);
 std::string QueueReasonText(const SpoolerQueue &queue);
 std::string JobReasonText(const SpoolerJob &job, const SpoolerQueue *queue);
 
+// Why a new job on the queue would not be printed now: it is stopped, refuses jobs, or its printer
+// does not answer; empty otherwise.
+std::string QueueHindranceText(const SpoolerQueue &queue);
+
 // A trouble and what mends it, as sentences; empty for none.
 std::string TroubleText(const TroubleReading &trouble);
 

@@ -7,12 +7,14 @@
 #include <pango/pangocairo.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <clocale>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "AdminWindow.h"
 #include "AdminWindowFct.h"
@@ -21,6 +23,7 @@
 #include "MessageDialogs.h"
 #include "ModuleGuard.h"
 #include "Pixmaps.h"
+#include "QueueBar.h"
 #include "Support.h"
 #include "ToolWindow.h"
 #include "ToolWindowFct.h"
@@ -40,6 +43,7 @@
 #include "paths.h"
 #include "printsettings.h"
 #include "queuelistkeep.h"
+#include "startarguments.h"
 #include "stdindata.h"
 #include "textencoding.h"
 #include "utils.h"
@@ -99,12 +103,52 @@ void LoadMessages() {
   fFillFromPaf_Function(G_Messages.get());
 }
 
-// What the toolkit has left of the arguments is nobody's.
-void TellOfArguments(int argc, char **argv) {
+// What the print tool was called with.
+StartArguments L_Arguments;
+
+// The words behind the program's name and "-verbose N".
+std::vector<std::string> WordsOfCall(int argc, char **argv) {
   const bool verbose = argc > 2 && std::strcmp(argv[1], L_VerboseSwitch) == 0;
-  for (int i = verbose ? 3 : 1; i < argc; ++i) {
-    PrintErrorLine(G_Message("WARN_ARGUMENT", {argv[i]}));
+  return {argv + std::min(argc, verbose ? 3 : 1), argv + argc};
+}
+
+// What neither the toolkit nor the program takes of the arguments.
+void TellOfArguments(int argc, char **argv) {
+  std::vector<std::string> others = WordsOfCall(argc, argv);
+  if (G_ProgName == kModePrintTool) {
+    L_Arguments = ReadStartArguments(others);
+    others = L_Arguments.others;
   }
+  for (const std::string &word : others) PrintErrorLine(G_Message("WARN_ARGUMENT", {word}));
+}
+
+// The queue that lp would print on without being told one, if it is ours.
+void ShowUsualQueue() {
+  for (const char *name : {"LPDEST", "PRINTER"}) {
+    const char *queue = std::getenv(name);
+    if (queue != nullptr && ShowQueue(queue)) return;
+  }
+}
+
+void TakeArguments() {
+  if (L_Arguments.queue.empty()) {
+    ShowUsualQueue();
+  } else if (!ShowQueue(L_Arguments.queue)) {
+    PrintErrorLine(G_Message("WARN_NO_SUCH_QUEUE", {L_Arguments.queue}));
+  }
+  for (const std::string &path : L_Arguments.files) {
+    AddChosenPath(IsDirectory(path) && !path.ends_with('/') ? path + "/" : path);
+  }
+}
+
+// Answers "--help" and "--version" without a display; the program then ends.
+bool HasAnswered(int argc, char **argv) {
+  const std::vector<std::string> words(argv + 1, argv + argc);
+  if (words.size() != 1 || (words[0] != "--help" && words[0] != "--version")) return false;
+  std::setlocale(LC_ALL, "");
+  LoadMessages();
+  const std::string program = argv[0];
+  return AnswerQuestion(words, program.substr(program.rfind('/') + 1));
 }
 
 // Administration is the superuser's alone.
@@ -175,6 +219,7 @@ GtkWidget *CreateMainWindow() {
   if (G_ProgName == kModePrintTool) {
     GtkWidget *window = create_ToolWindow();
     TakeStandardInput();
+    TakeArguments();
     return window;
   }
   if (G_ProgName == kModeJobs) return create_JobsWindow();
@@ -194,6 +239,9 @@ gboolean CancelOnSignal(gpointer) {
 }
 
 gboolean TidyOnce(gpointer) {
+  if (G_QueuesWindow_helper != nullptr) {
+    WatchChosenQueue(lookup_widget(G_QueuesWindow_helper->window, "DataToolVbox"), ChosenQueue);
+  }
   TidyUsersFiles();
   RemoveLeftCaptures();
   return G_SOURCE_REMOVE;
@@ -281,5 +329,6 @@ int main(int argc, char **argv) {
     PrintUsage(argv[0]);
     return L_WrongCall;
   }
+  if (G_ProgName != kModeNeither && HasAnswered(argc, argv)) return 0;
   return Run(argc, argv);
 }

@@ -13,6 +13,7 @@ inline constexpr char kPixmapDir[] = "/opt/orlan/xpm";
 inline constexpr char kFallbackPixmapDir[] = "../pixmaps";
 inline constexpr char kFontmapFile[] = "/opt/orlan/afm/fontmap";
 inline constexpr char kFilterProgram[] = "/opt/orlan/bin/kpxfilter";
+inline constexpr char kJobsProgram[] = "/opt/orlan/bin/KPXjobs";
 inline constexpr char kTransportProgram[] = "/opt/orlan/bin/kpxnbtrans";
 inline constexpr char kBackendProgram[] = "/opt/orlan/bin/kpxbackend";
 

@@ -24,6 +24,49 @@ TEST_F(PrintTool, TheWindowShowsTheQueuesInTheirOrder) {
   EXPECT_EQ(std::vector<std::string>{}, app.ClippedTexts());
 }
 
+TEST_F(PrintTool, QueueAndFilesOfTheCallStandInTheWindow) {
+  files_.Write("a.txt", "a\n");
+  files_.Write("-b.txt", "b\n");
+  GuiApp app(
+      {.arguments = {"-d", "txt1", files_.Path("a.txt"), "-x", "--", files_.Path("-b.txt")}});
+  app.WaitWindow("ToolWindow");
+  EXPECT_TRUE(app.Text("QueueComboEntry").starts_with("txt1 "));
+  EXPECT_EQ((std::vector<std::string>{"-" + files_.Path("a.txt"), "-" + files_.Path("-b.txt")}),
+            app.Rows("FilesClist"));
+  EXPECT_EQ(CatalogueText("WARN_ARGUMENT", {"-x"}) + "\n", app.Stderr());
+}
+
+TEST_F(PrintTool, OpensWithTheQueueOfTheEnvironmentAndTellsOfOneThatIsNotThere) {
+  GuiApp named({.environment = {"LPDEST=raw1"}});
+  named.WaitWindow("ToolWindow");
+  EXPECT_TRUE(named.Text("QueueComboEntry").starts_with("raw1 "));
+  GuiApp app({.arguments = {"-dnone"}});
+  app.WaitWindow("ToolWindow");
+  EXPECT_TRUE(app.Text("QueueComboEntry").starts_with("lp1 "));
+  EXPECT_EQ(CatalogueText("WARN_NO_SUCH_QUEUE", {"none"}) + "\n", app.Stderr());
+}
+
+TEST_F(PrintTool, ABarIsThereOnlyWhileTheChosenQueueDoesNotPrint) {
+  ASSERT_EQ(0, RunShell("cupsdisable txt1"));
+  GuiApp app;
+  app.WaitWindow("ToolWindow");
+  const auto has_bar = [&] { return app.HasWidget("QueueBar"); };
+  ChooseQueue(app, "txt1");
+  app.WaitUntil("the bar", has_bar);
+  EXPECT_EQ(CatalogueText("QUEUE_STOPPED_REASON"), app.Text("QueueBarLabel"));
+  app.WaitDrawn();
+  EXPECT_EQ(std::vector<std::string>{}, app.ClippedTexts());
+  EXPECT_EQ(std::vector<std::string>{}, app.UnnamedControls());
+  ChooseQueue(app, "lp1");
+  app.WaitUntil("no bar", [&] { return !has_bar(); });
+  ChooseQueue(app, "txt1");
+  app.WaitUntil("the bar", has_bar);
+  ASSERT_EQ(0, RunShell("cupsenable txt1"));
+  app.WaitUntil("no bar", [&] { return !has_bar(); });
+  app.Key("Escape");
+  EXPECT_EQ(0, app.WaitExit());
+}
+
 TEST_F(PrintTool, APostScriptFileReachesThePrinterWithTheQueuesOptions) {
   const std::string path = PostScriptFile(3);
   GuiApp app;

@@ -4,6 +4,7 @@
 
 #include <csignal>
 
+#include "command.h"
 #include "cprintqueues.h"
 #include "guiapp.h"
 #include "ignoreresult.h"
@@ -111,6 +112,18 @@ TEST(Startup, AnArgumentThatNothingTakesIsTold) {
   }
   for (const char *word : {"-verbose", "\"0\"", "mine"}) {
     EXPECT_EQ(errors.find(word), std::string::npos) << errors;
+  }
+}
+
+TEST(Startup, HelpAndVersionAreAnsweredWithoutADisplay) {
+  for (const std::string name : {"KPXadmin", "KPXtool", "KPXjobs"}) {
+    const std::string program = "/opt/orlan/bin/" + name;
+    const auto output = [&](const char *word) {
+      return OutputOf({"/usr/bin/env", "-u", "DISPLAY", program, word}, 30000).value_or("failed");
+    };
+    EXPECT_TRUE(output("--version").starts_with(name + " "));
+    EXPECT_TRUE(output("--help").starts_with("Usage: " + name)) << output("--help");
+    EXPECT_NE(std::string::npos, output("--help").find(CatalogueText("ARGUMENTS_COMMON")));
   }
 }
 

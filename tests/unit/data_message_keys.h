@@ -9,6 +9,9 @@ struct MessageKey {
 };
 
 inline constexpr MessageKey kMessageKeys[] = {
+    {"ARGUMENTS_COMMON", ""},
+    {"ARGUMENTS_TOOL", ""},
+    {"ARGUMENTS_USAGE", "s"},
     {"ASK_CANCEL_JOB", "s"},
     {"ASK_CANCEL_JOBS", "d"},
     {"ASK_PRINT_TWICE", ""},
@@ -106,6 +109,7 @@ inline constexpr MessageKey kMessageKeys[] = {
     {"DEF_BTN_HELP_TITLE", ""},
     {"DEF_BTN_HOLD_TITLE", ""},
     {"DEF_BTN_INCHES_TITLE", ""},
+    {"DEF_BTN_JOBS_TITLE", ""},
     {"DEF_BTN_LEFT_TITLE", ""},
     {"DEF_BTN_LPR_TITLE", ""},
     {"DEF_BTN_MILLIMETERS_TITLE", ""},
@@ -322,6 +326,7 @@ inline constexpr MessageKey kMessageKeys[] = {
     {"UseAppSetting", ""},
     {"WARN_ARGUMENT", "s"},
     {"WARN_MODEL_UNREADABLE", "ss"},
+    {"WARN_NO_SUCH_QUEUE", "s"},
     {"WARN_QUEUE_FOUND", "s"},
     {"WARN_QUEUE_INCOMPLETE", "s"},
     {"WARN_QUEUE_LIST_RESTORED", "s"},

@@ -75,6 +75,20 @@ TEST(Reasons, OfAJobThatSomebodyHoldsAreNotItsOlderWords) {
   EXPECT_EQ("TROUBLE_UNREACHABLE", JobReasonText(job, nullptr));
 }
 
+TEST(Hindrances, AreOfTheQueueAndNotOfAJobThatIsHeld) {
+  SpoolerQueue queue;
+  queue.words = "kpxfilter: broken; the job is held (status 1)";
+  queue.waiting = 1;
+  EXPECT_EQ("", QueueHindranceText(queue));
+  EXPECT_EQ("", QueueReasonText(queue));
+  queue.state = QueueState::Printing;
+  EXPECT_EQ("", QueueHindranceText(queue));
+  queue.words = "kpxnbtrans: cannot reach p port 2501 (No route to host); the printer may be busy";
+  EXPECT_EQ("TROUBLE_UNREACHABLE", QueueHindranceText(queue));
+  queue.accepts = false;
+  EXPECT_EQ("QUEUE_REFUSES_REASON TROUBLE_UNREACHABLE", QueueHindranceText(queue));
+}
+
 TEST(Reasons, OfAJobBehindAStoppedQueueAreTheQueues) {
   SpoolerJob job;
   SpoolerQueue queue;
