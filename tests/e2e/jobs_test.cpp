@@ -248,6 +248,16 @@ TEST_F(Jobs, OfAPrinterThatIsOffOrUnknownSaySo) {
                CatalogueText("TROUBLE_NAME", {"no-such-printer.invalid"}));
 }
 
+TEST_F(Jobs, WindowShowsWhereTheKeysGo) {
+  const TestQueue queue("office");
+  queue.Print({"-t", "letter", "-H", "hold"}, "data");
+  JobsApp app;
+  app.WaitRow("JobsClist", "letter");
+  app.Select("JobsClist", "letter");
+  app.WaitUntil("the buttons", [&] { return app.IsSensitive("WhyButton"); });
+  ExpectEveryTabStopSeen(app, "JobsWindow");
+}
+
 // Select and press Why?: two actions.
 TEST_F(Jobs, AreExplainedStepByStep) {
   MakeQueue("lp1", "127.0.0.1");
