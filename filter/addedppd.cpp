@@ -220,13 +220,14 @@ FilterLine FilterLineOf(std::string_view line) {
 }
 
 // Programs that CUPS puts behind PostScript and that leave it PostScript: they set options, which
-// is our part. Of foomatic-rip that holds where the file gives it no command that converts.
+// is our part. Of foomatic-rip that holds where the file gives it no settings and commands of its
+// own.
 constexpr std::string_view kOptionPrograms[] = {"-", "hpps", "foomatic-rip"};
 
 bool OnlySetsOptions(std::string_view program, std::string_view ppd) {
   const bool known = std::find(std::begin(kOptionPrograms), std::end(kOptionPrograms), program) !=
                      std::end(kOptionPrograms);
-  const bool converts = ppd.find("*FoomaticRIPCommandLine") != std::string_view::npos;
+  const bool converts = ppd.find("*FoomaticRIP") != std::string_view::npos;
   return known && (program != "foomatic-rip" || !converts);
 }
 

@@ -13,14 +13,14 @@
 // What the identifiers of added models begin with: no shipped model's name does.
 inline constexpr char kAddedModelPrefix[] = "ppd-";
 
-// The transports a model can have: our own, then backends of CUPS.
+// The one transport that a model can have so far: our own.
 inline constexpr char kRawTransport[] = "raw";
 
 // A row of the table. Texts are UTF-8.
 struct AddedModel {
   std::string id = {};            // of its files and of the spooler's model: letters, digits, "-"
   std::string printer_name = {};  // as windows and queues name it
-  std::string transport = kRawTransport;    // or "lpd", "ipp", "ipps"
+  std::string transport = kRawTransport;
   int port = 0;                             // 1 to 65535
   int pages_a_minute = 0;                   // at least 1
   std::vector<std::string> languages = {};  // that the printer takes ("PostScript", "PCL")
