@@ -39,6 +39,17 @@ std::vector<std::pair<std::string, std::string>> TranslationsBeside(const std::s
   return translations;
 }
 
+// Whether code for the printer is left, as it may be of a file whose quotation marks do not match.
+bool HasCode(const PpdModel &model) {
+  for (const PpdFeature &feature : model.features) {
+    if (feature.custom && !feature.custom->code.empty()) return true;
+    for (const PpdChoice &choice : feature.choices) {
+      if (!choice.code.empty()) return true;
+    }
+  }
+  return !model.jcl_begin.empty() || !model.jcl_to_postscript.empty() || !model.jcl_end.empty();
+}
+
 }  // namespace
 
 std::string WriteQueuePpd(const FilterArguments &arguments) {
@@ -53,7 +64,10 @@ std::string WriteQueuePpd(const FilterArguments &arguments) {
   }
   const QueuePpd ppd = MakeQueuePpd(
       {*model, arguments.type, queue.settings, TranslationsBeside(arguments.ppd_file)});
-  if (!ReadPpd(ppd.text, &error)) return "the queue's PPD file: " + error.reason;
+  const std::optional<PpdModel> made = ReadPpd(ppd.text, &error);
+  if (!made) return "the queue's PPD file: " + error.reason;
+  if (HasCode(*made))
+    return arguments.ppd_file + ": quotation marks do not match, so its code cannot be left out";
   if (ReplaceFile(arguments.queue_ppd_file, ppd.text, {.mode = 0644})) return {};
   return arguments.queue_ppd_file + ": " + std::strerror(errno);
 }

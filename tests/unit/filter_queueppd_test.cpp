@@ -3,6 +3,8 @@
 
 #include "filterjob.h"
 #include "queueppd.h"
+#include "queueppdfile.h"
+#include "temporarydirectory.h"
 #include "textfile.h"
 
 namespace {
@@ -70,6 +72,17 @@ TEST_F(QueueDescription, CodeOfAnOptionWithoutFrameGoesToo) {
       "*PPD-Adobe: \"4.3\"\n*FormatVersion: \"4.3\"\n*NickName: \"x\"\n"
       "*PageSize A4/A4: \"<</PageSize[595 842]>>setpagedevice\"\n";
   EXPECT_EQ(Made().FindFeature("PageSize")->FindChoice("A4")->code, "");
+}
+
+TEST_F(QueueDescription, OfAFileWhoseCodeCannotBeToldIsNotMade) {
+  const TemporaryDirectory directory;
+  const std::string input = ContentOf(KPX_TEST_DATA "/fuzz/corpus/filter_queueppd/open_quotes");
+  FilterArguments arguments;
+  arguments.ppd_file = directory.Write("model.ppd", input.substr(input.find('\0') + 1));
+  arguments.type = "postscript";
+  arguments.queue_ppd_file = directory.Path("made.ppd");
+  EXPECT_NE(WriteQueuePpd(arguments).find("its code cannot be left out"), std::string::npos);
+  EXPECT_EQ(ContentOf(arguments.queue_ppd_file), "");
 }
 
 TEST_F(QueueDescription, TheQueuesSettingsAreItsDefaults) {
