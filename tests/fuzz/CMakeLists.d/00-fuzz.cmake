@@ -24,7 +24,8 @@ endfunction()
 
 get_target_property(core_sources kpx_core SOURCES)
 list(TRANSFORM core_sources PREPEND ${PROJECT_SOURCE_DIR}/src/)
-kpx_fuzz_objects(core_objects DIRECTORY core SOURCES ${core_sources})
+kpx_fuzz_objects(core_objects DIRECTORY core SOURCES ${core_sources}
+  OPTIONS "-DKPX_VERSION=\"${PROJECT_VERSION}\"")
 set(KPX_FUZZ_CORE ${KPX_FUZZ_DIR}/libcore.a)
 add_custom_command(OUTPUT ${KPX_FUZZ_CORE}
   COMMAND ${CMAKE_COMMAND} -E rm -f ${KPX_FUZZ_CORE}
