@@ -2,6 +2,7 @@
 // size: nothing is cut off or covered, everything has a name for assistive technology, no text is
 // missing from the language, none is left in English, and every button, tab and field has an access
 // key of its own.
+#include <algorithm>
 #include <set>
 
 #include "administration.h"
@@ -62,18 +63,24 @@ std::set<std::string> LinesIn(const std::string &language) {
   return lines;
 }
 
-// Whether `text` is the message with something in the places of its "%s" and "%d".
+// Whether `text` is the message with something in the places of its "%s" and numbers in those of its
+// "%d".
 bool IsMessageFilledIn(const std::string &message, const std::string &text) {
   if (message.find('%') == std::string::npos) return false;
   size_t place = 0;
-  std::string rest = message;
-  for (size_t next = rest.find('%'); next != std::string::npos; next = rest.find('%')) {
-    const std::string piece = rest.substr(0, next);
+  size_t done = 0;  // of the message
+  for (size_t next = message.find('%'); next != std::string::npos; next = message.find('%', done)) {
+    const std::string piece = message.substr(done, next - done);
     const size_t found = text.find(piece, place);
-    if (found == std::string::npos || (place == 0 && found != 0)) return false;
+    if (found == std::string::npos || (done == 0 && found != 0)) return false;
     place = found + piece.size();
-    rest.erase(0, next + 2);
+    done = next + 2;
+    if (message.compare(next, 2, "%d") != 0) continue;
+    const size_t end = std::min(text.find_first_not_of("0123456789", place), text.size());
+    if (end == place) return false;
+    place = end;
   }
+  const std::string rest = message.substr(done);
   return text.size() >= place + rest.size() && text.ends_with(rest);
 }
 
