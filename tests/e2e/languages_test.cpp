@@ -63,7 +63,8 @@ std::set<std::string> LinesIn(const std::string &language) {
   return lines;
 }
 
-// Whether `text` is the message with something in the places of its "%s" and numbers in those of its
+// Whether `text` is the message with something in the places of its "%s" and numbers in those of
+// its
 // "%d".
 bool IsMessageFilledIn(const std::string &message, const std::string &text) {
   if (message.find('%') == std::string::npos) return false;
