@@ -9,6 +9,7 @@
 #include <exception>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,7 @@
 #include "guiapp.h"
 #include "locales.h"
 #include "propertiesdriver.h"
+#include "spooler.h"
 #include "tooldriver.h"
 #include "windowmanager.h"
 #include "xinput.h"
@@ -56,6 +58,18 @@ const std::vector<QueueToAdd> kQueues = {
     {"notes", "Vek Norvel 4105", 1, "192.0.2.25"},
     {"office", "Vek Norvel 4120ES", 0, "192.0.2.23"},
 };
+struct Job {
+  const char *queue;
+  const char *title;
+  const char *data;
+};
+constexpr char kPage[] =
+    "%!PS-Adobe-3.0\n%%Pages: 1\n%%EndComments\n%%Page: 1 1\nshowpage\n%%EOF\n";
+// The last one is the first in the window; the printers of the examples are not there.
+constexpr Job kJobs[] = {{"notes", "Minutes.txt", "Minutes\n"},
+                         {"drawings", "Floor plan", kPage},
+                         {"accounts", "Letter.txt", "Dear customer,\n"},
+                         {"office", "Annual report", kPage}};
 constexpr int kAccountsRow = 0;
 constexpr int kNotesRow = 2;
 
@@ -72,6 +86,7 @@ class Album {
 
   // Throws std::runtime_error when a text is cut off.
   void Take(GuiApp &app, const std::string &name) {
+    app.WaitDrawn();
     for (const std::string &text : app.ClippedTexts()) {
       throw std::runtime_error(directory_ + name + " cuts a text off: " + text);
     }
@@ -102,6 +117,29 @@ class Album {
     OpenProperties(app);
     ShowTab(app, "Setup");
     Take(app, "properties");
+  }
+
+  // The jobs of MakeJobs, and why the first of them does not print.
+  void TakeJobs() {
+    GuiApp app(Program("KPXjobs"));
+    app.WaitWindow("JobsWindow");
+    app.WaitUntil("all jobs", [&] { return app.Rows("JobsClist").size() == std::size(kJobs); });
+    app.ClickRow("JobsClist", 0);
+    app.WaitUntil("what the printer says",
+                  [&] { return app.Text("ReasonLabel").find("192.0.2.23") != std::string::npos; });
+    Take(app, "jobs");
+    app.Click("WhyButton");
+    app.WaitWindow("WhyWindow");
+    app.WaitUntil("the last step", [&] { return !app.Text("WhyLabel").ends_with("..."); });
+    Take(app, "why");
+  }
+
+  // The print tool when the printer of its queue does not answer.
+  void TakeReason() {
+    GuiApp app(Program("KPXtool"));
+    OpenPrintTool(app, "office");
+    app.WaitUntil("the reason", [&] { return app.HasWidget("QueueBar"); });
+    Take(app, "print-tool-reason");
   }
 
   // Every tab of the administration program.
@@ -192,6 +230,14 @@ void MakeQueues() {
   if (admin.WaitExit() != 0) throw std::runtime_error("the save failed: " + admin.Stderr());
 }
 
+void MakeJobs() {
+  for (const Job &job : kJobs) {
+    const CommandResult run =
+        RunProgram({"/usr/bin/lp", "-d", job.queue, "-t", job.title}, job.data);
+    if (run.status != 0) throw std::runtime_error("lp: " + run.output);
+  }
+}
+
 void TakeAll(const std::string &directory) {
   Album english(directory, kEnglish);
   english.TakeAdministration();
@@ -208,6 +254,12 @@ void TakeAll(const std::string &directory) {
     album.TakeAdministration();
     album.TakePrintTool();
   }
+  // Last, since the print tool shows what keeps a queue from printing.
+  MakeJobs();
+  english.TakeJobs();
+  english.TakeReason();
+  for (const Language &language : kTranslations) Album(directory, language).TakeJobs();
+  for (const Look &look : kOtherLooks) Album(directory, kEnglish, look).TakeJobs();
 }
 
 }  // namespace
