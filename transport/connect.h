@@ -4,7 +4,7 @@
 #include <string>
 
 #include "descriptor.h"
-#include "transferlimits.h"
+#include "retrytimes.h"
 
 namespace kpx::transport {
 

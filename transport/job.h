@@ -5,7 +5,7 @@
 
 #include "connect.h"
 #include "report.h"
-#include "transferlimits.h"
+#include "retrytimes.h"
 
 namespace kpx::transport {
 

@@ -6,7 +6,7 @@
 
 #include "input.h"
 #include "report.h"
-#include "transferlimits.h"
+#include "retrytimes.h"
 
 namespace kpx::transport {
 

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "report.h"
-#include "transferlimits.h"
+#include "retrytimes.h"
 
 using namespace kpx::transport;
 
