@@ -50,25 +50,63 @@ bool HasCode(const PpdModel &model) {
   return !model.jcl_begin.empty() || !model.jcl_to_postscript.empty() || !model.jcl_end.empty();
 }
 
+// All that a queue's PPD file is made from, but for the model's text.
+std::string KeyOf(const FilterArguments &arguments, const std::vector<KeyValue> &settings) {
+  std::string key = arguments.ppd_file + '\0' + arguments.type;
+  for (const KeyValue &setting : settings) key += '\0' + setting.key + '\0' + setting.value;
+  return key;
+}
+
 }  // namespace
 
-std::string WriteQueuePpd(const FilterArguments &arguments) {
-  const std::optional<std::string> model = ReadWholeFile(arguments.ppd_file);
-  if (!model) return arguments.ppd_file + ": " + std::strerror(errno);
+const QueuePpdMaker::Model &QueuePpdMaker::ModelOf(const std::string &path) {
+  const auto [place, is_new] = models_.try_emplace(path);
+  Model &model = place->second;
+  if (!is_new) return model;
   PpdError error;
-  if (!ReadPpd(*model, &error)) return error.Text(arguments.ppd_file);
-  OptionFile queue;
-  if (!arguments.def_file.empty()) {
-    queue = ReadQueueOptions(arguments.def_file, false);
-    if (!queue.error.empty()) return queue.error;
+  std::optional<std::string> text = ReadWholeFile(path);
+  if (!text) {
+    model.problem = path + ": " + std::strerror(errno);
+  } else if (!ReadPpd(*text, &error)) {
+    model.problem = error.Text(path);
+  } else {
+    model.text = std::move(*text);
+    model.translations = TranslationsBeside(path);
   }
-  const QueuePpd ppd = MakeQueuePpd(
-      {*model, arguments.type, queue.settings, TranslationsBeside(arguments.ppd_file)});
+  return model;
+}
+
+std::optional<std::string> QueuePpdMaker::Make(const FilterArguments &arguments,
+                                               std::string *problem) {
+  constexpr size_t kMostKept = 32;  // some hundred kilobytes each
+  const Model &model = ModelOf(arguments.ppd_file);
+  OptionFile queue;
+  if (model.problem.empty() && !arguments.def_file.empty()) {
+    queue = ReadQueueOptions(arguments.def_file, false);
+  }
+  *problem = model.problem.empty() ? queue.error : model.problem;
+  if (!problem->empty()) return std::nullopt;
+  const std::string key = KeyOf(arguments, queue.settings);
+  if (const auto known = made_.find(key); known != made_.end()) return known->second;
+  QueuePpd ppd = MakeQueuePpd({model.text, arguments.type, queue.settings, model.translations});
+  PpdError error;
   const std::optional<PpdModel> made = ReadPpd(ppd.text, &error);
-  if (!made) return "the queue's PPD file: " + error.reason;
-  if (HasCode(*made))
-    return arguments.ppd_file + ": quotation marks do not match, so its code cannot be left out";
-  if (ReplaceFile(arguments.queue_ppd_file, ppd.text, {.mode = 0644})) return {};
+  if (!made) {
+    *problem = "the queue's PPD file: " + error.reason;
+  } else if (HasCode(*made)) {
+    *problem =
+        arguments.ppd_file + ": quotation marks do not match, so its code cannot be left out";
+  }
+  if (!problem->empty()) return std::nullopt;
+  if (made_.size() == kMostKept) made_.clear();
+  return made_[key] = std::move(ppd.text);
+}
+
+std::string WriteQueuePpd(const FilterArguments &arguments) {
+  std::string problem;
+  const std::optional<std::string> text = QueuePpdMaker().Make(arguments, &problem);
+  if (!text) return problem;
+  if (ReplaceFile(arguments.queue_ppd_file, *text, {.mode = 0644})) return {};
   return arguments.queue_ppd_file + ": " + std::strerror(errno);
 }
 

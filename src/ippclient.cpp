@@ -1,6 +1,10 @@
 #include "ippclient.h"
 
+#include <cctype>
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
+#include <string_view>
 
 namespace {
 
@@ -12,6 +16,22 @@ constexpr int L_ConnectMilliseconds = 3000;
 // Nobody is asked for a password: what this user may not do is refused.
 const char *NoPassword(const char *, http_t *, const char *, const char *, void *) {
   return nullptr;
+}
+
+// `object` as it stands in an address.
+std::string AddressPart(const std::string &object) {
+  constexpr std::string_view kPlain = "/-_.+~";
+  constexpr char kDigits[] = "0123456789ABCDEF";
+  std::string part;
+  for (const char c : object) {
+    const auto byte = static_cast<unsigned char>(c);
+    if ((byte < 0x80 && std::isalnum(byte) != 0) || kPlain.find(c) != std::string_view::npos) {
+      part += c;
+    } else {
+      part += {'%', kDigits[byte >> 4], kDigits[byte & 15]};
+    }
+  }
+  return part;
 }
 
 std::string ValueText(const CupsLibrary &cups, ipp_attribute_t *attribute) {
@@ -57,8 +77,10 @@ IppAnswer Judge(const CupsLibrary &cups, ipp_t *answer, ipp_tag_t group) {
   if (answer == nullptr) {
     const char *words = cups.cupsLastErrorString();
     result.words = words == nullptr ? "" : words;
+    result.status = cups.ippErrorString(cups.cupsLastError());
     return result;
   }
+  result.status = cups.ippErrorString(cups.ippGetStatusCode(answer));
   const ipp_status_t status = cups.ippGetStatusCode(answer);
   const bool good = status < IPP_STATUS_REDIRECTION_OTHER_SITE;
   // An empty list is told as something that is not there.
@@ -79,7 +101,7 @@ IppAnswer Judge(const CupsLibrary &cups, ipp_t *answer, ipp_tag_t group) {
 
 IppRequest::IppRequest(const CupsLibrary &cups, ipp_op_t operation, const std::string &object)
     : cups_(cups), request_(cups.ippNewRequest(operation)) {
-  const std::string uri = "ipp://localhost/" + object;
+  const std::string uri = "ipp://localhost/" + AddressPart(object);
   const bool job = object.starts_with("jobs/");
   Text(IPP_TAG_OPERATION, IPP_TAG_URI, job ? "job-uri" : "printer-uri", uri);
   const char *user = cups.cupsUser();
@@ -113,6 +135,16 @@ IppRequest &IppRequest::Truth(ipp_tag_t group, const char *name, bool value) {
   return *this;
 }
 
+IppRequest &IppRequest::State(ipp_tag_t group, const char *name, int value) {
+  cups_.ippAddInteger(request_, group, IPP_TAG_ENUM, name, value);
+  return *this;
+}
+
+IppRequest &IppRequest::AsAdministrator() {
+  resource_ = "/admin/";
+  return *this;
+}
+
 std::string TextIn(const IppObject &object, const char *name) {
   for (const IppValue &value : object) {
     if (value.name == name) return value.text;
@@ -128,9 +160,11 @@ int NumberIn(const IppObject &object, const char *name, int otherwise) {
 // Runs for each quarter of a second that nothing came.
 int KeepWaiting(http_t *, void *client) { return static_cast<IppClient *>(client)->StillWaiting(); }
 
-IppClient::IppClient(const std::atomic<bool> &stop, std::function<void()> waits_long)
+IppClient::IppClient(const std::atomic<bool> &stop, std::function<void()> waits_long,
+                     Passwords passwords)
     : cups_(LoadCups()), stop_(stop), waits_long_(std::move(waits_long)) {
-  if (cups_ != nullptr) cups_->cupsSetPasswordCB2(NoPassword, nullptr);
+  if (cups_ == nullptr || passwords == Passwords::Asked) return;
+  cups_->cupsSetPasswordCB2(NoPassword, nullptr);
 }
 
 IppClient::~IppClient() { Disconnect(); }
@@ -157,11 +191,17 @@ void IppClient::Disconnect() {
 
 IppAnswer IppClient::Do(IppRequest &request, ipp_tag_t group, const std::string &file) {
   quarters_ = 0;
-  if (!Connect()) return {};
-  const std::string object = file.empty() ? "/" : "/printers/";
-  ipp_t *answer = file.empty() ? cups_->cupsDoRequest(http_, request.Release(), object.c_str())
-                               : cups_->cupsDoFileRequest(http_, request.Release(), object.c_str(),
-                                                          file.c_str());
+  if (!Connect()) {
+    return {.kind = IppAnswer::Kind::Unreachable,
+            .words = std::strerror(errno),
+            .status = cups_->ippErrorString(IPP_STATUS_ERROR_SERVICE_UNAVAILABLE),
+            .objects = {}};
+  }
+  const char *resource = request.resource();
+  if (resource == nullptr) resource = file.empty() ? "/" : "/printers/";
+  ipp_t *answer = file.empty()
+                      ? cups_->cupsDoRequest(http_, request.Release(), resource)
+                      : cups_->cupsDoFileRequest(http_, request.Release(), resource, file.c_str());
   IppAnswer result = Judge(*cups_, answer, group);
   if (answer != nullptr) cups_->ippDelete(answer);
   // What the connection still brings would be taken for the answer to the next request.

@@ -262,6 +262,34 @@ TEST_F(Applications, RawQueuesHaveNoOptionsToShow) {
   EXPECT_EQ(RunProgram({"lpoptions", "-p", "lp1", "-l"}).output.find("Duplex"), std::string::npos);
 }
 
+TEST_F(Applications, QueuesOfOneModelAreShownTheirOwnSettings) {
+  queue_.Append(Block("postscript"));
+  const TestQueue other("lp2"), text("lp3"), alike("lp4");
+  other.Append(Block("postscript"));
+  text.Append(Block("text"));
+  alike.Append(Block("postscript"));
+  const std::string data = "/opt/orlan/data/";
+  const ChangedFile settings(data + "lp2.def", "*Duplex=DuplexTumble\n");
+  const ChangedFile of_text(data + "lp3.def", ContentOf(kOptions));
+  const ChangedFile of_alike(data + "lp4.def", ContentOf(kOptions));
+  Run({kDescriptions});
+  const auto duplex = [](const char *queue) {
+    const std::string list = RunProgram({"lpoptions", "-p", queue, "-l"}).output;
+    const size_t at = std::min(list.find("Duplex/"), list.size());
+    return list.substr(at, list.find('\n', at) - at);
+  };
+  const std::string none = "Duplex/Two-sided printing: *None DuplexNoTumble DuplexTumble";
+  EXPECT_EQ(duplex("lp1"), none);
+  EXPECT_EQ(duplex("lp2"), "Duplex/Two-sided printing: None DuplexNoTumble *DuplexTumble");
+  EXPECT_EQ(duplex("lp4"), none);
+  const auto description = [](const char *queue) {
+    return ContentOf(std::string("/etc/cups/ppd/") + queue + ".ppd");
+  };
+  EXPECT_EQ(description("lp1"), description("lp4"));
+  EXPECT_EQ(description("lp3").find("application/vnd.cups-pdf"), std::string::npos)
+      << "a queue for text takes no PDF documents";
+}
+
 TEST_F(Applications, ASecondRunChangesNothing) {
   Describe();
   const auto before = std::filesystem::last_write_time("/etc/cups/ppd/lp1.ppd");

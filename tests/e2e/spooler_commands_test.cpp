@@ -263,6 +263,39 @@ TEST_F(BridgeCommands, AcceptAndEnableWantNamesOfQueues) {
   }
 }
 
+TEST_F(BridgeCommands, WhatCupsSaysAboutAcceptAndEnableIsWhatItsOwnCommandsSay) {
+  const auto expect_same = [](const std::string &queue) {
+    for (const std::string name : {"accept", "enable"}) {
+      const CommandResult ours = RunProgram({"/usr/bin/" + name, queue});
+      const CommandResult theirs = RunProgram({"/usr/sbin/cups" + name, queue});
+      EXPECT_EQ(theirs.status, ours.status);
+      EXPECT_EQ(theirs.output, ours.output);
+    }
+  };
+  expect_same("nosuch");
+  expect_same("Büro");
+  const NoScheduler down;
+  expect_same("lp1");
+}
+
+TEST_F(BridgeCommands, ANameInOtherCapitalsIsThatOfAQueueThatCupsCannotHave) {
+  MakeQueue("lp1");
+  const CommandResult made = MakeQueue("LP1");
+  EXPECT_EQ(1, made.status);
+  EXPECT_EQ("lpadmin: CUPS already has a queue \"LP1\" that this lpadmin did not create\n",
+            made.output);
+  EXPECT_EQ(1, Lpadmin({"-x", "LP1"}).status);
+  EXPECT_EQ("lp1\n", CupsQueues());
+}
+
+TEST_F(BridgeCommands, ACopyUnderANameWithAnEndingIsTheSameCommand) {
+  MakeQueue("lp1");
+  fs::copy_file("/usr/bin/accept", "/usr/bin/accept.old");
+  EXPECT_EQ(0, RunProgram({"/usr/bin/accept.old", "lp1"}).status);
+  EXPECT_EQ(0u, Accepting("lp1").find("lp1 accepting"));
+  fs::remove("/usr/bin/accept.old");
+}
+
 TEST_F(BridgeCommands, WithoutASchedulerEveryCommandFailsWithAMessageAndChangesNothing) {
   MakeQueue("lp1");
   const std::string script = ContentOf(ScriptPath("lp1"));
