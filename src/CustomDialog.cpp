@@ -9,7 +9,6 @@ CustomsTabCalls G_CustomsTab;
 
 namespace {
 
-constexpr int L_NameLength = 128;  // characters
 constexpr int L_NameWidth = 30;
 
 }  // namespace
@@ -22,7 +21,7 @@ GtkGrid *AddFieldGrid(GtkWidget *box) {
 
 GtkWidget *NewNameEntry(GtkWidget *window, const char *name, InsertHandler filter) {
   GtkWidget *entry = StoreWidget(window, gtk_entry_new(), name);
-  gtk_entry_set_max_length(GTK_ENTRY(entry), L_NameLength);
+  gtk_entry_set_max_length(GTK_ENTRY(entry), kCustomNameLength);
   gtk_entry_set_width_chars(GTK_ENTRY(entry), L_NameWidth);
   // A name is one line of the queue list.
   KeepOneLine(entry);

@@ -39,21 +39,19 @@ struct TextField {
 };
 
 constexpr TextField L_JobName = {&Helper::job_name,         "JobNameEntry", "JobNameLabel",
-                                 "DEF_LBL_JOBNAME",         kJobNameKey,    80,
+                                 "DEF_LBL_JOBNAME",         kJobNameKey,    kJobNameLength,
                                  Job_User_Message_EntryText};
 constexpr TextField L_UserName = {&Helper::user_name,        "UserNameEntry", "UserNameLabel",
-                                  "DEF_LBL_USERNAME",        kUserNameKey,    16,
+                                  "DEF_LBL_USERNAME",        kUserNameKey,    kUserNameLength,
                                   Job_User_Message_EntryText};
 constexpr TextField L_Pin = {&Helper::pin, "PinEntry", "PinLabel",  "DEF_LBL_PIN",
                              kPinKey,      kPinLength, PinEntryText};
-constexpr TextField L_Address = {&Helper::email_address,   "EmailNotifAddressEntry",
-                                 "EmailNotifAddressLabel", "DEF_LBL_ADDRESS",
-                                 kEmailAddressKey,         255,
-                                 EmailAddressEntryText};
-constexpr TextField L_Message = {&Helper::email_message,    "EmailNotifMessageEntry",
-                                 "EmailNotifMessageLabel",  "DEF_LBL_MESSAGE",
-                                 kEmailMessageKey,          255,
-                                 Job_User_Message_EntryText};
+constexpr TextField L_Address = {
+    &Helper::email_address, "EmailNotifAddressEntry", "EmailNotifAddressLabel", "DEF_LBL_ADDRESS",
+    kEmailAddressKey,       kEmailTextLength,         EmailAddressEntryText};
+constexpr TextField L_Message = {
+    &Helper::email_message, "EmailNotifMessageEntry", "EmailNotifMessageLabel",  "DEF_LBL_MESSAGE",
+    kEmailMessageKey,       kEmailTextLength,         Job_User_Message_EntryText};
 
 std::string TextIn(GtkWidget *entry) {
   return entry == nullptr ? "" : gtk_entry_get_text(GTK_ENTRY(entry));

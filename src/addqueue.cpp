@@ -111,15 +111,20 @@ bool IsQueueInputComplete(const std::string &name, const std::string &address,
 
 std::string CloneQueue(const char *name) {
   const LogScope log("CloneQueue");
-  Owned<CPrintQueue> clone = CloneOf(HashValue<CPrintQueue>(G_Queues_hash, name));
-  if (clone == nullptr) return "";
+  if (HashFind(G_Queues_hash, name) == nullptr) return "";
   std::string clone_name = BuildCloneName(name);
+  return CloneQueueAs(name, clone_name) ? clone_name : "";
+}
+
+bool CloneQueueAs(const char *name, const std::string &clone_name) {
+  Owned<CPrintQueue> clone = CloneOf(HashValue<CPrintQueue>(G_Queues_hash, name));
+  if (clone == nullptr) return false;
   IgnoreResult(fSet_DefFile_Function(clone.get(),
                                      CreateStringWithValue((clone_name + ".def").c_str()).get()),
                "the record is there");
   IgnoreResult(HashPut(G_Queues_hash, clone_name.c_str(), std::move(clone)),
                "the dictionary is there");
-  return clone_name;
+  return true;
 }
 
 std::vector<std::string> QueueRow(const char *name) {

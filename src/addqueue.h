@@ -59,6 +59,10 @@ AddQueueResult AddQueue(const NewQueue &input);
 // there is no such queue or its record is incomplete.
 std::string CloneQueue(const char *name);
 
+// The same under `clone_name`, which must be free; false when there is no such queue or its record
+// is incomplete.
+[[nodiscard]] bool CloneQueueAs(const char *name, const std::string &clone_name);
+
 // The row of a queue: name, printer, translated type, address. Empty, after a report on standard
 // error, when the queue is unknown or lacks one of them.
 std::vector<std::string> QueueRow(const char *name);

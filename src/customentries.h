@@ -9,6 +9,9 @@
 #include "chash.h"
 #include "optionstate.h"
 
+// The most characters of an entry's name.
+inline constexpr int kCustomNameLength = 128;
+
 // The feature that offers the entries beside the printer's own options.
 const char *CustomFeature(CustomKind kind);
 

@@ -4,6 +4,12 @@
 
 #include <string>
 
+// The most characters of the texts: of a job's name, of a user name, of an e-mail address or
+// message.
+inline constexpr int kJobNameLength = 80;
+inline constexpr int kUserNameLength = 16;
+inline constexpr int kEmailTextLength = 255;
+
 // What the entry of a free-text key ("*JobName", "*UserName", "*DeliveryPIN", "*EmailAddress",
 // "*EmailMessage") shows: the work copy's value. Without one: for the job name, as for the value
 // "UseAppSetting", the catalogue's text for that; for the user name the login name; else nothing.

@@ -27,10 +27,8 @@
 #include "Support.h"
 #include "ToolWindow.h"
 #include "ToolWindowFct.h"
-#include "addedmodels.h"
 #include "chelp.h"
 #include "cmessages.h"
-#include "cprinters.h"
 #include "cprintqueues.h"
 #include "debug.h"
 #include "filelist.h"
@@ -39,6 +37,7 @@
 #include "globals.h"
 #include "ignoreresult.h"
 #include "language.h"
+#include "loadprinters.h"
 #include "loadqueues.h"
 #include "paths.h"
 #include "printsettings.h"
@@ -178,16 +177,6 @@ void LoadHelp() {
   Log(1, "Create the CHelp structure");
   G_Help = CreateHelp(hlp_path.c_str());
   fFillFromHelp_Function(G_Help.get());
-}
-
-// What is wrong with models that were added is added to `messages`.
-void LoadPrinters(CList *messages) {
-  BuildPrinterPaths();
-  Log(1, "Create the CPrinters structure");
-  G_Printers = CreatePrinters(ppd_path.c_str(), paf_path.c_str());
-  IgnoreResult(fBuildPrinters_Function(G_Printers.get()), "the catalogue is there");
-  G_Printers_hash = fGetPrinters_Function(G_Printers.get());
-  LoadAddedModels(G_Printers_hash, lng_dir, messages);
 }
 
 // What is wrong with the queues is added to `messages`.

@@ -42,6 +42,16 @@ std::optional<OrderBoxes> FollowOrientation(const std::string &before, const std
   return OrderBoxes::kNone;
 }
 
+std::optional<OptionChange> Choose(const char *feature, const Choice &choice) {
+  const std::string before = QueueFeatureValue(feature);
+  if (choice.option == before) return std::nullopt;
+  OptionChange change{choice.option, choice.is_custom, std::nullopt};
+  change.order_boxes = FollowOrientation(before, choice.option);
+  SetQueueValue(G_QueueFeatures_hash, feature, choice.option);
+  NoteUserChoice(feature);
+  return change;
+}
+
 }  // namespace
 
 std::optional<OptionChange> ChangeOption(const char *feature, const std::string &display_string) {
@@ -49,14 +59,18 @@ std::optional<OptionChange> ChangeOption(const char *feature, const std::string 
   const std::string text = TextWithoutMark(display_string);
   if (text.empty()) return std::nullopt;
   const std::optional<Choice> choice = ChoiceWithText(feature, text);
-  if (!choice) return std::nullopt;
-  const std::string before = QueueFeatureValue(feature);
-  if (choice->option == before) return std::nullopt;
-  OptionChange change{choice->option, choice->is_custom, std::nullopt};
-  change.order_boxes = FollowOrientation(before, choice->option);
-  SetQueueValue(G_QueueFeatures_hash, feature, choice->option);
-  NoteUserChoice(feature);
-  return change;
+  return choice ? Choose(feature, *choice) : std::nullopt;
+}
+
+std::optional<OptionChange> ChooseOption(const char *feature, const std::string &option) {
+  const LogScope log("ChooseOption");
+  const CustomFacts *custom = CustomFactsOf(feature);
+  const bool is_custom = IsCustomChoice(feature, option.c_str()) &&
+                         HashFind(*custom->entries, option.c_str()) != nullptr;
+  if (!is_custom && !IsOptionOf(G_PrinterFeatures_hash, feature, option.c_str())) {
+    return std::nullopt;
+  }
+  return Choose(feature, {option, is_custom});
 }
 
 std::string PictureOfChoice(const char *feature, const std::string &option, bool is_custom) {

@@ -20,6 +20,11 @@ struct OptionChange {
 [[nodiscard]] std::optional<OptionChange> ChangeOption(const char *feature,
                                                        const std::string &display_string);
 
+// The same for a choice by its identifier, or by the name of one of the queue's own sizes or media.
+// Nothing, too, when the feature has no such choice.
+[[nodiscard]] std::optional<OptionChange> ChooseOption(const char *feature,
+                                                       const std::string &option);
+
 // The picture beside a list: the one of custom sizes or media, or that of the option.
 std::string PictureOfChoice(const char *feature, const std::string &option, bool is_custom);
 

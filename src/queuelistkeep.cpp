@@ -56,9 +56,11 @@ bool WriteKeptCopy(const std::string &list_path, const std::string &kept_path) {
 
 }  // namespace
 
+std::string QueueListLockPath(const std::string &list_path) { return list_path + L_LockSuffix; }
+
 int LockQueueList(const char *list_path) {
   const LogScope log("LockQueueList");
-  const std::string path = std::string(list_path) + L_LockSuffix;
+  const std::string path = QueueListLockPath(list_path);
   // Never closed: the lock is to last as long as the process, and no child may inherit it.
   const int lock = open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600);
   if (lock == -1) return 1;

@@ -9,6 +9,9 @@
 #include "clist.h"
 #include "cprintqueues.h"
 
+// The file that the administrators' lock is on.
+std::string QueueListLockPath(const std::string &list_path);
+
 // Takes the administrators' lock beside the list file, which the kernel releases when the process
 // ends: 1; 0 when another process holds it; 1 also where no lock file can be made (the directory is
 // read-only, so nothing can be saved either).

@@ -2,15 +2,14 @@
 
 #include <algorithm>
 
-#include "addedmodels.h"
 #include "addqueue.h"
 #include "cmessages.h"
 #include "coresupport.h"
-#include "cprinters.h"
 #include "cprintqueues.h"
 #include "globals.h"
 #include "ignoreresult.h"
 #include "language.h"
+#include "loadprinters.h"
 #include "loadqueues.h"
 #include "must.h"
 #include "porting.h"
@@ -29,11 +28,7 @@ void LoadCatalogues() {
   BuildMessagesPath();
   G_Messages = CreateMessages(msg_path.c_str());
   fFillFromPaf_Function(G_Messages.get());
-  BuildPrinterPaths();
-  G_Printers = CreatePrinters(ppd_path.c_str(), paf_path.c_str());
-  Must(fBuildPrinters_Function(G_Printers.get()));
-  G_Printers_hash = fGetPrinters_Function(G_Printers.get());
-  LoadAddedModels(G_Printers_hash, lng_dir, nullptr);
+  LoadPrinters(nullptr);
 }
 
 void LoadQueues(CList *messages) {
