@@ -1,12 +1,11 @@
 #include "commands.h"
 
-#include <unistd.h>
-
+#include "changecommands.h"
 #include "cmessages.h"
 #include "modelcommands.h"
 #include "output.h"
-#include "paths.h"
-#include "queuelistkeep.h"
+#include "session.h"
+#include "viewcommands.h"
 #include "whycommand.h"
 #include "words.h"
 
@@ -38,17 +37,6 @@ Status Refuse(const std::string &problem) {
   return kWrongCall;
 }
 
-// The superuser alone may change things, and one administrator at a time.
-Status MayChange() {
-  if (geteuid() != 0) {
-    Complain(G_Translate("CTL_NOT_ROOT"));
-    return kFailed;
-  }
-  if (LockQueueList(kQueuesFile) == 1) return kDone;
-  Complain(G_Translate("ERR_ADMIN_RUNNING"));
-  return kRefused;
-}
-
 Status Run(const Command &command, const std::vector<std::string> &words) {
   const std::variant<Call, std::string> read = ReadCall(command, words);
   if (const auto *problem = std::get_if<std::string>(&read)) {
@@ -67,7 +55,10 @@ Status Run(const Command &command, const std::vector<std::string> &words) {
 
 const std::vector<Command> &Commands() {
   static const std::vector<Command> commands = [] {
-    std::vector<Command> all = ModelCommands();
+    std::vector<Command> all;
+    for (const std::vector<Command> &some : {ViewCommands(), ChangeCommands(), ModelCommands()}) {
+      all.insert(all.end(), some.begin(), some.end());
+    }
     all.push_back(WhyCommand());
     return all;
   }();

@@ -17,6 +17,8 @@ enum Status {
 
 struct Call;
 
+inline constexpr int kAnyNumber = 1 << 30;
+
 struct Command {
   const char *subject;   // "model"
   const char *verb;      // "add"; empty for a subject that is a command itself
@@ -24,7 +26,7 @@ struct Command {
   const char *help_key;  // of the catalogue: what it does
   const char *switches;  // options without a value, in blanks: "--json --dry-run"
   const char *options;   // options with a value, in blanks
-  int least, most;       // how many words follow that are not options
+  int least, most;       // how many words follow that are not options; kAnyNumber: no limit
   bool changes;          // asks for the superuser and the administrators' lock
   Status (*run)(const Call &call);
 };

@@ -1,5 +1,6 @@
 #include "output.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include "textencoding.h"
@@ -16,5 +17,34 @@ void Tell(const Call &call, std::string_view text) {
 }
 
 void Complain(std::string_view text) { PrintErrorLine("kpxctl: " + std::string(text)); }
+
+int CharacterCount(std::string_view text) {
+  return static_cast<int>(std::count_if(text.begin(), text.end(), [](char c) {
+    return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U;
+  }));
+}
+
+std::string JoinedWords(const std::vector<std::string> &words) {
+  std::string text;
+  for (const std::string &word : words) text += (text.empty() ? "" : ", ") + word;
+  return text;
+}
+
+void PrintTable(const std::vector<std::vector<std::string>> &rows) {
+  std::vector<int> widths;
+  for (const auto &row : rows) {
+    widths.resize(std::max(widths.size(), row.size()));
+    for (size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], CharacterCount(row[i]));
+  }
+  for (const auto &row : rows) {
+    std::string line;
+    for (size_t i = 0; i < row.size(); ++i) {
+      line += row[i];
+      if (i + 1 < row.size())
+        line.append(static_cast<size_t>(widths[i] - CharacterCount(row[i]) + 2), ' ');
+    }
+    PrintLine(line);
+  }
+}
 
 }  // namespace kpx::ctl

@@ -1,7 +1,9 @@
 // What kpxctl says.
 #pragma once
 
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "words.h"
 
@@ -15,5 +17,14 @@ void Tell(const Call &call, std::string_view text);
 
 // Writes a fault to standard error.
 void Complain(std::string_view text);
+
+// How many characters the text (UTF-8) has.
+[[nodiscard]] int CharacterCount(std::string_view text);
+
+// The words between commas.
+std::string JoinedWords(const std::vector<std::string> &words);
+
+// Writes rows of cells with their columns below each other.
+void PrintTable(const std::vector<std::vector<std::string>> &rows);
 
 }  // namespace kpx::ctl

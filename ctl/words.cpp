@@ -1,6 +1,7 @@
 #include "words.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "cmessages.h"
 
@@ -17,8 +18,16 @@ bool IsAmong(const std::string &name, std::string_view list) {
 }  // namespace
 
 std::optional<std::string> Call::Option(std::string_view name) const {
-  const auto found = options.find(name);
-  return found == options.end() ? std::nullopt : std::optional(found->second);
+  const auto end = options.upper_bound(name);
+  if (end == options.begin() || std::prev(end)->first != name) return std::nullopt;
+  return std::prev(end)->second;
+}
+
+std::vector<std::string> Call::OptionValues(std::string_view name) const {
+  std::vector<std::string> values;
+  const auto [first, end] = options.equal_range(name);
+  for (auto option = first; option != end; ++option) values.push_back(option->second);
+  return values;
 }
 
 std::variant<Call, std::string> ReadCall(const Command &command,
@@ -42,11 +51,11 @@ std::variant<Call, std::string> ReadCall(const Command &command,
     } else if (!IsAmong(name, command.options)) {
       return G_Message("CTL_WRONG_WORD", {word});
     } else if (sign != std::string::npos) {
-      call.options[name] = word.substr(sign + 1);
+      call.options.emplace(name, word.substr(sign + 1));
     } else if (i + 1 == words.size()) {
       return G_Message("CTL_VALUE_MISSING", {name});
     } else {
-      call.options[name] = words[++i];
+      call.options.emplace(name, words[++i]);
     }
   }
   const int count = static_cast<int>(call.words.size());

@@ -15,10 +15,13 @@ namespace kpx::ctl {
 struct Call {
   std::vector<std::string> words;               // that are not options
   std::set<std::string, std::less<>> switches;  // "--json"
-  std::map<std::string, std::string, std::less<>> options;
+  std::multimap<std::string, std::string, std::less<>> options;
 
   [[nodiscard]] bool Has(std::string_view name) const { return switches.contains(name); }
+  // The value of the option, the last one if it was given more than once; nothing without it.
   [[nodiscard]] std::optional<std::string> Option(std::string_view name) const;
+  // All its values, in order.
+  [[nodiscard]] std::vector<std::string> OptionValues(std::string_view name) const;
 };
 
 // The call of `command` that `words` (behind subject and verb) are, or what is wrong with them, in

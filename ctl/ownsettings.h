@@ -1,0 +1,32 @@
+// The settings that a queue has beside the features of its printer.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "queuetypes.h"
+
+namespace kpx::ctl {
+
+enum class OwnKind { Choice, Font, FontSize, JobText, Pin, Email };
+
+struct OwnSetting {
+  const char *key;  // as queues hold it: "*Nup"
+  OwnKind kind;
+  std::vector<const char *> choices;  // of a Choice
+  const char *usual;                  // what a queue without it has; empty: nothing
+};
+
+const std::vector<OwnSetting> &OwnSettings();
+
+// The row of the key; null when it is not one of them.
+const OwnSetting *FindOwnSetting(std::string_view key);
+
+// Whether the windows offer the setting for queues of the type.
+[[nodiscard]] bool HasOwnSetting(const QueueType &type, const OwnSetting &setting);
+
+// Whether they offer the feature of the current printer for the current queue.
+[[nodiscard]] bool IsOfferedFeature(const char *feature);
+
+}  // namespace kpx::ctl
