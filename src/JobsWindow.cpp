@@ -144,7 +144,9 @@ void AddQueueButtons(JobsWindowHelper &helper, GtkWidget *parent) {
       {{SpoolerAction::StopQueue, "StopButton", "DEF_BTN_STOP_TITLE", ButtonStopQueuePressed},
        {SpoolerAction::StartQueue, "StartButton", "DEF_BTN_START_TITLE", ButtonStartQueuePressed},
        {SpoolerAction::RefuseJobs, "RefuseButton", "DEF_BTN_REFUSE_TITLE", ButtonRefusePressed},
-       {SpoolerAction::AcceptJobs, "AcceptButton", "DEF_BTN_ACCEPT_TITLE", ButtonAcceptPressed}},
+       {SpoolerAction::AcceptJobs, "AcceptButton", "DEF_BTN_ACCEPT_TITLE", ButtonAcceptPressed},
+       {SpoolerAction::PrintDocument, "TestPageButton", "DEF_BTN_TESTPAGE_TITLE",
+        ButtonTestPagePressed}},
       &helper.queue_buttons);
 }
 

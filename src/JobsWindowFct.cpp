@@ -15,6 +15,8 @@
 #include "cmessages.h"
 #include "debug.h"
 #include "jobstates.h"
+#include "paths.h"
+#include "testpage.h"
 
 namespace {
 
@@ -123,11 +125,14 @@ gboolean ShowFailures(gpointer) {
   return G_SOURCE_REMOVE;
 }
 
+CList *Failures() {
+  if (L_Failures == nullptr) L_Failures = CreateList();
+  return L_Failures.get();
+}
+
 void NoteFailures(const std::vector<SpoolerTaskResult> &results) {
   for (const SpoolerTaskResult &result : results) {
-    if (result.done) continue;
-    if (L_Failures == nullptr) L_Failures = CreateList();
-    ReportTaskFailure(result, L_Failures.get());
+    if (!result.done) ReportTaskFailure(result, Failures());
   }
   ShowFailures(nullptr);
 }
@@ -240,6 +245,23 @@ void ButtonRefusePressed() {
 void ButtonAcceptPressed() {
   const LogScope log("ButtonAcceptPressed");
   AskAndDo(SpoolerAction::AcceptJobs, SelectedQueues());
+}
+
+void ButtonTestPagePressed() {
+  const LogScope log("ButtonTestPagePressed");
+  std::vector<SpoolerTask> tasks;
+  for (const SpoolerQueue &queue : Fitting(SpoolerAction::PrintDocument, SelectedQueues())) {
+    const std::optional<std::string> data = TestPageData(TestPageFactsOf(queue.name));
+    if (!data) {
+      G_Report(Failures(), "ERR_UNABLE_TO_READ_FILE", {kTestPageFile});
+      ShowFailures(nullptr);
+      return;
+    }
+    tasks.push_back(TaskFor(SpoolerAction::PrintDocument, queue));
+    tasks.back().target = *data;
+    tasks.back().title = G_Translate("DEF_BTN_TESTPAGE_TITLE");
+  }
+  Helper().watch->Do(std::move(tasks));
 }
 
 void ButtonCancelJobPressed() {

@@ -16,6 +16,7 @@ void ButtonStopQueuePressed();
 void ButtonStartQueuePressed();
 void ButtonRefusePressed();
 void ButtonAcceptPressed();
+void ButtonTestPagePressed();
 void ButtonCancelJobPressed();
 void ButtonHoldJobPressed();
 void ButtonReleaseJobPressed();

@@ -14,6 +14,15 @@ constexpr size_t L_ATurn = 200;  // rows that a turn changes, so that it stays s
 
 bool IsNamed(const SpoolerQueue &queue, const std::string &name) { return queue.name < name; }
 
+// As strftime(3) has it; empty for no time.
+std::string TimeAs(const char *format, std::time_t when) {
+  std::tm then = {};
+  if (when <= 0 || localtime_r(&when, &then) == nullptr) return "";
+  std::array<char, 128> text = {};
+  const size_t length = std::strftime(text.data(), text.size(), format, &then);
+  return DisplayText({text.data(), length});
+}
+
 }  // namespace
 
 const SpoolerQueue *QueueRows::Find(const std::string &name) const {
@@ -106,7 +115,7 @@ bool Fits(SpoolerAction action, const SpoolerQueue &queue) {
       return queue.accepts;
     case SpoolerAction::AcceptJobs:
       return !queue.accepts;
-    case SpoolerAction::PrintFile:
+    case SpoolerAction::PrintDocument:
       return queue.accepts;
     default:
       return false;
@@ -164,13 +173,12 @@ void ReportTaskFailure(const SpoolerTaskResult &result, CList *errors) {
 }
 
 std::string TimeText(std::time_t when) {
-  if (when <= 0) return "";
   const std::time_t now = std::time(nullptr);
   std::tm then = {};
   std::tm today = {};
   if (localtime_r(&when, &then) == nullptr || localtime_r(&now, &today) == nullptr) return "";
   const bool same_day = then.tm_yday == today.tm_yday && then.tm_year == today.tm_year;
-  std::array<char, 128> text = {};
-  const size_t length = std::strftime(text.data(), text.size(), same_day ? "%R" : "%x %R", &then);
-  return DisplayText({text.data(), length});
+  return TimeAs(same_day ? "%R" : "%x %R", when);
 }
+
+std::string DayAndTimeText(std::time_t when) { return TimeAs("%x %R", when); }

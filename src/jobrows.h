@@ -70,3 +70,5 @@ void ReportTaskFailure(const SpoolerTaskResult &result, CList *errors);
 
 // When a job came, as the user's locale writes it: the time, and the day unless it is today.
 std::string TimeText(std::time_t when);
+// The same, always with the day.
+std::string DayAndTimeText(std::time_t when);

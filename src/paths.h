@@ -11,6 +11,7 @@ inline constexpr char kModelsNlsDir[] = "/opt/orlan/data/models/nls";
 inline constexpr char kHelpNlsDir[] = "/opt/orlan/docs/nls";
 inline constexpr char kPixmapDir[] = "/opt/orlan/xpm";
 inline constexpr char kFallbackPixmapDir[] = "../pixmaps";
+inline constexpr char kTestPageFile[] = "/opt/orlan/data/testpage.ps";
 inline constexpr char kFontmapFile[] = "/opt/orlan/afm/fontmap";
 inline constexpr char kFilterProgram[] = "/opt/orlan/bin/kpxfilter";
 inline constexpr char kJobsProgram[] = "/opt/orlan/bin/KPXjobs";

@@ -1,7 +1,14 @@
 #include "spoolerrequests.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
+
+#include "openfile.h"
 
 namespace {
 
@@ -30,6 +37,7 @@ SpoolerQueue QueueFrom(const IppObject &object) {
   queue.name = TextIn(object, "printer-name");
   queue.state = static_cast<QueueState>(NumberIn(object, "printer-state", 3));
   queue.accepts = NumberIn(object, "printer-is-accepting-jobs", 1) != 0;
+  queue.is_default = (NumberIn(object, "printer-type") & CUPS_PRINTER_DEFAULT) != 0;
   queue.waiting = NumberIn(object, "queued-job-count");
   queue.words = TextIn(object, "printer-state-message");
   queue.reasons = WithoutNone(TextIn(object, "printer-state-reasons"));
@@ -79,20 +87,36 @@ ipp_op_t OperationOf(SpoolerAction action) {
       return IPP_OP_CUPS_REJECT_JOBS;
     case SpoolerAction::AcceptJobs:
       return IPP_OP_CUPS_ACCEPT_JOBS;
-    case SpoolerAction::PrintFile:
+    case SpoolerAction::PrintDocument:
       break;
   }
   return IPP_OP_PRINT_JOB;
+}
+
+// The data as a file for as long as the request needs it.
+IppAnswer SendDocument(IppClient &client, IppRequest &request, const std::string &data) {
+  std::string path = "/tmp/KPXjobs.XXXXXX";
+  OpenFile file(mkostemp(path.data(), O_CLOEXEC));
+  const bool written = file.IsOpen() && file.Write(data) && file.Close();
+  IppAnswer answer;
+  if (written) {
+    answer = client.Do(request, IPP_TAG_JOB, path);
+  } else {
+    answer.kind = IppAnswer::Kind::Refused;
+    answer.words = path + ": " + std::strerror(errno);  // NOLINT: a text of its own
+  }
+  if (!path.ends_with("XXXXXX")) unlink(path.c_str());
+  return answer;
 }
 
 }  // namespace
 
 std::optional<std::vector<SpoolerQueue>> AskForQueues(IppClient &client) {
   IppRequest request(*client.cups(), IPP_OP_CUPS_GET_PRINTERS, "");
-  request.Texts(
-      IPP_TAG_OPERATION, "requested-attributes",
-      {"printer-name", "printer-state", "printer-is-accepting-jobs", "queued-job-count",
-       "printer-state-message", "printer-state-reasons", "printer-location", "printer-info"});
+  request.Texts(IPP_TAG_OPERATION, "requested-attributes",
+                {"printer-name", "printer-state", "printer-is-accepting-jobs", "queued-job-count",
+                 "printer-state-message", "printer-state-reasons", "printer-location",
+                 "printer-info", "printer-type"});
   const IppAnswer answer = client.Do(request, IPP_TAG_PRINTER);
   if (answer.kind != IppAnswer::Kind::Done) return std::nullopt;
   std::vector<SpoolerQueue> queues;
@@ -172,11 +196,11 @@ IppAnswer DoSpoolerTask(IppClient &client, const SpoolerTask &task) {
       request.Text(IPP_TAG_JOB, IPP_TAG_URI, "job-printer-uri",
                    "ipp://localhost/printers/" + task.target);
       break;
-    case SpoolerAction::PrintFile:
+    case SpoolerAction::PrintDocument:
       request.Text(IPP_TAG_OPERATION, IPP_TAG_NAME, "job-name", task.title);
       request.Text(IPP_TAG_OPERATION, IPP_TAG_MIMETYPE, "document-format",
                    "application/octet-stream");
-      return client.Do(request, IPP_TAG_JOB, task.target);
+      return SendDocument(client, request, task.target);
     default:
       break;
   }

@@ -21,10 +21,11 @@ struct SpoolerQueue {
   std::string name;
   QueueState state = QueueState::Idle;
   bool accepts = true;
-  int waiting = 0;       // jobs that have not ended
-  std::string words;     // the service's last words about it
-  std::string reasons;   // keywords, with blanks between
-  std::string location;  // may be empty, as the next
+  bool is_default = false;  // for jobs that name no queue
+  int waiting = 0;          // jobs that have not ended
+  std::string words;        // the service's last words about it
+  std::string reasons;      // keywords, with blanks between
+  std::string location;     // may be empty, as the next
   std::string description;
 
   bool operator==(const SpoolerQueue &) const = default;
@@ -61,7 +62,7 @@ enum class SpoolerAction {
   StartQueue,
   RefuseJobs,
   AcceptJobs,
-  PrintFile,  // `target` is its path, on the queue; `title` the job's name
+  PrintDocument,  // `target` is its data, on the queue; `title` the job's name
 };
 struct SpoolerTask {
   SpoolerAction action;

@@ -1,5 +1,7 @@
 # The job window with a real spooler.
-kpx_add_test(NAME jobs LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full TIMEOUT 600
-  SOURCES e2e/jobs_test.cpp)
-target_compile_definitions(test_jobs PRIVATE KPX_MAKEQUEUES="$<TARGET_FILE:makequeues>")
-add_dependencies(test_jobs makequeues)
+foreach(test IN ITEMS jobs jobs_testpage)
+  kpx_add_test(NAME ${test} LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full TIMEOUT 600
+    SOURCES e2e/${test}_test.cpp)
+  target_compile_definitions(test_${test} PRIVATE KPX_MAKEQUEUES="$<TARGET_FILE:makequeues>")
+  add_dependencies(test_${test} makequeues)
+endforeach()
