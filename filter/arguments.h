@@ -15,6 +15,7 @@ struct FilterArguments {
   std::string event;           // -e: the title to be used in notifications about the job
   std::string user;            // -L: the login name of the job's owner
   std::string request;         // from the environment (kRequestVariable), may be empty
+  std::string files;           // the same (kFilesVariable)
   std::string type;            // --type
   std::string ppd_file;        // --ppdfile, may be empty when filtering
   std::string def_file;        // --deffile, may be empty

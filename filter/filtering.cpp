@@ -85,9 +85,10 @@ PageWords WhoLaysPagesOut(const std::string &type, bool is_pdf) {
 }
 
 // The layers of settings over the printer's defaults: the queue's file, the user's, the job's
-// words. Fills `request` (null: the job is no PDF document). Returns an empty text, or what failed.
+// words. Fills `request` (null: the job is no PDF document) and, where the print tool has given the
+// file a name of its own, `name`. Returns an empty text, or what failed.
 std::string ApplyLayers(const FilterArguments &arguments, JobSettings *settings,
-                        PageRequest *request) {
+                        PageRequest *request, std::string *name) {
   OptionFile queue;
   std::string usual_delivery;
   if (!arguments.def_file.empty()) {
@@ -101,6 +102,7 @@ std::string ApplyLayers(const FilterArguments &arguments, JobSettings *settings,
     if (!user.error.empty()) return user.error;
     if (!user.warning.empty()) Warn(user.warning);
     settings->ApplyUser(user.settings);
+    *name = NameOfInput(arguments.files, user.file_names);
   }
   // What an application asks for lies below the job's own words, which name a setting exactly.
   const std::vector<ApplicationOption> words =
@@ -167,10 +169,12 @@ std::string FilterJob(const FilterArguments &arguments) {
   const bool is_pdf = arguments.type == kPostScriptType && IsPdf(&source);
   JobSettings settings(model);
   PageRequest request;
-  const std::string problem = ApplyLayers(arguments, &settings, is_pdf ? &request : nullptr);
+  std::string name;
+  const std::string problem = ApplyLayers(arguments, &settings, is_pdf ? &request : nullptr, &name);
   if (!problem.empty()) return problem;
 
-  const JobIdentity identity{DecodeLine(arguments.title), DecodeLine(arguments.event),
+  const JobIdentity identity{name.empty() ? DecodeLine(arguments.title) : name,
+                             name.empty() ? DecodeLine(arguments.event) : name,
                              DecodeLine(arguments.user), std::time(nullptr)};
   const std::string refusal = is_pdf ? "" : RefusalOf(arguments.type, &source);
   if (!refusal.empty()) return refusal;

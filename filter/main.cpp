@@ -24,6 +24,8 @@ int main(int argc, char **argv) {
       ParseArguments(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc));
   const char *request = std::getenv(kRequestVariable);
   if (request != nullptr) arguments.request = request;
+  const char *files = std::getenv(kFilesVariable);
+  if (files != nullptr) arguments.files = files;
   std::string problem;
   switch (arguments.mode) {
     case FilterMode::None:

@@ -2,11 +2,13 @@
 
 #include <fcntl.h>
 #include <pwd.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
+#include <ctime>
 #include <optional>
 
 #include "listedqueue.h"
@@ -81,8 +83,21 @@ OptionFile Ignored(const std::string &path, const char *reason) {
   return {.settings = {}, .warning = path + ": ignored: " + reason, .error = {}};
 }
 
+std::vector<std::string> FileNamesIn(std::string_view text) {
+  std::vector<std::string> names;
+  LineReader lines(text);
+  while (const std::optional<std::string> line = lines.Next()) {
+    if (line->starts_with(kFileNameLine)) names.push_back(line->substr(kFileNameLine.size()));
+  }
+  return names;
+}
+
 OptionFile Read(std::string_view text) {
-  return {.settings = KeyValuesOf(text), .warning = {}, .error = {}, .counts = true};
+  return {.settings = KeyValuesOf(text),
+          .warning = {},
+          .error = {},
+          .counts = true,
+          .file_names = FileNamesIn(text)};
 }
 
 enum class Kind { File, Directory };
@@ -154,6 +169,20 @@ OptionFile ReadOwn(const Place &place, const std::string &login) {
   return text ? Read(*text) : Failed(place.path + ": " + std::strerror(errno));
 }
 
+// Waits, for two seconds at most, as long as a print tool of the user's sends a job: a moment after
+// the spooler has it, the settings of the request get their name.
+void AwaitSender(int directory) {
+  constexpr int kLooks = 100;
+  constexpr timespec kPause = {.tv_sec = 0, .tv_nsec = 20'000'000};
+  const int own = openat(directory, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (own < 0) return;
+  for (int i = 0; i < kLooks && flock(own, LOCK_SH | LOCK_NB) != 0; ++i) {
+    if (errno != EWOULDBLOCK && errno != EINTR) break;  // a file system without locks
+    nanosleep(&kPause, nullptr);
+  }
+  close(own);
+}
+
 }  // namespace
 
 std::vector<KeyValue> ParseOptionWords(std::string_view options) {
@@ -204,9 +233,29 @@ OptionFile ReadRequestOptions(const std::string &queue_file, std::string_view us
   const int directory = OpenOwn({path, AT_FDCWD, path}, login, Kind::Directory, &result);
   if (directory < 0) return result;
   const std::string name(request);
-  result = ReadOwn({path + "/" + name, directory, name}, login);
+  const Place place = {path + "/" + name, directory, name};
+  result = ReadOwn(place, login);
+  if (!result.counts && result.error.empty() && result.warning.empty()) {
+    AwaitSender(directory);
+    result = ReadOwn(place, login);
+  }
   close(directory);
   return result;
+}
+
+std::string NameOfInput(std::string_view files, const std::vector<std::string> &names) {
+  struct stat input {};
+  if (names.empty() || fstat(STDIN_FILENO, &input) != 0) return {};
+  size_t place = names.size();  // of standard input
+  size_t count = 0;
+  LineReader lines(files, LineReader::Form::Bytes);
+  for (; const std::optional<std::string> path = lines.Next(); ++count) {
+    struct stat file {};
+    const bool is_input = stat(path->c_str(), &file) == 0 && file.st_dev == input.st_dev &&
+                          file.st_ino == input.st_ino;
+    if (is_input && place == names.size()) place = count;
+  }
+  return count == names.size() && place < count ? names[place] : std::string();
 }
 
 }  // namespace kpx::filter

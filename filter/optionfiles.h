@@ -23,9 +23,10 @@ std::string UserOptionFile(const std::string &queue_file, std::string_view user)
 // What became of reading an option file.
 struct [[nodiscard]] OptionFile {
   std::vector<KeyValue> settings;
-  std::string warning;  // why the file does not count
-  std::string error;    // why the job cannot be printed as its settings say
-  bool counts = false;  // it is there and its settings were read
+  std::string warning;                       // why the file does not count
+  std::string error;                         // why the job cannot be printed as its settings say
+  bool counts = false;                       // it is there and its settings were read
+  std::vector<std::string> file_names = {};  // of the files of a waiting request, in their order
 };
 
 // The queue's option file. One that is not there or cannot be read is an error, and so is one
@@ -40,8 +41,13 @@ OptionFile ReadUserOptions(const std::string &path, std::string_view user);
 
 // The settings of one waiting request (see requestfile.h), beside the queue's file `queue_file`.
 // What ReadUserOptions says holds for the file and for the directory it is in. `request` may be
-// empty; what can name no file is ignored with a warning.
+// empty; what can name no file is ignored with a warning. While the print tool is sending a job,
+// one that is not there yet is waited for, two seconds at most.
 OptionFile ReadRequestOptions(const std::string &queue_file, std::string_view user,
                               std::string_view request);
+
+// The name among `names` of the file that standard input is: `files` has the paths of all of them,
+// a line each, in the same order. Empty when it is none of them, or their numbers differ.
+std::string NameOfInput(std::string_view files, const std::vector<std::string> &names);
 
 }  // namespace kpx::filter

@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "AccessKeys.h"
@@ -23,6 +24,9 @@ struct Watched {
   SpoolerWatch watch{WatchScope::Queues};
   GtkWidget *parent = nullptr;
   std::string (*chosen)() = nullptr;
+  void (*usual)(const std::string &queue) = nullptr;  // null when it is too late for that
+  gint64 since = g_get_monotonic_time();              // microseconds
+  gulong input_hook = 0;
   guint source = 0;
   std::vector<SpoolerQueue> queues;
   GtkWidget *bar = nullptr;  // only while there is something to say
@@ -78,18 +82,53 @@ std::string ChosenReason() {
   return "";
 }
 
+guint EventSignal() { return g_signal_lookup("event", GTK_TYPE_WIDGET); }
+
+// The first key or button that is pressed anywhere: from then on the window is the user's.
+gboolean NoteInput(GSignalInvocationHint *, guint, const GValue *values, gpointer) {
+  const auto *event = static_cast<const GdkEvent *>(g_value_get_boxed(values + 1));
+  const GdkEventType type = event == nullptr ? GDK_NOTHING : event->type;
+  if (type != GDK_KEY_PRESS && type != GDK_BUTTON_PRESS && type != GDK_SCROLL) return TRUE;
+  L_Watched->usual = nullptr;
+  L_Watched->input_hook = 0;
+  return FALSE;
+}
+
+void ForgetInput() {
+  if (L_Watched->input_hook == 0) return;
+  g_signal_remove_emission_hook(EventSignal(), L_Watched->input_hook);
+  L_Watched->input_hook = 0;
+}
+
+void TellUsualQueue() {
+  constexpr gint64 kLatest = 2 * G_USEC_PER_SEC;
+  const auto usual = std::exchange(L_Watched->usual, nullptr);
+  ForgetInput();
+  if (usual == nullptr || g_get_monotonic_time() - L_Watched->since > kLatest) return;
+  for (const SpoolerQueue &queue : L_Watched->queues) {
+    if (queue.is_default) usual(queue.name);
+  }
+}
+
 gboolean TakeNews(gint, GIOCondition, gpointer) {
   std::optional<SpoolerNews> news = L_Watched->watch.Take();
   if (!news || !news->queues) return G_SOURCE_CONTINUE;
   L_Watched->queues = std::move(*news->queues);
+  TellUsualQueue();
   ShowChosenQueue();
   return G_SOURCE_CONTINUE;
 }
 
 }  // namespace
 
-void WatchChosenQueue(GtkWidget *parent, std::string (*chosen)()) {
+void WatchChosenQueue(GtkWidget *parent, std::string (*chosen)(),
+                      void (*usual)(const std::string &queue)) {
   L_Watched = std::make_unique<Watched>();
+  L_Watched->usual = usual;
+  if (usual != nullptr) {
+    L_Watched->input_hook =
+        g_signal_add_emission_hook(EventSignal(), 0, NoteInput, nullptr, nullptr);
+  }
   L_Watched->parent = parent;
   L_Watched->chosen = chosen;
   L_Watched->source = g_unix_fd_add(L_Watched->watch.Descriptor(), G_IO_IN, TakeNews, nullptr);
@@ -107,5 +146,6 @@ void ShowChosenQueue() {
 void ForgetChosenQueue() {
   if (L_Watched == nullptr) return;
   g_source_remove(L_Watched->source);
+  ForgetInput();
   L_Watched.reset();
 }

@@ -40,6 +40,7 @@
 #include "loadprinters.h"
 #include "loadqueues.h"
 #include "paths.h"
+#include "printcommand.h"
 #include "printsettings.h"
 #include "queuelistkeep.h"
 #include "startarguments.h"
@@ -121,17 +122,26 @@ void TellOfArguments(int argc, char **argv) {
   for (const std::string &word : others) PrintErrorLine(G_Message("WARN_ARGUMENT", {word}));
 }
 
-// The queue that lp would print on without being told one, if it is ours.
-void ShowUsualQueue() {
+// Whether nothing has chosen the print tool's queue: it is the first one because one has to be.
+bool L_QueueIsOpen = false;
+
+// The queue of the environment, which lp would print on, else the user's last one, if it is ours.
+[[nodiscard]] bool ShowUsualQueue() {
   for (const char *name : {"LPDEST", "PRINTER"}) {
     const char *queue = std::getenv(name);
-    if (queue != nullptr && ShowQueue(queue)) return;
+    if (queue != nullptr && ShowQueue(queue)) return true;
   }
+  const std::string last = LastQueue();
+  return !last.empty() && ShowQueue(last);
+}
+
+void ShowDefaultQueue(const std::string &queue) {
+  IgnoreResult(ShowQueue(queue), "the default need not be one of ours");
 }
 
 void TakeArguments() {
   if (L_Arguments.queue.empty()) {
-    ShowUsualQueue();
+    L_QueueIsOpen = !ShowUsualQueue();
   } else if (!ShowQueue(L_Arguments.queue)) {
     PrintErrorLine(G_Message("WARN_NO_SUCH_QUEUE", {L_Arguments.queue}));
   }
@@ -229,7 +239,8 @@ gboolean CancelOnSignal(gpointer) {
 
 gboolean TidyOnce(gpointer) {
   if (G_QueuesWindow_helper != nullptr) {
-    WatchChosenQueue(lookup_widget(G_QueuesWindow_helper->window, "DataToolVbox"), ChosenQueue);
+    WatchChosenQueue(lookup_widget(G_QueuesWindow_helper->window, "DataToolVbox"), ChosenQueue,
+                     L_QueueIsOpen ? ShowDefaultQueue : nullptr);
   }
   TidyUsersFiles();
   RemoveLeftCaptures();

@@ -2,7 +2,9 @@
 
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 
 #include "cmessages.h"
 #include "command.h"
@@ -13,6 +15,7 @@
 #include "globals.h"
 #include "ignoreresult.h"
 #include "paths.h"
+#include "personalfiles.h"
 #include "porting.h"
 #include "printsettings.h"
 #include "settingkeys.h"
@@ -21,6 +24,7 @@ namespace {
 
 constexpr char L_DefaultCopies[] = "1";
 constexpr size_t L_CommandStep = 10240;
+constexpr char L_LastQueueFile[] = "last-queue";
 
 // `"<program> <queue> -o "*NrCopies=<copies>,`, its quotes still open. The captured standard input
 // is removed after printing, so the spooler has to copy it.
@@ -109,6 +113,9 @@ bool SendFiles(const std::string &queue, const CPrintQueue *record, const std::s
     return false;
   }
   settings.Sent(queue, output);
+  if (LastQueue() != queue && !WritePersonalFile(L_LastQueueFile, queue + "\n")) {
+    Log(2, std::string("The queue is not remembered: ") + std::strerror(errno));  // NOLINT: ours
+  }
   return true;
 }
 
@@ -176,6 +183,11 @@ void PrintFiles(const std::string &queue, CList *errors) {
   const auto *record = HashValue<CPrintQueue>(G_Queues_hash, queue.c_str());
   const std::string copies = CopiesToPrint(fGet_Options_Function(record));
   if (SendFiles(queue, record, copies, errors)) TidyUsersFiles();
+}
+
+std::string LastQueue() {
+  const std::string text = ReadPersonalFile(L_LastQueueFile).value_or("");
+  return text.substr(0, text.find('\n'));
 }
 
 std::string DisplayedPrintCommand(const std::string &queue) {

@@ -35,5 +35,9 @@ std::string CopiesToPrint(CHash *options);
 // reported on standard error and in `errors`.
 void PrintFiles(const std::string &queue, CList *errors);
 
+// The queue that the user has printed on last, as PrintFiles has kept it in his home directory;
+// empty when nothing is known.
+std::string LastQueue();
+
 // The command for the queue and the files of G_FilesList, to be shown. Changes and runs nothing.
 std::string DisplayedPrintCommand(const std::string &queue);

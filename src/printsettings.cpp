@@ -11,15 +11,18 @@
 #include <vector>
 
 #include "cmessages.h"
+#include "cselection.h"
 #include "debug.h"
 #include "deffile.h"
 #include "globals.h"
 #include "ignoreresult.h"
 #include "paths.h"
+#include "requestfile.h"
 #include "settingkeys.h"
 #include "spooljobs.h"
 #include "textencoding.h"
 #include "textfile.h"
+#include "textline.h"
 #include "utils.h"
 #include "waitingsettings.h"
 
@@ -46,6 +49,22 @@ Settings SettingsInForce(const std::string &name, const std::optional<std::strin
   const std::optional<std::string> text = path ? ReadOwnFile(*path) : std::nullopt;
   if (text) OverlayDefFile(*text, options.get());
   return SettingsOf(options.get());
+}
+
+// What the files to print are called, for the printer: each by its own name, standard input as the
+// window has it.
+std::string FileNameLines() {
+  std::string lines;
+  if (fGetCount_CList_Function(G_FilesList.get()) > kMostNamedFiles) return lines;
+  for (const CSelection *file : Elements<CSelection>(G_FilesList.get())) {
+    const char *text = fGet_CSelection_Value_Function(file);
+    const std::string path = text == nullptr ? "" : text;
+    const std::string name = path == G_StdinFileName && !path.empty()
+                                 ? G_Translate("MSG3")
+                                 : PlainText(path.substr(path.rfind('/') + 1));
+    AppendTextLine(lines, std::string(kFileNameLine) + name);
+  }
+  return lines;
 }
 
 // Why the file at `path` (none for a user without a name) could not be written, and what to do.
@@ -99,7 +118,7 @@ bool PrintSettings::StoreCopy(const std::string &name, const CPrintQueue *queue,
   int error = own_.Error();
   if (own_.IsOpen()) {
     IgnoreResult(own_.Lock(true), "a file system without locks keeps nobody from printing");
-    unsent_ = WriteUnsentCopy(own_, UserDefFileText(queue));
+    unsent_ = WriteUnsentCopy(own_, UserDefFileText(queue) + FileNameLines());
     error = errno;
   }
   if (!unsent_.empty()) return true;

@@ -7,6 +7,7 @@
 #include <csignal>
 
 #include "printtooltest.h"
+#include "spooler.h"
 #include "xinput.h"
 
 TEST_F(PrintTool, TheWindowShowsTheQueuesInTheirOrder) {
@@ -44,6 +45,56 @@ TEST_F(PrintTool, OpensWithTheQueueOfTheEnvironmentAndTellsOfOneThatIsNotThere) 
   app.WaitWindow("ToolWindow");
   EXPECT_TRUE(app.Text("QueueComboEntry").starts_with("lp1 "));
   EXPECT_EQ(CatalogueText("WARN_NO_SUCH_QUEUE", {"none"}) + "\n", app.Stderr());
+}
+
+TEST_F(PrintTool, OpensWithTheQueueThatWasPrintedOnLast) {
+  const std::string path = files_.Write("notes.txt", "a line\n");
+  const std::string home = files_.Path("config");
+  ASSERT_EQ(0, RunShell("install -d -m 700 -o " + UserName() + " " + home));
+  const std::string place = "XDG_CONFIG_HOME=" + home;
+  {
+    GuiApp app({.arguments = {"-d", "txt1", path}, .environment = {place}, .user = User()});
+    app.WaitWindow("ToolWindow");
+    Print(app);
+    jobs_.Next();
+  }
+  {
+    GuiApp app({.environment = {place}, .user = User()});
+    app.WaitWindow("ToolWindow");
+    EXPECT_TRUE(app.Text("QueueComboEntry").starts_with("txt1 "));
+  }
+  // What is said in the environment counts more, and other users have their own.
+  GuiApp named({.environment = {place, "PRINTER=raw1"}, .user = User()});
+  named.WaitWindow("ToolWindow");
+  EXPECT_TRUE(named.Text("QueueComboEntry").starts_with("raw1 "));
+  if (!HasOrdinaryUsers()) return;
+  GuiApp roots({.environment = {place}});
+  roots.WaitWindow("ToolWindow");
+  EXPECT_TRUE(roots.Text("QueueComboEntry").starts_with("lp1 "));
+}
+
+TEST_F(PrintTool, OpensWithTheDefaultQueueOfTheSpooler) {
+  ASSERT_EQ(0, RunShell("lpadmin -d txt1"));
+  GuiApp app;
+  app.WaitWindow("ToolWindow");
+  app.WaitUntil("the default queue",
+                [&] { return app.Text("QueueComboEntry").starts_with("txt1 "); });
+  ASSERT_EQ(0, RunShell("cupsdisable raw1"));
+  GuiApp called({.arguments = {"-d", "raw1"}});
+  called.WaitWindow("ToolWindow");
+  // The spooler has answered.
+  called.WaitUntil("the bar", [&] { return called.HasWidget("QueueBar"); });
+  EXPECT_TRUE(called.Text("QueueComboEntry").starts_with("raw1 "));
+  ASSERT_EQ(0, RunShell("cupsenable raw1"));
+  // A queue that is not ours.
+  const TestQueue other("other");
+  ASSERT_EQ(0, RunShell("lpadmin -d other"));
+  ASSERT_EQ(0, RunShell("cupsdisable lp1"));
+  GuiApp last;
+  last.WaitWindow("ToolWindow");
+  last.WaitUntil("the bar", [&] { return last.HasWidget("QueueBar"); });
+  EXPECT_TRUE(last.Text("QueueComboEntry").starts_with("lp1 "));
+  ASSERT_EQ(0, RunShell("cupsenable lp1"));
 }
 
 TEST_F(PrintTool, ABarIsThereOnlyWhileTheChosenQueueDoesNotPrint) {
@@ -137,6 +188,18 @@ TEST_F(PrintTool, SeveralFilesAreOneJobAndStayApart) {
   EXPECT_EQ(2, PagesOf(programs[1]));
 }
 
+TEST_F(PrintTool, SeveralFilesOfAJobHaveEachItsName) {
+  const std::string first = PostScriptFile(1);
+  const std::string second = files_.Write("report = \"b\".ps", ContentOf(first));
+  GuiApp app({.arguments = {"-d", "lp1", first, second}});
+  app.WaitWindow("ToolWindow");
+  Print(app);
+  const std::string job = jobs_.Next();
+  const size_t at = job.find("JOBNAME=\"document.ps\"");
+  ASSERT_NE(std::string::npos, at) << job;
+  EXPECT_NE(std::string::npos, job.find("JOBNAME=\"report = 'b'.ps\"", at)) << job;
+}
+
 TEST_F(PrintTool, ATextFileReachesThePrinterOnATextQueue) {
   const std::string path = files_.Write("notes.txt", "first line\nsecond line\n");
   GuiApp app({.user = User()});
@@ -174,7 +237,9 @@ TEST_F(PrintTool, StandardInputIsPrintedAndItsCopyRemoved) {
   EXPECT_EQ("/usr/bin/lp -c -d lp1 -o \"*NrCopies=1\" " + captured, ShownCommand(app));
   Print(app);
   EXPECT_FALSE(std::filesystem::exists(captured));
-  const std::vector<std::string> programs = PostScriptOf(jobs_.Next());
+  const std::string job = jobs_.Next();
+  EXPECT_NE(std::string::npos, job.find("JOBNAME=\"" + CatalogueText("MSG3") + "\"")) << job;
+  const std::vector<std::string> programs = PostScriptOf(job);
   ASSERT_EQ(1U, programs.size());
   EXPECT_EQ(2, PagesOf(programs[0]));
 }
