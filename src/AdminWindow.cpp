@@ -4,6 +4,7 @@
 #include "AdminWindowFct.h"
 #include "ListWidget.h"
 #include "PropertiesFrame.h"
+#include "QueueTips.h"
 #include "Support.h"
 #include "cmessages.h"
 #include "cprintqueue.h"
@@ -21,6 +22,20 @@ constexpr int L_Border = 10;
 constexpr int L_Spacing = 8;
 constexpr int L_UsualCharacters = 24;  // of a cell; longer ones do not make the window wider
 
+void AddSearch(KPXadminWindowHelper &helper, GtkWidget *parent) {
+  GtkWidget *box = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, L_Spacing);
+  gtk_box_pack_start(GTK_BOX(parent), StoreWidget(helper.window, box, "SearchHbox"), FALSE, FALSE,
+                     0);
+  helper.search_entry = StoreWidget(helper.window, gtk_search_entry_new(), "SearchEntry");
+  GtkWidget *label =
+      NewLabel(helper.window, "SearchLabel", G_Translate("DEF_LBL_SEARCH"), helper.search_entry);
+  gtk_box_pack_start(GTK_BOX(box), label, FALSE, FALSE, 0);
+  gtk_box_pack_start(GTK_BOX(box), helper.search_entry, TRUE, TRUE, 0);
+  KeepOneLine(helper.search_entry);
+  g_signal_connect(helper.search_entry, "changed", G_CALLBACK(ShowSearchedQueues), nullptr);
+  g_signal_connect(helper.search_entry, "activate", G_CALLBACK(LeaveSearch), nullptr);
+}
+
 void AddQueueList(KPXadminWindowHelper &helper, GtkWidget *parent) {
   helper.queues_list = NewList({{"DEF_LBL_QUEUE_TITLE", 120},
                                 {"DEF_LBL_PRINTER_TITLE", 150},
@@ -30,7 +45,10 @@ void AddQueueList(KPXadminWindowHelper &helper, GtkWidget *parent) {
   StoreWidget(helper.window, helper.queues_list, "QueuesClist");
   SetAccessibleName(helper.queues_list, G_Translate("DEF_LBL_QUEUES"));
   ListOnSelection(helper.queues_list, QueuesCListRowSelection, QueuesCListRowUnSelection);
+  ListSortByTitles(helper.queues_list);
+  ListOnActivation(helper.queues_list, QueueActivated);
   g_signal_connect(helper.queues_list, "button-press-event", G_CALLBACK(LogMultipleClick), nullptr);
+  g_signal_connect(helper.queues_list, "key-press-event", G_CALLBACK(DeleteByKey), nullptr);
   GtkWidget *scrolled = NewScrolledList(helper.window, "QueuesScrolledwindow", helper.queues_list);
   gtk_box_pack_start(GTK_BOX(parent), scrolled, TRUE, TRUE, 0);
 }
@@ -84,10 +102,12 @@ GtkWidget *create_AdminWindow() {
   StoreWidget(helper.window, helper.window, "AdminWindow");
   gtk_window_set_title(GTK_WINDOW(helper.window), G_Translate("DEF_WND_ADMIN_TITLE"));
   OnDeleteEvent(helper.window, ButtonCancelPressed);
+  g_signal_connect(helper.window, "key-press-event", G_CALLBACK(EndSearchByEscape), nullptr);
 
   GtkWidget *box = gtk_box_new(GTK_ORIENTATION_VERTICAL, L_Spacing);
   gtk_container_set_border_width(GTK_CONTAINER(box), L_Border);
   gtk_container_add(GTK_CONTAINER(helper.window), box);
+  AddSearch(helper, box);
   AddQueueList(helper, box);
   AddQueueButtons(helper, box);
   gtk_box_pack_start(GTK_BOX(box), gtk_separator_new(GTK_ORIENTATION_HORIZONTAL), FALSE, FALSE, 0);
@@ -95,8 +115,10 @@ GtkWidget *create_AdminWindow() {
   gtk_widget_show_all(box);
   GiveAccessKeys(helper.window);
   AddAllQueues(helper.queues_list);
+  WatchListedQueues(helper.queues_list);
   SetOpeningSize(helper.window, 432, 315,
                  ListWidthOfLongCells(helper.queues_list, L_UsualCharacters));
+  gtk_widget_grab_focus(helper.queues_list);
   ShowFocusAtOnce(helper.window);
   return helper.window;
 }

@@ -14,6 +14,7 @@ struct KPXadminWindowHelper {
   GtkWidget *properties_button;
   GtkWidget *delete_button;
   int m_NumberOfQueuesSelected;
+  GtkWidget *search_entry;
 };
 extern std::unique_ptr<KPXadminWindowHelper> G_KPXadminWindow_helper;
 

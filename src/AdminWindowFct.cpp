@@ -9,6 +9,8 @@
 #include "ListWidget.h"
 #include "MessageDialogs.h"
 #include "PropertiesWindow.h"
+#include "QuestionDialog.h"
+#include "QueueTips.h"
 #include "SaveWindow.h"
 #include "Support.h"
 #include "addqueue.h"
@@ -46,6 +48,20 @@ std::string FirstSelectedQueue() {
     if (fIsSelected_CSelection_Function(record) != 0) break;
   }
   return name;
+}
+
+std::vector<std::string> SelectedQueues() {
+  std::vector<std::string> names;
+  for (const CSelection *record : Elements<CSelection>(G_QueuesSelections.get())) {
+    if (fIsSelected_CSelection_Function(record) == 0) continue;
+    names.emplace_back(fGet_CSelection_Value_Function(record));
+  }
+  return names;
+}
+
+bool IsKey(const GdkEventKey &event, guint key, guint keypad_key) {
+  const bool plain = (event.state & gtk_accelerator_get_default_mod_mask()) == 0;
+  return plain && (event.keyval == key || event.keyval == keypad_key);
 }
 
 SaveResult SaveWithProgress(CList *errors) {
@@ -89,6 +105,11 @@ void ButtonPropertiesPressed() {
   if (window != nullptr) gtk_widget_show(window);
 }
 
+void QueueActivated(int) {
+  const LogScope log("QueueActivated");
+  if (G_KPXadminWindow_helper->m_NumberOfQueuesSelected == 1) ButtonPropertiesPressed();
+}
+
 void ButtonHelpPressed() {
   const LogScope log("ButtonHelpPressed");
   ShowHelp("KPX_ADMIN_BEGIN");
@@ -110,6 +131,45 @@ void ButtonKPXDeletePressed(int flag) {
                         });
   // The button that was pressed is dead now.
   if (flag != 0) gtk_widget_grab_focus(G_KPXadminWindow_helper->queues_list);
+}
+
+gboolean DeleteByKey(GtkWidget *, GdkEventKey *event, gpointer) {
+  if (G_KPXadminWindow_helper == nullptr || !IsKey(*event, GDK_KEY_Delete, GDK_KEY_KP_Delete)) {
+    return FALSE;
+  }
+  const LogScope log("DeleteByKey");
+  const std::vector<std::string> names = SelectedQueues();
+  if (names.empty()) return TRUE;
+  const std::string question = QuestionBeforeDeletion(names);
+  if (question.empty()) {
+    ButtonKPXDeletePressed(1);
+  } else {
+    gtk_widget_show(create_QuestionWindow(question, [] { ButtonKPXDeletePressed(1); }));
+  }
+  return TRUE;
+}
+
+void ShowSearchedQueues() {
+  const LogScope log("ShowSearchedQueues");
+  const KPXadminWindowHelper &helper = *G_KPXadminWindow_helper;
+  ListShowMatching(helper.queues_list, gtk_entry_get_text(GTK_ENTRY(helper.search_entry)));
+}
+
+void LeaveSearch() {
+  const LogScope log("LeaveSearch");
+  gtk_widget_grab_focus(G_KPXadminWindow_helper->queues_list);
+  ListGoToFirst(G_KPXadminWindow_helper->queues_list);
+}
+
+gboolean EndSearchByEscape(GtkWidget *, GdkEventKey *event, gpointer) {
+  if (G_KPXadminWindow_helper == nullptr) return FALSE;  // it is ending
+  GtkWidget *entry = G_KPXadminWindow_helper->search_entry;
+  const bool searches =
+      gtk_widget_has_focus(entry) != FALSE && gtk_entry_get_text_length(GTK_ENTRY(entry)) != 0;
+  if (!searches || !IsKey(*event, GDK_KEY_Escape, GDK_KEY_Escape)) return FALSE;
+  gtk_entry_set_text(GTK_ENTRY(entry), "");
+  gtk_widget_grab_focus(G_KPXadminWindow_helper->queues_list);
+  return TRUE;
 }
 
 void ReplaceSelectedQueue(const QueueIdentity &identity) {
@@ -142,6 +202,7 @@ void ButtonSavePressed() {
 void ButtonCancelPressed() {
   const LogScope log("ButtonCancelPressed");
   if (G_KPXadminWindow_helper == nullptr) return;
+  ForgetListedQueues();
   G_KPXadminWindow_helper.reset();
   G_QueuesSelections.reset();
   L_DeletedQueues_list.reset();
@@ -182,8 +243,10 @@ int AddItemInQueuesCListWidget(const char *name) {
   if (row.empty()) return -1;
   IgnoreResult(fAddTail_CList_Function(G_QueuesSelections.get(), CreateSelection(name, 0)),
                "the list is there");
-  return ListAppend(G_KPXadminWindow_helper->queues_list, row,
-                    fGetTailPosition_CList_Function(G_QueuesSelections.get()));
+  const int number = ListAppend(G_KPXadminWindow_helper->queues_list, row,
+                                fGetTailPosition_CList_Function(G_QueuesSelections.get()));
+  ShowQueueTip(number);
+  return number;
 }
 
 void UnselectAllAndSelectOneInQueuesCList(int row) {
@@ -194,6 +257,8 @@ void UnselectAllAndSelectOneInQueuesCList(int row) {
     IgnoreResult(fSet_Selected_Function(record, 0), "the record is there");
   }
   if (row < 0) return;
+  GtkWidget *search = G_KPXadminWindow_helper->search_entry;
+  if (!ListIsShown(list, row)) gtk_entry_set_text(GTK_ENTRY(search), "");
   ListSelectRow(list, row);
   ListShowRow(list, row);
 }

@@ -33,12 +33,28 @@ void ButtonCancelPressed();
 void QueuesCListRowSelection(int row);
 void QueuesCListRowUnSelection(int row);
 
-// Double and triple clicks are only logged. A "button-press-event" handler.
+// Opens the properties of that row's queue; a double click or Return.
+void QueueActivated(int row);
+
+// The Delete key deletes as the Delete button does, but asks first where several queues are meant.
+// A "key-press-event" handler of the list.
+gboolean DeleteByKey(GtkWidget *list, GdkEventKey *event, gpointer data);
+
+// The list shows what the search entry says; Return in the entry goes to the first row of it.
+void ShowSearchedQueues();
+void LeaveSearch();
+
+// Escape in the search entry ends the search; it is Cancel's only where nothing is searched. A
+// "key-press-event" handler of the window.
+gboolean EndSearchByEscape(GtkWidget *window, GdkEventKey *event, gpointer data);
+
+// Logs double and triple clicks. A "button-press-event" handler.
 gboolean LogMultipleClick(GtkWidget *list, GdkEventButton *event, gpointer data);
 
 // Adds a row for the queue of the working set; its number, or -1, after a report on standard error,
 // when the queue is unknown or incomplete.
 [[nodiscard]] int AddItemInQueuesCListWidget(const char *name);
 
-// Leaves exactly that row selected and in view. Out of range: nothing selected.
+// Leaves exactly that row selected and in view; a search that leaves it out ends. Out of range:
+// nothing selected.
 void UnselectAllAndSelectOneInQueuesCList(int row);

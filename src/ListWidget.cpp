@@ -5,6 +5,7 @@
 #include <memory>
 #include <utility>
 
+#include "ArrangedRows.h"
 #include "RowTips.h"
 #include "Support.h"
 #include "cmessages.h"
@@ -24,6 +25,11 @@ struct ListState {
   int text_columns = 0;
   ListRowHandler selected = nullptr;
   ListRowHandler unselected = nullptr;
+  ListRowHandler activated = nullptr;
+  std::unique_ptr<ArrangedRows> arranged;  // null: the rows are shown as they are
+  int sort_column = -1;                    // none
+  GtkSortType sort_order = GTK_SORT_ASCENDING;
+  std::string search;
   RowSet reported;  // the rows last reported as selected
   std::map<gconstpointer, GtkTreeIter> by_data;
   bool reporting = false;
@@ -48,6 +54,22 @@ bool RowIter(GtkWidget *list, int row, GtkTreeIter *iter) {
   return row >= 0 && gtk_tree_model_iter_nth_child(ModelOf(list), iter, nullptr, row) != FALSE;
 }
 
+// What the view shows while it is not frozen.
+GtkTreeModel *ShownModelOf(GtkWidget *list) {
+  const ListState *state = StateOf(list);
+  return state->arranged == nullptr ? ModelOf(list) : state->arranged->model();
+}
+
+// Where the row is in the view; false when it is not shown.
+bool ShownIter(GtkWidget *list, int row, GtkTreeIter *shown) {
+  GtkTreeIter iter;
+  if (!RowIter(list, row, &iter)) return false;
+  const ListState *state = StateOf(list);
+  if (state->arranged != nullptr) return state->arranged->FindShown(iter, shown);
+  *shown = iter;
+  return true;
+}
+
 std::string TextAt(GtkWidget *list, GtkTreeIter *iter, int model_column) {
   gchar *text = nullptr;
   gtk_tree_model_get(ModelOf(list), iter, model_column, &text, -1);
@@ -56,8 +78,30 @@ std::string TextAt(GtkWidget *list, GtkTreeIter *iter, int model_column) {
   return result;
 }
 
-void AddToRowSet(GtkTreeModel *, GtkTreePath *, GtkTreeIter *iter, gpointer data) {
-  static_cast<RowSet *>(data)->emplace(iter->user_data, *iter);
+// The row that is shown there.
+bool RowOfPath(GtkWidget *list, GtkTreePath *path, GtkTreeIter *row) {
+  if (gtk_tree_model_get_iter(ShownModelOf(list), row, path) == FALSE) return false;
+  const ListState *state = StateOf(list);
+  if (state->arranged != nullptr) *row = state->arranged->RowAt(*row);
+  return true;
+}
+
+// The selected rows of a list.
+struct Selected {
+  const ArrangedRows *arranged;
+  RowSet rows;
+};
+
+void AddToSelected(GtkTreeModel *, GtkTreePath *, GtkTreeIter *shown, gpointer data) {
+  auto &selected = *static_cast<Selected *>(data);
+  const GtkTreeIter row = selected.arranged == nullptr ? *shown : selected.arranged->RowAt(*shown);
+  selected.rows.emplace(row.user_data, row);
+}
+
+RowSet SelectedRows(GtkWidget *list) {
+  Selected selected{StateOf(list)->arranged.get(), {}};
+  gtk_tree_selection_selected_foreach(SelectionOf(list), AddToSelected, &selected);
+  return selected.rows;
 }
 
 int RowNumber(GtkTreeModel *model, GtkTreeIter iter) {
@@ -81,8 +125,7 @@ std::vector<int> RowNumbersOnlyIn(const RowSet &rows, const RowSet &others, GtkT
 // Runs the handlers for what changed since the last report; false when nothing had.
 bool ReportOnce(GtkWidget *list) {
   ListState *state = StateOf(list);
-  RowSet now;
-  gtk_tree_selection_selected_foreach(SelectionOf(list), AddToRowSet, &now);
+  RowSet now = SelectedRows(list);
   const std::vector<int> gone = RowNumbersOnlyIn(state->reported, now, ModelOf(list));
   const std::vector<int> come = RowNumbersOnlyIn(now, state->reported, ModelOf(list));
   state->reported = std::move(now);
@@ -119,11 +162,106 @@ void UnselectOne(GtkWidget *list, int row, GtkTreeIter iter) {
   ListState *state = StateOf(list);
   const bool was_reporting = state->reporting;
   state->reporting = true;
-  gtk_tree_selection_unselect_iter(SelectionOf(list), &iter);
+  ListUnselectRow(list, row);
   state->reporting = was_reporting;
   if (state->reported.erase(iter.user_data) != 0 && state->unselected != nullptr) {
     state->unselected(row);
   }
+}
+
+std::unique_ptr<ArrangedRows> NewArrangement(GtkWidget *list) {
+  const ListState &state = *StateOf(list);
+  if (state.sort_column < 0 && state.search.empty()) return nullptr;
+  auto arranged =
+      std::make_unique<ArrangedRows>(ModelOf(list), kFirstTextColumn, state.text_columns);
+  arranged->ShowMatching(state.search);
+  if (state.sort_column >= 0) arranged->SortBy(state.sort_column, state.sort_order);
+  return arranged;
+}
+
+// The row of the keyboard's cursor, -1 without one.
+int CursorRow(GtkWidget *list) {
+  GtkTreePath *path = nullptr;
+  gtk_tree_view_get_cursor(GTK_TREE_VIEW(list), &path, nullptr);
+  GtkTreeIter iter;
+  const bool found = path != nullptr && RowOfPath(list, path, &iter);
+  if (path != nullptr) gtk_tree_path_free(path);
+  return found ? RowNumber(ModelOf(list), iter) : -1;
+}
+
+void PutCursor(GtkWidget *list, int row) {
+  GtkTreeIter shown;
+  if (!ShownIter(list, row, &shown)) return;
+  GtkTreePath *path = gtk_tree_model_get_path(ShownModelOf(list), &shown);
+  gtk_tree_view_set_cursor(GTK_TREE_VIEW(list), path, nullptr, FALSE);
+  gtk_tree_path_free(path);
+}
+
+// Shows the rows as the state says; cursor and selection stay with their rows. A list that is in
+// its own order and whole is shown directly, which costs least.
+void Rearrange(GtkWidget *list) {
+  ListState *state = StateOf(list);
+  if (IsFrozen(list)) return;
+  const RowSet selected = SelectedRows(list);
+  const int cursor = CursorRow(list);
+  state->reporting = true;
+  const std::unique_ptr<ArrangedRows> before = std::move(state->arranged);
+  state->arranged = NewArrangement(list);
+  gtk_tree_view_set_model(GTK_TREE_VIEW(list), ShownModelOf(list));
+  gtk_tree_view_set_search_column(GTK_TREE_VIEW(list), kFirstTextColumn);
+  PutCursor(list, cursor);
+  ListUnselectAll(list);
+  for (const auto &[id, iter] : selected) ListSelectRow(list, RowNumber(ModelOf(list), iter));
+  state->reporting = false;
+  ReportChanges(nullptr, list);
+}
+
+gboolean RearrangeLater(gpointer list) {
+  Rearrange(GTK_WIDGET(list));
+  return G_SOURCE_REMOVE;
+}
+
+int NumberOfColumn(GtkTreeView *list, GtkTreeViewColumn *column) {
+  int number = 0;
+  while (gtk_tree_view_get_column(list, number) != column) ++number;
+  return number;
+}
+
+// The next of: ascending, descending, unsorted.
+void SortByTitle(GtkTreeViewColumn *column, gpointer list) {
+  ListState *state = StateOf(GTK_WIDGET(list));
+  const int number = NumberOfColumn(GTK_TREE_VIEW(list), column);
+  const bool is_sorted = number == state->sort_column;
+  const bool ends = is_sorted && state->sort_order == GTK_SORT_DESCENDING;
+  if (state->sort_column >= 0) {
+    gtk_tree_view_column_set_sort_indicator(
+        gtk_tree_view_get_column(GTK_TREE_VIEW(list), state->sort_column), FALSE);
+  }
+  state->sort_column = ends ? -1 : number;
+  state->sort_order = is_sorted ? GTK_SORT_DESCENDING : GTK_SORT_ASCENDING;
+  gtk_tree_view_column_set_sort_indicator(column, ends ? FALSE : TRUE);
+  gtk_tree_view_column_set_sort_order(column, state->sort_order);
+  // In the middle of a click the toolkit would not see the next one.
+  g_idle_add_full(G_PRIORITY_HIGH_IDLE, RearrangeLater, g_object_ref(list), g_object_unref);
+}
+
+// The space bar selects a row and does no more.
+bool IsSpaceBar() {
+  GdkEvent *event = gtk_get_current_event();
+  guint key = GDK_KEY_VoidSymbol;
+  const bool is_space = event != nullptr && gdk_event_get_keyval(event, &key) != FALSE &&
+                        (key == GDK_KEY_space || key == GDK_KEY_KP_Space);
+  if (event != nullptr) gdk_event_free(event);
+  return is_space;
+}
+
+void ReportActivation(GtkTreeView *view, GtkTreePath *path, GtkTreeViewColumn *, gpointer) {
+  GtkWidget *list = GTK_WIDGET(view);
+  const ListState *state = StateOf(list);
+  GtkTreeIter iter;
+  if (state->activated == nullptr || IsSpaceBar() || !RowOfPath(list, path, &iter)) return;
+  const int row = RowNumber(ModelOf(list), iter);
+  if (ListIsSelected(list, row)) state->activated(row);
 }
 
 GtkListStore *NewStore(size_t text_columns) {
@@ -172,6 +310,31 @@ GtkWidget *NewList(const std::vector<ListColumn> &columns, GtkSelectionMode mode
 void ListOnSelection(GtkWidget *list, ListRowHandler selected, ListRowHandler unselected) {
   StateOf(list)->selected = selected;
   StateOf(list)->unselected = unselected;
+}
+
+void ListOnActivation(GtkWidget *list, ListRowHandler activated) {
+  StateOf(list)->activated = activated;
+  g_signal_connect(list, "row-activated", G_CALLBACK(ReportActivation), nullptr);
+}
+
+void ListSortByTitles(GtkWidget *list) {
+  for (int i = 0; i < StateOf(list)->text_columns; ++i) {
+    GtkTreeViewColumn *column = gtk_tree_view_get_column(GTK_TREE_VIEW(list), i);
+    gtk_tree_view_column_set_clickable(column, TRUE);
+    g_signal_connect(column, "clicked", G_CALLBACK(SortByTitle), list);
+  }
+}
+
+void ListShowMatching(GtkWidget *list, const std::string &search) {
+  ListState *state = StateOf(list);
+  if (search == state->search) return;
+  state->search = search;
+  Rearrange(list);
+}
+
+bool ListIsShown(GtkWidget *list, int row) {
+  GtkTreeIter shown;
+  return ShownIter(list, row, &shown);
 }
 
 int ListAppend(GtkWidget *list, const std::vector<std::string> &cells, gpointer data) {
@@ -245,19 +408,19 @@ std::string ListCell(GtkWidget *list, int row, int column) {
 
 void ListSelectRow(GtkWidget *list, int row) {
   GtkTreeIter iter;
-  if (RowIter(list, row, &iter)) gtk_tree_selection_select_iter(SelectionOf(list), &iter);
+  if (ShownIter(list, row, &iter)) gtk_tree_selection_select_iter(SelectionOf(list), &iter);
 }
 
 void ListUnselectRow(GtkWidget *list, int row) {
   GtkTreeIter iter;
-  if (RowIter(list, row, &iter)) gtk_tree_selection_unselect_iter(SelectionOf(list), &iter);
+  if (ShownIter(list, row, &iter)) gtk_tree_selection_unselect_iter(SelectionOf(list), &iter);
 }
 
 void ListUnselectAll(GtkWidget *list) { gtk_tree_selection_unselect_all(SelectionOf(list)); }
 
 bool ListIsSelected(GtkWidget *list, int row) {
   GtkTreeIter iter;
-  return !IsFrozen(list) && RowIter(list, row, &iter) &&
+  return !IsFrozen(list) && ShownIter(list, row, &iter) &&
          gtk_tree_selection_iter_is_selected(SelectionOf(list), &iter) != FALSE;
 }
 
@@ -278,11 +441,21 @@ int ListWidthOfLongCells(GtkWidget *list, int characters) {
 }
 
 void ListShowRow(GtkWidget *list, int row) {
-  GtkTreePath *path = gtk_tree_path_new_from_indices(row, -1);
+  GtkTreeIter iter;
+  if (!ShownIter(list, row, &iter)) return;
+  GtkTreePath *path = gtk_tree_model_get_path(ShownModelOf(list), &iter);
   // The arrow keys go on from it.
   if (ListIsSelected(list, row))
     gtk_tree_view_set_cursor(GTK_TREE_VIEW(list), path, nullptr, FALSE);
   gtk_tree_view_scroll_to_cell(GTK_TREE_VIEW(list), path, nullptr, FALSE, 0, 0);
+  gtk_tree_path_free(path);
+}
+
+void ListGoToFirst(GtkWidget *list) {
+  GtkTreeIter first;
+  if (gtk_tree_model_get_iter_first(ShownModelOf(list), &first) == FALSE) return;
+  GtkTreePath *path = gtk_tree_path_new_first();
+  gtk_tree_view_set_cursor(GTK_TREE_VIEW(list), path, nullptr, FALSE);
   gtk_tree_path_free(path);
 }
 
@@ -294,7 +467,7 @@ void ListFreeze(GtkWidget *list) {
 }
 
 void ListThaw(GtkWidget *list) {
-  gtk_tree_view_set_model(GTK_TREE_VIEW(list), ModelOf(list));
+  gtk_tree_view_set_model(GTK_TREE_VIEW(list), ShownModelOf(list));
   gtk_tree_view_set_search_column(GTK_TREE_VIEW(list), kFirstTextColumn);
   StateOf(list)->reporting = false;
   ReportChanges(nullptr, list);

@@ -22,6 +22,18 @@ GtkWidget *NewList(const std::vector<ListColumn> &columns, GtkSelectionMode mode
 // order with the unselected rows first.
 void ListOnSelection(GtkWidget *list, ListRowHandler selected, ListRowHandler unselected);
 
+// Return and a double click on a row that is selected then run `activated`.
+void ListOnActivation(GtkWidget *list, ListRowHandler activated);
+
+// A click on a title sorts the shown rows by its column, a second one the other way round, a third
+// one not at all. The numbers of the rows stay those of their own order.
+void ListSortByTitles(GtkWidget *list);
+
+// Shows the rows that have each word of `search` (UTF-8) in one of their cells, in whatever letter
+// case; all of them for an empty text. Those that are not shown are unselected, which is reported.
+void ListShowMatching(GtkWidget *list, const std::string &search);
+[[nodiscard]] bool ListIsShown(GtkWidget *list, int row);
+
 // Appends a row (cells are UTF-8) and returns its number, from 0. `data` is the caller's and is
 // never touched.
 int ListAppend(GtkWidget *list, const std::vector<std::string> &cells, gpointer data);
@@ -47,6 +59,7 @@ gpointer ListRowData(GtkWidget *list, int row);
 // A cell's text; empty when out of range.
 std::string ListCell(GtkWidget *list, int row, int column);
 
+// A row that is not shown cannot be selected.
 void ListSelectRow(GtkWidget *list, int row);
 void ListUnselectRow(GtkWidget *list, int row);
 void ListUnselectAll(GtkWidget *list);
@@ -55,8 +68,11 @@ void ListUnselectAll(GtkWidget *list);
 // By how much, in pixels, cells of more than `characters` characters make the list wider than that.
 [[nodiscard]] int ListWidthOfLongCells(GtkWidget *list, int characters);
 
-// Scrolls so far that the row is seen.
+// Scrolls so far that the row is seen, if it is one of those that are shown.
 void ListShowRow(GtkWidget *list, int row);
+
+// Selects the first of the shown rows alone, if there is one; the arrow keys go on from it.
+void ListGoToFirst(GtkWidget *list);
 
 // Between the two the view does not follow the rows; for filling many at once. Freezing unselects
 // all rows, which is reported; nothing can be selected until the list is thawed.

@@ -407,6 +407,10 @@ std::vector<std::string> GuiApp::Rows(const std::string &list) {
   return LinesOf(Demand("rows " + list));
 }
 
+std::string GuiApp::RowTip(const std::string &list, int row) {
+  return Demand("rowtip " + list + " " + std::to_string(row));
+}
+
 std::string GuiApp::Focus() { return Demand("focus"); }
 
 ScreenArea GuiApp::FocusArea() { return AreaFrom(Demand("focusarea")); }

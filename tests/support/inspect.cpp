@@ -20,6 +20,7 @@
 //   focusfault    what keeps a user from seeing where the focus is; empty when nothing does
 //   rows N        lines of a list's or combo's cells with TAB between; "*" before a selected row,
 //                 "-" before another
+//   rowtip N I    the tooltip of the list's row I, which may be empty
 //   clipped       lines "<window>/<widget> TAB <text>" for every text that is not shown whole, or
 //                 that another one or a button covers
 //   unnamed       lines "<window>/<widget> TAB <role>" for every control, list, picture and window
@@ -163,6 +164,19 @@ Answer Rows(GtkWidget *widget) {
   return rows;
 }
 
+// It stands behind the shown texts.
+Answer RowTip(GtkWidget *widget, int row) {
+  GtkTreeIter iter;
+  if (!GTK_IS_TREE_VIEW(widget)) return {};
+  GtkTreeModel *model = gtk_tree_view_get_model(GTK_TREE_VIEW(widget));
+  if (model == nullptr || gtk_tree_model_iter_nth_child(model, &iter, nullptr, row) == FALSE) {
+    return {};
+  }
+  gchar *tip = nullptr;
+  gtk_tree_model_get(model, &iter, gtk_tree_model_get_n_columns(model) - 1, &tip, -1);
+  return Taken(tip);
+}
+
 std::string Windows() {
   std::string lines;
   for (GtkWidget *window : VisibleWindows()) {
@@ -279,6 +293,7 @@ Answer AboutWidget(const std::string &word, const std::string &name, int number)
   if (word == "text") return Text(widget);
   if (word == "sensitive") return gtk_widget_is_sensitive(widget) != FALSE ? "1" : "0";
   if (word == "rows") return Rows(widget);
+  if (word == "rowtip") return RowTip(widget, number);
   if (word == "active" && GTK_IS_TOGGLE_BUTTON(widget)) {
     return gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(widget)) != FALSE ? "1" : "0";
   }
