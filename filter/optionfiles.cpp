@@ -183,13 +183,24 @@ void AwaitSender(int directory) {
   close(own);
 }
 
+// The spooler shortens "*key=True" to "*key" and "*key=False" to "no*key".
+void SpellOut(std::string *word) {
+  if (word->find('=') != std::string::npos) return;
+  if (word->starts_with("no*")) {
+    *word = word->substr(2) + "=False";
+  } else if (word->starts_with('*') && word->size() > 1) {
+    *word += "=True";
+  }
+}
+
 }  // namespace
 
 std::vector<KeyValue> ParseOptionWords(std::string_view options) {
   std::vector<KeyValue> settings;
   while (std::optional<std::string> word = TakeWord(&options)) {
-    if (!word->starts_with('*')) continue;
     if (word->ends_with(',')) word->pop_back();
+    SpellOut(&*word);
+    if (!word->starts_with('*')) continue;
     if (auto setting = KeyValueOf(DecodeLine(*word))) settings.push_back(std::move(*setting));
   }
   return settings;

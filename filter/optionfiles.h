@@ -12,7 +12,8 @@ namespace kpx::filter {
 
 // The words of the form "*key=value" among the spooler's options, which are separated by blanks. A
 // backslash takes the next character as it is, and quotes keep blanks together. One comma after a
-// word is not part of it.
+// word is not part of it. "*key" is "*key=True" and "no*key" is "*key=False", as the spooler writes
+// them.
 std::vector<KeyValue> ParseOptionWords(std::string_view options);
 
 // The user's option file of a queue: "users/<user>:<file name>" beside the queue's. Of a user on

@@ -114,6 +114,24 @@ TEST_F(AddedModels, PrintOverTheRawPort) {
   DeleteQueue("foreign");
 }
 
+TEST_F(AddedModels, GetTrueAndFalseAsTheJobSaysThem) {
+  const AddedTestModel model("Example Copier 300", {KPX_TEST_DATA "/data/ppd/copier.ppd"});
+  MakeQueue("foreign", "Example Copier 300");
+  NetworkPrinter printer(kRawPort);
+  const auto printed = [&](const std::vector<std::string> &words) {
+    std::vector<std::string> command = {"/usr/bin/lp", "-d", "foreign"};
+    for (const std::string &word : words) command.insert(command.end(), {"-o", word});
+    const CommandResult lp = RunProgram(command, "%!PS\nshowpage\n");
+    EXPECT_EQ(lp.status, 0) << lp.output;
+    return printer.Next();
+  };
+  EXPECT_NE(printed({"*TonerSave=True"}).find("Economode true"), std::string::npos);
+  EXPECT_NE(printed({"TonerSave=True"}).find("Economode true"), std::string::npos);
+  EXPECT_NE(printed({"TonerSave=True", "*TonerSave=False"}).find("Economode false"),
+            std::string::npos);
+  DeleteQueue("foreign");
+}
+
 TEST_F(AddedModels, StayWhileAQueueUsesThem) {
   const AddedTestModel model(kForeignPrinter, {kForeignPpd});
   MakeQueue("foreign", kForeignPrinter);

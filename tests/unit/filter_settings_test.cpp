@@ -45,6 +45,11 @@ TEST(OptionWords, TheCommaOfTheShownPrintCommandIsNoPartOfTheValue) {
   EXPECT_EQ(Joined(ParseOptionWords("*NrCopies=2, *Duplex=None")), "*NrCopies=2;*Duplex=None;");
 }
 
+TEST(OptionWords, WhatTheSpoolerShortensIsTrueOrFalse) {
+  EXPECT_EQ(Joined(ParseOptionWords("*TonerSave no*Collate, *Duplex=None nobanner no* *")),
+            "*TonerSave=True;*Collate=False;*Duplex=None;");
+}
+
 TEST(UserOptionFiles, LieBesideTheQueueFileUnderTheUsersName) {
   EXPECT_EQ(UserOptionFile("/opt/orlan/data/lp1.def", "anna"),
             "/opt/orlan/data/users/anna:lp1.def");
