@@ -330,8 +330,8 @@ std::vector<Command> ModelCommands() {
   constexpr int kAny = 100;
   return {
       {"model", "add",
-       "FILE.ppd[.gz] | --from-cups NAME [--port N] [--transport raw] [--json] "
-       "[--dry-run]",
+       "FILE.ppd[.gz] | --from-cups NAME [--port N] [--transport raw|lpd|ipp|ipps] "
+       "[--json] [--dry-run]",
        "CTL_HELP_MODEL_ADD", kBoth, "--from-cups --port --transport", 0, 1, true, Add},
       {"model", "list", "[--json]", "CTL_HELP_MODEL_LIST", "--json", "", 0, 0, false, List},
       {"model", "show", "NAME [--json]", "CTL_HELP_MODEL_SHOW", "--json", "", 1, 1, false, Show},

@@ -27,7 +27,8 @@ namespace {
 
 constexpr std::string_view L_RowSuffix = ".model";
 constexpr char L_English[] = "enu";
-constexpr std::pair<std::string_view, int> L_Transports[] = {{kRawTransport, 9100}};
+constexpr std::pair<std::string_view, int> L_Transports[] = {
+    {kRawTransport, 9100}, {"lpd", 515}, {"ipp", 631}, {"ipps", 631}};
 
 bool IsIdCharacter(char c) { return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-'; }
 

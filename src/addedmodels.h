@@ -13,7 +13,8 @@
 // What the identifiers of added models begin with: no shipped model's name does.
 inline constexpr char kAddedModelPrefix[] = "ppd-";
 
-// The one transport that a model can have so far: our own.
+// The transport that a model has unless another is named, and our own: the others ("lpd", "ipp",
+// "ipps") are backends of CUPS.
 inline constexpr char kRawTransport[] = "raw";
 
 // A row of the table. Texts are UTF-8.

@@ -19,8 +19,8 @@ std::deque<PrinterModel> L_AddedModels;
 void AddPrinterModel(const PrinterModel &model) { L_AddedModels.push_back(model); }
 
 const PrinterModel &FindPrinterModel(std::string_view printer_name) {
-  for (const PrinterModel &model : L_AddedModels) {
-    if (printer_name == model.display_name) return model;
+  for (auto model = L_AddedModels.rbegin(); model != L_AddedModels.rend(); ++model) {
+    if (printer_name == model->display_name) return *model;
   }
   for (const PrinterModel &model : L_Models) {
     if (printer_name.starts_with(model.display_name)) return model;

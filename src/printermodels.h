@@ -25,7 +25,8 @@ struct PrinterModel {
   int port = kMakersPort;
 };
 
-// Has a model found, before the rows of the table. Its texts must outlive the process's use of it.
+// Has a model found, before the rows of the table and those that were added under its name before.
+// Its texts must outlive the process's use of it.
 void AddPrinterModel(const PrinterModel &model);
 
 // The added model of exactly this name, else the first row that fits, or the row of all other

@@ -100,8 +100,13 @@ struct Freer {
 };
 using Addresses = std::unique_ptr<addrinfo, Freer>;
 
+// The host of the address: for a backend of CUPS a printer's queue or path may follow it.
+std::string HostOf(const InterfaceBlock &block) {
+  return block.backend.empty() ? block.address : block.address.substr(0, block.address.find('/'));
+}
+
 Addresses LookUp(const InterfaceBlock &block, std::string *reason) {
-  std::string host = block.address;
+  std::string host = HostOf(block);
   if (host.size() > 2 && host.front() == '[' && host.back() == ']') {
     host = host.substr(1, host.size() - 2);
   }
@@ -149,7 +154,7 @@ class Socket {
 void CheckConnection(const InterfaceBlock &block, const addrinfo &address, const Found &found) {
   const Socket socket(address);
   const int error = socket.Connect(address);
-  const std::string &host = block.address;
+  const std::string host = HostOf(block);
   if (error != 0 && error != ECONNREFUSED) {
     const std::string reason = DisplayText(std::strerror(error));  // NOLINT: a text of its own
     found(Bad(WhyCheck::Host, "WHY_HOST_BAD", "WHY_HOST_MEND", host, reason));
@@ -172,12 +177,11 @@ void CheckPrinter(const InterfaceBlock &block, const Found &found) {
   std::string reason;
   const Addresses addresses = LookUp(block, &reason);
   if (addresses == nullptr) {
-    found(Bad(WhyCheck::Name, "WHY_NAME_BAD", "WHY_NAME_MEND", block.address, reason));
+    found(Bad(WhyCheck::Name, "WHY_NAME_BAD", "WHY_NAME_MEND", HostOf(block), reason));
     return;
   }
-  found(Good(WhyCheck::Name, "WHY_NAME_GOOD", block.address));
-  // A backend of CUPS has a port of its own.
-  if (block.backend.empty()) CheckConnection(block, *addresses, found);
+  found(Good(WhyCheck::Name, "WHY_NAME_GOOD", HostOf(block)));
+  CheckConnection(block, *addresses, found);
 }
 
 WhyStep CheckWords(const WhySubject &subject) {

@@ -156,15 +156,6 @@ class Corpus : public testing::Test {
   std::mt19937 random_{16};
 };
 
-// The name of the model that kpxctl has just added, from what it says in JSON.
-std::string NameIn(const std::string &json) {
-  const std::string key = "\"name\": \"";
-  const size_t at = json.find(key);
-  return at == std::string::npos
-             ? ""
-             : json.substr(at + key.size(), json.find('"', at + key.size()) - at - key.size());
-}
-
 // The first difference in words; empty when there is none.
 std::string Difference(const Codes &expected, const Codes &found) {
   for (const auto &[name, code] : expected) {
@@ -191,7 +182,7 @@ TEST_F(Corpus, TheCodeOfOptionsIsThatOfCupssOwnFilter) {
       ++refused;
       continue;
     }
-    const std::string name = NameIn(added.output);
+    const std::string name = NameInJson(added.output);
     const PpdFile ppd(ppdOpenFile(path.c_str()));
     ASSERT_NE(ppd, nullptr) << file;
     const std::vector<std::string> choices = ChoicesFor(ppd.get());

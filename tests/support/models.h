@@ -10,6 +10,16 @@ inline CommandResult Kpxctl(std::vector<std::string> words) {
   return RunProgram(words);
 }
 
+// The name of the model that kpxctl has just added, from what it says in JSON; empty for other
+// text.
+inline std::string NameInJson(const std::string &json) {
+  const std::string key = "\"name\": \"";
+  const size_t at = json.find(key);
+  if (at == std::string::npos) return "";
+  const size_t start = at + key.size();
+  return json.substr(start, json.find('"', start) - start);
+}
+
 // The PPD file of a PostScript printer with trays, a duplex unit and four installable parts.
 inline constexpr char kForeignPpd[] = "/usr/share/ppd/hp-ppd/HP/HP_LaserJet_5000_Series.ppd";
 inline constexpr char kForeignPrinter[] = "HP LaserJet 5000 Series PS";

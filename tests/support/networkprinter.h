@@ -8,20 +8,31 @@
 #include <csignal>
 #include <fstream>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 #include "printerjobs.h"
 #include "temporarydirectory.h"
 
 class NetworkPrinter {
  public:
-  // Takes jobs on the port of the loopback interfaces from now on.
-  explicit NetworkPrinter(int port) : jobs_(directory_.Path().c_str()) {
+  // Takes jobs on the port of the loopback interfaces from now on: with `program`, which is called
+  // as printerd is, and `more` words.
+  explicit NetworkPrinter(int port, const std::string &program = KPX_PRINTERD,
+                          std::vector<std::string> more = {})
+      : jobs_(directory_.Path().c_str()) {
     const std::string ready = directory_.Path("ready");
     if (mkfifo(ready.c_str(), 0600) != 0) throw std::runtime_error("mkfifo");
-    process_ = fork();
+    std::vector<std::string> words = {
+        program, "--port", std::to_string(port), "--dir", directory_.Path(), "--ready", ready};
+    words.insert(words.end(), more.begin(), more.end());
+    std::vector<char *> argv;
+    for (std::string &word : words) argv.push_back(word.data());
+    argv.push_back(nullptr);
+    process_ = fork();  // a group, with what it starts
     if (process_ == 0) {
-      execl(KPX_PRINTERD, "printerd", "--port", std::to_string(port).c_str(), "--dir",
-            directory_.Path().c_str(), "--ready", ready.c_str(), nullptr);
+      setpgid(0, 0);
+      execv(argv[0], argv.data());
       _exit(127);
     }
     int listening = 0;
@@ -29,7 +40,7 @@ class NetworkPrinter {
     if (listening != port) throw std::runtime_error("the printer stand-in did not start");
   }
   ~NetworkPrinter() {
-    kill(process_, SIGKILL);
+    kill(-process_, SIGKILL);
     waitpid(process_, nullptr, 0);
   }
   NetworkPrinter(const NetworkPrinter &) = delete;
@@ -38,6 +49,8 @@ class NetworkPrinter {
   // Waits for the next job and returns its bytes.
   std::string Next() { return jobs_.Next(); }
   bool HasMore() const { return jobs_.HasMore(); }
+  // The path of one of the files that it stores.
+  std::string Path(const std::string &name) const { return directory_.Path(name); }
 
  private:
   TemporaryDirectory directory_;
