@@ -8,6 +8,9 @@ inline constexpr char kQueuesFile[] = "/opt/orlan/data/queues.paf";
 inline constexpr char kNlsDir[] = "/opt/orlan/data/nls";
 inline constexpr char kModelsDir[] = "/opt/orlan/data/models";
 inline constexpr char kModelsNlsDir[] = "/opt/orlan/data/models/nls";
+// Earlier states of the queue list, and which queues which file declares.
+inline constexpr char kStatesDir[] = "/opt/orlan/states";
+inline constexpr char kOwnersFile[] = "/opt/orlan/states/declared.json";
 inline constexpr char kHelpNlsDir[] = "/opt/orlan/docs/nls";
 inline constexpr char kPixmapDir[] = "/opt/orlan/xpm";
 inline constexpr char kFallbackPixmapDir[] = "../pixmaps";

@@ -29,6 +29,17 @@ int G_CheckUniqueQueueName(const char *name, CList *errors) {
   return G_IsStringInCList(spooler_names.get(), name) == 1 ? 0 : 1;
 }
 
+TakenQueueNames::TakenQueueNames(CList *errors) {
+  const Owned<CList> names = GetQueueNamesSysV(nullptr, errors);
+  for (const CString *name : Elements<CString>(names.get())) {
+    spooler_names_.emplace(name->value.View());
+  }
+}
+
+bool TakenQueueNames::Has(const std::string &name) const {
+  return HashFind(G_Queues_hash, name.c_str()) != nullptr || spooler_names_.contains(name);
+}
+
 std::string BuildCloneName(const char *name) {
   const LogScope log("BuildCloneName");
   const Owned<CList> errors = CreateList();

@@ -1,6 +1,7 @@
 // Names of queues: are they free, what is a clone called.
 #pragma once
 
+#include <set>
 #include <string>
 
 #include "chash.h"
@@ -13,6 +14,17 @@
 // is that of the queue whose properties are open; else 0. What the spooler's directory refuses is
 // reported to `errors`.
 [[nodiscard]] int G_CheckUniqueQueueName(const char *name, CList *errors);
+
+// The same for many names: the spooler is looked at once.
+class TakenQueueNames {
+ public:
+  explicit TakenQueueNames(CList *errors);
+  // Whether a queue of the working set or one of the spooler has the name.
+  [[nodiscard]] bool Has(const std::string &name) const;
+
+ private:
+  std::set<std::string> spooler_names_;
+};
 
 // A free name for a clone of the queue: "CopyOf_<name>", else "Copy2Of_<name>" and so on.
 std::string BuildCloneName(const char *name);

@@ -14,6 +14,7 @@
 #include "porting.h"
 #include "queuecreation.h"
 #include "queuelistkeep.h"
+#include "savedstates.h"
 #include "strangersfiles.h"
 #include "textfile.h"
 #include "unfinishedsave.h"
@@ -135,6 +136,7 @@ SaveResult SaveQueues(const CList *deleted, CList *errors, const SaveObserver &o
   if (KeepQueueList(list, errors) == 0 || !KeepIntention(list, G_Queues_hash, deleted, errors)) {
     return SaveResult::Ended;
   }
+  KeepState(KeptQueueListPath(list), G_Queues_hash);
   if (!EmptyList(list)) {
     G_Report(errors, "ERR_UNABLE_TO_WRITE_FILE", {list});
     if (G_UnfinishedRemovals == nullptr) DropIntention(list);
