@@ -8,7 +8,6 @@
 #include "addqueue.h"
 #include "assignments.h"
 #include "cmessages.h"
-#include "cprinter.h"
 #include "deffile.h"
 #include "globals.h"
 #include "ignoreresult.h"
@@ -46,13 +45,6 @@ std::optional<Fault> FaultOfNewName(const std::string &name) {
   const Owned<CList> errors = CreateList();
   if (G_CheckUniqueQueueName(name.c_str(), errors.get()) == 1) return std::nullopt;
   return Fault{kFailed, G_Message("CTL_QUEUE_TAKEN", {name})};
-}
-
-std::optional<Fault> FaultOfPrinter(const std::string &printer) {
-  if (HashFind(G_Printers_hash, printer.c_str()) != nullptr) return std::nullopt;
-  std::vector<std::string> names;
-  for (const auto [name, record] : Pairs<CPrinter>(G_Printers_hash)) names.emplace_back(name);
-  return Fault{kFailed, G_Message("CTL_PRINTER_UNKNOWN", {printer, JoinedWords(names)})};
 }
 
 // The facts of a new queue in the call; a fault of the call itself has the status kWrongCall.

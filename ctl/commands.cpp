@@ -2,9 +2,11 @@
 
 #include "changecommands.h"
 #include "cmessages.h"
+#include "declarecommands.h"
 #include "modelcommands.h"
 #include "output.h"
 #include "session.h"
+#include "undocommands.h"
 #include "viewcommands.h"
 #include "whycommand.h"
 #include "words.h"
@@ -56,7 +58,8 @@ Status Run(const Command &command, const std::vector<std::string> &words) {
 const std::vector<Command> &Commands() {
   static const std::vector<Command> commands = [] {
     std::vector<Command> all;
-    for (const std::vector<Command> &some : {ViewCommands(), ChangeCommands(), ModelCommands()}) {
+    for (const std::vector<Command> &some :
+         {ViewCommands(), ChangeCommands(), DeclareCommands(), UndoCommands(), ModelCommands()}) {
       all.insert(all.end(), some.begin(), some.end());
     }
     all.push_back(WhyCommand());

@@ -8,10 +8,12 @@
 #include "cmessages.h"
 #include "conflictresolution.h"
 #include "constraintmessages.h"
+#include "cprinter.h"
 #include "cprintqueue.h"
 #include "destination.h"
 #include "emailaddress.h"
 #include "entryfilters.h"
+#include "globals.h"
 #include "jobrules.h"
 #include "optionlists.h"
 #include "optionstate.h"
@@ -72,7 +74,7 @@ int PlaceOf(const Assignment &assignment) {
 std::optional<Fault> SetAll(const std::string &name, const std::vector<Assignment> &assignments) {
   for (const Assignment &assignment : assignments) {
     const std::optional<Fault> fault = SetSetting(assignment.key, assignment.value);
-    if (fault) return Fault{fault->status, name + ": " + fault->text};
+    if (fault) return Fault{fault->status, name + ": " + fault->text, assignment.key};
   }
   RepairCustomChoices();
   return std::nullopt;
@@ -102,6 +104,13 @@ std::optional<Fault> FaultOfAddress(const std::string &address) {
                        std::none_of(address.begin(), address.end(), IsControlCharacter);
   if (is_kept && CharacterCount(address) <= kAddressLength) return std::nullopt;
   return Fault{kFailed, G_Message("CTL_VALUE_BAD", {"address", address})};
+}
+
+std::optional<Fault> FaultOfPrinter(const std::string &printer) {
+  if (HashFind(G_Printers_hash, printer.c_str()) != nullptr) return std::nullopt;
+  std::vector<std::string> names;
+  for (const auto [name, record] : Pairs<CPrinter>(G_Printers_hash)) names.emplace_back(name);
+  return Fault{kFailed, G_Message("CTL_PRINTER_UNKNOWN", {printer, JoinedWords(names)})};
 }
 
 std::optional<Fault> ChangeQueue(const std::string &name, std::vector<Assignment> assignments,

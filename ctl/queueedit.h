@@ -14,6 +14,7 @@ namespace kpx::ctl {
 struct Fault {
   Status status;
   std::string text;
+  std::string key = {};  // of the setting that it is about, when it is about one
 };
 
 // A setting by its outer key ("PageSize", "address", "paper/NAME", "media/NAME") and the value that
@@ -22,8 +23,9 @@ struct Assignment {
   std::string key, value;
 };
 
-// The fault of a new queue's name, of an address.
+// The fault of a new queue's name, of a printer's, of an address.
 [[nodiscard]] std::optional<Fault> FaultOfName(const std::string &name);
+[[nodiscard]] std::optional<Fault> FaultOfPrinter(const std::string &printer);
 [[nodiscard]] std::optional<Fault> FaultOfAddress(const std::string &address);
 
 // Changes the queue of G_Queues_hash, or leaves it as it is: nothing, or the first fault. Two

@@ -28,10 +28,8 @@ const char *UsualValue(const CHash *features, const char *key) {
   return own == nullptr ? "" : own->usual;
 }
 
-// The text of a setting of the queue, by outer key, that the queue does not have.
-std::string UsualValueOf(const CPrintQueue &queue, const std::string &key) {
-  const CPrinter *printer =
-      HashValue<CPrinter>(G_Printers_hash, fGet_CString_Value_Function(queue.PrinterName.get()));
+// The text of a setting, by outer key, that a queue of the printer does not have.
+std::string UsualSetting(const CPrinter *printer, const std::string &key) {
   const std::string inner = "*" + key;
   const std::string usual = UsualValue(fGetFeatures_Function(printer), inner.c_str());
   if (!usual.empty()) return usual;
@@ -63,14 +61,13 @@ bool IsSame(const CHash *one, const CHash *two) {
   return !(other != end);
 }
 
-// All that a queue has, but for what is as usual, by outer key.
-std::map<std::string, std::string> ValuesOf(const CPrintQueue &queue) {
-  std::map<std::string, std::string> values;
-  for (const QueueField &field : QueueFields()) {
-    values[field.name] = TextOf((queue.*field.member).get());
-  }
-  const CPrinter *printer =
-      HashValue<CPrinter>(G_Printers_hash, fGet_CString_Value_Function(queue.PrinterName.get()));
+const CPrinter *PrinterOf(const CPrintQueue &queue) {
+  return HashValue<CPrinter>(G_Printers_hash, fGet_CString_Value_Function(queue.PrinterName.get()));
+}
+
+// What a queue has beside its fields, but for what is as usual, by outer key.
+void AddSettings(const CPrintQueue &queue, const CPrinter *printer,
+                 std::map<std::string, std::string> &values) {
   AddUnusual(queue.Options.get(), fGetFeatures_Function(printer), values);
   AddUnusual(queue.InstallableFeatures.get(), fGetInstallableOptions_Function(printer), values);
   for (const auto [name, size] : Pairs<CCpsParams>(queue.CustomPapers.get())) {
@@ -79,6 +76,15 @@ std::map<std::string, std::string> ValuesOf(const CPrintQueue &queue) {
   for (const auto [name, media] : Pairs<CCmtParams>(queue.CustomMedias.get())) {
     values[std::string(kMediaPrefix) + name] = TextOf(fGetGuiName_Function(media));
   }
+}
+
+// All that a queue has, but for what is as usual, by outer key.
+std::map<std::string, std::string> ValuesOf(const CPrintQueue &queue) {
+  std::map<std::string, std::string> values;
+  for (const QueueField &field : QueueFields()) {
+    values[field.name] = TextOf((queue.*field.member).get());
+  }
+  AddSettings(queue, PrinterOf(queue), values);
   return values;
 }
 
@@ -138,10 +144,31 @@ std::vector<ValueChange> ChangesBetween(const CPrintQueue &before, const CPrintQ
   }
   for (const auto &[key, value] : new_values) changes.push_back({key, "", value});
   for (ValueChange &change : changes) {
-    if (change.from.empty()) change.from = UsualValueOf(before, change.key);
-    if (change.to.empty()) change.to = UsualValueOf(after, change.key);
+    if (change.from.empty()) change.from = UsualSetting(PrinterOf(before), change.key);
+    if (change.to.empty()) change.to = UsualSetting(PrinterOf(after), change.key);
   }
   return changes;
+}
+
+bool IsAs(const CPrintQueue &queue, const std::map<std::string, std::string> &fields,
+          const std::map<std::string, std::string> &settings) {
+  for (const QueueField &field : QueueFields()) {
+    const char *value = fGet_CString_Value_Function((queue.*field.member).get());
+    if (value == nullptr || fields.at(field.name) != value) return false;
+  }
+  const CPrinter *printer = PrinterOf(queue);
+  std::map<std::string, std::string> present;
+  AddSettings(queue, printer, present);
+  auto now = present.begin();
+  for (const auto &[key, value] : settings) {
+    if (now != present.end() && now->first == key) {
+      if (now->second != value) return false;
+      ++now;
+    } else if (value != UsualSetting(printer, key)) {
+      return false;
+    }
+  }
+  return now == present.end();
 }
 
 std::vector<PlanStep> PlanBetween(const CHash *before, const CHash *after) {

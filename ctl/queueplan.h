@@ -1,6 +1,7 @@
 // What a command changes: the queues as they are to be beside the queues as they are.
 #pragma once
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -29,6 +30,11 @@ std::vector<PlanStep> PlanBetween(const CHash *before, const CHash *after);
 
 // What differs between two queues, in that sense.
 std::vector<ValueChange> ChangesBetween(const CPrintQueue &before, const CPrintQueue &after);
+
+// Whether the queue has these fields and, but for what is as usual, just these settings (by outer
+// key).
+[[nodiscard]] bool IsAs(const CPrintQueue &queue, const std::map<std::string, std::string> &fields,
+                        const std::map<std::string, std::string> &settings);
 
 // One line a step and change: "+ acc1 printer=...", "~ acc1 Duplex: None -> DuplexTumble",
 // "- acc1".

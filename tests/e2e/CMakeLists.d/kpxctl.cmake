@@ -1,3 +1,5 @@
 # kpxctl on queues of the real spooler.
-kpx_add_test(NAME ctl_queues LIBS kpx_core nlohmann_json::nlohmann_json LABEL e2e SANDBOX full
-  SOURCES e2e/ctl_queues_test.cpp)
+foreach(part queues declared)
+  kpx_add_test(NAME ctl_${part} LIBS kpx_core nlohmann_json::nlohmann_json LABEL e2e SANDBOX full
+    SOURCES e2e/ctl_${part}_test.cpp)
+endforeach()
