@@ -22,6 +22,7 @@
 #include "printermodels.h"
 #include "queuetypes.h"
 #include "scriptreader.h"
+#include "settingkeys.h"
 #include "textfile.h"
 #include "utils.h"
 
@@ -68,9 +69,11 @@ Owned<CHash> SettingsOf(const InterfaceBlock &block) {
   return settings;
 }
 
-// Each feature of the printer, with the setting or, without one, the printer's default.
+// Each feature of the printer, with the setting or, without one, the printer's default. The region
+// is the paper once more.
 void AddSettings(const CHash *settings, const CHash *features, TestPageFacts *facts) {
   for (const auto [key, feature] : Pairs<CFeature>(features)) {
+    if (std::string_view(key) == kPageRegionKey) continue;
     const char *setting = HashText(settings, key);
     const std::string choice =
         setting == nullptr ? TextOf(fGet_Default_Function(feature)) : std::string(setting);
