@@ -38,6 +38,7 @@ constexpr Sign L_Signs[] = {
     {"is empty or incomplete", Trouble::NotSetUp},
     {"has no interface script", Trouble::NotSetUp},
     {"cannot run the interface script", Trouble::NotSetUp},
+    {"needs a PIN of four digits", Trouble::BadPin},
     {"; the job is held", Trouble::Failed},
     {"; the queue ", Trouble::Failed},
 };
@@ -141,6 +142,8 @@ std::string TroubleText(const TroubleReading &trouble) {
       return G_Translate("TROUBLE_SPACE");
     case Trouble::NotSetUp:
       return G_Translate("TROUBLE_NOT_SET_UP");
+    case Trouble::BadPin:
+      return G_Translate("TROUBLE_PIN");
     case Trouble::Failed:
       return G_Message("TROUBLE_FAILED", {trouble.cause});
   }

@@ -16,6 +16,7 @@ enum class Trouble {
   InDoubt,      // all or a part of the job may have been printed
   NoSpace,      // on this host
   NotSetUp,     // the queue is incomplete
+  BadPin,       // it is to wait for a PIN and has none that counts
   Failed,       // one of the programs that prepare the job
 };
 struct TroubleReading {

@@ -383,6 +383,7 @@ inline constexpr MessageKey kMessageKeys[] = {
     {"TROUBLE_NAME", "s"},
     {"TROUBLE_NOT_SET_UP", ""},
     {"TROUBLE_NO_DATA", ""},
+    {"TROUBLE_PIN", ""},
     {"TROUBLE_SPACE", ""},
     {"TROUBLE_UNREACHABLE", "ss"},
     {"UseAppSetting", ""},

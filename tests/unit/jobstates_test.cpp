@@ -37,6 +37,11 @@ const Row kRows[] = {
     {"It may have been printed; the job is held (the exit status of its interface script is "
      "unknown)",
      Trouble::InDoubt, "", "It may have been printed"},
+    {"kpxfilter: the delivery \"Hold\" needs a PIN of four digits, which is missing; the job is "
+     "held "
+     "(status 1)",
+     Trouble::BadPin, "",
+     "kpxfilter: the delivery \"Hold\" needs a PIN of four digits, which is missing"},
     {"kpxfilter: no such setting; the job is held (status 1)", Trouble::Failed, "",
      "kpxfilter: no such setting"},
     {"Not enough space to unpack the file; the job is held", Trouble::NoSpace, "",

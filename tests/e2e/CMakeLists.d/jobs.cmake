@@ -1,7 +1,9 @@
 # The job window with a real spooler.
-foreach(test IN ITEMS jobs jobs_testpage)
+foreach(test IN ITEMS jobs jobs_testpage jobs_questions jobs_assistive)
   kpx_add_test(NAME ${test} LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full TIMEOUT 600
     SOURCES e2e/${test}_test.cpp)
   target_compile_definitions(test_${test} PRIVATE KPX_MAKEQUEUES="$<TARGET_FILE:makequeues>")
   add_dependencies(test_${test} makequeues)
 endforeach()
+target_compile_definitions(test_jobs_assistive PRIVATE
+  KPX_JOBSWINDOW="${CMAKE_CURRENT_SOURCE_DIR}/support/jobswindow")
