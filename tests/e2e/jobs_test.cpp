@@ -1,5 +1,6 @@
 // The job window with a real spooler: what it shows of queues and jobs, what its buttons do to
 // them, and what it says while the spooler does not answer.
+#include <algorithm>
 #include <chrono>
 
 #include "guiapp.h"
@@ -327,6 +328,60 @@ TEST_F(Jobs, WindowSaysThatTheSpoolerIsGoneAndIsRightAgainWhenItIsBack) {
   app.WaitContact("");
   queue.Print({"-t", "second", "-H", "hold"}, "data");
   app.WaitRow("JobsClist", "second");
+}
+
+TEST_F(Jobs, WindowIsRightAgainAfterTheSpoolerWasKilled) {
+  const TestQueue queue("office");
+  queue.Print({"-t", "letter", "-H", "hold"}, "data");
+  JobsApp app;
+  app.WaitRow("JobsClist", "letter");
+  {
+    const NoScheduler killed(SIGKILL);
+    app.WaitContact("SPOOLER_GONE");
+  }
+  app.WaitContact("");
+  const TestQueue later("later");
+  later.Print({"-t", "second", "-H", "hold"}, "data");
+  app.WaitRow("JobsClist", "second");
+  // Whatever the new one knows of the time before.
+  app.WaitUntil("as many jobs as the spooler has", [&] {
+    const std::string jobs = RunProgram({"lpstat", "-o"}).output;
+    return std::count(jobs.begin(), jobs.end(), '\n') ==
+           static_cast<int>(app.Rows("JobsClist").size());
+  });
+}
+
+TEST_F(Jobs, WindowOpensWhileTheSpoolerHangs) {
+  const TestQueue queue("office");
+  auto hung = std::make_unique<HungScheduler>();
+  JobsApp app;
+  app.WaitContact("SPOOLER_SILENT");
+  EXPECT_EQ(Strings{}, app.Column("QueuesClist", 0));
+  hung.reset();
+  app.WaitRow("QueuesClist", "office");
+  app.WaitContact("");
+}
+
+TEST_F(Jobs, AreHeldAndExplainedByKeys) {
+  const TestQueue queue("office");
+  queue.Record();
+  ASSERT_EQ(0, RunProgram({"cupsdisable", "office"}).status);
+  queue.Print({"-t", "letter"}, "data");
+  JobsApp app;
+  Keyboard keys(app);
+  app.WaitRow("JobsClist", "letter");
+  keys.GoTo(CatalogueText("DEF_LBL_JOBS"), "JobsClist");
+  keys.Key("Down");
+  app.WaitUntil("a selected job", [&] { return app.IsSensitive("HoldButton"); });
+  keys.Press(CatalogueText("DEF_BTN_HOLD_TITLE"));
+  app.WaitCell("JobsClist", "letter", 5, CatalogueText("JOB_HELD"));
+  keys.Press(CatalogueText("DEF_BTN_WHY_TITLE"));
+  keys.Await("WhyWindow");
+  const std::string step = CatalogueText("WHY_STOPPED", {"office"});
+  app.WaitUntil("the step", [&] { return app.Text("WhyText").find(step) != std::string::npos; });
+  keys.Close("WhyWindow", "Return");
+  app.Key("Escape");
+  EXPECT_EQ(0, app.WaitExit());
 }
 
 TEST_F(Jobs, WindowGoesOnWhileTheSpoolerHangs) {

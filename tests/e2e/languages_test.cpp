@@ -270,6 +270,17 @@ TEST_P(EveryLanguage, AreWholeInTheWindowsOfJobs) {
   ExpectGood(app, "QuestionDialog");
   app.Key("Escape");
   app.WaitGone("QuestionDialog");
+  app.Click("WhyButton");
+  ExpectGood(app, "WhyWindow");
+  const std::string room = Message("WHY_ROOM_GOOD");
+  app.WaitUntil("the last step",
+                [&] { return app.Text("WhyText").find(room) != std::string::npos; });
+  // The script of the queue is somebody's own, of which nothing can be said.
+  app.WaitUntil("the conclusion",
+                [&] { return app.Text("WhyLabel") == Message("WHY_NOTHING_FOUND"); });
+  ExpectGood(app, "WhyWindow");
+  app.Key("Return");
+  app.WaitGone("WhyWindow");
   app.Key("F1");
   ExpectGood(app, "KPXHelpDialog");
 }

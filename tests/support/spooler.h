@@ -97,15 +97,16 @@ class SchedulerLog {
   size_t start_;
 };
 
-// For its lifetime the scheduler is down.
+// For its lifetime the scheduler is down: the signal has ended it. One that SIGKILL ends does not
+// save what it has been told in the last half minute.
 class NoScheduler {
  public:
-  NoScheduler() {
+  explicit NoScheduler(int signal = SIGTERM) {
     int pid = 0;
     std::ifstream("/run/cups/cupsd.pid") >> pid;
     if (pid <= 1) throw std::runtime_error("no cupsd");
     const int handle = static_cast<int>(syscall(SYS_pidfd_open, pid, 0));
-    kill(pid, SIGTERM);
+    kill(pid, signal);
     const Deadline deadline(EventPatience());
     const bool ended = HasEvents(handle, POLLIN, deadline);
     close(handle);
