@@ -5,6 +5,7 @@
 
 #include "AccessKeys.h"
 #include "AddQueueWindowFct.h"
+#include "AddressTest.h"
 #include "ComboWidget.h"
 #include "EntryHandlers.h"
 #include "FieldGrid.h"
@@ -36,7 +37,7 @@ void AddRow(Form &form, const char *label_name, const char *label_key, GtkWidget
             GtkWidget *target) {
   GtkWidget *label =
       AddField(form.window, form.grid, form.rows++, {label_name, label_key}, field, target);
-  const bool beside_list = field != target;
+  const bool beside_list = GTK_IS_SCROLLED_WINDOW(field) != FALSE;
   gtk_widget_set_valign(label, beside_list ? GTK_ALIGN_START : GTK_ALIGN_CENTER);
   if (beside_list) gtk_widget_set_margin_top(label, L_FirstRowOffset);
 }
@@ -74,6 +75,11 @@ std::vector<std::string> TypeTexts() {
   return texts;
 }
 
+std::string ChosenPrinter() {
+  const AddQueueWindowHelper &helper = *G_AddQueueWindow_helper;
+  return ListCell(helper.printer_list, helper.selected_printer, 0);
+}
+
 void AddFields(Form &form) {
   GtkWidget *name = NewEntry(form, "QueueEntry", kQueueNameLength);
   FilterAsQueueName(name);
@@ -83,7 +89,9 @@ void AddFields(Form &form) {
   AddCombo(form, "Transport", "DEF_LBL_TRANSPORT", {G_Translate(kTcpIpTransport)}, nullptr);
   GtkWidget *address = NewEntry(form, "AddressEntry", kAddressLength);
   FilterAsAddress(address);
-  AddRow(form, "AddressLabel", "DEF_LBL_IPADDRESS", address, address);
+  const AddressTest test = NewAddressTest(form.window, address, ChosenPrinter);
+  AddRow(form, "AddressLabel", "DEF_LBL_IPADDRESS", test.field, address);
+  gtk_grid_attach(form.grid, test.result, 1, form.rows++, 1, 1);
   AddCombo(form, "PrintingSystem", "DEF_LBL_PRN_SYS", {"SystemV"}, PrnSysComboBoxOptionChanged);
   GtkWidget *about = NewButtonBox(form.window, GTK_ORIENTATION_HORIZONTAL, "AboutHbuttonbox");
   gtk_button_box_set_layout(GTK_BUTTON_BOX(about), GTK_BUTTONBOX_END);

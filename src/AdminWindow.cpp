@@ -1,6 +1,7 @@
 #include "AdminWindow.h"
 
 #include "AccessKeys.h"
+#include "AddressNotice.h"
 #include "AdminWindowFct.h"
 #include "ListWidget.h"
 #include "PropertiesFrame.h"
@@ -109,6 +110,7 @@ GtkWidget *create_AdminWindow() {
   gtk_container_add(GTK_CONTAINER(helper.window), box);
   AddSearch(helper, box);
   AddQueueList(helper, box);
+  gtk_box_pack_start(GTK_BOX(box), NewAddressNotice(helper.window), FALSE, FALSE, 0);
   AddQueueButtons(helper, box);
   gtk_box_pack_start(GTK_BOX(box), gtk_separator_new(GTK_ORIENTATION_HORIZONTAL), FALSE, FALSE, 0);
   AddAdminButtons(helper.window, box);

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "AddQueueWindow.h"
+#include "AddressNotice.h"
 #include "AdminWindow.h"
 #include "ListWidget.h"
 #include "MessageDialogs.h"
@@ -74,6 +75,12 @@ SaveResult SaveWithProgress(CList *errors) {
   return result;
 }
 
+// The queue is new in the working set, or its address may be.
+void ShowNewQueue(const std::string &name) {
+  UnselectAllAndSelectOneInQueuesCList(AddItemInQueuesCListWidget(name.c_str()));
+  CheckAddressOfQueue(name);
+}
+
 void RememberDeleted(const char *name) {
   if (L_DeletedQueues_list == nullptr) L_DeletedQueues_list = CreateList();
   IgnoreResult(fAddHead_CList_Function(L_DeletedQueues_list.get(), CreateStringWithValue(name)),
@@ -85,18 +92,14 @@ void RememberDeleted(const char *name) {
 void ButtonAddPressed() {
   const LogScope log("ButtonAddPressed");
   gtk_widget_show(create_AddQueueWindow());
-  G_AddQueueWindow_helper->added = [](const std::string &name) {
-    UnselectAllAndSelectOneInQueuesCList(AddItemInQueuesCListWidget(name.c_str()));
-  };
+  G_AddQueueWindow_helper->added = ShowNewQueue;
 }
 
 void ButtonClonePressed() {
   const LogScope log("ButtonClonePressed");
   const FocusKeeper keeper(G_KPXadminWindow_helper->window);
   const std::string clone = CloneQueue(FirstSelectedQueue().c_str());
-  if (!clone.empty()) {
-    UnselectAllAndSelectOneInQueuesCList(AddItemInQueuesCListWidget(clone.c_str()));
-  }
+  if (!clone.empty()) ShowNewQueue(clone);
 }
 
 void ButtonPropertiesPressed() {
@@ -129,6 +132,7 @@ void ButtonKPXDeletePressed(int flag) {
                           HashRemove(G_Queues_hash, name.c_str());
                           if (flag != 0) RememberDeleted(name.c_str());
                         });
+  ShowUnknownAddresses();
   // The button that was pressed is dead now.
   if (flag != 0) gtk_widget_grab_focus(G_KPXadminWindow_helper->queues_list);
 }
@@ -177,7 +181,7 @@ void ReplaceSelectedQueue(const QueueIdentity &identity) {
   const FocusKeeper keeper(G_KPXadminWindow_helper->window);
   ButtonKPXDeletePressed(0);
   PutBackIdentity(identity);
-  UnselectAllAndSelectOneInQueuesCList(AddItemInQueuesCListWidget(identity.name.c_str()));
+  ShowNewQueue(identity.name);
 }
 
 void RememberUnfinishedRemovals() {
@@ -203,6 +207,7 @@ void ButtonCancelPressed() {
   const LogScope log("ButtonCancelPressed");
   if (G_KPXadminWindow_helper == nullptr) return;
   ForgetListedQueues();
+  ForgetAddresses();
   G_KPXadminWindow_helper.reset();
   G_QueuesSelections.reset();
   L_DeletedQueues_list.reset();

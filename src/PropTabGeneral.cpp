@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "AddressTest.h"
 #include "ComboWidget.h"
 #include "EntryHandlers.h"
 #include "FieldGrid.h"
@@ -51,13 +52,27 @@ class Rows {
 
   GtkWidget *AddEntry(const char *label_name, const char *label_key, const char *name,
                       int max_length) {
-    GtkWidget *entry = StoreWidget(window_, gtk_entry_new(), name);
-    gtk_entry_set_max_length(GTK_ENTRY(entry), max_length);
+    GtkWidget *entry = NewEntry(name, max_length);
     Add(label_name, label_key, entry);
     return entry;
   }
 
+  // With a button that tests it.
+  GtkWidget *AddAddress(std::string (*printer)()) {
+    GtkWidget *entry = NewEntry("AddressEntry", kAddressLength);
+    const AddressTest test = NewAddressTest(window_, entry, printer);
+    AddField(window_, grid_, rows_++, {"AddressLabel", "DEF_LBL_IPADDRESS"}, test.field, entry);
+    gtk_grid_attach(grid_, test.result, 1, rows_++, 1, 1);
+    return entry;
+  }
+
  private:
+  GtkWidget *NewEntry(const char *name, int max_length) {
+    GtkWidget *entry = StoreWidget(window_, gtk_entry_new(), name);
+    gtk_entry_set_max_length(GTK_ENTRY(entry), max_length);
+    return entry;
+  }
+
   GtkWidget *window_;
   GtkGrid *grid_;
   int rows_ = 0;
@@ -69,9 +84,10 @@ std::string Transport() {
   return G_Translate(TextOf(fGet_AddressType_Function(G_CurrentQueue.get())).c_str());
 }
 
+std::string Printer() { return TextOf(fGet_PrinterName_Function(G_CurrentQueue.get())); }
+
 void AddPrinterAndType(Rows &rows) {
-  rows.AddText("PrinterLabel", "DEF_LBL_PRINTER", "PrinterNameLabel",
-               TextOf(fGet_PrinterName_Function(G_CurrentQueue.get())));
+  rows.AddText("PrinterLabel", "DEF_LBL_PRINTER", "PrinterNameLabel", Printer());
   rows.AddText("TypeLabel", "DEF_LBL_TYPE", "TypeNameLabel",
                G_Translate(CurrentQueueTypeKey().c_str()));
 }
@@ -140,8 +156,7 @@ GtkWidget *create_PropTabGenAdmin() {
   ComboSetRow(helper.transport_combo, 0);
   gtk_widget_set_sensitive(helper.transport_combo, FALSE);
   rows.Add("TransportLabel", "DEF_LBL_TRANSPORT", helper.transport_combo);
-  helper.address_entry =
-      rows.AddEntry("AddressLabel", "DEF_LBL_IPADDRESS", "AddressEntry", kAddressLength);
+  helper.address_entry = rows.AddAddress(Printer);
   gtk_entry_set_text(GTK_ENTRY(helper.address_entry), Address().c_str());
   FilterAsAddress(helper.address_entry);
   AddPrintingSystem(rows);

@@ -10,10 +10,12 @@
 #include <sys/statvfs.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
 #include <cstring>
+#include <iterator>
 #include <memory>
 #include <optional>
 
@@ -23,6 +25,7 @@
 #include "jobstates.h"
 #include "paths.h"
 #include "porting.h"
+#include "printermodels.h"
 #include "scriptreader.h"
 #include "settingkeys.h"
 #include "spoolerrequests.h"
@@ -41,6 +44,18 @@ constexpr std::string_view L_SpoolerUser = "lp";
 constexpr char L_WordsMend[] = "";  // the words themselves tell it
 
 using Found = std::function<void(const WhyStep &)>;
+
+// What to do about an address while it is being chosen.
+struct AddressMend {
+  WhyCheck check;
+  const char *key;
+};
+constexpr AddressMend L_AddressMends[] = {
+    {WhyCheck::Name, "ADDRESS_NAME_MEND"},
+    {WhyCheck::Host, "ADDRESS_HOST_MEND"},
+    {WhyCheck::Port, "ADDRESS_PORT_MEND"},
+    {WhyCheck::Data, "WHY_DATA_MEND"},
+};
 
 WhyStep Good(WhyCheck check, const char *key, const std::string &words = "",
              const std::string &more_words = "") {
@@ -173,15 +188,13 @@ void CheckConnection(const InterfaceBlock &block, const addrinfo &address, const
   }
 }
 
-void CheckPrinter(const InterfaceBlock &block, const Found &found) {
+// Also where the address leads, when its name is known.
+WhyStep CheckName(const InterfaceBlock &block, Addresses *addresses) {
   std::string reason;
-  const Addresses addresses = LookUp(block, &reason);
-  if (addresses == nullptr) {
-    found(Bad(WhyCheck::Name, "WHY_NAME_BAD", "WHY_NAME_MEND", HostOf(block), reason));
-    return;
-  }
-  found(Good(WhyCheck::Name, "WHY_NAME_GOOD", HostOf(block)));
-  CheckConnection(block, *addresses, found);
+  *addresses = LookUp(block, &reason);
+  return *addresses == nullptr
+             ? Bad(WhyCheck::Name, "WHY_NAME_BAD", "WHY_NAME_MEND", HostOf(block), reason)
+             : Good(WhyCheck::Name, "WHY_NAME_GOOD", HostOf(block));
 }
 
 WhyStep CheckWords(const WhySubject &subject) {
@@ -285,6 +298,17 @@ WhySubject AskForSubject(const std::string &name, const std::string &user) {
   return subject;
 }
 
+void CheckPrinter(const InterfaceBlock &block, const Found &found) {
+  Addresses addresses;
+  found(CheckName(block, &addresses));
+  if (addresses != nullptr) CheckConnection(block, *addresses, found);
+}
+
+WhyStep CheckPrinterName(const InterfaceBlock &block) {
+  Addresses addresses;
+  return CheckName(block, &addresses);
+}
+
 void CheckWhy(const WhySubject &subject, const Found &found) {
   found(CheckSpooler(subject));
   const std::optional<InterfaceBlock> block = CheckScript(subject, found);
@@ -308,6 +332,25 @@ std::string WhyMend(const WhyStep &step) {
   if (step.mend_key == nullptr) return "";
   return step.mend_key == L_WordsMend ? TroubleText(ReadTrouble(step.words))
                                       : G_Translate(step.mend_key);
+}
+
+InterfaceBlock PrinterPlace(const std::string &printer_name, const std::string &address) {
+  const PrinterModel &model = FindPrinterModel(printer_name);
+  InterfaceBlock block;
+  block.address = address;
+  block.backend = model.backend;
+  block.port = std::to_string(model.port);
+  return block;
+}
+
+std::string AddressFinding(const std::vector<WhyStep> &steps) {
+  if (steps.empty()) return "";
+  const WhyStep &last = steps.back();
+  // That the printer takes connections says more than that it keeps them.
+  if (last.result != WhyResult::Bad) return WhyText(steps[steps.size() > 1 ? steps.size() - 2 : 0]);
+  const auto mend = std::find_if(std::begin(L_AddressMends), std::end(L_AddressMends),
+                                 [&](const AddressMend &row) { return row.check == last.check; });
+  return WhyText(last) + " " + G_Translate(mend->key);
 }
 
 std::string WhyLines(const WhyStep &step) {

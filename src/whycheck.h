@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "interfacescript.h"
 #include "spoolerstate.h"
 
 // What is looked at.
@@ -57,6 +58,20 @@ WhySubject AskForSubject(const std::string &name, const std::string &user);
 // called with each step, in the order above, from the thread that calls this. Sends no data to the
 // printer. Uses nothing of the process that others change, so that it may run in any thread.
 void CheckWhy(const WhySubject &subject, const std::function<void(const WhyStep &)> &found);
+
+// Of that, looks at the printer alone: `block` says where it is and what carries the data. The
+// first step that is bad is the last.
+void CheckPrinter(const InterfaceBlock &block, const std::function<void(const WhyStep &)> &found);
+
+// Of that, looks up the printer's name alone; a numeric address is one that is known.
+WhyStep CheckPrinterName(const InterfaceBlock &block);
+
+// Where a printer of the model `printer_name` (empty: not known) is, for these two.
+InterfaceBlock PrinterPlace(const std::string &printer_name, const std::string &address);
+
+// What CheckPrinter has found, in a sentence for the administrator who is choosing the address, and
+// what to do if something is wrong.
+std::string AddressFinding(const std::vector<WhyStep> &steps);
 
 // A step as lines of text: what was found and, indented, what to do.
 std::string WhyLines(const WhyStep &step);

@@ -12,8 +12,8 @@
 #include <cerrno>
 #include <memory>
 
-#include "changedfile.h"
 #include "loopback.h"
+#include "silentnameserver.h"
 #include "transportrun.h"
 
 namespace {
@@ -27,32 +27,6 @@ void ExpectStopped(TransportRun &run, int signal, int status,
 }
 
 constexpr char kWhileLookingUp[] = "stopped by a signal while looking up the printer's name\n";
-
-// A name server that gets questions and answers none.
-class SilentNameServer {
- public:
-  SilentNameServer()
-      : name_service_("/etc/nsswitch.conf", "hosts: files dns\n"),
-        resolver_("/etc/resolv.conf", "nameserver 127.0.0.1\n"),
-        socket_(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0)) {
-    constexpr std::uint16_t kPort = 53;
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(kPort);
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    EXPECT_EQ(bind(socket_.get(), reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
-  }
-  // Waits for the next question.
-  bool IsAsked() const {
-    pollfd waited{socket_.get(), POLLIN, 0};
-    return poll(&waited, 1, 30000) == 1;
-  }
-
- private:
-  ChangedFile name_service_;
-  ChangedFile resolver_;
-  Descriptor socket_;
-};
 
 class Stop : public testing::TestWithParam<int> {};
 

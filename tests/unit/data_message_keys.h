@@ -9,6 +9,11 @@ struct MessageKey {
 };
 
 inline constexpr MessageKey kMessageKeys[] = {
+    {"ADDRESS_HOST_MEND", ""},
+    {"ADDRESS_NAME_MEND", ""},
+    {"ADDRESS_PORT_MEND", ""},
+    {"ADDRESS_TESTING", "s"},
+    {"ADDRESS_UNKNOWN", "sss"},
     {"ARGUMENTS_COMMON", ""},
     {"ARGUMENTS_TOOL", ""},
     {"ARGUMENTS_USAGE", "s"},
@@ -176,6 +181,7 @@ inline constexpr MessageKey kMessageKeys[] = {
     {"DEF_BTN_START_TITLE", ""},
     {"DEF_BTN_STOP_TITLE", ""},
     {"DEF_BTN_TESTPAGE_TITLE", ""},
+    {"DEF_BTN_TEST_TITLE", ""},
     {"DEF_BTN_WHY_TITLE", ""},
     {"DEF_BTN_YES_TITLE", ""},
     {"DEF_KPXFILTER", ""},
