@@ -146,6 +146,10 @@ void AddErrorLabel(GtkWidget *window, const char *name, const std::string &text)
   gtk_box_pack_start(GTK_BOX(lookup_widget(window, "DataErrorVbox")), label, TRUE, TRUE, 0);
 }
 
+void CallNote(GtkWidget *window) {
+  gtk_window_set_title(GTK_WINDOW(window), G_Translate("DEF_WND_NOTE_TITLE"));
+}
+
 void ShowError(const char *key) { gtk_widget_show(create_ErrorWindow(nullptr, G_Translate(key))); }
 
 GtkWidget *create_HelpWindow(const std::string &text) {

@@ -21,6 +21,9 @@ GtkWidget *create_ErrorWindow(const char *detail, const std::string &text);
 // Adds a label of that name below the texts of an error box.
 void AddErrorLabel(GtkWidget *window, const char *name, const std::string &text);
 
+// Takes the word "error" from the title of a box or list that only informs.
+void CallNote(GtkWidget *window);
+
 // Builds the error box on one catalogue text and shows it.
 void ShowError(const char *key);
 

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <optional>
+#include <set>
 
 #include "debug.h"
 #include "globals.h"
@@ -21,6 +22,8 @@ constexpr CMessagesOps L_Ops{
 };
 
 constexpr char L_NotFoundKey[] = "ERR_TRANS_NOT_FOUND";
+
+std::set<std::string> L_Notes;  // the messages that only informed
 
 // Lines that only give the file its structure.
 bool IsMarker(const std::string &line) {
@@ -131,6 +134,20 @@ void G_Report(CList *errors, const char *key, std::initializer_list<FormatArg> a
     IgnoreResult(fAddTail_CList_Function(errors, CreateStringWithValue(message.c_str())),
                  "the list is there");
   }
+}
+
+void G_Note(CList *notes, const char *key, std::initializer_list<FormatArg> arguments) {
+  L_Notes.insert(G_Message(key, arguments));
+  G_Report(notes, key, arguments);
+}
+
+bool AreNotes(const CList *messages) {
+  bool any = false;
+  for (const CString *message : Elements<CString>(messages)) {
+    if (!L_Notes.contains(fGet_CString_Value_Function(message))) return false;
+    any = true;
+  }
+  return any;
 }
 
 void G_Fatal(int status, const char *key, std::initializer_list<FormatArg> arguments) {

@@ -58,6 +58,11 @@ std::string G_Message(const char *key, std::initializer_list<FormatArg> argument
 // as a CString.
 void G_Report(CList *errors, const char *key, std::initializer_list<FormatArg> arguments = {});
 
+// The same of a message that only informs: nothing has failed.
+void G_Note(CList *notes, const char *key, std::initializer_list<FormatArg> arguments = {});
+// True when there are messages and all of them were given to G_Note.
+[[nodiscard]] bool AreNotes(const CList *messages);
+
 // Prints the message and a line feed to standard error and ends the process with `status`.
 [[noreturn]] void G_Fatal(int status, const char *key,
                           std::initializer_list<FormatArg> arguments = {});

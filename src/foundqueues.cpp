@@ -152,7 +152,7 @@ void TakeInQueue(const char *name, const SpoolerState &spooler, CList *messages)
     Owned<CPrintQueue> queue = QueueFromScript(name, script.text);
     if (queue == nullptr) return TellUnknown(name, messages);
     IgnoreResult(HashPut(G_Queues_hash, name, std::move(queue)), "the dictionary is there");
-    G_Report(messages, "WARN_QUEUE_FOUND", {name});
+    G_Note(messages, "WARN_QUEUE_FOUND", {name});
   } else if (script.state == ScriptState::Gone && IsRest(name, spooler)) {
     TellUnknown(name, messages);
   }

@@ -174,6 +174,7 @@ void RefuseOtherAdministrators() {
 void RefuseSecondAdministrator() {
   if (G_ProgName != kModeAdministration || LockQueueList(kQueuesFile) == 1) return;
   GtkWidget *window = create_ErrorWindow(nullptr, G_Translate("ERR_ADMIN_RUNNING"));
+  CallNote(window);
   PrintErrorLine(G_Translate("ERR_ADMIN_RUNNING"));
   g_signal_connect(window, "destroy", G_CALLBACK(gtk_main_quit), nullptr);
   SetIconOnceDrawn(window);
@@ -302,7 +303,9 @@ int Run(int argc, char **argv) {
   SetIconOnceDrawn(window);
   gtk_widget_show(window);
   if (fIsEmpty_CList_Function(messages.get()) == 0) {
-    gtk_widget_show(create_ErrorWarningWindow(messages.get(), kReturn));
+    GtkWidget *list = create_ErrorWarningWindow(messages.get(), kReturn);
+    if (AreNotes(messages.get())) CallNote(list);
+    gtk_widget_show(list);
   }
   // Once the window is there: the spooler may take its time.
   if (G_ProgName == kModePrintTool) g_idle_add(TidyOnce, nullptr);

@@ -106,7 +106,7 @@ int LoadQueueList(CPrintQueues *collection, int create, CList *messages) {
       return FillQueuesFromText(collection, *list, list_path);
     }
     if (const std::optional<std::string> kept = ReadWholeFile(kept_path)) {
-      if (create == 1) G_Report(messages, "WARN_QUEUE_LIST_RESTORED", {list_path});
+      if (create == 1) G_Note(messages, "WARN_QUEUE_LIST_RESTORED", {list_path});
       return FillQueuesFromText(collection, *kept, kept_path);
     }
     if (errno != ENOENT) {

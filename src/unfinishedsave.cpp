@@ -108,6 +108,6 @@ Owned<CList> LoadIntention(CPrintQueues *collection, CList *messages) {
     return nullptr;
   }
   IgnoreResult(FillQueuesFromText(collection, *text, path), "a faulty text ends the process");
-  G_Report(messages, "WARN_SAVE_UNFINISHED");
+  G_Note(messages, "WARN_SAVE_UNFINISHED");
   return std::move(intention->removed);
 }

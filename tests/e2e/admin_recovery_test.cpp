@@ -43,10 +43,25 @@ class AdminRecovery : public RealSpoolerTest {
     return text;
   }
 
+  // The title of a list of these: one that only informs is not called an error.
+  static std::string TitleFor(const Strings &messages) {
+    const auto starts = [](const std::string &message, const char *key) {
+      const std::string text = CatalogueText(key);
+      return message.starts_with(text.substr(0, text.find('%')));
+    };
+    const bool informs =
+        std::all_of(messages.begin(), messages.end(), [&](const std::string &message) {
+          return starts(message, "WARN_SAVE_UNFINISHED") || starts(message, "WARN_QUEUE_FOUND") ||
+                 starts(message, "WARN_QUEUE_LIST_RESTORED");
+        });
+    return CatalogueText(informs ? "DEF_WND_NOTE_TITLE" : "DEF_WND_ERROR_TITLE");
+  }
+
   // A start that tells these messages, which are closed.
   static void ExpectTold(AdminApp &app, const Strings &messages) {
     app.WaitWindow("KPXErrorWarningDialog");
     EXPECT_EQ(Lines(messages), app.Text("ErrorWarningText"));
+    EXPECT_EQ(TitleFor(messages), app.Text("KPXErrorWarningDialog"));
     app.Click("KPXErrorWarningDialog/OKButton");
     app.WaitGone("KPXErrorWarningDialog");
   }

@@ -74,6 +74,7 @@ void ExpectRefused() {
   GuiApp second({.program = kAdmin});
   second.WaitWindow("ErrorDialog");
   EXPECT_EQ(CatalogueText("ERR_ADMIN_RUNNING"), second.Text("ErrorLabel1"));
+  EXPECT_EQ(CatalogueText("DEF_WND_NOTE_TITLE"), second.Text("ErrorDialog"));
   EXPECT_EQ(std::vector<std::string>{"ErrorDialog"}, second.Windows());
   EXPECT_EQ(std::vector<std::string>{}, second.ClippedTexts());
   second.Key("Return");

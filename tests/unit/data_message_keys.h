@@ -283,6 +283,7 @@ inline constexpr MessageKey kMessageKeys[] = {
     {"DEF_WND_HELP_TITLE", ""},
     {"DEF_WND_JOBS_TITLE", ""},
     {"DEF_WND_LPR_TITLE", ""},
+    {"DEF_WND_NOTE_TITLE", ""},
     {"DEF_WND_RESOLVED_TITLE", ""},
     {"DEF_WND_MOVE_TITLE", ""},
     {"DEF_WND_SAVE_TITLE", ""},
