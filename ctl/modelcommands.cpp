@@ -115,7 +115,7 @@ std::optional<filter::PpdFacts> CheckedFacts(const std::string &ppd, const std::
   std::optional<filter::PpdFacts> facts = filter::FactsOfPpd(ppd, &error);
   if (!facts) {
     Complain(G_Message("CTL_PPD_BAD", {error.Text(source)}));
-  } else if (!facts->driver.empty()) {
+  } else if (!facts->driver.empty() && !HasDriver(facts->driver)) {
     Complain(G_Message("CTL_PPD_DRIVER", {facts->printer_name, facts->driver}));
     facts.reset();
   }

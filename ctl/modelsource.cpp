@@ -19,6 +19,7 @@ namespace {
 constexpr char kCupsDrivers[] = "/usr/lib/cups/daemon/cups-driverd";
 constexpr char kCupsModels[] = "/usr/sbin/lpinfo";
 constexpr char kCupsChecker[] = "/usr/bin/cupstestppd";
+constexpr char kCupsFilters[] = "/usr/lib/cups/filter/";
 constexpr char kUnpacker[] = "/bin/gzip";
 constexpr int kPatience = 60000;  // milliseconds: CUPS may read thousands of files first
 
@@ -86,6 +87,12 @@ std::optional<std::vector<CupsModel>> CupsModels(const std::vector<std::string> 
     }
   }
   return models;
+}
+
+bool HasDriver(const std::string &program) {
+  const bool is_path = program.starts_with('/');
+  if (!is_path && program.find('/') != std::string::npos) return true;
+  return access((is_path ? program : kCupsFilters + program).c_str(), X_OK) == 0;
 }
 
 std::vector<std::string> ForgivenFaults(const std::string &ppd) {

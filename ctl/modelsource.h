@@ -24,6 +24,10 @@ struct CupsModel {
 [[nodiscard]] std::optional<std::vector<CupsModel>> CupsModels(
     const std::vector<std::string> &words);
 
+// Whether CUPS can run the driver `program` that a PPD file names ("rastertolabel", or a path); a
+// kind of file ("application/pdf") that a printer takes as it is needs none.
+[[nodiscard]] bool HasDriver(const std::string &program);
+
 // The faults of the PPD text that CUPS finds and forgives, a line of English each; none where
 // CUPS's checker is not installed.
 std::vector<std::string> ForgivenFaults(const std::string &ppd);

@@ -165,49 +165,6 @@ std::string DeclaredEncodingOf(std::string_view ppd) {
   return encoding;
 }
 
-// Copies a PPD text line by line.
-class Installer {
- public:
-  Installer(const Texts &texts, TextEncoding encoding, bool keeps_bytes)
-      : texts_(texts), encoding_(encoding), keeps_bytes_(keeps_bytes) {}
-
-  void Take(std::string_view line, bool in_value) {
-    if (in_value) {
-      if (!dropping_) Add(std::string(line));
-      return;
-    }
-    const auto parts = TakeApart(line);
-    if (dropping_ && line.starts_with("*End")) return;
-    dropping_ = parts && !keeps_bytes_ &&
-                (!TagOf(parts->keyword).empty() || parts->keyword == "cupsLanguages");
-    if (dropping_ || (parts && parts->keyword == kOtherMakerKeyword)) return;
-    if (parts && !keeps_bytes_ && parts->keyword == "LanguageEncoding") return;
-    Add(keeps_bytes_ ? std::string(line) : Translated(DecodeLine(line), texts_));
-    if (parts && parts->keyword == "PPD-Adobe") AddOwnLines();
-  }
-
-  std::string TakeText() { return std::move(text_); }
-
- private:
-  void Add(const std::string &line) {
-    text_ += keeps_bytes_ ? line : Encoded(DecodeLine(line), encoding_);
-    text_ += '\n';
-  }
-  void AddOwnLines() {
-    if (!keeps_bytes_) {
-      text_ += "*LanguageEncoding: ";
-      text_ += encoding_ == TextEncoding::Latin1 ? "ISOLatin1\n" : "UTF-8\n";
-    }
-    text_ += std::string("*") + kOtherMakerKeyword + ": True\n";
-  }
-
-  const Texts &texts_;
-  TextEncoding encoding_;
-  bool keeps_bytes_;
-  bool dropping_ = false;
-  std::string text_;
-};
-
 // "<type> [<type>] <cost> <program>".
 struct FilterLine {
   std::string_view type, program;
@@ -231,7 +188,8 @@ bool OnlySetsOptions(std::string_view program, std::string_view ppd) {
   return known && (program != "foomatic-rip" || !converts);
 }
 
-// What makes the printer's data when it takes no PostScript; empty when it does.
+// What makes the printer's data when it takes no PostScript; empty when it does. A file may name
+// programs for its printer's upkeep too.
 std::string DriverOf(const PpdModel &model, std::string_view ppd) {
   std::string driver;
   for (const std::string &filter : model.filters) {
@@ -239,12 +197,60 @@ std::string DriverOf(const PpdModel &model, std::string_view ppd) {
     const bool is_postscript =
         line.type == "application/vnd.cups-postscript" || line.type == "application/postscript";
     if (is_postscript && OnlySetsOptions(line.program, ppd)) return {};
-    if (!driver.empty()) continue;
+    if (!driver.empty() || line.type == "application/vnd.cups-command") continue;
     // A printer of PDF, or of other files as they are.
     driver = line.program == "-" ? std::string(line.type) : std::string(line.program);
   }
   return driver;
 }
+
+// Copies a PPD text line by line.
+class Installer {
+ public:
+  Installer(const Texts &texts, TextEncoding encoding, bool keeps_bytes, std::string driver)
+      : texts_(texts), encoding_(encoding), keeps_bytes_(keeps_bytes), driver_(std::move(driver)) {}
+
+  void Take(std::string_view line, bool in_value) {
+    if (in_value) {
+      if (!dropping_) Add(std::string(line));
+      return;
+    }
+    const auto parts = TakeApart(line);
+    if (dropping_ && line.starts_with("*End")) return;
+    dropping_ = parts && !keeps_bytes_ &&
+                (!TagOf(parts->keyword).empty() || parts->keyword == "cupsLanguages");
+    if (dropping_ || (parts && IsOwnKeyword(parts->keyword))) return;
+    if (parts && !keeps_bytes_ && parts->keyword == "LanguageEncoding") return;
+    Add(keeps_bytes_ ? std::string(line) : Translated(DecodeLine(line), texts_));
+    if (parts && parts->keyword == "PPD-Adobe") AddOwnLines();
+  }
+
+  std::string TakeText() { return std::move(text_); }
+
+ private:
+  void Add(const std::string &line) {
+    text_ += keeps_bytes_ ? line : Encoded(DecodeLine(line), encoding_);
+    text_ += '\n';
+  }
+  static bool IsOwnKeyword(std::string_view keyword) {
+    return keyword == kOtherMakerKeyword || keyword == kDriverKeyword;
+  }
+  void AddOwnLines() {
+    if (!keeps_bytes_) {
+      text_ += "*LanguageEncoding: ";
+      text_ += encoding_ == TextEncoding::Latin1 ? "ISOLatin1\n" : "UTF-8\n";
+    }
+    text_ += std::string("*") + kOtherMakerKeyword + ": True\n";
+    if (!driver_.empty()) text_ += std::string("*") + kDriverKeyword + ": \"" + driver_ + "\"\n";
+  }
+
+  const Texts &texts_;
+  TextEncoding encoding_;
+  bool keeps_bytes_;
+  std::string driver_;
+  bool dropping_ = false;
+  std::string text_;
+};
 
 }  // namespace
 
@@ -257,7 +263,7 @@ std::optional<PpdFacts> FactsOfPpd(std::string_view ppd, PpdError *error) {
   std::from_chars(speed.data(), speed.data() + speed.size(), facts.pages_a_minute);
   facts.pages_a_minute = std::clamp(facts.pages_a_minute, 0, 100000);
   facts.driver = DriverOf(*model, ppd);
-  if (facts.driver.empty()) facts.languages.emplace_back("PostScript");
+  facts.languages.emplace_back(facts.driver.empty() ? "PostScript" : facts.driver);
   if (model->pjl) facts.languages.emplace_back("PJL");
   facts.options = static_cast<int>(model->features.size());
   return facts;
@@ -270,7 +276,10 @@ std::string InstalledPpd(std::string_view ppd, std::string_view language, TextEn
   const bool keeps_bytes = !declared.empty() && !SameKeyword(declared, "ISOLatin1") &&
                            !SameKeyword(declared, "UTF-8") && !IsValidUtf8(ppd);
   const Texts texts = keeps_bytes ? Texts() : TranslationsOf(ppd, language);
-  Installer installer(texts, encoding, keeps_bytes);
+  PpdError error;
+  const std::optional<PpdModel> model = ReadPpd(ppd, &error);
+  const std::string driver = model ? DriverOf(*model, ppd) : std::string();
+  Installer installer(texts, encoding, keeps_bytes, driver);
   ForEachPpdLine(ppd,
                  [&](std::string_view line, bool in_value) { installer.Take(line, in_value); });
   return installer.TakeText();

@@ -12,9 +12,10 @@ namespace kpx::filter {
 
 // What a PPD file says of its printer as a whole.
 struct PpdFacts {
-  std::string printer_name;            // as PrinterName has it; never empty
-  int pages_a_minute = 0;              // 0: not said
-  std::vector<std::string> languages;  // that the printer takes ("PostScript", "PCL")
+  std::string printer_name;  // as PrinterName has it; never empty
+  int pages_a_minute = 0;    // 0: not said
+  std::vector<std::string>
+      languages;  // that the printer takes ("PostScript", "PJL"), or its driver
   // Set when the printer takes no PostScript: the program that makes its data, or the kind of file
   // that it takes.
   std::string driver;
@@ -27,7 +28,8 @@ struct PpdFacts {
 enum class TextEncoding { Utf8, Latin1 };
 
 // `ppd` as it is installed for a language ("de", "pt_BR"): the texts that it has in that language
-// are its only ones, in the encoding, and kOtherMakerKeyword says that it was added. Lines that
+// are its only ones, in the encoding; kOtherMakerKeyword says that it was added, and kDriverKeyword
+// names the driver of a printer that takes no PostScript. Lines that
 // ISO-8859-1 cannot hold stay UTF-8. Texts in an encoding that is neither of the two stay as they
 // are, with their declaration.
 std::string InstalledPpd(std::string_view ppd, std::string_view language, TextEncoding encoding);

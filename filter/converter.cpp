@@ -10,6 +10,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
@@ -125,9 +126,21 @@ int Converter::Wait() {
 }
 
 std::string Converter::Messages() const {
-  char buffer[4096];
-  const ssize_t count = pread(messages_, buffer, sizeof buffer, 0);
-  return count <= 0 ? std::string() : std::string(buffer, static_cast<size_t>(count));
+  std::string text(1 << 16, '\0');
+  const ssize_t count = pread(messages_, text.data(), text.size(), 0);
+  text.resize(static_cast<size_t>(std::max<ssize_t>(count, 0)));
+  return text;
+}
+
+std::vector<std::string> ConverterEnvironment() {
+  const char *temporary = std::getenv("TMPDIR");
+  return {"PATH=/usr/bin:/bin", "LC_ALL=C.UTF-8",
+          std::string("TMPDIR=") + (temporary == nullptr ? "/tmp" : temporary)};
+}
+
+void Descriptor::Close() {
+  if (number_ >= 0) close(number_);
+  number_ = -1;
 }
 
 [[nodiscard]] int NamelessFile() {

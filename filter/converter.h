@@ -38,6 +38,25 @@ class Converter {
   int messages_ = -1;
 };
 
+// The environment of converters: nothing of ours but where temporary files lie.
+std::vector<std::string> ConverterEnvironment();
+
+// A descriptor that is closed with it.
+class Descriptor {
+ public:
+  explicit Descriptor(int number) : number_(number) {}
+  ~Descriptor() { Close(); }
+  Descriptor(const Descriptor &) = delete;
+  Descriptor &operator=(const Descriptor &) = delete;
+
+  int Number() const { return number_; }
+  [[nodiscard]] bool IsOpen() const { return number_ >= 0; }
+  void Close();
+
+ private:
+  int number_;
+};
+
 // A new file without a name, open for reading and writing; -1 with errno. It lies where temporary
 // files do (TMPDIR).
 [[nodiscard]] int NamelessFile();

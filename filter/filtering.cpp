@@ -12,6 +12,7 @@
 
 #include "applicationwords.h"
 #include "conflicts.h"
+#include "driverjob.h"
 #include "jobkind.h"
 #include "jobresult.h"
 #include "jobrules.h"
@@ -113,7 +114,10 @@ std::string ApplyLayers(const FilterArguments &arguments, JobSettings *settings,
     ApplicationSettings asked = SettingsOfWords(words, ppd, pages);
     KeepDeliveryWithPin(usual_delivery, *settings, &asked);
     settings->ApplyWords(asked);
-    if (request != nullptr) *request = {ppd.text, PageWordsOf(words)};
+    if (request != nullptr) {
+      request->ppd = ppd.text;
+      request->words = PageWordsOf(words);
+    }
   }
   PageSelection selection;
   const std::string unclear = ReadPageSelection(words, &selection);
@@ -128,9 +132,6 @@ std::string ApplyLayers(const FilterArguments &arguments, JobSettings *settings,
 std::string Describe(const char *end, int error) {
   return std::string(end) + ": " + std::strerror(error);
 }
-
-using FilterFunction = JobResult (*)(const JobSettings &, const JobIdentity &, JobSource *,
-                                     JobSink *);
 
 struct JobType {
   std::string_view name;
@@ -148,6 +149,19 @@ FilterFunction FilterOf(std::string_view type) {
   return nullptr;
 }
 
+// Runs the filter of the job's type, through the driver of a printer that needs one.
+JobResult RunFilter(const FilterArguments &arguments, FilterFunction filter,
+                    const JobSettings &settings, const JobIdentity &identity, JobSource *source,
+                    JobSink *sink) {
+  const std::string &driver = settings.Model().driver;
+  if (driver.empty()) return filter(settings, identity, source, sink);
+  if (arguments.type == kPclType) {
+    return Failure("the printer's driver \"" + driver +
+                   "\" does not take PCL data: print the document on a queue for PostScript");
+  }
+  return FilterByDriver(arguments.ppd_file, filter, settings, identity, source, sink);
+}
+
 }  // namespace
 
 std::string FilterJob(const FilterArguments &arguments) {
@@ -162,13 +176,14 @@ std::string FilterJob(const FilterArguments &arguments) {
     PpdError error;
     std::optional<PpdModel> read = ReadPpdFile(arguments.ppd_file, &error);
     if (!read) return error.Text(arguments.ppd_file);
-    model = std::move(*read);
+    model = read->driver.empty() ? std::move(*read) : ModelForDriver(*read);
   }
   JobSource source = DescriptorSource(STDIN_FILENO);
   JobSink sink = DescriptorSink(STDOUT_FILENO);
   const bool is_pdf = arguments.type == kPostScriptType && IsPdf(&source);
   JobSettings settings(model);
   PageRequest request;
+  request.driver_ppd = model.driver.empty() ? "" : arguments.ppd_file;
   std::string name;
   const std::string problem = ApplyLayers(arguments, &settings, is_pdf ? &request : nullptr, &name);
   if (!problem.empty()) return problem;
@@ -178,8 +193,9 @@ std::string FilterJob(const FilterArguments &arguments) {
                              DecodeLine(arguments.user), std::time(nullptr)};
   const std::string refusal = is_pdf ? "" : RefusalOf(arguments.type, &source);
   if (!refusal.empty()) return refusal;
-  const JobResult result = is_pdf ? FilterPdf(settings, identity, request, &source, &sink)
-                                  : filter(settings, identity, &source, &sink);
+  const JobResult result = is_pdf
+                               ? FilterPdf(settings, identity, request, &source, &sink)
+                               : RunFilter(arguments, filter, settings, identity, &source, &sink);
   for (const std::string &warning : result.warnings) Warn(warning);
   if (result.Failed()) return result.failure;
   if (source.Error() != 0) return Describe("standard input", source.Error());

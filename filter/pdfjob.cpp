@@ -14,6 +14,7 @@
 #include "booklet.h"
 #include "converter.h"
 #include "decimal.h"
+#include "driverjob.h"
 #include "featurecode.h"
 #include "postscript.h"
 #include "ppdadaptor.h"
@@ -27,25 +28,6 @@ namespace {
 
 constexpr char kPageProgram[] = "/usr/lib/cups/filter/pdftopdf";
 constexpr char kPostScriptProgram[] = "/usr/bin/pdftops";
-
-// A descriptor that is closed with it.
-class Descriptor {
- public:
-  explicit Descriptor(int number) : number_(number) {}
-  ~Descriptor() { Close(); }
-  Descriptor(const Descriptor &) = delete;
-  Descriptor &operator=(const Descriptor &) = delete;
-
-  int Number() const { return number_; }
-  bool IsOpen() const { return number_ >= 0; }
-  void Close() {
-    if (number_ >= 0) close(number_);
-    number_ = -1;
-  }
-
- private:
-  int number_;
-};
 
 std::string WithErrno(const std::string &what) { return what + ": " + std::strerror(errno); }
 
@@ -146,12 +128,6 @@ std::vector<std::string> PageOptions(const JobSettings &settings, const PageRequ
   return {paper + of_pages + of_sheets};
 }
 
-std::vector<std::string> Environment() {
-  const char *temporary = std::getenv("TMPDIR");
-  return {"PATH=/usr/bin:/bin", "LC_ALL=C.UTF-8",
-          std::string("TMPDIR=") + (temporary == nullptr ? "/tmp" : temporary)};
-}
-
 // Why a program that was to read the document failed.
 std::string Reason(int status, const std::string &messages) {
   constexpr int kNotStarted = 127, kSignal = 128;
@@ -172,7 +148,7 @@ std::string Reason(int status, const std::string &messages) {
 JobResult LayOutOnce(const std::string &options, const std::string &ppd, int document, int pages) {
   ConverterCall call{
       .words = {kPageProgram, "1", "kpx", "document", "1", options, "/proc/self/fd/0"},
-      .environment = Environment(),
+      .environment = ConverterEnvironment(),
       .input = document,
       .output = pages};
   const Descriptor description(ppd.empty() ? -1 : DescriptorOfText(ppd));
@@ -244,7 +220,7 @@ JobResult Print(const JobSettings &settings, const JobIdentity &identity, int pa
   Descriptor from(ends[0]), to(ends[1]);
   lseek(pages, 0, SEEK_SET);
   Converter converter({.words = PostScriptCall(settings, is_laid_out),
-                       .environment = Environment(),
+                       .environment = ConverterEnvironment(),
                        .input = pages,
                        .output = to.Number()});
   to.Close();
@@ -272,9 +248,13 @@ JobResult FilterPdf(const JobSettings &settings, const JobIdentity &identity,
   const JobSettings used = IsBooklet(settings) ? BookletSettings(settings) : settings;
   if (access(kPageProgram, X_OK) == 0) {
     JobResult result = LayOut(used, request, document.Number(), pages.Number());
-    return result.Failed() ? std::move(result) : Print(used, identity, pages.Number(), true, sink);
+    if (result.Failed()) return result;
+    if (!request.driver_ppd.empty()) {
+      return PrintByDriver({request.driver_ppd, kPdfType}, used, identity, pages.Number(), sink);
+    }
+    return Print(used, identity, pages.Number(), true, sink);
   }
-  if (!PagesASheet(used, {}).empty() || !request.words.empty()) {
+  if (!PagesASheet(used, {}).empty() || !request.words.empty() || !request.driver_ppd.empty()) {
     return Failure("the pages of PDF documents cannot be laid out: install cups-filters");
   }
   return Print(used, identity, document.Number(), false, sink);

@@ -16,9 +16,11 @@ namespace kpx::filter {
 struct PageRequest {
   std::string ppd;                       // the text of the queue's PPD file, without code
   std::vector<ApplicationOption> words;  // of the job: page ranges, pages a sheet, scaling ...
+  std::string driver_ppd;                // path of the PPD file of a printer that needs its driver
 };
 
-// Writes the PDF document in `source` as a PostScript job with the settings' code. Its pages are
+// Writes the PDF document in `source` as a PostScript job with the settings' code, or what the
+// printer's driver makes of it. Its pages are
 // laid out for the paper in force: what `request` says, else the settings' pages a sheet or
 // booklet. A document that cannot be read is a failure before anything is written.
 JobResult FilterPdf(const JobSettings &settings, const JobIdentity &identity,

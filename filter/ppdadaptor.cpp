@@ -291,6 +291,7 @@ void FillMaker(ppd_file_t *ppd, PpdModel *model) {
     const ppd_attr_t *attr = ppdFindAttr(ppd, name, nullptr);
     return attr == nullptr ? std::string() : OrEmpty(attr->value);
   };
+  model->driver = value(kDriverKeyword);
   model->throughput = value("Throughput");
   model->other_maker = SameKeyword(value(kOtherMakerKeyword), "True");
 }

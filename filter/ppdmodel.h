@@ -83,6 +83,7 @@ struct PpdModel {
 
   // What CUPS would hand jobs to: "application/vnd.cups-postscript 0 -" and the like.
   std::vector<std::string> filters;
+  std::string driver;        // what makes the data of a printer that takes no PostScript, or empty
   std::string throughput;    // *Throughput, pages a minute, may be empty
   bool other_maker = false;  // takes no job commands but those of its PPD file (kOtherMakerKeyword)
 
@@ -96,8 +97,9 @@ struct PpdModel {
   const PpdFeature *FindFeature(std::string_view keyword) const;
 };
 
-// Our own keyword in the PPD files of models that were added.
+// Our own keywords in the PPD files of models that were added.
 inline constexpr char kOtherMakerKeyword[] = "KPXOtherMaker";
+inline constexpr char kDriverKeyword[] = "KPXDriver";
 
 // Whether two keywords are the same: case does not count (ASCII only).
 [[nodiscard]] bool SameKeyword(std::string_view a, std::string_view b);

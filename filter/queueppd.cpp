@@ -91,6 +91,7 @@ bool IsLeftOut(std::string_view keyword) {
                                          "Reset",
                                          "cupsLanguages",
                                          "cupsSingleFile",
+                                         kDriverKeyword,
                                          "APDialogExtension",
                                          "NonUIOrderDependency",
                                          "RequiresPageRegion"};

@@ -7,7 +7,7 @@ kpx_add_test(NAME added_models LIBS kpx_filter kpx_transport LABEL e2e SANDBOX f
 target_compile_definitions(test_added_models PRIVATE KPX_PRINTERD="$<TARGET_FILE:printerd>")
 kpx_add_test(NAME added_models_windows LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
   SOURCES e2e/added_models_windows_test.cpp)
-foreach(part transports corpus)
+foreach(part transports drivers corpus)
   kpx_add_test(NAME added_models_${part} LIBS kpx_filter kpx_transport Cups::Cups LABEL e2e SANDBOX full
     TIMEOUT 600 SOURCES e2e/added_models_${part}_test.cpp support/adminsession.cpp
     support/printerjobs.cpp)
