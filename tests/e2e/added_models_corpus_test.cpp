@@ -1,7 +1,8 @@
 // Printers of many makers: PPD files drawn at random (always the same ones) are added, get a queue,
 // and print a page with an option of each feature changed. What the job holds for the options is
 // compared with what CUPS's own filter writes for the same choices. The comparison's other side
-// uses libcups and its filter alone. KPX_LONG draws 300 files.
+// uses libcups and its filter alone. Printers that need a driver are only added: their jobs hold no
+// code of options. KPX_LONG draws 300 files.
 #include <gtest/gtest.h>
 
 #pragma GCC diagnostic push
@@ -170,7 +171,7 @@ std::string Difference(const Codes &expected, const Codes &found) {
 }
 
 TEST_F(Corpus, TheCodeOfOptionsIsThatOfCupssOwnFilter) {
-  int agreed = 0, differed = 0, refused = 0;
+  int agreed = 0, differed = 0, driven = 0, refused = 0;
   std::set<std::string> makers;
   std::vector<std::string> names = NamesIn(files_.Path());
   std::string table;
@@ -179,10 +180,16 @@ TEST_F(Corpus, TheCodeOfOptionsIsThatOfCupssOwnFilter) {
     const CommandResult added = Kpxctl({"model", "add", path, "--json"});
     if (added.status != 0) {
       EXPECT_NE(added.output.find(kRefusal), std::string::npos) << file << ": " << added.output;
+      table += "  " + file + ": " + added.output;
       ++refused;
       continue;
     }
     const std::string name = NameInJson(added.output);
+    if (added.output.find("\"PostScript\"") == std::string::npos) {
+      EXPECT_EQ(Kpxctl({"model", "remove", name}).status, 0) << name;
+      ++driven;
+      continue;
+    }
     const PpdFile ppd(ppdOpenFile(path.c_str()));
     ASSERT_NE(ppd, nullptr) << file;
     const std::vector<std::string> choices = ChoicesFor(ppd.get());
@@ -193,8 +200,8 @@ TEST_F(Corpus, TheCodeOfOptionsIsThatOfCupssOwnFilter) {
     if (!difference.empty()) table += "  " + file + " (" + name + "): " + difference + "\n";
     makers.insert(file.substr(file.find('-') + 1));
   }
-  std::printf("%d files of %zu makers agree, %d differ, %d need a driver\n%s", agreed,
-              makers.size(), differed, refused, table.c_str());
+  std::printf("%d files of %zu makers agree, %d differ, %d go through a driver, %d are refused\n%s",
+              agreed, makers.size(), differed, driven, refused, table.c_str());
   EXPECT_EQ(differed, 0);
   EXPECT_GE(makers.size(), 10u);
   EXPECT_GE(agreed, 10);

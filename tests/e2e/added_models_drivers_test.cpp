@@ -136,9 +136,21 @@ TEST_F(Drivers, ThatFailHoldTheJobWithTheReason) {
   DeleteQueue();
 }
 
+// Of the packages that every installation has; those of packages-long.txt.
+constexpr const char *kNames[] = {"drv:///sample.drv/epson9.ppd", "drv:///sample.drv/zebraep1.ppd"};
+constexpr const char *kLongNames[] = {"drv:///brlaser.drv/br2270dw.ppd",
+                                      "drv:///splix-samsung.drv/ml1610.ppd",
+                                      "drv:///c2esp.drv/KESP9.ppd",
+                                      "dymo:0/cups/model/lw450.ppd",
+                                      "ptouch:0/ppd/ptouch-driver/Brother-PT-1500PC-ptouch-pt.ppd",
+                                      "pxljr:0/ppd/pxljr/HP-Color_LaserJet_3500-pxljr.ppd",
+                                      "foo2zjs:0/ppd/foo2zjs/HP-LaserJet_1020.ppd"};
+
 TEST_F(Drivers, OfManyKindsPrint) {
-  std::vector<std::string> names = {"drv:///sample.drv/epson9.ppd",
-                                    "drv:///sample.drv/zebraep1.ppd"};
+  std::vector<std::string> names(std::begin(kNames), std::end(kNames));
+  if (std::getenv("KPX_LONG") != nullptr) {
+    names.insert(names.end(), std::begin(kLongNames), std::end(kLongNames));
+  }
   for (const std::string &name : names) {
     const CupsModel model(name);
     MakeQueue("postscript", model.name());
@@ -146,6 +158,7 @@ TEST_F(Drivers, OfManyKindsPrint) {
     EXPECT_GT(blank.size(), 4u) << name;
     EXPECT_NE(page, blank) << name;
     DeleteQueue();
+    std::printf("%s: %zu bytes, %zu for a blank page\n", name.c_str(), page.size(), blank.size());
   }
 }
 
