@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 #include <optional>
-#include <set>
 #include <utility>
 
 #include "cmessages.h"
@@ -47,25 +46,9 @@ class Reader {
     return Fail(path, G_Message("CTL_JSON_VALUE", {path.empty() ? "" : path.back()}));
   }
 
-  // Notes the first member that stands twice in its object: the reader would take the last one.
-  void NoteKey(int depth, const std::string &key) {
-    const auto level = static_cast<size_t>(depth);
-    if (keys_.size() <= level) keys_.resize(level + 1);
-    if (level < 1 || !twice_.empty()) return;
-    open_.resize(level - 1);
-    open_.push_back(key);
-    if (!keys_[level].insert(key).second) twice_ = open_;
-  }
-
   bool Parse() {
-    const auto watch = [this](int depth, Value::parse_event_t event, Value &parsed) {
-      if (event == Value::parse_event_t::key) NoteKey(depth, parsed.get_ref<const std::string &>());
-      const auto level = static_cast<size_t>(depth) + 1;
-      if (event == Value::parse_event_t::object_start && level < keys_.size()) keys_[level].clear();
-      return true;
-    };
     try {
-      json_ = Value::parse(text_, watch);
+      json_ = Value::parse(text_);
     } catch (const Value::parse_error &error) {
       const auto end =
           text_.begin() + static_cast<std::ptrdiff_t>(std::min(error.byte, text_.size()));
@@ -76,8 +59,9 @@ class Reader {
           G_Message("CTL_JSON_BAD", {start == std::string::npos ? what : what.substr(start + 2)})};
       return false;
     }
-    if (twice_.empty()) return true;
-    return Fail(twice_, G_Message("CTL_JSON_TWICE", {twice_.back()}));
+    // The reader takes the last of several members of one name.
+    const Path twice = MemberThatStandsTwice(text_);
+    return twice.empty() || Fail(twice, G_Message("CTL_JSON_TWICE", {twice.back()}));
   }
 
   // Whether `object` is one and has no member but `known`.
@@ -218,9 +202,6 @@ class Reader {
 
   const std::string &text_;
   Value json_;
-  std::vector<std::set<std::string>> keys_;  // of the objects around the present place, by depth
-  Path open_;                                // the member that is being read
-  Path twice_;                               // the first one that stands twice
   DeclaredQueue defaults_;
   std::map<std::string, DeclaredQueue> groups_;
   DeclaredState state_;

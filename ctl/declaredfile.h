@@ -41,4 +41,8 @@ struct DeclaredFault {
 // last one that is there.
 [[nodiscard]] int LineOfMember(std::string_view text, const std::vector<std::string> &path);
 
+// The path to the first member of a JSON text, which has no fault, that stands twice in its object;
+// empty when none does.
+std::vector<std::string> MemberThatStandsTwice(const std::string &text);
+
 }  // namespace kpx::ctl

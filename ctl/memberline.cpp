@@ -1,6 +1,7 @@
-// Finding the line of a member of a JSON text that has been read without fault.
+// Finding members in a JSON text that has been read without fault.
 #include <algorithm>
 #include <nlohmann/json.hpp>
+#include <set>
 
 #include "declaredfile.h"
 
@@ -74,7 +75,55 @@ class Finder {
   size_t found_ = 0;
 };
 
+// Looks at the members as they are read; arrays count as one level, too.
+class KeyWatch : public nlohmann::json_sax<nlohmann::json> {
+ public:
+  std::vector<std::string> twice;
+
+  bool null() override { return true; }
+  bool boolean(bool) override { return true; }
+  bool number_integer(number_integer_t) override { return true; }
+  bool number_unsigned(number_unsigned_t) override { return true; }
+  bool number_float(number_float_t, const string_t &) override { return true; }
+  bool string(string_t &) override { return true; }
+  bool binary(binary_t &) override { return true; }
+  bool start_array(size_t) override { return Open(); }
+  bool end_array() override { return Close(); }
+  bool start_object(size_t) override { return Open(); }
+  bool end_object() override { return Close(); }
+  bool key(string_t &name) override {
+    open_.back() = name;
+    if (seen_.back().insert(name).second) return true;
+    twice = open_;
+    return false;
+  }
+  bool parse_error(size_t, const std::string &, const nlohmann::json::exception &) override {
+    return false;
+  }
+
+ private:
+  bool Open() {
+    open_.emplace_back();
+    seen_.emplace_back();
+    return true;
+  }
+  bool Close() {
+    open_.pop_back();
+    seen_.pop_back();
+    return true;
+  }
+
+  std::vector<std::string> open_;  // the member that is being read, level by level
+  std::vector<std::set<std::string>> seen_;
+};
+
 }  // namespace
+
+std::vector<std::string> MemberThatStandsTwice(const std::string &text) {
+  KeyWatch watch;
+  static_cast<void>(nlohmann::json::sax_parse(text, &watch));
+  return watch.twice;
+}
 
 int LineOfMember(std::string_view text, const std::vector<std::string> &path) {
   const size_t place = Finder(text, path).Find();

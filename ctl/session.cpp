@@ -9,6 +9,7 @@
 #include "cmessages.h"
 #include "cprintqueues.h"
 #include "fontmap.h"
+#include "foundqueues.h"
 #include "globals.h"
 #include "ignoreresult.h"
 #include "language.h"
@@ -140,6 +141,8 @@ Status ReadToChange(const Call &call) {
   }
   if (const Status status = MayChange(); status != kDone) return status;
   G_ProgName = kModeAdministration;
+  // Its answer comes while the rest is read.
+  AskSpooler();
   ReadPrinters();
   LoadQueues();
   return kDone;
