@@ -17,6 +17,30 @@ bool Has(std::string_view words, std::string_view part) {
   return words.find(part) != std::string_view::npos;
 }
 
+// What the transport says in the printer's name.
+constexpr std::string_view L_Says = "the printer says: ";
+struct Saying {
+  std::string_view words;
+  const char *key;
+};
+constexpr Saying L_Sayings[] = {
+    {"out of paper", "PRINTER_PAPER_OUT"}, {"paper jam", "PRINTER_JAM"},
+    {"door open", "PRINTER_DOOR_OPEN"},    {"out of toner", "PRINTER_TONER_OUT"},
+    {"toner low", "PRINTER_TONER_LOW"},    {"output bin full", "PRINTER_BIN_FULL"},
+    {"offline", "PRINTER_OFFLINE"},
+};
+
+// The key of what the printer has said; null when all is well again.
+const char *SayingIn(std::string_view words) {
+  const size_t at = words.find(L_Says);
+  if (at == std::string_view::npos) return nullptr;
+  words.remove_prefix(at + L_Says.size());
+  for (const Saying &saying : L_Sayings) {
+    if (words.starts_with(saying.words)) return saying.key;
+  }
+  return nullptr;
+}
+
 struct Sign {
   std::string_view part;
   Trouble kind;
@@ -27,6 +51,7 @@ constexpr Sign L_Signs[] = {
     {L_UnknownStatus, Trouble::InDoubt},
     {"may have printed", Trouble::InDoubt},
     {"may have been printed", Trouble::InDoubt},
+    {L_Says, Trouble::SaysItself},
     {"cannot look up the name", Trouble::UnknownName},
     {"cannot reach ", Trouble::Unreachable},
     {"the printer may be busy", Trouble::Unreachable},
@@ -117,6 +142,10 @@ TroubleReading ReadTrouble(std::string_view words) {
     trouble.kind = sign.kind;
     break;
   }
+  if (trouble.kind == Trouble::SaysItself) {
+    trouble.printer_key = SayingIn(words);
+    if (trouble.printer_key == nullptr) trouble.kind = Trouble::None;
+  }
   for (const std::string_view end : {L_Held, L_Stops}) words = words.substr(0, words.find(end));
   if (words.starts_with(L_Transport)) words.remove_prefix(L_Transport.size());
   trouble.cause = Plain(std::string(words));
@@ -136,6 +165,8 @@ std::string TroubleText(const TroubleReading &trouble) {
       return G_Message("TROUBLE_NAME", {trouble.printer});
     case Trouble::TakesNoData:
       return G_Translate("TROUBLE_NO_DATA");
+    case Trouble::SaysItself:
+      return G_Translate(trouble.printer_key);
     case Trouble::InDoubt:
       return G_Translate("TROUBLE_DOUBT");
     case Trouble::NoSpace:
@@ -211,7 +242,8 @@ std::string QueueHindranceText(const SpoolerQueue &queue) {
   if (queue.state == QueueState::Idle) return "";
   const TroubleReading trouble = ReadTrouble(queue.words);
   const bool hinders = trouble.kind == Trouble::Unreachable ||
-                       trouble.kind == Trouble::UnknownName || trouble.kind == Trouble::TakesNoData;
+                       trouble.kind == Trouble::UnknownName ||
+                       trouble.kind == Trouble::TakesNoData || trouble.kind == Trouble::SaysItself;
   return hinders ? TroubleText(trouble) : "";
 }
 

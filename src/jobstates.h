@@ -13,6 +13,7 @@ enum class Trouble {
   Unreachable,  // the printer does not answer
   UnknownName,  // its name is not known
   TakesNoData,  // it answers and takes nothing: out of paper, paused
+  SaysItself,   // it has said what it lacks
   InDoubt,      // all or a part of the job may have been printed
   NoSpace,      // on this host
   NotSetUp,     // the queue is incomplete
@@ -21,8 +22,9 @@ enum class Trouble {
 };
 struct TroubleReading {
   Trouble kind = Trouble::None;
-  std::string printer;  // its address, if the words name it
-  std::string cause;    // the words without what the bridge adds to them
+  std::string printer;                // its address, if the words name it
+  std::string cause;                  // the words without what the bridge adds to them
+  const char *printer_key = nullptr;  // of what the printer has said itself
 };
 
 // What words of the bridge, its filter and its transport mean; other words mean nothing.

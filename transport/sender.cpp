@@ -13,6 +13,8 @@
 #include <chrono>
 #include <vector>
 
+#include "printerstatus.h"
+
 namespace kpx::transport {
 
 namespace {
@@ -54,6 +56,7 @@ class Sender {
   void Await();
   milliseconds Timeout() const;
   void Drain();
+  void Hear(std::string_view bytes);
   int Account(tcp_info &info);
   void Watch();
   void WatchPause(milliseconds last_answer);
@@ -66,6 +69,7 @@ class Sender {
   const int stop_;
 
   std::vector<char> drained_;
+  PrinterStatus status_;
   Waiting waiting_ = Waiting::kNothing;
   bool closing_ = false;      // the input is at its end
   bool end_sent_ = false;     // our side is shut down: the printer is told of the job's end
@@ -165,6 +169,7 @@ void Sender::Drain() {
   const ssize_t count = recv(socket_, drained_.data(), drained_.size(), 0);
   if (count > 0) {
     result_.sent_back += static_cast<std::uint64_t>(count);
+    Hear({drained_.data(), static_cast<std::size_t>(count)});
   } else if (count == 0) {
     // Not yet the end of the job: a printer that has nothing to say may close its direction early.
     // One that closed altogether answers the next bytes with a reset.
@@ -172,6 +177,12 @@ void Sender::Drain() {
   } else if (errno != EAGAIN && errno != EINTR) {
     End(SendEnd::kBroken, ErrorText(errno));
   }
+}
+
+// What the printer says about itself is the best reason for a pause that comes.
+void Sender::Hear(std::string_view bytes) {
+  const std::string words = status_.Take(bytes);
+  if (!words.empty()) report_.Say("the printer says: " + words);
 }
 
 // Compares what was sent with what is acknowledged. 0 or the error number.
@@ -227,7 +238,10 @@ void Sender::WatchPause(milliseconds last_answer) {
                                                 "the connection for "
                                               : "the printer has taken no data for ") +
                 DurationText(pause) + " (it last answered " + DurationText(last_answer) +
-                " ago); it may be out of paper or paused; waiting");
+                " ago); " +
+                (status_.Condition().empty() ? "it may be out of paper or paused"
+                                             : "the printer says: " + status_.Condition()) +
+                "; waiting");
   } else if (Since(last_words_) > limits_.progress && result_.acknowledged > last_told_) {
     last_words_ = last_watch_;
     last_told_ = result_.acknowledged;

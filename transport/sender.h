@@ -21,7 +21,7 @@ struct [[nodiscard]] SendResult {
   SendEnd end = SendEnd::kBroken;
   std::string reason;              // in words, for kBroken and kInputFailed
   std::uint64_t acknowledged = 0;  // bytes that reached the printer
-  std::uint64_t sent_back = 0;     // bytes that came from the printer; they are thrown away
+  std::uint64_t sent_back = 0;     // bytes that came from the printer; all but its state is lost
   bool caught_up = false;          // all that went out was acknowledged
   bool whole_job = false;          // the same, and the input was at its end
 };

@@ -29,6 +29,15 @@ const Row kRows[] = {
      Trouble::TakesNoData, "",
      "the printer has taken no data for 30 s (it last answered 1 s ago); it may be out of paper or "
      "paused; waiting"},
+    {"kpxnbtrans: the printer says: out of paper (code 41213)", Trouble::SaysItself, "",
+     "the printer says: out of paper (code 41213)"},
+    {"kpxnbtrans: the printer has taken no data for 30 s (it last answered 1 s ago); the printer "
+     "says: door open; waiting",
+     Trouble::SaysItself, "",
+     "the printer has taken no data for 30 s (it last answered 1 s ago); the printer says: door "
+     "open; waiting"},
+    {"kpxnbtrans: the printer says: ready again", Trouble::None, "",
+     "the printer says: ready again"},
     {"kpxnbtrans: the connection to p broke after 8 bytes (reset); giving up: the printer may have "
      "printed the job or a part of it; the job is held (status 76)",
      Trouble::InDoubt, "",

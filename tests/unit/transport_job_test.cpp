@@ -129,6 +129,36 @@ TEST(TransportJob, APrinterThatAnswersButTakesNothingIsWaitedForInWords) {
   ExpectWords(transfer, "may be out of paper or paused; waiting");
 }
 
+TEST(TransportJob, WhatThePrinterSaysAboutItselfIsPassedOn) {
+  Listener printer;
+  printer.Listen();
+  Limits limits = ShortLimits();
+  limits.usual_pause = milliseconds{50};
+  Transfer transfer({"127.0.0.1", printer.port()}, TestFile(20'000'000), limits);
+  const Descriptor connection = printer.Accept(4096);
+  const auto say = [&](const std::string &text) {
+    ASSERT_EQ(write(connection.get(), text.data(), text.size()), static_cast<ssize_t>(text.size()));
+  };
+  // Numbers outside of a status are nothing, and no line ends the parts that come.
+  say("CODE=40021\r\n@PJL USTATUS DEVICE\r\nCO");
+  say("DE=41213\r\nDISPLAY=\"LOAD A4\"\r\nONLINE=FALSE\r\n\f");
+  ASSERT_TRUE(transfer.words().Await("kpxnbtrans: the printer says: out of paper (code 41213)\n"));
+  ASSERT_TRUE(transfer.words().Await("ago); the printer says: out of paper; waiting\n"));
+  say("@PJL USTATUS DEVICE\r\nCODE=10001\r\nONLINE=TRUE\r\n\f");
+  ASSERT_TRUE(transfer.words().Await("kpxnbtrans: the printer says: ready again\n"));
+  say(std::string(5000, 'x') + "\n@PJL USTATUS DEVICE\nCODE=99999999999\nCODE=\nCODE=35078\n");
+  const Received received = Receive(connection.get());
+  EXPECT_EQ(received.count, 20'000'000U);
+  EXPECT_EQ(received.wrong, 0U);
+  shutdown(connection.get(), SHUT_RDWR);
+  EXPECT_EQ(transfer.Wait(), Outcome::kAccepted);
+  const std::string words = transfer.words().seen();
+  EXPECT_EQ(Occurrences(words, "the printer says: "),
+            Occurrences(words, "the printer says: out of paper") + 1)
+      << words;
+  EXPECT_EQ(Occurrences(words, "(code "), 1) << words;
+}
+
 TEST(TransportJob, WordsAboutOnePauseComeLessAndLessOften) {
   Listener printer;
   printer.Listen();
