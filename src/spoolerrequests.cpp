@@ -7,6 +7,9 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
+#include <map>
+#include <utility>
 
 #include "openfile.h"
 
@@ -61,8 +64,6 @@ SpoolerJob JobFrom(const IppObject &object) {
   job.since = NumberIn(object, "time-at-creation");
   return job;
 }
-
-bool IsNewer(const SpoolerJob &a, const SpoolerJob &b) { return a.number > b.number; }
 
 std::string JobObject(int number) { return "jobs/" + std::to_string(number); }
 
@@ -127,17 +128,25 @@ std::optional<std::vector<SpoolerQueue>> AskForQueues(IppClient &client) {
 }
 
 std::optional<std::vector<SpoolerJob>> AskForJobs(IppClient &client, bool own) {
-  IppRequest request(*client.cups(), IPP_OP_GET_JOBS, "");
-  request.Text(IPP_TAG_OPERATION, IPP_TAG_KEYWORD, "which-jobs", "all");
-  request.Truth(IPP_TAG_OPERATION, "my-jobs", own);
-  request.Texts(IPP_TAG_OPERATION, "requested-attributes", L_JobAttributes);
-  const IppAnswer answer = client.Do(request, IPP_TAG_JOB);
-  if (answer.kind != IppAnswer::Kind::Done) return std::nullopt;
-  std::vector<SpoolerJob> jobs;
-  jobs.reserve(answer.objects.size());
-  for (const IppObject &object : answer.objects) jobs.push_back(JobFrom(object));
-  std::sort(jobs.begin(), jobs.end(), IsNewer);
-  return jobs;
+  std::map<int, SpoolerJob, std::greater<>> jobs;
+  // Asked for all at once, CUPS tells of 500 at most. What ends in between is in both.
+  for (const char *which : {"not-completed", "completed"}) {
+    IppRequest request(*client.cups(), IPP_OP_GET_JOBS, "");
+    request.Text(IPP_TAG_OPERATION, IPP_TAG_KEYWORD, "which-jobs", which);
+    request.Truth(IPP_TAG_OPERATION, "my-jobs", own);
+    request.Texts(IPP_TAG_OPERATION, "requested-attributes", L_JobAttributes);
+    const IppAnswer answer = client.Do(request, IPP_TAG_JOB);
+    if (answer.kind != IppAnswer::Kind::Done) return std::nullopt;
+    for (const IppObject &object : answer.objects) {
+      SpoolerJob job = JobFrom(object);
+      const int number = job.number;
+      jobs.insert_or_assign(number, std::move(job));
+    }
+  }
+  std::vector<SpoolerJob> newest_first;
+  newest_first.reserve(jobs.size());
+  for (auto &[number, job] : jobs) newest_first.push_back(std::move(job));
+  return newest_first;
 }
 
 bool AskForJob(IppClient &client, int number, std::vector<SpoolerJob> *found) {

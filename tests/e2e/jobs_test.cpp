@@ -77,6 +77,21 @@ TEST_F(Jobs, AreListedTheNewestFirstWithStateAndReason) {
   EXPECT_EQ(Strings{}, app.UnnamedControls());
 }
 
+// Of all jobs at once CUPS tells no more than 500.
+TEST_F(Jobs, AreAllListedHoweverManyThereAre) {
+  if (std::getenv("KPX_LONG") == nullptr) GTEST_SKIP() << "only with KPX_LONG=1: 520 jobs";
+  const SchedulerConfiguration unlimited(SchedulerConfiguration::Current() + "\nMaxJobs 0\n");
+  const TestQueue queue("office");
+  ASSERT_EQ(0,
+            RunProgram({"sh", "-c",
+                        "for i in $(seq 520); do echo data | lp -d office -H hold -t $i || exit; "
+                        "done"})
+                .status);
+  JobsApp app;
+  app.WaitUntil("all jobs", [&] { return app.RowCount("JobsClist") == 520; });
+  EXPECT_EQ("520", app.Cell("JobsClist", "520", 0));
+}
+
 TEST_F(Jobs, ThatComeAndGoAreShownByThemselves) {
   const TestQueue queue("office");
   queue.Record();

@@ -407,6 +407,8 @@ std::vector<std::string> GuiApp::Rows(const std::string &list) {
   return LinesOf(Demand("rows " + list));
 }
 
+int GuiApp::RowCount(const std::string &list) { return std::stoi(Demand("count " + list)); }
+
 std::string GuiApp::RowTip(const std::string &list, int row) {
   return Demand("rowtip " + list + " " + std::to_string(row));
 }

@@ -84,6 +84,8 @@ class GuiApp {
   bool IsActive(const std::string &name);
   // Lines of cells with tabs between; the first character is "*" for a selected row, else "-".
   std::vector<std::string> Rows(const std::string &list);
+  // Their number alone, which costs nothing however many there are.
+  int RowCount(const std::string &list);
   // Of a row as the list shows it, from 0; empty without one.
   std::string RowTip(const std::string &list, int row);
   // "<window>/<widget>" of the focus.

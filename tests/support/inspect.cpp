@@ -293,6 +293,10 @@ Answer AboutWidget(const std::string &word, const std::string &name, int number)
   if (word == "text") return Text(widget);
   if (word == "sensitive") return gtk_widget_is_sensitive(widget) != FALSE ? "1" : "0";
   if (word == "rows") return Rows(widget);
+  if (word == "count" && GTK_IS_TREE_VIEW(widget)) {
+    GtkTreeModel *model = gtk_tree_view_get_model(GTK_TREE_VIEW(widget));
+    return std::to_string(model == nullptr ? 0 : gtk_tree_model_iter_n_children(model, nullptr));
+  }
   if (word == "rowtip") return RowTip(widget, number);
   if (word == "active" && GTK_IS_TOGGLE_BUTTON(widget)) {
     return gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(widget)) != FALSE ? "1" : "0";

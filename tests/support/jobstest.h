@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <csignal>
 #include <string>
 #include <vector>
 
@@ -73,21 +72,6 @@ class JobsApp : public GuiApp {
     }
     return row.substr(start, row.find('\t', start) - start);
   }
-};
-
-// For its lifetime the scheduler is there and does nothing.
-class HungScheduler {
- public:
-  HungScheduler() {
-    std::ifstream("/run/cups/cupsd.pid") >> pid_;
-    if (pid_ <= 1 || kill(pid_, SIGSTOP) != 0) throw std::runtime_error("no cupsd");
-  }
-  ~HungScheduler() { kill(pid_, SIGCONT); }
-  HungScheduler(const HungScheduler &) = delete;
-  HungScheduler &operator=(const HungScheduler &) = delete;
-
- private:
-  int pid_ = 0;
 };
 
 // Every test finds no jobs.

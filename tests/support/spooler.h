@@ -119,6 +119,21 @@ class NoScheduler {
   NoScheduler &operator=(const NoScheduler &) = delete;
 };
 
+// For its lifetime the scheduler is there and does nothing.
+class HungScheduler {
+ public:
+  HungScheduler() {
+    std::ifstream("/run/cups/cupsd.pid") >> pid_;
+    if (pid_ <= 1 || kill(pid_, SIGSTOP) != 0) throw std::runtime_error("no cupsd");
+  }
+  ~HungScheduler() { kill(pid_, SIGCONT); }
+  HungScheduler(const HungScheduler &) = delete;
+  HungScheduler &operator=(const HungScheduler &) = delete;
+
+ private:
+  int pid_ = 0;
+};
+
 // For its lifetime the scheduler runs with another configuration; queues and jobs stay.
 class SchedulerConfiguration {
  public:
