@@ -186,7 +186,7 @@ void AwaitSender(int directory) {
 // The spooler shortens "*key=True" to "*key" and "*key=False" to "no*key".
 void SpellOut(std::string *word) {
   if (word->find('=') != std::string::npos) return;
-  if (word->starts_with("no*")) {
+  if (word->starts_with("no*") && word->size() > 3) {
     *word = word->substr(2) + "=False";
   } else if (word->starts_with('*') && word->size() > 1) {
     *word += "=True";
