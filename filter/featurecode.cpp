@@ -30,6 +30,11 @@ std::string PostScriptString(std::string_view bytes) {
   return text + ")";
 }
 
+bool IsFedByHand(const JobSettings &settings) {
+  const PpdChoice *manual = settings.Chosen("ManualFeed");
+  return manual != nullptr && SameKeyword(manual->keyword, "True");
+}
+
 // Whether *PageRegion is to be used in place of *PageSize.
 bool UsesPageRegion(const JobSettings &settings) {
   const PpdModel &model = settings.Model();
@@ -39,8 +44,7 @@ bool UsesPageRegion(const JobSettings &settings) {
       size == nullptr || region == nullptr ? nullptr : region->FindChoice(size->keyword);
   // Where both say the same the one that was chosen is named.
   if (same == nullptr || same->code == size->code) return false;
-  const PpdChoice *manual = settings.Chosen("ManualFeed");
-  if (manual != nullptr && SameKeyword(manual->keyword, "True")) return true;
+  if (IsFedByHand(settings)) return true;
   const PpdChoice *slot = settings.Chosen("InputSlot");
   if (slot == nullptr || slot->code.empty() || !settings.IsSet("InputSlot")) return false;
   auto asked = model.requires_page_region.find(slot->keyword);
@@ -96,6 +100,8 @@ FeatureCode CodeOfFeature(const JobSettings &settings, const PpdFeature &feature
     const PpdChoice *choice = feature.FindChoice(settings.Chosen("PageSize")->keyword);
     return {feature.keyword, choice->keyword, choice->code, feature.order};
   }
+  // A tray's code may end the feeding by hand.
+  if (feature.keyword == "InputSlot" && IsFedByHand(settings)) return {};
   if (feature.keyword == "MediaType") {
     if (const auto name = settings.MediaName()) return CustomMediaCode(feature, *name);
   }

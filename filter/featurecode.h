@@ -20,6 +20,7 @@ struct FeatureCode {
 // Features that may be anywhere belong to the document's setup, and so do their order numbers.
 //  - *PageSize and *PageRegion set the same thing: of the two only one is used, *PageRegion where
 //    the input slot in force asks for it (*RequiresPageRegion) or paper is fed by hand.
+//  - *InputSlot says nothing while paper is fed by hand (*ManualFeed).
 //  - A custom paper size or media type uses the PPD's custom code, or sets the page device itself.
 std::vector<FeatureCode> CodeOfSection(const JobSettings &settings, PpdSection section);
 

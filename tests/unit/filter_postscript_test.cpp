@@ -477,6 +477,22 @@ TEST_F(PostScriptJob, PageRegionTakesThePlaceOfPageSizeOnlyWhereTheTrayAsksForIt
   EXPECT_EQ(CountOf(document, "%%BeginFeature: *PageRegion Letter\n"), 1u);
 }
 
+TEST_F(PostScriptJob, ATrayEndsNoFeedingByHand) {
+  PpdModel model = model_;
+  PpdFeature &manual = model.features.emplace_back();
+  manual.keyword = "ManualFeed";
+  manual.section = PpdSection::Document;
+  manual.default_choice = "False";
+  manual.choices = {{"False", "No", "by trays"}, {"True", "Yes", "by hand"}};
+  JobSettings settings(model);
+  settings.Apply({{"*InputSlot", "Lower"}, {"*ManualFeed", "True"}});
+  const std::string job = RunOver(FilterPostScript, settings, "%!\nx\n");
+  EXPECT_EQ(CountOf(job, "*ManualFeed True"), 1u);
+  EXPECT_EQ(CountOf(job, "*InputSlot"), 0u);
+  settings.Apply({{"*ManualFeed", "False"}});
+  EXPECT_EQ(CountOf(RunOver(FilterPostScript, settings, "%!\nx\n"), "*InputSlot Lower"), 1u);
+}
+
 TEST_F(PostScriptJob, ACustomPaperUsesThePpdsCodeAndItsParameters) {
   Set({{"*CustomPaperSize", "Ticket''200''400.5"}, {"*PageSize", "Ticket"}});
   const std::string document = Document("%!\n");
