@@ -5,6 +5,7 @@
 
 #include "AccessKeys.h"
 #include "AddQueueWindowFct.h"
+#include "AddressCompletion.h"
 #include "AddressTest.h"
 #include "ComboWidget.h"
 #include "EntryHandlers.h"
@@ -89,6 +90,7 @@ void AddFields(Form &form) {
   AddCombo(form, "Transport", "DEF_LBL_TRANSPORT", {G_Translate(kTcpIpTransport)}, nullptr);
   GtkWidget *address = NewEntry(form, "AddressEntry", kAddressLength);
   FilterAsAddress(address);
+  OfferFoundPrinters(address, ProposePrinter);
   const AddressTest test = NewAddressTest(form.window, address, ChosenPrinter);
   AddRow(form, "AddressLabel", "DEF_LBL_IPADDRESS", test.field, address);
   gtk_grid_attach(form.grid, test.result, 1, form.rows++, 1, 1);

@@ -1,7 +1,9 @@
 #include "AddQueueWindowFct.h"
 
+#include <algorithm>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "AddQueueWindow.h"
 #include "ComboWidget.h"
@@ -72,6 +74,21 @@ void PrintersCListRowUnSelection(int) {
   const LogScope log("PrintersCListRowUnSelection");
   G_AddQueueWindow_helper->selected_printer = -1;
   G_Toggle_Ok_Apply_Sensitivity();
+}
+
+void ProposePrinter(const FoundPrinter &printer) {
+  const LogScope log("ProposePrinter");
+  AddQueueWindowHelper &helper = *G_AddQueueWindow_helper;
+  if (helper.selected_printer != -1 && helper.selected_printer != helper.proposed_printer) return;
+  GtkWidget *list = helper.printer_list;
+  std::vector<std::string> names;
+  for (int row = 0; row < ListRowCount(list); ++row) names.push_back(ListCell(list, row, 0));
+  const std::string fitting = FittingModel(printer.model, names);
+  if (fitting.empty()) return;
+  const auto place = std::find(names.begin(), names.end(), fitting) - names.begin();
+  helper.proposed_printer = static_cast<int>(place);
+  ListSelectRow(list, helper.proposed_printer);
+  ListShowRow(list, helper.proposed_printer);
 }
 
 void FillPrinterCList(GtkWidget *list) {

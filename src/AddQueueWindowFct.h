@@ -3,6 +3,8 @@
 
 #include <gtk/gtk.h>
 
+#include "printersearch.h"
+
 // "clicked" handlers of the buttons; Cancel is also the window's close.
 void ButtonOKAddQueuePressed();
 void ButtonApplyAddQueuePressed();
@@ -12,6 +14,10 @@ void ButtonHelpAddQueuePressed();
 // A row of the printer list became selected or unselected.
 void PrintersCListRowSelection(int row);
 void PrintersCListRowUnSelection(int row);
+
+// The user has taken the address of a printer that was found: its model is selected where one fits,
+// unless the user has selected one.
+void ProposePrinter(const FoundPrinter &printer);
 
 // Fills the list with the names of the printer catalogue, in key order.
 void FillPrinterCList(GtkWidget *list);

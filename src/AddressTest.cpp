@@ -29,6 +29,7 @@ struct Findings {
 struct Test {
   GtkWidget *entry = nullptr;
   GtkWidget *result = nullptr;
+  std::string address;  // that was tested last
   std::string (*printer)() = nullptr;
   std::shared_ptr<Findings> findings;  // of the test that goes on; null without one
   guint source = 0;
@@ -82,12 +83,14 @@ void ButtonTestPressed(GtkWidget *, gpointer entry) {
   Test &test = TestOf(entry);
   StopTest(test);
   const std::string address = gtk_entry_get_text(GTK_ENTRY(entry));
+  test.address.clear();
   if (address.empty()) {
     gtk_widget_grab_focus(GTK_WIDGET(entry));
     ShowResult(test, G_Translate("KPXadminWarn002"));
     return;
   }
   const InterfaceBlock place = PrinterPlace(test.printer(), address);
+  test.address = address;
   ShowResult(test, G_Message("ADDRESS_TESTING", {address}));
   test.findings = std::make_shared<Findings>();
   test.source = g_timeout_add(L_Pause, ShowFindings, entry);
@@ -98,6 +101,8 @@ void ButtonTestPressed(GtkWidget *, gpointer entry) {
 // What was found is about another address.
 void ForgetResult(GtkWidget *entry, gpointer) {
   Test &test = TestOf(entry);
+  const std::string address = gtk_entry_get_text(GTK_ENTRY(entry));
+  if (!address.empty() && address == test.address) return;
   StopTest(test);
   ShowResult(test, "");
 }

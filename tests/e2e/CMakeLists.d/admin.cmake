@@ -1,5 +1,5 @@
 # The administration program driven through its windows.
-foreach(part window rows address addqueue failures recovery)
+foreach(part window rows address discovery addqueue failures recovery)
   kpx_add_test(NAME admin_${part} LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
     SOURCES e2e/admin_${part}_test.cpp)
 endforeach()
