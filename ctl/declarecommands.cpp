@@ -114,10 +114,9 @@ std::optional<Owners> DropOwned(const DeclaringFile &file, Owners owners, bool t
   return owners;
 }
 
-// Reads session and owners, and declares; the owners as they are to be, or nothing, told.
+// Reads the owners and has the session, which is read, be as declared; the owners as they are to
+// be, or nothing, told.
 std::optional<Owners> Prepare(const Call &call, const DeclaringFile &file, Status *status) {
-  *status = ReadToChange(call);
-  if (*status != kDone) return std::nullopt;
   *status = kFailed;
   const std::optional<Owners> before = ReadOwners(kOwnersFile);
   if (!before) return std::nullopt;
@@ -127,13 +126,32 @@ std::optional<Owners> Prepare(const Call &call, const DeclaringFile &file, Statu
   return *status == kDone ? owners : std::nullopt;
 }
 
+// The status to end with when all is as declared and owned so, or cannot be: then the spooler need
+// not be asked; the next change finds what it has lost. Nothing when there is work.
+std::optional<Status> EndWithoutWork(const Call &call, const DeclaringFile &file) {
+  if (IsSaveUnfinished()) return std::nullopt;
+  ReadToLook();
+  Status status = kDone;
+  const std::optional<Owners> owners = Prepare(call, file, &status);
+  if (!owners) return status;
+  if (!PlanOfSession().empty() || owners != ReadOwners(kOwnersFile)) return std::nullopt;
+  return SaveSession(call);
+}
+
 Status Apply(const Call &call) {
   const std::optional<DeclaringFile> file = FileOfCall(call);
   if (!file) return kFailed;
-  Status status = kDone;
+  const bool dry_run = call.Has("--dry-run");
+  Status status = dry_run ? kDone : MayChange();
+  if (status != kDone) return status;
+  if (!dry_run) {
+    if (const std::optional<Status> end = EndWithoutWork(call, *file)) return *end;
+  }
+  status = ReadToChange(call);
+  if (status != kDone) return status;
   const std::optional<Owners> owners = Prepare(call, *file, &status);
   if (!owners) return status;
-  if (call.Has("--dry-run")) return SaveSession(call);
+  if (dry_run) return SaveSession(call);
   // Until the queues are there, it owns both those of before and the new ones: whatever ends this,
   // the next call goes on.
   Owners both = *owners;
@@ -149,10 +167,9 @@ Status Apply(const Call &call) {
 Status Diff(const Call &call) {
   const std::optional<DeclaringFile> file = FileOfCall(call);
   if (!file) return kFailed;
-  Call looking = call;
-  looking.switches.insert("--dry-run");
+  ReadToLook();
   Status status = kDone;
-  if (!Prepare(looking, *file, &status)) return status;
+  if (!Prepare(call, *file, &status)) return status;
   const std::vector<PlanStep> plan = PlanOfSession();
   if (call.Has("--json")) {
     PrintJsonText({{"plan", FormOfPlan(plan)}});

@@ -7,6 +7,7 @@
 
 #include "clist.h"
 #include "cmessages.h"
+#include "cprinters.h"
 #include "cprintqueues.h"
 #include "fontmap.h"
 #include "foundqueues.h"
@@ -22,6 +23,7 @@
 #include "queuelistkeep.h"
 #include "savequeues.h"
 #include "textencoding.h"
+#include "unfinishedsave.h"
 
 namespace kpx::ctl {
 
@@ -108,11 +110,14 @@ Status Save() {
 }  // namespace
 
 Status MayChange() {
+  static bool holds_lock = false;
+  if (holds_lock) return kDone;
   if (geteuid() != 0) {
     Complain(G_Translate("CTL_NOT_ROOT"));
     return kFailed;
   }
-  if (LockQueueList(kQueuesFile) == 1) return kDone;
+  holds_lock = LockQueueList(kQueuesFile) == 1;
+  if (holds_lock) return kDone;
   const std::optional<LockHolder> holder = HolderOfQueueList(kQueuesFile);
   Complain(holder
                ? G_Message("CTL_LOCK_HELD", {holder->program, int{holder->process}, holder->user})
@@ -128,15 +133,24 @@ void ReadQueues() {
 }
 
 void ReadPrinters() {
+  if (G_Printers != nullptr) return;
   G_Fonts_hash = ParseFontmap();
   LoadPrinters(nullptr);
 }
 
+void ReadToLook() {
+  ReadPrinters();
+  ReadQueues();
+  G_ProgName = kModeAdministration;
+}
+
+bool IsSaveUnfinished() {
+  return !IsMissing(IntentionPath(kQueuesFile)) || !IsMissing(KeptQueueListPath(kQueuesFile));
+}
+
 Status ReadToChange(const Call &call) {
   if (call.Has("--dry-run")) {
-    ReadPrinters();
-    ReadQueues();
-    G_ProgName = kModeAdministration;
+    ReadToLook();
     return kDone;
   }
   if (const Status status = MayChange(); status != kDone) return status;

@@ -17,6 +17,12 @@ void ReadQueues();
 // Reads printers and fonts: what the settings of queues are made of.
 void ReadPrinters();
 
+// Reads all of it to compare it: nothing can be saved.
+void ReadToLook();
+
+// Whether something of an earlier save is left to be done, by what it left on the disk.
+[[nodiscard]] bool IsSaveUnfinished();
+
 // Reads all of it for a command that changes queues, which holds the lock from then on; with
 // --dry-run as everybody may. kDone, or told why it cannot be.
 [[nodiscard]] Status ReadToChange(const Call &call);

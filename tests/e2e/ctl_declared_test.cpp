@@ -79,6 +79,25 @@ TEST_F(CtlDeclared, AreMadeWhatTheFileSaysOnceAndForAll) {
   EXPECT_EQ(state, HostFiles());
 }
 
+// The example of kpxctl(8), between .EX and .EE.
+std::string ExampleOfManual() {
+  const std::string page = ContentOf(KPX_MANUAL);
+  const size_t start = page.find(".EX\n") + 4;
+  std::string example = page.substr(start, page.find(".EE", start) - start);
+  for (size_t place = 0; (place = example.find("\\(dq", place)) != std::string::npos; ++place) {
+    example.replace(place, 4, "\"");
+  }
+  return example;
+}
+
+TEST_F(CtlDeclared, CanBeTheExampleOfTheManual) {
+  const std::string file = Write(ExampleOfManual());
+  Must({"apply", file});
+  EXPECT_EQ((Strings{"acc1", "acc2"}), SpoolerQueues());
+  EXPECT_EQ("*Duplex=DuplexNoTumble\n", Def("acc1"));
+  EXPECT_EQ("", Def("acc2"));
+}
+
 TEST_F(CtlDeclared, AreRemovedByTheFileThatDeclaredThemAlone) {
   AddQueue("mine");
   const std::string file = Write(kSite);

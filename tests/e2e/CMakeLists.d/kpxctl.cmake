@@ -3,5 +3,9 @@ foreach(part queues declared)
   kpx_add_test(NAME ctl_${part} LIBS kpx_core nlohmann_json::nlohmann_json LABEL e2e SANDBOX full
     SOURCES e2e/ctl_${part}_test.cpp)
 endforeach()
-kpx_add_test(NAME ctl_windows LIBS kpx_core nlohmann_json::nlohmann_json LABEL e2e SANDBOX full
-  SOURCES e2e/ctl_windows_test.cpp support/adminsession.cpp)
+foreach(part windows property)
+  kpx_add_test(NAME ctl_${part} LIBS kpx_core nlohmann_json::nlohmann_json LABEL e2e SANDBOX full
+    SOURCES e2e/ctl_${part}_test.cpp support/adminsession.cpp)
+endforeach()
+target_compile_definitions(test_ctl_declared PRIVATE
+  KPX_MANUAL="${CMAKE_SOURCE_DIR}/docs/man/kpxctl.8")
