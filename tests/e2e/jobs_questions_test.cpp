@@ -1,8 +1,11 @@
 // Five questions that users of print queues ask, each answered in the job window within two
 // actions: a click on the job, and one on "Why?". The programs of the queues are the installed
 // ones.
+#include <sys/socket.h>
+
 #include "interfacescript.h"
 #include "jobstest.h"
+#include "loopback.h"
 #include "must.h"
 #include "paths.h"
 
@@ -90,8 +93,27 @@ TEST_F(Questions, DoesThePrinterWaitForAPin) {
   ExpectStep(Explanation(app), CatalogueText("WHY_PIN"));
 }
 
-// The words are those of the transport, which speaks them after half a minute.
+// A printer that answers what the job has asked it (PJL USTATUS).
 TEST_F(Questions, IsThePrinterOutOfPaper) {
+  const TestQueue queue("empty");
+  Listener printer;
+  printer.Listen();
+  queue.Complete("/opt/orlan/bin/kpxnbtrans 127.0.0.1 " + printer.port() + " <\"$1\"");
+  queue.Print({"-t", "letter"}, "data");
+  const Descriptor connection = printer.Accept();
+  const std::string status = "@PJL USTATUS DEVICE\r\nCODE=41213\r\nONLINE=FALSE\r\n\f";
+  ASSERT_EQ(static_cast<ssize_t>(status.size()),
+            write(connection.get(), status.data(), status.size()));
+  JobsApp app;
+  ExpectAnswer(app, CatalogueText("PRINTER_PAPER_OUT"));
+  EXPECT_EQ("data", ReceiveText(connection.get()));
+  shutdown(connection.get(), SHUT_RDWR);
+  app.WaitCell("JobsClist", "letter", 5, CatalogueText("JOB_PRINTED"));
+}
+
+// One that says nothing. The words are those of the transport, which speaks them after half a
+// minute.
+TEST_F(Questions, DoesThePrinterTakeNothing) {
   const TestQueue queue("empty");
   queue.Complete(
       "echo 'kpxnbtrans: the printer has taken no data for 30 s (it last answered 1 s ago); it may "

@@ -5,5 +5,6 @@ foreach(test IN ITEMS jobs jobs_testpage jobs_questions jobs_assistive)
   target_compile_definitions(test_${test} PRIVATE KPX_MAKEQUEUES="$<TARGET_FILE:makequeues>")
   add_dependencies(test_${test} makequeues)
 endforeach()
+target_link_libraries(test_jobs_questions PRIVATE kpx_loopback)
 target_compile_definitions(test_jobs_assistive PRIVATE
   KPX_JOBSWINDOW="${CMAKE_CURRENT_SOURCE_DIR}/support/jobswindow")
