@@ -1,6 +1,6 @@
-// Makes the pictures of docs/screenshots, inside the sandbox: the shipped programs in every
-// language, in other themes and text sizes, and every tab of the properties, showing queues that
-// were made through their windows.
+// Makes the pictures of docs/screenshots, inside the sandbox: the shipped
+// programs in every language, in other themes and text sizes, and every tab of
+// the properties, showing queues that were made through their windows.
 //
 // Usage: screenshots DIRECTORY
 
@@ -16,6 +16,7 @@
 #include "admindriver.h"
 #include "guiapp.h"
 #include "locales.h"
+#include "models.h"
 #include "propertiesdriver.h"
 #include "spooler.h"
 #include "tooldriver.h"
@@ -26,8 +27,8 @@ namespace {
 
 constexpr unsigned long kDesktop = 0x5A6B7B;
 
-// The languages, as LANG has them, and the directories of their pictures; English stands at the
-// top.
+// The languages, as LANG has them, and the directories of their pictures;
+// English stands at the top.
 struct Language {
   const char *lang;
   const char *directory;
@@ -58,6 +59,11 @@ const std::vector<QueueToAdd> kQueues = {
     {"notes", "Vek Norvel 4105", 1, "192.0.2.25"},
     {"office", "Vek Norvel 4120ES", 0, "192.0.2.23"},
 };
+// Of another maker's printer.
+constexpr char kCopier[] = "Example Copier 300";
+const QueueToAdd kCopierQueue = {"copier", kCopier, 0, "192.0.2.26"};
+constexpr int kCopierRow = 1;  // among the others
+constexpr int kWatermarkRow = 3;
 struct Job {
   const char *queue;
   const char *title;
@@ -65,7 +71,8 @@ struct Job {
 };
 constexpr char kPage[] =
     "%!PS-Adobe-3.0\n%%Pages: 1\n%%EndComments\n%%Page: 1 1\nshowpage\n%%EOF\n";
-// The last one is the first in the window; the printers of the examples are not there.
+// The last one is the first in the window; the printers of the examples are not
+// there.
 constexpr Job kJobs[] = {{"notes", "Minutes.txt", "Minutes\n"},
                          {"drawings", "Floor plan", kPage},
                          {"accounts", "Letter.txt", "Dear customer,\n"},
@@ -73,7 +80,8 @@ constexpr Job kJobs[] = {{"notes", "Minutes.txt", "Minutes\n"},
 constexpr int kAccountsRow = 0;
 constexpr int kNotesRow = 2;
 
-// The programs in one language and look, and the folder that their pictures are put into.
+// The programs in one language and look, and the folder that their pictures are
+// put into.
 class Album {
  public:
   Album(const std::string &directory, const Language &language, const Look &look = kUsualLook)
@@ -142,6 +150,17 @@ class Album {
     Take(app, "print-tool-reason");
   }
 
+  // What the copier has that no tab has a row for.
+  void TakeMoreOptions() {
+    GuiApp app(Program("KPXadmin"));
+    app.WaitWindow("AdminWindow");
+    app.ClickRow("QueuesClist", kCopierRow);
+    OpenProperties(app);
+    ShowTab(app, "Options");
+    app.ClickRow("MoreOptionsClist", kWatermarkRow);
+    Take(app, "more-options");
+  }
+
   // Every tab of the administration program.
   void TakeAdministrationTabs() {
     {
@@ -203,7 +222,8 @@ class Album {
     Take(app, "properties/" + program + "-fonts");
   }
 
-  // What a user may have set there, so that the pictures show more than the first defaults.
+  // What a user may have set there, so that the pictures show more than the
+  // first defaults.
   static void Choose(GuiApp &app, const std::string &tab) {
     if (tab == "Setup") ChooseOption(app, "Duplex", "Two-sided, long edge");
     if (tab == "Output") ChooseOption(app, "Staple", "Two staples, portrait");
@@ -219,10 +239,10 @@ class Album {
   const std::string directory_;
 };
 
-void MakeQueues() {
+void MakeQueues(const std::vector<QueueToAdd> &queues) {
   GuiApp admin({.program = "/usr/bin/KPXadmin"});
   admin.WaitWindow("AdminWindow");
-  for (const QueueToAdd &queue : kQueues) {
+  for (const QueueToAdd &queue : queues) {
     FillNewQueue(admin, queue);
     TakeNewQueue(admin);
   }
@@ -260,6 +280,12 @@ void TakeAll(const std::string &directory) {
   english.TakeReason();
   for (const Language &language : kTranslations) Album(directory, language).TakeJobs();
   for (const Look &look : kOtherLooks) Album(directory, kEnglish, look).TakeJobs();
+  // With a model and a queue that the other pictures do not show.
+  const AddedTestModel model(kCopier, {KPX_TEST_DATA "/data/ppd/copier.ppd"});
+  MakeQueues({kCopierQueue});
+  english.TakeMoreOptions();
+  for (const Language &language : kTranslations) Album(directory, language).TakeMoreOptions();
+  for (const Look &look : kOtherLooks) Album(directory, kEnglish, look).TakeMoreOptions();
 }
 
 }  // namespace
@@ -272,7 +298,7 @@ int main(int argc, char **argv) {
   try {
     const WindowManager manager;
     XInputBackground(kDesktop);
-    MakeQueues();
+    MakeQueues(kQueues);
     TakeAll(argv[1]);
   } catch (const std::exception &error) {
     std::fprintf(stderr, "screenshots: %s\n", error.what());

@@ -21,4 +21,5 @@ add_custom_target(demo_parts DEPENDS KPXadmin kpxfilter kpxnbtrans kpx_data kpx_
 
 # The pictures of docs/screenshots.
 add_executable(screenshots support/screenshots.cpp)
+target_compile_definitions(screenshots PRIVATE KPX_TEST_DATA="${CMAKE_CURRENT_SOURCE_DIR}")
 target_link_libraries(screenshots PRIVATE kpx_core kpx_guidriver PkgConfig::XTST)
