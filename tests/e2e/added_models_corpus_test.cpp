@@ -1,7 +1,7 @@
 // Printers of many makers: PPD files drawn at random (always the same ones) are added, get a queue,
 // and print a page with an option of each feature changed. What the job holds for the options is
 // compared with what CUPS's own filter writes for the same choices. The comparison's other side
-// uses libcups and its filter alone. Printers that need a driver are only added: their jobs hold no
+// uses libcups and its filter alone. Printers that need a driver print: their jobs hold no
 // code of options. KPX_LONG draws 300 files.
 #include <gtest/gtest.h>
 
@@ -15,6 +15,7 @@
 #include <memory>
 #include <random>
 
+#include "addedmodels.h"
 #include "adminsession.h"
 #include "cprinter.h"
 #include "globals.h"
@@ -157,6 +158,18 @@ class Corpus : public testing::Test {
   std::mt19937 random_{16};
 };
 
+// What the filter, with the driver behind it, makes of a page.
+std::string MadeByDriver(const std::string &id) {
+  const CommandResult result = RunProgram(
+      {"/bin/sh", "-c",
+       "/opt/orlan/bin/kpxfilter '' -JReport -eReport -Lanna --filter --type postscript --ppdfile "
+       "\"$1\" 2>/run/kpx/words",
+       "sh", AddedModelPpdPath(id, "enu")},
+      kDocument);
+  EXPECT_EQ(result.status, 0) << id << ": " << ContentOf("/run/kpx/words");
+  return result.output;
+}
+
 // The first difference in words; empty when there is none.
 std::string Difference(const Codes &expected, const Codes &found) {
   for (const auto &[name, code] : expected) {
@@ -184,8 +197,9 @@ TEST_F(Corpus, TheCodeOfOptionsIsThatOfCupssOwnFilter) {
       ++refused;
       continue;
     }
-    const std::string name = NameInJson(added.output);
+    const std::string name = ValueIn(added.output, "name");
     if (added.output.find("\"PostScript\"") == std::string::npos) {
+      EXPECT_NE(MadeByDriver(ValueIn(added.output, "id")), "") << name;
       EXPECT_EQ(Kpxctl({"model", "remove", name}).status, 0) << name;
       ++driven;
       continue;

@@ -20,7 +20,7 @@ class CupsModel {
  public:
   explicit CupsModel(const std::string &cups_name) {
     const CommandResult added = Kpxctl({"model", "add", "--from-cups", cups_name, "--json"});
-    name_ = NameInJson(added.output);
+    name_ = ValueIn(added.output, "name");
     if (added.status != 0) throw std::runtime_error(cups_name + ": " + added.output);
   }
   ~CupsModel() { Kpxctl({"model", "remove", name_}); }

@@ -10,10 +10,10 @@ inline CommandResult Kpxctl(std::vector<std::string> words) {
   return RunProgram(words);
 }
 
-// The name of the model that kpxctl has just added, from what it says in JSON; empty for other
-// text.
-inline std::string NameInJson(const std::string &json) {
-  const std::string key = "\"name\": \"";
+// A text of the model that kpxctl has just added ("name", "id"), from what it says in JSON; empty
+// for other output.
+inline std::string ValueIn(const std::string &json, const std::string &of) {
+  const std::string key = "\"" + of + "\": \"";
   const size_t at = json.find(key);
   if (at == std::string::npos) return "";
   const size_t start = at + key.size();
