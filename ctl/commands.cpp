@@ -1,6 +1,7 @@
 #include "commands.h"
 
 #include "changecommands.h"
+#include "checkcommand.h"
 #include "cmessages.h"
 #include "declarecommands.h"
 #include "modelcommands.h"
@@ -62,6 +63,7 @@ const std::vector<Command> &Commands() {
          {ViewCommands(), ChangeCommands(), DeclareCommands(), UndoCommands(), ModelCommands()}) {
       all.insert(all.end(), some.begin(), some.end());
     }
+    all.push_back(CheckCommand());
     all.push_back(WhyCommand());
     return all;
   }();

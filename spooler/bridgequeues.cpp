@@ -1,6 +1,5 @@
 #include "bridgequeues.h"
 
-#include <algorithm>
 #include <csignal>
 
 namespace kpx::spooler {
@@ -46,20 +45,12 @@ std::optional<QueueOwner> BridgeQueues::OwnerOf(const std::string &queue, std::s
 }
 
 std::optional<std::vector<std::string>> BridgeQueues::OwnQueues(std::string *words) {
-  IppRequest request(*client_.cups(), IPP_OP_CUPS_GET_PRINTERS, "");
-  request.Texts(IPP_TAG_OPERATION, "requested-attributes", {"printer-name", "device-uri"});
-  const IppAnswer answer = client_.Do(request, IPP_TAG_PRINTER);
-  if (!IsDone(answer)) {
-    *words = answer.words;
-    return std::nullopt;
-  }
+  const auto devices = AskForDevices(client_, words);
+  if (!devices) return std::nullopt;
   std::vector<std::string> names;
-  for (const IppObject &printer : answer.objects) {
-    if (TextIn(printer, "device-uri") == kBridgeDevice) {
-      names.push_back(TextIn(printer, "printer-name"));
-    }
+  for (const auto &[name, device] : *devices) {
+    if (device == kBridgeDevice) names.push_back(name);
   }
-  std::sort(names.begin(), names.end());
   return names;
 }
 

@@ -7,11 +7,9 @@
 #include <vector>
 
 #include "ippclient.h"
+#include "spoolerrequests.h"
 
 namespace kpx::spooler {
-
-// The device of every queue of the bridge: the backend knows a queue by its name.
-inline constexpr char kBridgeDevice[] = "kpxlp:/interface";
 
 // Whose queue of a name CUPS has.
 enum class QueueOwner { None, Ours, Other };

@@ -23,7 +23,6 @@ namespace kpx::spooler {
 
 namespace {
 
-constexpr char kCupsDescriptions[] = "/etc/cups/ppd";
 // Up to so many queues CUPS is asked about each; for more, about all that it has.
 constexpr size_t kFewQueues = 200;
 
@@ -32,7 +31,7 @@ std::string SettingsOf(const std::string &queue) {
 }
 
 std::string DescriptionOf(const std::string &queue) {
-  return std::string(kCupsDescriptions) + "/" + queue + ".ppd";
+  return std::string(kCupsDescriptionsDir) + "/" + queue + ".ppd";
 }
 
 // Whether `path` was written later than `other`. What is not there is older than anything.

@@ -1,5 +1,6 @@
 #include "cmessages.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <optional>
@@ -148,6 +149,19 @@ bool AreNotes(const CList *messages) {
     any = true;
   }
   return any;
+}
+
+void ReportNames(CList *errors, const char *one_key, const char *many_key,
+                 const std::vector<std::string> &names,
+                 void (*report)(CList *errors, const char *key,
+                                std::initializer_list<FormatArg> arguments)) {
+  constexpr size_t kMostShown = 20;
+  if (names.empty()) return;
+  if (names.size() == 1) return report(errors, one_key, {names[0]});
+  std::string shown = names[0];
+  for (size_t i = 1; i < std::min(names.size(), kMostShown); ++i) shown += ", " + names[i];
+  if (names.size() > kMostShown) shown += ", ...";
+  report(errors, many_key, {static_cast<int>(names.size()), shown});
 }
 
 void G_Fatal(int status, const char *key, std::initializer_list<FormatArg> arguments) {

@@ -3,6 +3,7 @@
 
 #include <initializer_list>
 #include <string>
+#include <vector>
 
 #include "chash.h"
 #include "textencoding.h"
@@ -62,6 +63,13 @@ void G_Report(CList *errors, const char *key, std::initializer_list<FormatArg> a
 void G_Note(CList *notes, const char *key, std::initializer_list<FormatArg> arguments = {});
 // True when there are messages and all of them were given to G_Note.
 [[nodiscard]] bool AreNotes(const CList *messages);
+
+// The same of several names in one message: `one_key` takes the only name, `many_key` how many
+// there are and the first of them. Without names nothing. `report` is G_Report or G_Note.
+void ReportNames(CList *errors, const char *one_key, const char *many_key,
+                 const std::vector<std::string> &names,
+                 void (*report)(CList *errors, const char *key,
+                                std::initializer_list<FormatArg> arguments) = G_Report);
 
 // Prints the message and a line feed to standard error and ends the process with `status`.
 [[noreturn]] void G_Fatal(int status, const char *key,

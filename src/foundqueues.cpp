@@ -127,14 +127,20 @@ void FillFromOptionFile(CPrintQueue *queue, const CPrinter *printer, const std::
   }
 }
 
-// Whether the spooler's entry of the queue is one that the bridge made.
-bool HasBridgeEntry(const std::string &name) {
-  const auto entry = ReadWholeFile(std::string(kSpoolPrintersDir) + "/" + name);
-  return entry && entry->starts_with(L_BridgeEntry);
-}
+// What is found, by cause.
+struct Findings {
+  std::vector<std::string> incomplete, found, unknown;
+};
 
-void TellUnknown(const std::string &name, CList *messages) {
-  G_Report(messages, "WARN_QUEUE_UNKNOWN", {name, std::string(kLpadmin) + " -x " + name});
+void Report(const Findings &findings, CList *messages) {
+  ReportNames(messages, "WARN_QUEUE_INCOMPLETE", "WARN_QUEUES_INCOMPLETE", findings.incomplete);
+  ReportNames(messages, "WARN_QUEUE_FOUND", "WARN_QUEUES_FOUND", findings.found, G_Note);
+  if (findings.unknown.size() == 1) {
+    const std::string &name = findings.unknown[0];
+    G_Report(messages, "WARN_QUEUE_UNKNOWN", {name, std::string(kLpadmin) + " -x " + name});
+  } else {
+    ReportNames(messages, "", "WARN_QUEUES_UNKNOWN", findings.unknown);
+  }
 }
 
 // Whether something that is no queue any more, or not yet, is left in the spooler under that name.
@@ -144,17 +150,21 @@ bool IsRest(const std::string &name, const SpoolerState &spooler) {
 }
 
 // A queue of the spooler that the list does not have.
-void TakeInQueue(const char *name, const SpoolerState &spooler, CList *messages) {
+void TakeInQueue(const char *name, const SpoolerState &spooler, Findings &findings,
+                 CList *messages) {
   const QueueScript script = LookAtScript(name);
   if (script.state == ScriptState::Unreadable) {
     G_Report(messages, "ERR_UNABLE_TO_READ_FILE", {InterfacePath(name)});
   } else if (script.state == ScriptState::Ours) {
     Owned<CPrintQueue> queue = QueueFromScript(name, script.text);
-    if (queue == nullptr) return TellUnknown(name, messages);
+    if (queue == nullptr) {
+      findings.unknown.emplace_back(name);
+      return;
+    }
     IgnoreResult(HashPut(G_Queues_hash, name, std::move(queue)), "the dictionary is there");
-    G_Note(messages, "WARN_QUEUE_FOUND", {name});
+    findings.found.emplace_back(name);
   } else if (script.state == ScriptState::Gone && IsRest(name, spooler)) {
-    TellUnknown(name, messages);
+    findings.unknown.emplace_back(name);
   }
 }
 
@@ -164,12 +174,12 @@ Names NamesOf(const CList *list) {
   return names;
 }
 
-// Marks and tells the queue if the spooler has it only in part.
+// Marks and notes the queue if the spooler has it only in part.
 bool CheckQueue(const char *name, const QueueScript &script, const SpoolerState &spooler,
-                CList *messages) {
+                Findings &findings) {
   if (!IsIncomplete(name, script, spooler)) return false;
   MarkIncompleteQueue(name);
-  G_Report(messages, "WARN_QUEUE_INCOMPLETE", {name});
+  findings.incomplete.emplace_back(name);
   return true;
 }
 
@@ -181,14 +191,14 @@ void MarkRests(const SpoolerState &spooler) {
   }
 }
 
-void TakeInUnlisted(const SpoolerState &spooler, CList *messages) {
+void TakeInUnlisted(const SpoolerState &spooler, Findings &findings, CList *messages) {
   Names names = spooler.entries;
   if (spooler.bridge_queues)
     names.insert(spooler.bridge_queues->begin(), spooler.bridge_queues->end());
   for (const std::string &name : names) {
     if (HashFind(G_Queues_hash, name.c_str()) != nullptr || spooler.removed.contains(name))
       continue;
-    TakeInQueue(name.c_str(), spooler, messages);
+    TakeInQueue(name.c_str(), spooler, findings, messages);
   }
 }
 
@@ -233,6 +243,11 @@ Owned<CPrintQueue> QueueFromScript(const char *name, const std::string &script) 
   return queue;
 }
 
+bool HasBridgeEntry(const std::string &name) {
+  const auto entry = ReadWholeFile(std::string(kSpoolPrintersDir) + "/" + name);
+  return entry && entry->starts_with(L_BridgeEntry);
+}
+
 void AskSpooler() { L_Question.emplace(SpoolerQuestion()); }
 
 void CompareWithSpooler(const CList *removed, CList *messages) {
@@ -240,8 +255,9 @@ void CompareWithSpooler(const CList *removed, CList *messages) {
   ForgetIncompleteQueues();
   const Owned<CList> entries = GetFilesFromDir(kSpoolPrintersDir);
   const SpoolerState spooler = {AnswerOfSpooler(), NamesOf(entries.get()), NamesOf(removed)};
+  Findings findings;
   const auto check = [&](const char *name, const QueueScript &script) {
-    return CheckQueue(name, script, spooler, messages);
+    return CheckQueue(name, script, spooler, findings);
   };
   if (removed == nullptr) {
     RemoveInexistentSystemVQueues(messages, check);
@@ -252,5 +268,6 @@ void CompareWithSpooler(const CList *removed, CList *messages) {
     }
   }
   MarkRests(spooler);
-  TakeInUnlisted(spooler, messages);
+  TakeInUnlisted(spooler, findings, messages);
+  Report(findings, messages);
 }

@@ -20,6 +20,9 @@ std::string SpoolerQuestion();
 // script holds no whole block or names a printer that is not in G_Printers_hash.
 [[nodiscard]] Owned<CPrintQueue> QueueFromScript(const char *name, const std::string &script);
 
+// Whether the spooler's entry of the queue is one that the bridge made.
+[[nodiscard]] bool HasBridgeEntry(const std::string &name);
+
 // Asks the spooler which queues it has, without waiting for the answer.
 void AskSpooler();
 
@@ -31,6 +34,6 @@ void AskSpooler();
 // gone while the spooler still has them. So are those of `removed` of which the spooler still has
 // something. Without an unfinished save the other queues that the spooler has not are dropped
 // (RemoveInexistentSystemVQueues). Queues in the spooler that are ours and in neither set come into
-// G_Queues_hash. All but those of `removed` are reported to `messages`, and so is what KPXadmin
-// left in the spooler and cannot be understood, with the command that removes it.
+// G_Queues_hash. All but those of `removed` are reported to `messages`, a line a cause, and so is
+// what KPXadmin left in the spooler and cannot be understood, with the command that removes it.
 void CompareWithSpooler(const CList *removed, CList *messages);

@@ -25,6 +25,7 @@ inline constexpr char kLpadmin[] = "/usr/lib/lpadmin";
 inline constexpr char kAccept[] = "/usr/bin/accept";
 inline constexpr char kEnable[] = "/usr/bin/enable";
 inline constexpr char kDialogOptions[] = "/usr/lib/kpxppd";
+inline constexpr char kCupsDescriptionsDir[] = "/etc/cups/ppd";  // CUPS's own
 inline constexpr char kLp[] = "/usr/bin/lp";
 inline constexpr char kLpstat[] = "/usr/bin/lpstat";
 inline constexpr char kSpoolPrintersDir[] = "/usr/spool/lp/admins/lp/printers";

@@ -7,6 +7,7 @@
 #include <optional>
 #include <set>
 #include <utility>
+#include <vector>
 
 #include "cmessages.h"
 #include "command.h"
@@ -54,13 +55,6 @@ bool HasEntry(const char *name) {
 // Whether a queue to be removed is one that KPXadmin may remove.
 bool MayRemove(const char *name, ScriptState script) {
   return script == ScriptState::Ours || (script == ScriptState::Gone && IsIncompleteQueue(name));
-}
-
-void SetAside(const char *name) {
-  if (L_SetAside == nullptr) L_SetAside = CreateHash();
-  Owned<CPrintQueue> queue = CloneOf(HashValue<CPrintQueue>(G_Queues_hash, name));
-  if (queue != nullptr)
-    IgnoreResult(HashPut(L_SetAside.get(), name, std::move(queue)), "the dictionary is there");
 }
 
 void DeleteUsersFiles(const char *name) {
@@ -149,18 +143,26 @@ int RemoveInexistentSystemVQueues(CList *errors, const QueueFilter &stays) {
   L_SetAside.reset();
   L_TakenBack.clear();
   const Owned<CList> names = fGetKeys_CHash_Function(G_Queues_hash);
+  std::vector<std::string> changed;
   for (const CString *element : Elements<CString>(names.get())) {
     const char *name = fGet_CString_Value_Function(element);
     const QueueScript script = ReadQueueScript(name, errors);
-    if (script.state == ScriptState::NotOurs) G_Report(errors, "WARN_QUEUE_SCRIPT_CHANGED", {name});
+    if (script.state == ScriptState::NotOurs) changed.emplace_back(name);
     if (stays && stays(name, script)) continue;
     if (script.state == ScriptState::Ours) continue;
     if (script.state == ScriptState::Unreadable || script.state == ScriptState::NotAFile) {
-      SetAside(name);
+      SetAsideQueue(name, CloneOf(HashValue<CPrintQueue>(G_Queues_hash, name)));
     }
     HashRemove(G_Queues_hash, name);
   }
+  ReportNames(errors, "WARN_QUEUE_SCRIPT_CHANGED", "WARN_QUEUES_SCRIPT_CHANGED", changed);
   return 1;
+}
+
+void SetAsideQueue(const char *name, Owned<CPrintQueue> queue) {
+  if (L_SetAside == nullptr) L_SetAside = CreateHash();
+  if (queue != nullptr)
+    IgnoreResult(HashPut(L_SetAside.get(), name, std::move(queue)), "the dictionary is there");
 }
 
 bool IsSetAside(const char *name) { return HashFind(L_SetAside.get(), name) != nullptr; }

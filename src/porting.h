@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "clist.h"
+#include "cprintqueue.h"
 
 // The line of an interface script by which a queue is known as ours.
 inline constexpr char kMarkerLine[] = "# the following lines are inserted by KPXadmin";
@@ -68,6 +69,9 @@ int RemoveInexistentSystemVQueues(CList *errors, const QueueFilter &stays = {});
 
 // True for a queue that was set aside.
 [[nodiscard]] bool IsSetAside(const char *name);
+
+// Sets `queue` of that name aside too.
+void SetAsideQueue(const char *name, Owned<CPrintQueue> queue);
 
 // Puts the queues that were set aside back into G_Queues_hash, so that a save does not forget them;
 // one whose name has been taken meanwhile is left out.

@@ -77,7 +77,7 @@ void BringSpoolerInLine(const CList *deleted, CList *errors, const SaveObserver 
 // True when each queue that the save made has its lines in its interface script.
 bool HasAllScripts() {
   for (const auto [name, queue] : Pairs<CPrintQueue>(G_Queues_hash)) {
-    if (LookAtScript(name).state == ScriptState::NotOurs) return false;
+    if (!WasSetAside(name) && LookAtScript(name).state == ScriptState::NotOurs) return false;
   }
   return true;
 }

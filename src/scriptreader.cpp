@@ -145,3 +145,8 @@ std::string ModelOfScript(std::string_view script) {
   script.remove_prefix(L_ModelBegin.size());
   return std::string(script.substr(0, script.find(',')));
 }
+
+std::string_view ModelPartOf(std::string_view script) {
+  if (!IsFromBridge(script)) return {};
+  return script.substr(0, script.find(L_ModelEnd) + L_ModelEnd.size());
+}

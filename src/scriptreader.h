@@ -26,3 +26,6 @@ BlockReading ReadInterfaceBlock(std::string_view script);
 
 // The model that such a script was made from, as the spooler names it; empty for another.
 std::string ModelOfScript(std::string_view script);
+
+// The beginning of such a script, which is that of its model, to its last line; empty for another.
+std::string_view ModelPartOf(std::string_view script);

@@ -149,6 +149,22 @@ std::optional<std::vector<SpoolerJob>> AskForJobs(IppClient &client, bool own) {
   return newest_first;
 }
 
+std::optional<std::map<std::string, std::string>> AskForDevices(IppClient &client,
+                                                                std::string *words) {
+  IppRequest request(*client.cups(), IPP_OP_CUPS_GET_PRINTERS, "");
+  request.Texts(IPP_TAG_OPERATION, "requested-attributes", {"printer-name", "device-uri"});
+  const IppAnswer answer = client.Do(request, IPP_TAG_PRINTER);
+  if (answer.kind != IppAnswer::Kind::Done) {
+    *words = answer.words;
+    return std::nullopt;
+  }
+  std::map<std::string, std::string> devices;
+  for (const IppObject &object : answer.objects) {
+    devices[TextIn(object, "printer-name")] = TextIn(object, "device-uri");
+  }
+  return devices;
+}
+
 bool AskForJob(IppClient &client, int number, std::vector<SpoolerJob> *found) {
   IppRequest request(*client.cups(), IPP_OP_GET_JOB_ATTRIBUTES, JobObject(number));
   request.Texts(IPP_TAG_OPERATION, "requested-attributes", L_JobAttributes);

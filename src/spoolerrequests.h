@@ -1,7 +1,9 @@
 // What the program asks the print service for, as IPP requests. Each waits for the answer.
 #pragma once
 
+#include <map>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "ippclient.h"
@@ -12,6 +14,13 @@
 [[nodiscard]] std::optional<std::vector<SpoolerJob>> AskForJobs(IppClient &client, bool own);
 // Appends that job to `found` if there is one. False without an answer.
 [[nodiscard]] bool AskForJob(IppClient &client, int number, std::vector<SpoolerJob> *found);
+
+// The device of every queue of the spooler bridge, whose backend knows a queue by its name.
+inline constexpr char kBridgeDevice[] = "kpxlp:/interface";
+// The devices of all queues by the queues' names; nothing, with `*words`, when the service does not
+// say.
+[[nodiscard]] std::optional<std::map<std::string, std::string>> AskForDevices(IppClient &client,
+                                                                              std::string *words);
 
 // Has the service keep the events of its queues and jobs from now on: the subscription's number, 0
 // when it does not.

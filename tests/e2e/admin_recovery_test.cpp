@@ -198,8 +198,7 @@ TEST_F(AdminRecovery, AQueueWhoseScriptIsCutOrGoneIsMadeAnewBySave) {
   std::ofstream(InterfacePath("office")) << script.substr(0, script.size() - 30);
   std::filesystem::remove(InterfacePath("lab"));
   AdminApp app;
-  ExpectTold(app, {CatalogueText("WARN_QUEUE_INCOMPLETE", {"lab"}),
-                   CatalogueText("WARN_QUEUE_INCOMPLETE", {"office"})});
+  ExpectTold(app, {CatalogueText("WARN_QUEUES_INCOMPLETE", {"2", "lab, office"})});
   EXPECT_EQ((Strings{"-lab", "-office"}), app.QueueNames());
   PressSave(app);
   EXPECT_EQ(saved, SavedState());

@@ -87,11 +87,13 @@ std::string StateOfItsDirectories() {
                "done | sort");
 }
 
-// The same package as a later version, in `directory`.
-std::string LaterPackage(const TemporaryDirectory &directory) {
+// The same package as a later version, in `directory`; `change` is a shell command that changes its
+// files.
+std::string LaterPackage(const TemporaryDirectory &directory, const std::string &change = ":") {
   const std::string tree = directory.Path("tree");
-  Shell("dpkg-deb -R " + Package() + " " + tree + " && sed -i 's/^Version:.*/&+later/' " + tree +
-        "/DEBIAN/control && dpkg-deb -Znone -b " + tree + " " + directory.Path("later.deb"));
+  Shell("dpkg-deb -R " + Package() + " " + tree + " && cd " + tree + " && " + change +
+        " && sed -i 's/^Version:.*/&+later/' DEBIAN/control && dpkg-deb -Znone -b . " +
+        directory.Path("later.deb"));
   return directory.Path("later.deb");
 }
 
@@ -249,6 +251,25 @@ TEST_F(PackageTest, AnUpgradeGivesTheQueuesOfAnOlderVersionTheirOptions) {
   EXPECT_EQ(1, PagesOf(PostScriptOf(jobs.Next()).at(0)));
   Shell("echo 'After that' | lp -d lp1 -o sides=two-sided-short-edge");
   EXPECT_NE(std::string::npos, jobs.Next().find("*Duplex DuplexTumble\n"));
+}
+
+TEST_F(PackageTest, AnUpgradeBringsChangedModelScriptsToTheQueues) {
+  const TemporaryDirectory directory;
+  const std::string later =
+      LaterPackage(directory, "sed -i \"s/^CAT='cat'/CAT='cat -u'/\" usr/spool/lp/model/vek4105");
+  MustDpkg({"-i", Package()});
+  MakeWhatUsersMake();
+  Shell(KPX_MAKEQUEUES " lp2=text='Vek Norvel 4105'");
+  const std::string scripts = kBridgeInterfaces;
+  const std::string lines = Shell("sed '1,/^# End of the model/d' " + scripts + "/lp1");
+  Shell("sed -i 's/^set -e$/set -e # mine/' " + scripts + "/lp2");
+  const NoScheduler down;  // which an upgrade may have stopped
+  MustDpkg({"-i", later});
+  EXPECT_EQ("CAT='cat -u'", Shell("grep ^CAT= " + scripts + "/lp1"));
+  EXPECT_EQ(lines, Shell("sed '1,/^# End of the model/d' " + scripts + "/lp1"));
+  EXPECT_EQ("755 lp bin", Shell("stat -c '%a %U %G' " + scripts + "/lp1"));
+  EXPECT_EQ("CAT='cat'", Shell("grep ^CAT= " + scripts + "/lp2")) << "somebody changed it";
+  EXPECT_FALSE(fs::exists("/opt/orlan/data/former-models"));
 }
 
 TEST_F(PackageTest, ARemovalKeepsWhatUsersMadeAndAPurgeTakesIt) {

@@ -28,9 +28,13 @@ inline constexpr char kQueueMessages[] =
     "#WARN_SAVE_UNFINISHED\nunfinished\n"
     "#WARN_SAVE_UNKNOWN\nunknown <%s>\n"
     "#WARN_QUEUE_FOUND\nfound <%s>\n"
+    "#WARN_QUEUES_FOUND\nfound <%d> <%s>\n"
     "#WARN_QUEUE_INCOMPLETE\nincomplete <%s>\n"
+    "#WARN_QUEUES_INCOMPLETE\nincomplete <%d> <%s>\n"
     "#WARN_QUEUE_UNKNOWN\nunknown <%s> <%s>\n"
+    "#WARN_QUEUES_UNKNOWN\nunknown <%d> <%s>\n"
     "#WARN_QUEUE_SCRIPT_CHANGED\nchanged <%s>\n"
+    "#WARN_QUEUES_SCRIPT_CHANGED\nchanged <%d> <%s>\n"
     "#WARN_SETTINGS_SHARED\nshared <%s>\n";
 
 inline Owned<CString> Text(const std::string &text) { return CreateStringWithValue(text.c_str()); }

@@ -102,6 +102,25 @@ TEST_F(FoundQueues, AQueueOfOursThatTheListLacksIsTakenInWithWhatItsScriptSays) 
   EXPECT_EQ(QueueListText(G_Queues_hash, &left_out), QueueListText(expected.get(), &left_out));
 }
 
+TEST_F(FoundQueues, QueuesWithOneCauseAreToldInOneLine) {
+  std::vector<std::string> names;
+  for (int number = 10; number < 31; ++number) {
+    const std::string name = "q" + std::to_string(number);
+    spooler_.AddQueue(name, SpoolerStandIn::kModelScript + InterfaceBlockText(kBlock));
+    Must(HashPut(G_Queues_hash, ("cut" + name).c_str(), MakeQueue({.name = "cut" + name})));
+    const std::string script = BridgeModel("vek4110") + InterfaceBlockText(kBlock);
+    spooler_.AddQueue("cut" + name, script.substr(0, script.size() - 40));
+    names.push_back(name);
+  }
+  std::string shown, cut;  // the first twenty
+  for (int i = 0; i < 20; ++i) {
+    shown += names[static_cast<size_t>(i)] + ", ";
+    cut += "cut" + names[static_cast<size_t>(i)] + ", ";
+  }
+  EXPECT_EQ(Compare(),
+            (Strings{"incomplete <21> <" + cut + "...>", "found <21> <" + shown + "...>"}));
+}
+
 TEST_F(FoundQueues, ItsOptionFileTellsItsSettings) {
   std::ofstream(kOptions) << "*PageSize=A4\n*OptionHCF=True\n*CustomPaperSize=Ticket''210''400\n"
                              "*CustomMediaType=Gloss::Glossy paper\n";
@@ -126,7 +145,7 @@ TEST_F(FoundQueues, TheModelOrTheTransportTellsThePrinterOfARawQueue) {
   spooler_.AddQueue("unknown", SpoolerStandIn::kModelScript + InterfaceBlockText(block));
   block.transport_parameter = "45";
   spooler_.AddQueue("by_transport", SpoolerStandIn::kModelScript + InterfaceBlockText(block));
-  EXPECT_EQ(Compare(), (Strings{"found <by_model>", "found <by_transport>",
+  EXPECT_EQ(Compare(), (Strings{"found <2> <by_model, by_transport>",
                                 "unknown <unknown> </usr/lib/lpadmin -x unknown>"}));
   EXPECT_EQ(TextOrNull(HashValue<CPrintQueue>(G_Queues_hash, "by_model")->PrinterName.get()),
             "Vek Norvel 4121");
