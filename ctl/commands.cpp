@@ -6,6 +6,7 @@
 #include "declarecommands.h"
 #include "modelcommands.h"
 #include "output.h"
+#include "remotehosts.h"
 #include "session.h"
 #include "undocommands.h"
 #include "viewcommands.h"
@@ -27,6 +28,9 @@ std::string Synopsis(const Command &command) {
 
 void PrintHelp() {
   PrintLine(G_Message("CTL_USAGE", {std::string(kName) + " COMMAND ..."}));
+  PrintLine("");
+  PrintLine("  " + std::string(kName) + " --host HOST[,HOST...] COMMAND ...");
+  PrintLine("      " + std::string(G_Translate("CTL_HELP_HOST")));
   for (const Command &command : Commands()) {
     PrintLine("");
     PrintLine("  " + Synopsis(command));
@@ -54,6 +58,32 @@ Status Run(const Command &command, const std::vector<std::string> &words) {
   return command.run(call);
 }
 
+constexpr std::string_view kHost = "--host";
+
+bool IsHostWord(const std::string &word) {
+  return word == kHost || word.starts_with(std::string(kHost) + "=");
+}
+
+// --host HOSTS, as often as it is given, and a command for them.
+Status RunRemotely(const std::vector<std::string> &words) {
+  std::vector<std::string> values;
+  size_t next = 0;
+  for (; next < words.size() && IsHostWord(words[next]); ++next) {
+    if (words[next] != kHost) {
+      values.push_back(words[next].substr(kHost.size() + 1));
+    } else if (next + 1 < words.size()) {
+      values.push_back(words[++next]);
+    } else {
+      return Refuse(G_Message("CTL_VALUE_MISSING", {kHost.data()}));
+    }
+  }
+  std::string wrong;
+  const std::optional<std::vector<std::string>> hosts = HostsOf(values, &wrong);
+  if (!hosts) return Refuse(G_Message("CTL_HOST_BAD", {wrong}));
+  if (next == words.size()) return Refuse(G_Message("CTL_WORD_MISSING", {"COMMAND"}));
+  return RunOnHosts(*hosts, {words.begin() + static_cast<std::ptrdiff_t>(next), words.end()});
+}
+
 }  // namespace
 
 const std::vector<Command> &Commands() {
@@ -72,6 +102,7 @@ const std::vector<Command> &Commands() {
 
 Status RunCommandLine(const std::vector<std::string> &words) {
   if (words.empty()) return Refuse(G_Message("CTL_WORD_MISSING", {"COMMAND"}));
+  if (IsHostWord(words[0])) return RunRemotely(words);
   if (words[0] == "--help" || words[0] == "-h") {
     PrintHelp();
     return kDone;
