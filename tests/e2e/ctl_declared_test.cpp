@@ -214,28 +214,56 @@ TEST_F(CtlDeclared, ReturnToTheStateBeforeEachOfTheLastTenSaves) {
   ExpectRefused({"undo", "11"}, 2, CatalogueText("CTL_WRONG_WORD", {"11"}));
 }
 
+// For its lifetime a command of the bridge first kills the kpxctl that called it, when it is called
+// for that queue.
+class KillingCommand {
+ public:
+  KillingCommand(const std::string &path, const std::string &queue)
+      : path_(path), real_(directory_.Path(std::filesystem::path(path).filename())) {
+    std::filesystem::copy(path, real_);
+    std::filesystem::remove(path);
+    std::ofstream(path) << "#!/bin/sh\nup=$PPID\n"
+                           "while [ \"$(cat /proc/$up/comm)\" != kpxctl ]; do\n"
+                           "  up=$(ps -o ppid= -p $up | tr -d ' ')\ndone\n"
+                           "case \"$*\" in *"
+                        << queue << "*) kill -9 \"$up\";; esac\nexec " << real_ << " \"$@\"\n";
+    std::filesystem::permissions(path, std::filesystem::perms(0755));
+  }
+  ~KillingCommand() {
+    std::filesystem::remove(path_);
+    std::filesystem::copy(real_, path_);
+  }
+  KillingCommand(const KillingCommand &) = delete;
+  KillingCommand &operator=(const KillingCommand &) = delete;
+
+ private:
+  TemporaryDirectory directory_;
+  std::string path_;
+  std::string real_;
+};
+
 TEST_F(CtlDeclared, AreAppliedAgainAfterAnInterruption) {
   const std::string file = Write(kSite);
-  // The bridge's command kills what called it, at the second queue.
-  const TemporaryDirectory directory;
-  const std::string real = directory.Path("lpadmin");
-  std::filesystem::copy("/usr/lib/lpadmin", real);
-  {
-    const ChangedFile killing("/usr/lib/lpadmin",
-                              "#!/bin/sh\nup=$PPID\n"
-                              "while [ \"$(cat /proc/$up/comm)\" != kpxctl ]; do\n"
-                              "  up=$(ps -o ppid= -p $up | tr -d ' ')\ndone\n"
-                              "case \"$*\" in *acc2*) kill -9 \"$up\";; esac\n"
-                              "exec " +
-                                  real + " \"$@\"\n");
-    std::filesystem::permissions("/usr/lib/lpadmin", std::filesystem::perms(0755));
-    EXPECT_EQ(128 + SIGKILL, Kpxctl({"apply", file}).status);
+  struct Point {
+    const char *command, *queue;
+  };
+  for (const Point &point : {Point{"/usr/lib/lpadmin", "acc1"},
+                             {"/usr/bin/accept", "acc1"},
+                             {"/usr/lib/lpadmin", "acc2"},
+                             {"/usr/bin/enable", "list1"}}) {
+    const std::string where = std::string(point.command) + " " + point.queue;
+    {
+      const KillingCommand killing(point.command, point.queue);
+      EXPECT_EQ(128 + SIGKILL, Kpxctl({"apply", file}).status) << where;
+    }
+    const CommandResult again = Kpxctl({"apply", file});
+    EXPECT_EQ(0, again.status) << where << "\n" << again.output;
+    EXPECT_EQ((Strings{"acc1", "acc2", "list1"}), SpoolerQueues()) << where;
+    EXPECT_EQ("*Duplex=DuplexNoTumble\n*InputSlot=HCF\n*OptionHCF=True\n", Def("acc1")) << where;
+    Expect({"apply", file}, Nothing());
+    Expect({"apply", Write("{}")}, "- acc1\n- acc2\n- list1\n");
+    Write(kSite);
   }
-  std::filesystem::permissions("/usr/lib/lpadmin", std::filesystem::perms(0755));
-  const CommandResult again = Kpxctl({"apply", file});
-  EXPECT_EQ(0, again.status) << again.output;
-  EXPECT_EQ((Strings{"acc1", "acc2", "list1"}), SpoolerQueues());
-  Expect({"apply", file}, Nothing());
 }
 
 }  // namespace
