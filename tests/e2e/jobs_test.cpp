@@ -79,17 +79,16 @@ TEST_F(Jobs, AreListedTheNewestFirstWithStateAndReason) {
 
 // Of all jobs at once CUPS tells no more than 500.
 TEST_F(Jobs, AreAllListedHoweverManyThereAre) {
-  if (std::getenv("KPX_LONG") == nullptr) GTEST_SKIP() << "only with KPX_LONG=1: 520 jobs";
+  const int count = std::getenv("KPX_LONG") == nullptr ? 30 : 520;
+  const std::string number = std::to_string(count);
   const SchedulerConfiguration unlimited(SchedulerConfiguration::Current() + "\nMaxJobs 0\n");
   const TestQueue queue("office");
-  ASSERT_EQ(0,
-            RunProgram({"sh", "-c",
-                        "for i in $(seq 520); do echo data | lp -d office -H hold -t $i || exit; "
-                        "done"})
-                .status);
+  const std::string print =
+      "for i in $(seq " + number + "); do echo data | lp -d office -H hold -t $i || exit; done";
+  ASSERT_EQ(0, RunProgram({"sh", "-c", print}).status);
   JobsApp app;
-  app.WaitUntil("all jobs", [&] { return app.RowCount("JobsClist") == 520; });
-  EXPECT_EQ("520", app.Cell("JobsClist", "520", 0));
+  app.WaitUntil("all jobs", [&] { return app.RowCount("JobsClist") == count; });
+  EXPECT_EQ(number, app.Cell("JobsClist", number, 0));
 }
 
 TEST_F(Jobs, ThatComeAndGoAreShownByThemselves) {
