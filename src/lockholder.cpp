@@ -49,8 +49,10 @@ std::optional<LockHolder> HolderOfQueueList(const std::string &list_path) {
   for (std::string line; std::getline(locks, line);) {
     const pid_t process = HolderIn(line, status.st_ino);
     if (process == 0) continue;
-    const std::string name = ReadWholeFile(ProcessFile(process, "comm")).value_or("?");
-    return LockHolder{process, PlainText(Trimmed(name)), UserOf(process)};
+    // A process that has ended may have left the lock to its children.
+    const std::optional<std::string> name = ReadWholeFile(ProcessFile(process, "comm"));
+    if (!name) return std::nullopt;
+    return LockHolder{process, PlainText(Trimmed(*name)), UserOf(process)};
   }
   return std::nullopt;
 }
