@@ -9,7 +9,7 @@ constexpr std::string_view L_CapturedInput = "KPXtool.stdindata.";
 constexpr std::string_view L_Paused = "Paused";  // what CUPS says when nobody gave a reason
 constexpr std::string_view L_Held = "; the job is held";
 constexpr std::string_view L_Stops = "; the queue ";
-constexpr std::string_view L_Transport = "kpxnbtrans: ";
+constexpr std::string_view L_Transports[] = {"kpxnbtrans: ", "kpxbackend: "};
 constexpr std::string_view L_CannotReach = "cannot reach ";
 constexpr std::string_view L_UnknownStatus = "exit status of its interface script is unknown";
 
@@ -147,7 +147,9 @@ TroubleReading ReadTrouble(std::string_view words) {
     if (trouble.printer_key == nullptr) trouble.kind = Trouble::None;
   }
   for (const std::string_view end : {L_Held, L_Stops}) words = words.substr(0, words.find(end));
-  if (words.starts_with(L_Transport)) words.remove_prefix(L_Transport.size());
+  for (const std::string_view transport : L_Transports) {
+    if (words.starts_with(transport)) words.remove_prefix(transport.size());
+  }
   trouble.cause = Plain(std::string(words));
   if (trouble.kind == Trouble::Unreachable || trouble.kind == Trouble::UnknownName) {
     ReadUnreachable(&trouble);

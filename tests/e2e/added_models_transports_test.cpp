@@ -98,19 +98,20 @@ TEST_F(Transports, FaultsHaveOurStatusesAndWords) {
     int status;
     std::string words;
   };
-  for (const Row &row :
-       std::vector<Row>{{"INFO: Printing page 1\n", 0, 0, "kpxbackend: Printing page 1"},
-                        {"STATE: +media-empty-error\nDEBUG: secret\n", 0, 0, "out of paper"},
-                        {"STATE: +media-jam-error,cover-open\n", 4, 129, "paper is jammed"},
-                        {"STATE: +connecting-to-device\n", 1, 75, "took nothing of the job"},
-                        {"ERROR: Unable to add document to print job.\n", 0, 69, "refused the job"},
-                        {"DEBUG: job-state enum aborted\n", 0, 76, "cancelled at the printer"},
-                        {"STATE: +connecting-to-device\nSTATE: -connecting-to-device\n", 1, 76,
-                         "may have been printed"},
-                        {"ERROR: Try again later\n", 6, 75, "Try again later"},
-                        {"", 7, 75, "took nothing of the job"},
-                        {"", 2, 69, "a user name and a password"},
-                        {"", 3, 76, "may have been printed"}}) {
+  for (const Row &row : std::vector<Row>{
+           {"INFO: Printing page 1\n", 0, 0, "kpxbackend: Printing page 1"},
+           {"STATE: +media-empty-error\nDEBUG: secret\n", 0, 0, "the printer says: out of paper"},
+           {"STATE: +toner-low\nSTATE: -toner-low\n", 0, 0, "ready again"},
+           {"STATE: +media-jam-error,cover-open\n", 4, 129, "the printer says: paper jam"},
+           {"STATE: +connecting-to-device\n", 1, 75, "took nothing of the job"},
+           {"ERROR: Unable to add document to print job.\n", 0, 69, "refused the job"},
+           {"DEBUG: job-state enum aborted\n", 0, 76, "cancelled at the printer"},
+           {"STATE: +connecting-to-device\nSTATE: -connecting-to-device\n", 1, 76,
+            "may have been printed"},
+           {"ERROR: Try again later\n", 6, 75, "Try again later"},
+           {"", 7, 75, "took nothing of the job"},
+           {"", 2, 69, "a user name and a password"},
+           {"", 3, 76, "may have been printed"}}) {
     const StandInBackend backend(row.says, row.backend_status);
     const CommandResult result = RunProgram({kBackend, "printer.example", "631", "ipp"}, "data");
     EXPECT_EQ(result.status, row.status) << row.says << result.output;
@@ -180,7 +181,7 @@ TEST_F(Transports, FaultsOfPrintersAreTold) {
                         {"lpd", kLpdPrinter, "data", 69, "127.0.0.1 refused the job"},
                         {"lpd", kLpdPrinter, "gone", 76, "may have been printed"},
                         {"ipp", kIppPrinter, "format", 69, "127.0.0.1 refused the job"},
-                        {"ipp", kIppPrinter, "jam", 0, "paper is jammed in the printer"},
+                        {"ipp", kIppPrinter, "jam", 0, "the printer says: paper jam"},
                         {"ipp", kIppPrinter, "job", 76, "parts of it may have been printed"}}) {
     NetworkPrinter printer(kPort, row.program, {"--fail", row.fault});
     const CommandResult result = Carry("127.0.0.1", row.transport);
@@ -194,7 +195,7 @@ TEST_F(Transports, AnUnknownHostIsToldAndTheJobWaits) {
     const CarriedQueue queue(transport, "no-such-host.invalid");
     SchedulerLog log;
     CarriedQueue::Print();
-    log.WaitFor("kpxbackend: cannot look up the name no-such-host.invalid");
+    log.WaitFor("(cannot look up the name no-such-host.invalid)");
   }
 }
 

@@ -36,6 +36,10 @@ const Row kRows[] = {
      Trouble::SaysItself, "",
      "the printer has taken no data for 30 s (it last answered 1 s ago); the printer says: door "
      "open; waiting"},
+    {"kpxbackend: the printer says: paper jam", Trouble::SaysItself, "",
+     "the printer says: paper jam"},
+    {"kpxbackend: cannot reach 10.9.0.5 port 515 (it is off or busy)", Trouble::Unreachable,
+     "10.9.0.5", "it is off or busy"},
     {"kpxnbtrans: the printer says: ready again", Trouble::None, "",
      "the printer says: ready again"},
     {"kpxnbtrans: the connection to p broke after 8 bytes (reset); giving up: the printer may have "
