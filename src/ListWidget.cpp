@@ -245,21 +245,24 @@ void SortByTitle(GtkTreeViewColumn *column, gpointer list) {
   g_idle_add_full(G_PRIORITY_HIGH_IDLE, RearrangeLater, g_object_ref(list), g_object_unref);
 }
 
-// The space bar selects a row and does no more.
-bool IsSpaceBar() {
+// The space bar and the mouse select a row and do no more.
+bool IsSelectionOnly() {
   GdkEvent *event = gtk_get_current_event();
+  if (event == nullptr) return false;
+  guint button = 0;
   guint key = GDK_KEY_VoidSymbol;
-  const bool is_space = event != nullptr && gdk_event_get_keyval(event, &key) != FALSE &&
+  const bool is_click = gdk_event_get_button(event, &button) != FALSE;
+  const bool is_space = gdk_event_get_keyval(event, &key) != FALSE &&
                         (key == GDK_KEY_space || key == GDK_KEY_KP_Space);
-  if (event != nullptr) gdk_event_free(event);
-  return is_space;
+  gdk_event_free(event);
+  return is_click || is_space;
 }
 
 void ReportActivation(GtkTreeView *view, GtkTreePath *path, GtkTreeViewColumn *, gpointer) {
   GtkWidget *list = GTK_WIDGET(view);
   const ListState *state = StateOf(list);
   GtkTreeIter iter;
-  if (state->activated == nullptr || IsSpaceBar() || !RowOfPath(list, path, &iter)) return;
+  if (state->activated == nullptr || IsSelectionOnly() || !RowOfPath(list, path, &iter)) return;
   const int row = RowNumber(ModelOf(list), iter);
   if (ListIsSelected(list, row)) state->activated(row);
 }

@@ -22,7 +22,7 @@ GtkWidget *NewList(const std::vector<ListColumn> &columns, GtkSelectionMode mode
 // order with the unselected rows first.
 void ListOnSelection(GtkWidget *list, ListRowHandler selected, ListRowHandler unselected);
 
-// Return and a double click on a row that is selected then run `activated`.
+// Return on a row that is selected then runs `activated`; a double click does not.
 void ListOnActivation(GtkWidget *list, ListRowHandler activated);
 
 // A click on a title sorts the shown rows by its column, a second one the other way round, a third
