@@ -1,5 +1,5 @@
-// Part of kpxfilter in the sanitizer build: in a process that a test traces, leaks cannot be looked
-// for, and the attempt would end it with a failure.
+// Part of kpxfilter and of the bridge's programs in the sanitizer build: in a process that a test
+// traces, leaks cannot be looked for, and the attempt would end it with a failure.
 #include <fstream>
 #include <string>
 
