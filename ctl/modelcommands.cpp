@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdlib>
-#include <nlohmann/json.hpp>
 
 #include "addedmodels.h"
 #include "addedppd.h"
 #include "cmessages.h"
+#include "jsonoutput.h"
 #include "modelfiles.h"
 #include "modelsource.h"
 #include "output.h"
@@ -20,15 +20,7 @@ namespace kpx::ctl {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
-
 constexpr int kUsualSpeed = 30;  // pages a minute, where a PPD file says nothing
-
-std::string Joined(const std::vector<std::string> &words) {
-  std::string text;
-  for (const std::string &word : words) text += (text.empty() ? "" : ", ") + word;
-  return text;
-}
 
 Json JsonOf(const AddedModel &model) {
   return {{"name", model.printer_name},
@@ -38,12 +30,6 @@ Json JsonOf(const AddedModel &model) {
           {"pages-a-minute", model.pages_a_minute},
           {"languages", model.languages},
           {"source", model.source}};
-}
-
-void PrintJson(const Json &json) {
-  const std::string text =
-      json.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
-  std::fwrite(text.data(), 1, text.size(), stdout);
 }
 
 Status Fail(const std::string &path) {
@@ -154,7 +140,7 @@ bool IsInUse(const AddedModel &model, Status *status) {
     return true;
   }
   if (!queues->empty()) {
-    Complain(G_Message("CTL_MODEL_IN_USE", {model.printer_name, Joined(*queues)}));
+    Complain(G_Message("CTL_MODEL_IN_USE", {model.printer_name, JoinedWords(*queues)}));
   }
   return !queues->empty();
 }
@@ -163,7 +149,7 @@ Status Report(const Call &call, const char *key, const Addition &addition) {
   if (call.Has("--json")) {
     Json json = JsonOf(addition.model);
     json["faults"] = addition.faults;
-    PrintJson(json);
+    PrintJsonText(json);
     return kDone;
   }
   if (call.Has("--dry-run")) PrintLine(G_Translate("CTL_DRY_RUN"));
@@ -218,7 +204,7 @@ Status List(const Call &call) {
   if (call.Has("--json")) {
     Json json = Json::array();
     for (const AddedModel &model : models) json.push_back(JsonOf(model));
-    PrintJson(json);
+    PrintJsonText(json);
   } else {
     for (const AddedModel &model : models) PrintLine(model.printer_name);
     if (models.empty() && bad.empty()) PrintLine(G_Translate("CTL_MODEL_NONE"));
@@ -238,12 +224,13 @@ Status Show(const Call &call) {
   if (call.Has("--json")) {
     Json json = JsonOf(*model);
     json["queues"] = *queues;
-    PrintJson(json);
+    PrintJsonText(json);
     return kDone;
   }
   PrintLine(model->printer_name);
   PrintLine("  " + G_Message("CTL_MODEL_SENDS", {model->transport, model->port}));
-  PrintLine("  " + G_Message("CTL_MODEL_SPEED", {model->pages_a_minute, Joined(model->languages)}));
+  PrintLine("  " +
+            G_Message("CTL_MODEL_SPEED", {model->pages_a_minute, JoinedWords(model->languages)}));
   PrintLine("  " + G_Message("CTL_MODEL_FILES", {model->id, model->source}));
   for (const std::string &queue : *queues) PrintLine("  " + G_Message("CTL_MODEL_QUEUE", {queue}));
   return kDone;
@@ -315,7 +302,7 @@ Status Search(const Call &call) {
     for (const CupsModel &model : *models) {
       json.push_back({{"name", model.name}, {"make-and-model", model.maker}});
     }
-    PrintJson(json);
+    PrintJsonText(json);
     return kDone;
   }
   for (const CupsModel &model : *models) PrintLine(model.name + "  " + DisplayText(model.maker));

@@ -1,9 +1,9 @@
 #include "whycommand.h"
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
 #include <vector>
 
+#include "jsonoutput.h"
 #include "output.h"
 #include "utils.h"
 #include "whycheck.h"
@@ -29,7 +29,7 @@ const char *WordFor(WhyResult result) {
 Status Why(const Call &call) {
   const char *user = GetUserName(nullptr);
   const bool json = call.Has("--json");
-  nlohmann::json found = nlohmann::json::array();
+  Json found = Json::array();
   std::vector<WhyStep> steps;
   CheckWhy(AskForSubject(call.words[0], user == nullptr ? "" : user), [&](const WhyStep &step) {
     steps.push_back(step);
@@ -40,7 +40,11 @@ Status Why(const Call &call) {
     const std::string mend = WhyMend(step);
     if (!mend.empty()) PrintLine("    " + mend);
   });
-  PrintLine(json ? found.dump(2) : WhyConclusion(steps));
+  if (json) {
+    PrintJsonText(found);
+  } else {
+    PrintLine(WhyConclusion(steps));
+  }
   const auto is_bad = [](const WhyStep &step) { return step.result == WhyResult::Bad; };
   return std::any_of(steps.begin(), steps.end(), is_bad) ? kFailed : kDone;
 }
