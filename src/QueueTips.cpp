@@ -61,9 +61,15 @@ gboolean StartWatching(gpointer) {
   return G_SOURCE_REMOVE;
 }
 
+void ForgetGoneList(GtkWidget *list, gpointer) {
+  if (L_Watched != nullptr && L_Watched->list == list) ForgetListedQueues();
+}
+
 }  // namespace
 
 void WatchListedQueues(GtkWidget *list) {
+  ForgetListedQueues();
+  g_signal_connect(list, "destroy", G_CALLBACK(ForgetGoneList), nullptr);
   L_Watched = std::make_unique<Watched>();
   L_Watched->list = list;
   L_Watched->start_source = g_idle_add_full(G_PRIORITY_LOW, StartWatching, nullptr, nullptr);

@@ -17,5 +17,5 @@ void ShowQueueTip(int row);
 // What to ask before the Delete key takes these queues off the list; empty when nothing is.
 std::string QuestionBeforeDeletion(const std::vector<std::string> &names);
 
-// Ends the asking.
+// Ends the asking, as the end of the list does.
 void ForgetListedQueues();
