@@ -261,7 +261,9 @@ TEST_F(StoredSettings, ASettingThatTheWindowDroppedStopsThePrintToo) {
   EXPECT_FALSE(PrintAs("bob").lp_ran);
 }
 
-// The copy that a job keeps.
+// The copy that a job keeps: the settings, and under which name each file prints.
+
+const std::string kKeptSettings = std::string(kPin) + "*NrCopies=1\n##File: motd\n";
 
 TEST_F(StoredSettings, AJobKeepsACopyUnderItsRequestIdForItsUserAndTheSpoolerAlone) {
   NEEDS_USERS();
@@ -271,7 +273,7 @@ TEST_F(StoredSettings, AJobKeepsACopyUnderItsRequestIdForItsUserAndTheSpoolerAlo
   EXPECT_TRUE(sent.lp_ran);
   EXPECT_EQ("", sent.errors);
   EXPECT_EQ(Strings{"lp1-7"}, BobsCopies());
-  EXPECT_EQ(std::string(kPin) + "*NrCopies=1\n", ContentOf(BobsCopy("lp1-7")));
+  EXPECT_EQ(kKeptSettings, ContentOf(BobsCopy("lp1-7")));
   EXPECT_EQ(mode_t{0640}, ModeOf(BobsCopy("lp1-7")));
   EXPECT_EQ("lp", GroupOf(BobsCopy("lp1-7")));
   EXPECT_EQ(mode_t{02750}, ModeOf(kBobsDirectory));
@@ -287,7 +289,7 @@ TEST_F(StoredSettings, TheNextPrintLeavesTheCopyOfTheFirstAlone) {
   Show("*Delivery", "PrintImmediately");
   PrintAs("bob");
   EXPECT_EQ((Strings{"lp1-7", "lp1-8"}), BobsCopies());
-  EXPECT_EQ(std::string(kPin) + "*NrCopies=1\n", ContentOf(BobsCopy("lp1-7")));
+  EXPECT_EQ(kKeptSettings, ContentOf(BobsCopy("lp1-7")));
   EXPECT_NE(std::string::npos, ContentOf(BobsCopy("lp1-8")).find("*Delivery=PrintImmediately\n"));
 }
 
@@ -296,7 +298,7 @@ TEST_F(StoredSettings, AllOfTheCopyIsThereBeforeLpRuns) {
   InstallLp("cat " + std::string(kBobsDirectory) + "/* >" + directory_.Path("seen"));
   ShowPin();
   PrintAs("bob");
-  EXPECT_EQ(std::string(kPin) + "*NrCopies=1\n", ContentOf(directory_.Path("seen")));
+  EXPECT_EQ(kKeptSettings, ContentOf(directory_.Path("seen")));
 }
 
 TEST_F(StoredSettings, AJobThatLpDoesNotTakeLeavesNoCopy) {
