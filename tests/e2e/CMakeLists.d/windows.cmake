@@ -16,7 +16,17 @@ endforeach()
 # What ./demo runs, and all that it needs.
 add_executable(demo_driver support/demo_driver.cpp)
 target_link_libraries(demo_driver PRIVATE kpx_core kpx_guidriver PkgConfig::XTST)
-add_custom_target(demo_parts DEPENDS KPXadmin kpxfilter kpxnbtrans kpx_data kpx_pictures
+set(programs)
+foreach(directory src filter ctl transport spooler)
+  get_property(targets DIRECTORY ${PROJECT_SOURCE_DIR}/${directory} PROPERTY BUILDSYSTEM_TARGETS)
+  foreach(target ${targets})
+    get_target_property(type ${target} TYPE)
+    if(type STREQUAL EXECUTABLE)
+      list(APPEND programs ${target})
+    endif()
+  endforeach()
+endforeach()
+add_custom_target(demo_parts DEPENDS ${programs} kpx_data kpx_pictures
                   printerd demo_driver gtkprint)
 
 # The pictures of docs/screenshots.
