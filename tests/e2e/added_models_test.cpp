@@ -211,7 +211,9 @@ TEST_F(AddedModels, OneAdministratorAtATimeChangesThem) {
     _exit(refused.status);
   });
   EXPECT_EQ(child.status, 3);
-  EXPECT_EQ(RunProgram({"/usr/sbin/kpxctl", "model", "add", kForeignPpd}, "", "anna").status, 1);
+  if (HasOrdinaryUsers()) {
+    EXPECT_EQ(RunProgram({"/usr/sbin/kpxctl", "model", "add", kForeignPpd}, "", "anna").status, 1);
+  }
   EXPECT_FALSE(fs::exists(AddedModelPath("ppd-hp-laserjet-5000-series-ps")));
 }
 

@@ -59,7 +59,8 @@ class CarriedQueue {
 
 // What kpxbackend says and ends with when it sends to a printer.
 CommandResult Carry(const std::string &address, const std::string &backend) {
-  return RunProgram({kBackend, address, kPortText, backend}, kDocument, "lp");
+  const std::string user = HasOrdinaryUsers() ? "lp" : "";
+  return RunProgram({kBackend, address, kPortText, backend}, kDocument, user);
 }
 
 class Transports : public testing::Test {

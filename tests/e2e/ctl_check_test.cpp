@@ -117,8 +117,7 @@ TEST_F(CtlCheck, FindsAnotherAddressAndAScriptThatTheSpoolerMayNotRun) {
   if (HasOrdinaryUsers()) {
     ASSERT_EQ(0, chown(ScriptPath("lp2").c_str(), 0, 0));
   }
-  EXPECT_EQ(Causes(), HasOrdinaryUsers() ? (Strings{"address lp1", "script-access lp2"})
-                                         : Strings{"address lp1"});
+  EXPECT_EQ(Causes(), (Strings{"address lp1", "script-access lp2"}));
   Repair();
   EXPECT_EQ(script, ContentOf(ScriptPath("lp1")));
   if (HasOrdinaryUsers()) {
