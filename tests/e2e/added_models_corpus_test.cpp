@@ -199,7 +199,10 @@ TEST_F(Corpus, TheCodeOfOptionsIsThatOfCupssOwnFilter) {
     }
     const std::string name = ValueIn(added.output, "name");
     if (added.output.find("\"PostScript\"") == std::string::npos) {
-      EXPECT_NE(MadeByDriver(ValueIn(added.output, "id")), "") << name;
+      // Without root the drivers look like somebody else's, and CUPS refuses to run them.
+      if (HasOrdinaryUsers()) {
+        EXPECT_NE(MadeByDriver(ValueIn(added.output, "id")), "") << name;
+      }
       EXPECT_EQ(Kpxctl({"model", "remove", name}).status, 0) << name;
       ++driven;
       continue;
