@@ -59,7 +59,7 @@ class CarriedQueue {
 
 // What kpxbackend says and ends with when it sends to a printer.
 CommandResult Carry(const std::string &address, const std::string &backend) {
-  const char *user = HasOrdinaryUsers() ? "lp" : "";
+  const char *user = HasOrdinaryUsers() ? "lp" : nullptr;
   return RunProgram({kBackend, address, kPortText, backend}, kDocument, user);
 }
 
