@@ -55,7 +55,9 @@ TEST_F(Sharing, AnotherHostPrintsTwoSidedAndStapledWithoutADriver) {
   }
   const CommandResult second = RunProgram(
       {KPX_SECOND_HOST, "sh", "-c",
-       "/usr/sbin/lpadmin -p far -E -v ipp://10.9.0.1/printers/lp1 -m everywhere && "
+       "/usr/sbin/lpadmin -p far -E -v ipp://10.9.0.1/printers/lp1 -m everywhere || exit 1; "
+       // Its scheduler asks the printer in the background; until then it passes on what it gets.
+       "until lpoptions -p far | grep -q 'IPP Everywhere'; do sleep 0.1; done; "
        "for file in " +
            text_ + " " + pdf_ +
            "; do "
