@@ -120,7 +120,7 @@ TEST_F(KeyboardTasks, AQueuePrintsOnBothSidesOfAnotherSize) {
     keys.Choose("PaperSize", size);
     keys.GoTo(CatalogueText("DEF_LBL_DUPLEX"), "DuplexComboEntry");
     keys.Choose("Duplex", "Two-sided, long edge");
-    keys.Press(CatalogueText("DEF_BTN_APPLY_TITLE"));
+    keys.Click(CatalogueText("DEF_BTN_APPLY_TITLE"));
   }
   keys.Close("PropertiesWindow", "Return");
   Save(app);

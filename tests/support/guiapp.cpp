@@ -399,6 +399,8 @@ std::string GuiApp::NextText(const std::string &name, const std::function<void()
   return *answer;
 }
 
+bool GuiApp::IsButtonHeld() { return !Demand("held").empty(); }
+
 bool GuiApp::IsSensitive(const std::string &name) { return Demand("sensitive " + name) == "1"; }
 
 bool GuiApp::IsActive(const std::string &name) { return Demand("active " + name) == "1"; }

@@ -80,6 +80,8 @@ class GuiApp {
   // The text that a program which is busy shows next: it is asked for before `action` lets the
   // program go on, and told before the program draws.
   std::string NextText(const std::string &name, const std::function<void()> &action);
+  // Whether a button that a key has pressed is not clicked yet.
+  bool IsButtonHeld();
   bool IsSensitive(const std::string &name);
   bool IsActive(const std::string &name);
   // Lines of cells with tabs between; the first character is "*" for a selected row, else "-".

@@ -35,6 +35,7 @@
 //                 in lists and in tooltips; what the toolkit's file chooser shows is left out
 //   turn          the longest turn of the main loop since this was last asked, in milliseconds
 //   idle          "1", when everything that was under way has been done
+//   held          "1" while a button that a key has pressed is not clicked yet, else ""
 //   drawn         "1", when all windows have been drawn as they are now
 //
 // Requests are answered when all input that has come has been dealt with. "now REQUEST" is answered
@@ -304,6 +305,18 @@ Answer AboutWidget(const std::string &word, const std::string &name, int number)
   return {};
 }
 
+// Whether a key has pressed a button that has not been released yet: GTK shows it pressed, with the
+// keyboard in its hold, for a quarter of a second before it is clicked.
+bool IsButtonHeldByKey() {
+  GdkSeat *seat = gdk_display_get_default_seat(gdk_display_get_default());
+  GdkDevice *keyboard = gdk_seat_get_keyboard(seat);
+  const std::vector<GtkWidget *> windows = VisibleWindows();
+  return std::any_of(windows.begin(), windows.end(), [&](GtkWidget *window) {
+    GtkWindowGroup *group = gtk_window_get_group(GTK_WINDOW(window));
+    return GTK_IS_BUTTON(gtk_window_group_get_current_device_grab(group, keyboard)) != FALSE;
+  });
+}
+
 Answer AnswerTo(const std::string &request) {
   const size_t first = request.find(' ');
   const std::string word = request.substr(0, first);
@@ -318,6 +331,7 @@ Answer AnswerTo(const std::string &request) {
   if (word == "texts") return AllTexts();
   if (word == "turn") return TakeLongestTurn();
   if (word == "idle") return "1";
+  if (word == "held") return IsButtonHeldByKey() ? "1" : "";
   if (first == std::string::npos) return {};
   const size_t second = request.find(' ', first + 1);
   const std::string name = request.substr(

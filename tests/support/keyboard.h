@@ -38,6 +38,12 @@ class Keyboard {
     ASSERT_NE("", key) << "no key for " << text;
     app_.Key(key);
   }
+  // The same for a button that leaves its window open, until it is clicked: GTK shows it pressed
+  // for a quarter of a second first.
+  void Click(const std::string &text) {
+    Press(text);
+    app_.WaitUntil("the click on " + text, [&] { return !app_.IsButtonHeld(); });
+  }
   // The same for a field, which then has the focus.
   void GoTo(const std::string &text, const std::string &widget) {
     Press(text);
