@@ -238,18 +238,6 @@ TEST_F(Jobs, ThatCannotBeMovedSayWhy) {
   EXPECT_EQ("office", app.Cell("JobsClist", "letter", 1));
 }
 
-// The words are those of the transport, which speaks them when a printer has taken nothing for
-// long.
-TEST_F(Jobs, OfAPrinterWithoutPaperSayWhereToLook) {
-  const TestQueue queue("office");
-  queue.Complete(
-      "echo 'kpxnbtrans: the printer has taken no data for 30 s (it last answered 1 s ago); it may "
-      "be out of paper or paused; waiting' >&2; sleep 600");
-  queue.Print({"-t", "letter"}, "data");
-  JobsApp app;
-  app.WaitCell("JobsClist", "letter", 6, CatalogueText("TROUBLE_NO_DATA"));
-}
-
 TEST_F(Jobs, OfAPrinterThatIsOffOrUnknownSaySo) {
   const TestQueue off("off");
   off.Complete("/opt/orlan/bin/kpxnbtrans 127.0.0.1 2599 <\"$1\"");
