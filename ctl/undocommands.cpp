@@ -27,6 +27,19 @@ std::string TimeText(std::time_t time) {
   return {text, std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &parts)};
 }
 
+// Writes what is listed in the form that the call asks for; a table without rows is the text of
+// `none_key`.
+void PrintListing(const Call &call, const Json &json,
+                  const std::vector<std::vector<std::string>> &rows, const char *none_key) {
+  if (call.Has("--json")) {
+    PrintJsonText(json);
+  } else if (rows.empty()) {
+    PrintLine(G_Translate(none_key));
+  } else {
+    PrintTable(rows);
+  }
+}
+
 Status ListStates(const Call &call) {
   const std::vector<SavedState> states = SavedStates();
   Json json = Json::array();
@@ -38,13 +51,7 @@ Status ListStates(const Call &call) {
     rows.push_back({G_Message("CTL_UNDO_STATE", {static_cast<int>(i + 1), TimeText(states[i].time),
                                                  static_cast<int>(count)})});
   }
-  if (call.Has("--json")) {
-    PrintJsonText(json);
-  } else if (rows.empty()) {
-    PrintLine(G_Translate("CTL_UNDO_NONE"));
-  } else {
-    PrintTable(rows);
-  }
+  PrintListing(call, json, rows, "CTL_UNDO_NONE");
   return kDone;
 }
 
@@ -124,13 +131,7 @@ Status ListUsers(const Call &call) {
     rows.push_back({file.user, file.queue});
     json.push_back({{"user", file.user}, {"queue", file.queue}});
   }
-  if (call.Has("--json")) {
-    PrintJsonText(json);
-  } else if (rows.empty()) {
-    PrintLine(G_Translate("CTL_USERS_NONE"));
-  } else {
-    PrintTable(rows);
-  }
+  PrintListing(call, json, rows, "CTL_USERS_NONE");
   return kDone;
 }
 
