@@ -113,46 +113,57 @@ TEST(TransportJob, APrinterWithoutASignOfLifeIsGivenUp) {
   ExpectWords(transfer, "(no answer for ");
 }
 
-TEST(TransportJob, APrinterThatAnswersButTakesNothingIsWaitedForInWords) {
-  Listener printer;
-  printer.Listen();
-  Limits limits = ShortLimits();
-  limits.usual_pause = milliseconds{50};
-  Transfer transfer({"127.0.0.1", printer.port()}, TestFile(20'000'000), limits);
-  const Descriptor connection = printer.Accept(4096);
-  ASSERT_TRUE(transfer.words().Await("the printer has taken no data for "));
-  const Received received = Receive(connection.get());
-  EXPECT_EQ(received.count, 20'000'000U);
-  EXPECT_EQ(received.wrong, 0U);
-  shutdown(connection.get(), SHUT_RDWR);
-  EXPECT_EQ(transfer.Wait(), Outcome::kAccepted);
-  ExpectWords(transfer, "may be out of paper or paused; waiting");
+// A printer that has accepted a job larger than what is under way and takes nothing of it yet.
+class WaitingPrinter : public testing::Test {
+ protected:
+  static constexpr size_t kSize = 20'000'000;
+
+  WaitingPrinter()
+      : transfer_({"127.0.0.1", printer_.Listen().port()}, TestFile(kSize), WithShortPauses()),
+        connection_(printer_.Accept(4096)) {}
+
+  // Takes the whole job, and the transfer ends well.
+  void TakeTheJob() {
+    const Received received = Receive(connection_.get());
+    EXPECT_EQ(received.count, kSize);
+    EXPECT_EQ(received.wrong, 0U);
+    shutdown(connection_.get(), SHUT_RDWR);
+    EXPECT_EQ(transfer_.Wait(), Outcome::kAccepted);
+  }
+
+  Listener printer_;
+  Transfer transfer_;
+  const Descriptor connection_;
+
+ private:
+  static Limits WithShortPauses() {
+    Limits limits = ShortLimits();
+    limits.usual_pause = milliseconds{50};
+    return limits;
+  }
+};
+
+TEST_F(WaitingPrinter, ThatAnswersButTakesNothingIsWaitedForInWords) {
+  ASSERT_TRUE(transfer_.words().Await("the printer has taken no data for "));
+  TakeTheJob();
+  ExpectWords(transfer_, "may be out of paper or paused; waiting");
 }
 
-TEST(TransportJob, WhatThePrinterSaysAboutItselfIsPassedOn) {
-  Listener printer;
-  printer.Listen();
-  Limits limits = ShortLimits();
-  limits.usual_pause = milliseconds{50};
-  Transfer transfer({"127.0.0.1", printer.port()}, TestFile(20'000'000), limits);
-  const Descriptor connection = printer.Accept(4096);
+TEST_F(WaitingPrinter, SaysAboutItselfWhatIsPassedOn) {
   const auto say = [&](const std::string &text) {
-    ASSERT_EQ(write(connection.get(), text.data(), text.size()), static_cast<ssize_t>(text.size()));
+    ASSERT_EQ(write(connection_.get(), text.data(), text.size()),
+              static_cast<ssize_t>(text.size()));
   };
   // Numbers outside of a status are nothing, and no line ends the parts that come.
   say("CODE=40021\r\n@PJL USTATUS DEVICE\r\nCO");
   say("DE=41213\r\nDISPLAY=\"LOAD A4\"\r\nONLINE=FALSE\r\n\f");
-  ASSERT_TRUE(transfer.words().Await("kpxnbtrans: the printer says: out of paper (code 41213)\n"));
-  ASSERT_TRUE(transfer.words().Await("ago); the printer says: out of paper; waiting\n"));
+  ASSERT_TRUE(transfer_.words().Await("kpxnbtrans: the printer says: out of paper (code 41213)\n"));
+  ASSERT_TRUE(transfer_.words().Await("ago); the printer says: out of paper; waiting\n"));
   say("@PJL USTATUS DEVICE\r\nCODE=10001\r\nONLINE=TRUE\r\n\f");
-  ASSERT_TRUE(transfer.words().Await("kpxnbtrans: the printer says: ready again\n"));
+  ASSERT_TRUE(transfer_.words().Await("kpxnbtrans: the printer says: ready again\n"));
   say(std::string(5000, 'x') + "\n@PJL USTATUS DEVICE\nCODE=99999999999\nCODE=\nCODE=35078\n");
-  const Received received = Receive(connection.get());
-  EXPECT_EQ(received.count, 20'000'000U);
-  EXPECT_EQ(received.wrong, 0U);
-  shutdown(connection.get(), SHUT_RDWR);
-  EXPECT_EQ(transfer.Wait(), Outcome::kAccepted);
-  const std::string words = transfer.words().seen();
+  TakeTheJob();
+  const std::string words = transfer_.words().seen();
   EXPECT_EQ(Occurrences(words, "the printer says: "),
             Occurrences(words, "the printer says: out of paper") + 1)
       << words;
