@@ -137,9 +137,9 @@ cat "$KPX_JOBS/job-0001.prn"
 grep -o 'Set job-printer-state-message to "lp"' /var/log/cups/error_log
 )sh";
 
-// In a mount namespace: an X server of root's, and sandboxes beside it. Arguments: the stage, the
+// In a mount namespace: what a sandbox needs, copied, and an empty /tmp. Arguments: the stage, the
 // sandbox, the number of an ordinary user.
-constexpr char kBesideAnXServer[] = R"sh(
+constexpr char kCopiedSandbox[] = R"sh(
 set -e
 mount -t tmpfs -o mode=755 tmpfs /mnt
 mkdir /mnt/tests
@@ -148,6 +148,10 @@ cp "$1/../tests/printerd" /mnt/tests/
 cp "$2" /mnt/sandbox
 cd /mnt # the new /tmp hides a tree that is in the old one
 mount -t tmpfs -o mode=1777 tmpfs /tmp
+)sh";
+
+// An X server of root's, and sandboxes beside it. The same arguments.
+const std::string kBesideAnXServer = kCopiedSandbox + std::string(R"sh(
 Xvfb :0 -nolisten tcp 2>/dev/null &
 tries=0
 until [ -S /tmp/.X11-unix/X0 ]; do
@@ -159,20 +163,12 @@ screen='xdotool getdisplaygeometry >/dev/null && echo "$0 sees a screen"'
 /mnt/sandbox --stage /mnt/stage sh -c "$screen" root
 chown -R "$3:$3" /mnt
 setpriv --reuid "$3" --regid "$3" --clear-groups /mnt/sandbox --stage /mnt/stage sh -c "$screen" user
-)sh";
+)sh");
 
-// In a mount namespace: a sandbox of an ordinary user where something is mounted below what it lays
-// its views over. The same arguments.
-constexpr char kAboveOtherMounts[] = R"sh(
-set -e
-mount -t tmpfs -o mode=755 tmpfs /mnt
-mkdir /mnt/tests
-cp -a "$1" /mnt/stage
-cp "$1/../tests/printerd" /mnt/tests/
-cp "$2" /mnt/sandbox
+// A sandbox of an ordinary user where something is mounted below what it lays its views over. The
+// same arguments.
+const std::string kAboveOtherMounts = kCopiedSandbox + std::string(R"sh(
 chown -R "$3:$3" /mnt
-cd /mnt
-mount -t tmpfs -o mode=1777 tmpfs /tmp
 mkdir /tmp/image
 mount -t tmpfs tmpfs /tmp/image
 echo mounted >/tmp/image/file
@@ -180,7 +176,7 @@ mount -t tmpfs tmpfs /var/opt
 setpriv --reuid "$3" --regid "$3" --clear-groups /mnt/sandbox --bare --stage /mnt/stage \
   sh -c 'cat /tmp/image/file; echo written >/var/lib/trace; cat /var/lib/trace; ls /opt/orlan/bin/KPXtool'
 [ ! -e /var/lib/trace ]
-)sh";
+)sh");
 
 }  // namespace
 
