@@ -15,8 +15,8 @@ import os
 import sys
 
 
-def main():
-    archive, directory = sys.argv[1:]
+def files_of(archive):
+    """(name, text) of every file of an archive program."""
     sys.dont_write_bytecode = True
     loader = importlib.machinery.SourceFileLoader("archive", archive)
     module = importlib.util.module_from_spec(importlib.util.spec_from_loader("archive", loader))
@@ -24,8 +24,14 @@ def main():
     ppds = module.load()
     data = lzma.decompress(base64.b64decode(ppds.pop("ARCHIVE")))
     for name, (start, length, _) in ppds.items():
+        yield name, data[start:start + length]
+
+
+def main():
+    archive, directory = sys.argv[1:]
+    for name, text in files_of(archive):
         with open(os.path.join(directory, os.path.basename(name)), "wb") as out:
-            out.write(data[start:start + length])
+            out.write(text)
 
 
 if __name__ == "__main__":

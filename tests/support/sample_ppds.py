@@ -7,32 +7,25 @@ The same seed draws the same files. The makers, which are the directories the fi
 turns, so that a small sample has many of them. Files are called <number>-<maker>.ppd.
 """
 
-import base64
-import importlib.machinery
-import importlib.util
-import lzma
 import os
 import pathlib
 import random
 import sys
+
+sys.dont_write_bytecode = True
+import extract_ppds
 
 # Makers that are left out.
 SKIPPED = ("InfoPrint", "IBM", "Oce")
 
 
 def of_archive(path):
-    """{maker: [(name, function that reads it)]} of an archive program."""
-    sys.dont_write_bytecode = True
-    loader = importlib.machinery.SourceFileLoader("archive", path)
-    module = importlib.util.module_from_spec(importlib.util.spec_from_loader("archive", loader))
-    loader.exec_module(module)
-    ppds = module.load()
-    data = lzma.decompress(base64.b64decode(ppds.pop("ARCHIVE")))
-    for name, (start, length, _) in ppds.items():
+    """(maker, name, text) of every file of an archive program."""
+    for name, text in extract_ppds.files_of(path):
         parts = [part for part in name.split("/") if part and not part.isdigit()]
         maker = next((p for p in parts[:-1] if p not in ("ppd", "openprinting", "hplip")), "other")
         if maker not in SKIPPED and not set(parts) & set(SKIPPED):
-            yield maker, name, data[start:start + length]
+            yield maker, name, text
 
 
 def of_directory(path):
