@@ -84,6 +84,22 @@ TEST(Reasons, OfPrintersAreSaidOnce) {
             PrinterReasonsText("media-empty-error media-needed cover-open-report"));
 }
 
+// The keywords are those of RFC 8011, section 5.4.12, and offline, which CUPS adds.
+TEST(Reasons, OfPrintersAreAllKnown) {
+  constexpr std::pair<const char *, const char *> kReasons[] = {
+      {"media-empty", "PRINTER_PAPER_OUT"},         {"media-needed", "PRINTER_PAPER_OUT"},
+      {"media-low", "PRINTER_PAPER_LOW"},           {"media-jam", "PRINTER_JAM"},
+      {"door-open", "PRINTER_DOOR_OPEN"},           {"cover-open", "PRINTER_DOOR_OPEN"},
+      {"toner-empty", "PRINTER_TONER_OUT"},         {"toner-low", "PRINTER_TONER_LOW"},
+      {"marker-supply-empty", "PRINTER_TONER_OUT"}, {"marker-supply-low", "PRINTER_TONER_LOW"},
+      {"output-area-full", "PRINTER_BIN_FULL"},     {"offline", "PRINTER_OFFLINE"},
+  };
+  for (const auto &[keyword, key] : kReasons) {
+    EXPECT_EQ(key, PrinterReasonsText(keyword)) << keyword;
+  }
+  EXPECT_EQ("", PrinterReasonsText("none moving-to-paused"));
+}
+
 TEST(Reasons, OfAJobThatSomebodyHoldsAreNotItsOlderWords) {
   SpoolerJob job;
   job.state = JobState::Held;
