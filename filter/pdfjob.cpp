@@ -16,6 +16,7 @@
 #include "decimal.h"
 #include "driverjob.h"
 #include "featurecode.h"
+#include "pdfpages.h"
 #include "postscript.h"
 #include "ppdadaptor.h"
 #include "settingkeys.h"
@@ -126,6 +127,14 @@ std::vector<std::string> PageOptions(const JobSettings &settings, const PageRequ
   }
   if (shares_sides && HasRanges(request)) return {paper + of_pages, paper + of_sheets};
   return {paper + of_pages + of_sheets};
+}
+
+// Whether the pages of `document` are as they are to be printed. The program that lays pages out
+// takes as long for those as for others.
+bool IsLaidOut(const JobSettings &settings, const PageRequest &request, int document) {
+  const bool has_words = !request.words.empty() && !HasPagesMade(document);
+  return !has_words && PagesASheet(settings, {}).empty() &&
+         FillPaper(document, PageInForce(settings));
 }
 
 // Why a program that was to read the document failed.
@@ -246,6 +255,9 @@ JobResult FilterPdf(const JobSettings &settings, const JobIdentity &identity,
     return Failure(WithErrno("no room for the PDF document"));
   }
   const JobSettings used = IsBooklet(settings) ? BookletSettings(settings) : settings;
+  if (request.driver_ppd.empty() && IsLaidOut(used, request, document.Number())) {
+    return Print(used, identity, document.Number(), true, sink);
+  }
   if (access(kPageProgram, X_OK) == 0) {
     JobResult result = LayOut(used, request, document.Number(), pages.Number());
     if (result.Failed()) return result;

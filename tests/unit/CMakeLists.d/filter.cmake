@@ -3,7 +3,7 @@ kpx_add_test(NAME filter_conversion SOURCES unit/filter_ppd_test.cpp unit/filter
              LIBS kpx_filter LABEL unit)
 kpx_add_test(NAME filter_jobs LIBS kpx_filter LABEL unit
   SOURCES unit/jobrules_test.cpp unit/filter_settings_test.cpp unit/filter_kind_test.cpp unit/filter_postscript_test.cpp
-          unit/filter_pjl_test.cpp unit/filter_text_test.cpp unit/filter_textwords_test.cpp
+          unit/filter_pdfpages_test.cpp unit/filter_pjl_test.cpp unit/filter_text_test.cpp unit/filter_textwords_test.cpp
           unit/filter_pages_test.cpp unit/filter_kept_test.cpp)
 kpx_add_test(NAME filter_applications LIBS kpx_filter LABEL unit
   SOURCES unit/filter_words_test.cpp unit/filter_queueppd_test.cpp)
