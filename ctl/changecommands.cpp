@@ -188,7 +188,7 @@ std::vector<Command> ChangeCommands() {
   static constexpr char kSet[] = "--dry-run --json --resolve";
   return {
       {"add", "",
-       "NAME --printer MODEL --address ADDRESS [--type TYPE] [KEY=VALUE...] [--resolve] "
+       "NAME --printer PRINTER --address ADDRESS [--type TYPE] [KEY=VALUE...] [--resolve] "
        "[--dry-run] "
        "[--json]",
        "CTL_HELP_ADD", kSet, "--printer --address --type", 1, kAnyNumber, false, Add},

@@ -3,6 +3,7 @@
 #include "changecommands.h"
 #include "checkcommand.h"
 #include "cmessages.h"
+#include "completion.h"
 #include "declarecommands.h"
 #include "modelcommands.h"
 #include "output.h"
@@ -60,10 +61,6 @@ Status Run(const Command &command, const std::vector<std::string> &words) {
 
 constexpr std::string_view kHost = "--host";
 
-bool IsHostWord(const std::string &word) {
-  return word == kHost || word.starts_with(std::string(kHost) + "=");
-}
-
 // --host HOSTS, as often as it is given, and a command for them.
 Status RunRemotely(const std::vector<std::string> &words) {
   std::vector<std::string> values;
@@ -100,6 +97,10 @@ const std::vector<Command> &Commands() {
   return commands;
 }
 
+bool IsHostWord(std::string_view word) {
+  return word.starts_with(kHost) && (word.size() == kHost.size() || word[kHost.size()] == '=');
+}
+
 Status RunCommandLine(const std::vector<std::string> &words) {
   if (words.empty()) return Refuse(G_Message("CTL_WORD_MISSING", {"COMMAND"}));
   if (IsHostWord(words[0])) return RunRemotely(words);
@@ -107,6 +108,7 @@ Status RunCommandLine(const std::vector<std::string> &words) {
     PrintHelp();
     return kDone;
   }
+  if (words[0] == "complete") return Complete({words.begin() + 1, words.end()});
   if (words[0] == "--version") {
     PrintLine(std::string(kName) + " " + KPX_VERSION);
     return kDone;

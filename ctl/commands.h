@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace kpx::ctl {
@@ -32,6 +33,9 @@ struct Command {
 };
 
 const std::vector<Command> &Commands();
+
+// Whether the word, at the start of a call, names other hosts: "--host" or "--host=HOSTS".
+[[nodiscard]] bool IsHostWord(std::string_view word);
 
 // Runs the command that the words of the call (without the program's name) name.
 [[nodiscard]] Status RunCommandLine(const std::vector<std::string> &words);

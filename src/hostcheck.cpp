@@ -295,6 +295,12 @@ std::optional<Disagreement> DisagreementOf(std::string_view word) {
   return std::nullopt;
 }
 
+std::vector<const char *> DisagreementWords() {
+  std::vector<const char *> words;
+  for (const Row &row : L_Rows) words.push_back(row.word);
+  return words;
+}
+
 std::string TextOf(const HostFault &fault) {
   const char *key = RowOf(fault.kind).text_key;
   return fault.subject.empty() ? G_Message(key) : G_Message(key, {fault.subject});

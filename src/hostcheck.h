@@ -40,6 +40,8 @@ struct HostFault {
 const char *WordFor(Disagreement kind);
 // The one that the word is for; nothing for another word.
 [[nodiscard]] std::optional<Disagreement> DisagreementOf(std::string_view word);
+// All of these words.
+std::vector<const char *> DisagreementWords();
 
 // What is wrong, in the user's language, and the command that mends it.
 std::string TextOf(const HostFault &fault);

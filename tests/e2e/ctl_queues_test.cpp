@@ -205,31 +205,4 @@ TEST_F(CtlQueues, AreLeftToTheAdministratorWhoHoldsTheLock) {
   EXPECT_EQ(Strings{"acc1"}, SpoolerQueues());
 }
 
-// What bash offers for the words, the last of which is being typed.
-Strings Completions(const Strings &words) {
-  std::string array;
-  for (const std::string &word : words) array += "'" + word + "' ";
-  Strings offered =
-      SplitLines(RunProgram({"bash", "-c",
-                             "PATH=$PATH:/usr/sbin; . "
-                             "/usr/share/bash-completion/completions/kpxctl; COMP_WORDS=(kpxctl " +
-                                 array + "); COMP_CWORD=" + std::to_string(words.size()) +
-                                 "; _kpxctl; printf '%s\\n' \"${COMPREPLY[@]}\""})
-                     .output);
-  std::sort(offered.begin(), offered.end());
-  return offered;
-}
-
-TEST_F(CtlQueues, AreCompletedByBash) {
-  for (const char *name : {"acc1", "acc2", "lab1"}) AddQueue(name);
-  EXPECT_EQ((Strings{"acc1", "acc2"}), Completions({"show", "ac"}));
-  EXPECT_EQ((Strings{"set", "show"}), Completions({"s"}));
-  EXPECT_EQ((Strings{"list", "remove"}), Completions({"users", ""}));
-  EXPECT_EQ((Strings{"--resolve"}), Completions({"set", "acc1", "--r"}));
-  EXPECT_EQ((Strings{"Duplex="}), Completions({"set", "acc1", "Dup"}));
-  EXPECT_EQ((Strings{"DuplexNoTumble", "DuplexTumble", "None"}),
-            Completions({"set", "acc1", "Duplex", "="}));
-  EXPECT_EQ(Strings{"DuplexTumble"}, Completions({"set", "acc1", "Duplex", "=", "DuplexT"}));
-}
-
 }  // namespace

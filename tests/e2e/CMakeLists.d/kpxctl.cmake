@@ -1,5 +1,5 @@
 # kpxctl on queues of the real spooler.
-foreach(part queues declared check hosts)
+foreach(part queues declared check hosts completion)
   kpx_add_test(NAME ctl_${part} LIBS kpx_core nlohmann_json::nlohmann_json LABEL e2e SANDBOX full
     SOURCES e2e/ctl_${part}_test.cpp)
 endforeach()
@@ -9,6 +9,8 @@ foreach(part windows property)
 endforeach()
 target_compile_definitions(test_ctl_declared PRIVATE
   KPX_MANUAL="${CMAKE_SOURCE_DIR}/docs/man/kpxctl.8")
+target_compile_definitions(test_ctl_completion PRIVATE
+  KPX_ZSH_COMPLETIONS="${CMAKE_CURRENT_SOURCE_DIR}/support/zshcompletions")
 # Needs the packages of packages-long.txt.
 if(KPX_LONG)
   kpx_add_test(NAME ctl_fleet LIBS kpx_core nlohmann_json::nlohmann_json LABEL e2e SANDBOX full
