@@ -18,12 +18,6 @@ void Tell(const Call &call, std::string_view text) {
 
 void Complain(std::string_view text) { PrintErrorLine("kpxctl: " + std::string(text)); }
 
-int CharacterCount(std::string_view text) {
-  return static_cast<int>(std::count_if(text.begin(), text.end(), [](char c) {
-    return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U;
-  }));
-}
-
 std::string JoinedWords(const std::vector<std::string> &words) {
   std::string text;
   for (const std::string &word : words) text += (text.empty() ? "" : ", ") + word;

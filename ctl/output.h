@@ -18,9 +18,6 @@ void Tell(const Call &call, std::string_view text);
 // Writes a fault to standard error.
 void Complain(std::string_view text);
 
-// How many characters the text (UTF-8) has.
-[[nodiscard]] int CharacterCount(std::string_view text);
-
 // The words between commas.
 std::string JoinedWords(const std::vector<std::string> &words);
 

@@ -1,7 +1,6 @@
 #include "ownsettings.h"
 
 #include "jobrules.h"
-#include "optionlists.h"
 #include "optionstate.h"
 #include "settingkeys.h"
 #include "textoptions.h"
@@ -47,13 +46,6 @@ bool HasOwnSetting(const QueueType &type, const OwnSetting &setting) {
       return HashFind(G_PrinterFeatures_hash, kNotificationKey) != nullptr;
   }
   return false;
-}
-
-bool IsOfferedFeature(const char *feature) {
-  const std::string_view key = feature;
-  if (key == kPageRegionKey) return false;
-  if (key == kHalfToneKey && !CurrentQueueType().has_halftones) return false;
-  return IsListFilled(feature);
 }
 
 }  // namespace kpx::ctl

@@ -26,7 +26,4 @@ const OwnSetting *FindOwnSetting(std::string_view key);
 // Whether the windows offer the setting for queues of the type.
 [[nodiscard]] bool HasOwnSetting(const QueueType &type, const OwnSetting &setting);
 
-// Whether they offer the feature of the current printer for the current queue.
-[[nodiscard]] bool IsOfferedFeature(const char *feature);
-
 }  // namespace kpx::ctl

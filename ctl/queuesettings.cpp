@@ -28,6 +28,7 @@
 #include "properties.h"
 #include "queueform.h"
 #include "settingkeys.h"
+#include "textencoding.h"
 #include "textoptions.h"
 #include "textscan.h"
 

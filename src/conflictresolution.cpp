@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <utility>
-#include <vector>
 
 #include "cfeature.h"
 #include "debug.h"
@@ -69,6 +68,10 @@ void NoteUserChoice(const char *feature) {
 }
 
 void ForgetUserChoices() { L_Chosen.clear(); }
+
+std::vector<std::string> UserChoices() { return L_Chosen; }
+
+void SetUserChoices(std::vector<std::string> choices) { L_Chosen = std::move(choices); }
 
 bool MayResolve(const SettingsConflict &conflict) {
   return G_ProgName == kModeAdministration || !AreBothInstallable(conflict);

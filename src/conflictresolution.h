@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "constraints.h"
 
@@ -12,6 +13,11 @@ void NoteUserChoice(const char *feature);
 
 // Forgets all of them; for a newly opened window.
 void ForgetUserChoices();
+
+// The features so noted, the one chosen last at the end; and noting them instead of those that are,
+// for what was tried and given up.
+std::vector<std::string> UserChoices();
+void SetUserChoices(std::vector<std::string> choices);
 
 struct ResolvedConflict {
   std::string feature;

@@ -3,18 +3,13 @@
 #include <algorithm>
 
 #include "debug.h"
+#include "textencoding.h"
 
 namespace {
 
 constexpr int L_LongestAddress = 64;
 constexpr int L_ShortestLastLabel = 2;
 constexpr char L_Blank = ' ';
-
-int LengthOf(std::string_view text) {
-  return static_cast<int>(std::count_if(text.begin(), text.end(), [](char c) {
-    return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U;  // no continuation byte
-  }));
-}
 
 // The number of bytes before the first character that is no blank.
 size_t LeadingBlanks(std::string_view text) {
@@ -25,7 +20,7 @@ size_t LeadingBlanks(std::string_view text) {
 bool IsDomain(std::string_view domain) {
   const size_t dot = domain.rfind('.');
   if (dot == std::string_view::npos || domain.front() == '.') return false;
-  return LengthOf(domain.substr(dot + 1)) >= L_ShortestLastLabel;
+  return CharacterCount(domain.substr(dot + 1)) >= L_ShortestLastLabel;
 }
 
 // The bytes of the address at the start of `text`, 0 when it is none.
@@ -37,7 +32,7 @@ size_t AddressBytes(std::string_view text) {
   const std::string_view domain = address.substr(at + 1);
   if (domain.find('@') != std::string_view::npos || !IsDomain(domain)) return 0;
   const size_t bytes = start + address.size();
-  return LengthOf(text.substr(0, bytes)) > L_LongestAddress ? 0 : bytes;
+  return CharacterCount(text.substr(0, bytes)) > L_LongestAddress ? 0 : bytes;
 }
 
 }  // namespace
@@ -48,12 +43,12 @@ int IsValidChars(std::string &text, bool fix) {
     text.erase(0, LeadingBlanks(text));
     text.erase(text.find_last_not_of(L_Blank) + 1);
   }
-  return LengthOf(text);
+  return CharacterCount(text);
 }
 
 int IsValidEmailAddress(std::string_view text) {
   const LogScope log("IsValidEmailAddress");
-  return LengthOf(text.substr(0, AddressBytes(text)));
+  return CharacterCount(text.substr(0, AddressBytes(text)));
 }
 
 int IsValidEmailAddresses(std::string &text, bool fix) {
@@ -68,5 +63,5 @@ int IsValidEmailAddresses(std::string &text, bool fix) {
     // Blanks between two addresses do not count as part of the second.
     position += fix ? std::min<size_t>(blanks, 1) : blanks;
   }
-  return LengthOf(text);
+  return CharacterCount(text);
 }

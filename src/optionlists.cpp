@@ -109,6 +109,13 @@ bool IsListFilled(const char *feature) {
          PrinterModelOfNumber(G_PrinterModel).lists_resolutions;
 }
 
+bool IsOfferedFeature(const char *feature) {
+  const std::string_view key = feature;
+  if (key == kPageRegionKey) return false;
+  if (key == kHalfToneKey && !CurrentQueueType().has_halftones) return false;
+  return IsListFilled(feature);
+}
+
 bool IsResetByDefaults(const char *feature) {
   return std::strcmp(feature, kResolutionKey) != 0 ||
          PrinterModelOfNumber(G_PrinterModel).defaults_set_resolution;

@@ -32,6 +32,9 @@ struct OptionList {
 // left alone on models 1 and 2.
 [[nodiscard]] bool IsListFilled(const char *feature);
 
+// Whether the windows offer the feature of the current printer for the current queue.
+[[nodiscard]] bool IsOfferedFeature(const char *feature);
+
 // Whether the Defaults button of the feature's page sets it: the resolution on models 3 to 6 only.
 [[nodiscard]] bool IsResetByDefaults(const char *feature);
 

@@ -139,6 +139,12 @@ std::string PlainText(std::string_view bytes) {
   return text;
 }
 
+int CharacterCount(std::string_view text) {
+  return static_cast<int>(std::count_if(text.begin(), text.end(), [](char c) {
+    return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U;
+  }));
+}
+
 std::string_view Utf8Prefix(std::string_view text, size_t max_bytes) {
   if (text.size() <= max_bytes) return text;
   size_t end = max_bytes;

@@ -18,6 +18,9 @@ std::string DecodeLine(std::string_view bytes);
 // How many bytes at the start of `bytes` are well-formed UTF-8.
 size_t ValidUtf8Length(std::string_view bytes);
 
+// How many characters the text (UTF-8) has.
+[[nodiscard]] int CharacterCount(std::string_view text);
+
 // Text that is made of several parts, made fit to be shown: what is valid UTF-8 stays, every other
 // byte is read as ISO-8859-1.
 std::string DisplayText(std::string_view bytes);
