@@ -150,7 +150,8 @@ void ShowJobs(SpoolerNews *news) {
   if (Helper().jobs.CanReplace()) {
     Helper().jobs.Replace();
     ViewedRowsReplaced(Helper().jobs_list);
-  } else if (Helper().rows_source == 0) {
+  }
+  if (Helper().jobs.HasMore() && Helper().rows_source == 0) {
     Helper().rows_source = g_idle_add(ShowMoreRows, nullptr);
   }
 }

@@ -12,6 +12,7 @@ constexpr int L_LongQuarters = 12;     // three seconds
 constexpr int L_GiveUpQuarters = 240;  // a minute
 constexpr double L_Quarter = 0.25;     // seconds
 constexpr int L_ConnectMilliseconds = 3000;
+constexpr size_t L_Block = 1U << 16U;  // bytes that are taken off a connection at a time
 
 // Nobody is asked for a password: what this user may not do is refused.
 const char *NoPassword(const char *, http_t *, const char *, const char *, void *) {
@@ -72,15 +73,22 @@ std::vector<IppObject> ObjectsIn(const CupsLibrary &cups, ipp_t *answer, ipp_tag
   return objects;
 }
 
+std::string ErrorText(int error) {
+  return std::strerror(error);  // NOLINT: a text of its own
+}
+
+IppAnswer Unreachable(const std::string &words) {
+  return {.kind = IppAnswer::Kind::Unreachable, .words = words, .objects = {}};
+}
+
+std::string StatusMessage(const CupsLibrary &cups, ipp_t *answer) {
+  const std::vector<IppObject> said = ObjectsIn(cups, answer, IPP_TAG_OPERATION);
+  const std::string words = said.empty() ? "" : TextIn(said[0], "status-message");
+  return words.empty() ? cups.ippErrorString(cups.ippGetStatusCode(answer)) : words;
+}
+
 IppAnswer Judge(const CupsLibrary &cups, ipp_t *answer, ipp_tag_t group) {
   IppAnswer result;
-  if (answer == nullptr) {
-    const char *words = cups.cupsLastErrorString();
-    result.words = words == nullptr ? "" : words;
-    result.status = cups.ippErrorString(cups.cupsLastError());
-    return result;
-  }
-  result.status = cups.ippErrorString(cups.ippGetStatusCode(answer));
   const ipp_status_t status = cups.ippGetStatusCode(answer);
   const bool good = status < IPP_STATUS_REDIRECTION_OTHER_SITE;
   // An empty list is told as something that is not there.
@@ -91,10 +99,21 @@ IppAnswer Judge(const CupsLibrary &cups, ipp_t *answer, ipp_tag_t group) {
   } else {
     result.kind = status == IPP_STATUS_ERROR_SERVICE_UNAVAILABLE ? IppAnswer::Kind::Unreachable
                                                                  : IppAnswer::Kind::Refused;
-    const char *words = cups.cupsLastErrorString();
-    result.words = words == nullptr ? "" : words;
+    result.words = StatusMessage(cups, answer);
   }
   return result;
+}
+
+// An answer that is in memory, as libcups takes it from there.
+struct Received {
+  std::string data;
+  size_t read = 0;
+};
+ssize_t ReadReceived(void *context, ipp_uchar_t *buffer, size_t size) {
+  Received &received = *static_cast<Received *>(context);
+  const size_t length = received.data.copy(reinterpret_cast<char *>(buffer), size, received.read);
+  received.read += length;
+  return static_cast<ssize_t>(length);
 }
 
 }  // namespace
@@ -189,20 +208,60 @@ void IppClient::Disconnect() {
   http_ = nullptr;
 }
 
+// libcups itself takes an answer off the connection field by field, with two system calls each:
+// those of ten thousand jobs are a million.
+ipp_t *IppClient::Receive() {
+  Received received;
+  std::string block(L_Block, '\0');
+  ssize_t length = 0;
+  while ((length = cups_->httpRead2(http_, block.data(), block.size())) > 0) {
+    received.data.append(block, 0, static_cast<size_t>(length));
+  }
+  if (length < 0) return nullptr;
+  ipp_t *answer = cups_->ippNew();
+  if (cups_->ippReadIO(&received, ReadReceived, 1, nullptr, answer) == IPP_STATE_DATA) {
+    return answer;
+  }
+  cups_->ippDelete(answer);
+  return nullptr;
+}
+
+ipp_t *IppClient::Send(ipp_t *request, const char *resource, std::string *words) {
+  http_status_t status =
+      cups_->cupsSendRequest(http_, request, resource, cups_->ippLength(request));
+  while (status == HTTP_STATUS_CONTINUE) status = cups_->httpUpdate(http_);
+  if (status == HTTP_STATUS_OK || status == HTTP_STATUS_ERROR) {
+    cups_->ippDelete(request);
+    ipp_t *answer = status == HTTP_STATUS_OK ? Receive() : nullptr;
+    if (answer == nullptr) *words = ErrorText(cups_->httpError(http_));
+    return answer;
+  }
+  // Who asks has to say who he is, for example: libcups does that, and asks once more.
+  cups_->httpFlush(http_);
+  ipp_t *answer = cups_->cupsDoRequest(http_, request, resource);
+  if (answer == nullptr) *words = LastWords();
+  return answer;
+}
+
+std::string IppClient::LastWords() const {
+  const char *words = cups_->cupsLastErrorString();
+  return words == nullptr ? "" : words;
+}
+
 IppAnswer IppClient::Do(IppRequest &request, ipp_tag_t group, const std::string &file) {
   quarters_ = 0;
-  if (!Connect()) {
-    return {.kind = IppAnswer::Kind::Unreachable,
-            .words = std::strerror(errno),
-            .status = cups_->ippErrorString(IPP_STATUS_ERROR_SERVICE_UNAVAILABLE),
-            .objects = {}};
-  }
+  if (!Connect()) return Unreachable(ErrorText(errno));
   const char *resource = request.resource();
   if (resource == nullptr) resource = file.empty() ? "/" : "/printers/";
-  ipp_t *answer = file.empty()
-                      ? cups_->cupsDoRequest(http_, request.Release(), resource)
-                      : cups_->cupsDoFileRequest(http_, request.Release(), resource, file.c_str());
-  IppAnswer result = Judge(*cups_, answer, group);
+  std::string words;
+  ipp_t *answer = nullptr;
+  if (file.empty()) {
+    answer = Send(request.Release(), resource, &words);
+  } else {
+    answer = cups_->cupsDoFileRequest(http_, request.Release(), resource, file.c_str());
+    words = LastWords();
+  }
+  IppAnswer result = answer == nullptr ? Unreachable(words) : Judge(*cups_, answer, group);
   if (answer != nullptr) cups_->ippDelete(answer);
   // What the connection still brings would be taken for the answer to the next request.
   if (result.kind == IppAnswer::Kind::Unreachable) Disconnect();

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
+#include <set>
 #include <utility>
 
 #include "cmessages.h"
@@ -62,14 +64,26 @@ size_t JobRows::PlaceOf(int number) const {
 void JobRows::Note(std::vector<SpoolerJob> jobs, const std::vector<int> &gone) {
   std::move(jobs.begin(), jobs.end(), std::back_inserter(noted_));
   gone_.insert(gone_.end(), gone.begin(), gone.end());
+  if (gone.empty()) return;
+  const std::set<int> numbers(gone.begin(), gone.end());
+  noted_.erase(noted_.begin(), noted_.begin() + static_cast<std::ptrdiff_t>(taken_));
+  taken_ = 0;
+  std::erase_if(noted_, [&](const SpoolerJob &job) { return numbers.contains(job.number); });
 }
 
 bool JobRows::CanReplace() const { return jobs_.empty() && taken_ == 0 && gone_.empty(); }
 
 void JobRows::Replace() {
-  jobs_ = std::exchange(noted_, {});
-  std::stable_sort(jobs_.begin(), jobs_.end(),
+  std::stable_sort(noted_.begin(), noted_.end(),
                    [](const SpoolerJob &a, const SpoolerJob &b) { return a.number < b.number; });
+  // Of a job that came twice the last counts.
+  const auto unique =
+      std::unique(noted_.rbegin(), noted_.rend(),
+                  [](const SpoolerJob &a, const SpoolerJob &b) { return a.number == b.number; });
+  noted_.erase(noted_.begin(), unique.base());
+  const auto newest = noted_.end() - static_cast<std::ptrdiff_t>(std::min(noted_.size(), L_ATurn));
+  jobs_.assign(std::make_move_iterator(newest), std::make_move_iterator(noted_.end()));
+  noted_.erase(newest, noted_.end());
 }
 
 void JobRows::Put(SpoolerJob job, const RowObserver &observer) {
@@ -102,7 +116,7 @@ bool JobRows::TakeSome(const RowObserver &observer) {
     noted_.clear();
     taken_ = 0;
   }
-  return !noted_.empty() || !gone_.empty();
+  return HasMore();
 }
 
 bool Fits(SpoolerAction action, const SpoolerQueue &queue) {

@@ -36,11 +36,14 @@ class JobRows {
   int Count() const { return static_cast<int>(jobs_.size()); }
   const SpoolerJob &At(int row) const { return jobs_[jobs_.size() - 1 - static_cast<size_t>(row)]; }
 
-  // Notes what is to change. The jobs are in any order.
+  // Notes what is to change. The jobs are in any order; of one that comes twice the last counts,
+  // and one that is gone does not come.
   void Note(std::vector<SpoolerJob> jobs, const std::vector<int> &gone);
-  // True when the list is empty and all that was noted can become its content at once.
+  // True when the list is empty, so that the newest of what was noted can become its content at
+  // once; what is left is noted still.
   [[nodiscard]] bool CanReplace() const;
   void Replace();
+  [[nodiscard]] bool HasMore() const { return !noted_.empty() || !gone_.empty(); }
   // Does a part of what was noted; false when all is done.
   [[nodiscard]] bool TakeSome(const RowObserver &observer);
 

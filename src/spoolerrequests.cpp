@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <functional>
+#include <limits>
 #include <map>
 #include <utility>
 
@@ -18,13 +19,14 @@ namespace {
 using Texts = std::vector<const char *>;
 
 constexpr int L_LeaseSeconds = 600;
+constexpr int L_Page = 500;        // jobs; CUPS tells of no more at a time
+constexpr int L_NewestPage = 100;  // numbers
 
 const Texts L_JobAttributes = {"job-id",
                                "job-name",
                                "job-originating-user-name",
                                "job-printer-uri",
                                "job-state",
-                               "job-state-reasons",
                                "job-printer-state-message",
                                "job-k-octets",
                                "job-media-sheets-completed",
@@ -57,7 +59,6 @@ SpoolerJob JobFrom(const IppObject &object) {
   job.user = TextIn(object, "job-originating-user-name");
   job.state = static_cast<JobState>(NumberIn(object, "job-state", 3));
   job.words = TextIn(object, "job-printer-state-message");
-  job.reasons = WithoutNone(TextIn(object, "job-state-reasons"));
   job.kilobytes = NumberIn(object, "job-k-octets");
   job.pages = std::max(NumberIn(object, "job-media-sheets-completed"),
                        NumberIn(object, "job-impressions-completed"));
@@ -110,6 +111,61 @@ IppAnswer SendDocument(IppClient &client, IppRequest &request, const std::string
   return answer;
 }
 
+// All jobs, or the user's own, by their numbers.
+class JobPages {
+ public:
+  JobPages(IppClient &client, bool own) : client_(client), own_(own) {}
+
+  // Appends those from the number `first` on, in order, up to `most`; false without an answer.
+  [[nodiscard]] bool From(int first, int most, std::vector<SpoolerJob> *jobs,
+                          const Texts &attributes = L_JobAttributes) const {
+    IppRequest request(*client_.cups(), IPP_OP_GET_JOBS, "");
+    request.Text(IPP_TAG_OPERATION, IPP_TAG_KEYWORD, "which-jobs", "all");
+    request.Truth(IPP_TAG_OPERATION, "my-jobs", own_);
+    request.Number(IPP_TAG_OPERATION, "first-job-id", first);
+    request.Number(IPP_TAG_OPERATION, "limit", most);
+    request.Texts(IPP_TAG_OPERATION, "requested-attributes", attributes);
+    const IppAnswer answer = client_.Do(request, IPP_TAG_JOB);
+    if (answer.kind != IppAnswer::Kind::Done) return false;
+    for (const IppObject &object : answer.objects) jobs->push_back(JobFrom(object));
+    return true;
+  }
+
+  // From which number on the newest jobs are, `first` or a later one: at most two pages of them.
+  // Nobody tells the last number, but whether there is a job from a number on costs next to
+  // nothing. False without an answer.
+  [[nodiscard]] bool FindNewest(int first, int *start) const {
+    constexpr int kLast = std::numeric_limits<int>::max();
+    int low = first;
+    int width = L_NewestPage;
+    bool any = true;
+    while (any && low < kLast) {
+      width = std::min(width, kLast - low);
+      if (!IsAnyFrom(low + width, &any)) return false;
+      if (any) low += std::exchange(width, std::min(width, kLast / 2) * 2);
+    }
+    while (width > L_NewestPage) {
+      const int half = width / 2;
+      if (!IsAnyFrom(low + half, &any)) return false;
+      if (any) low += half;
+      width = any ? width - half : half;
+    }
+    *start = std::max(first, low - L_NewestPage);
+    return true;
+  }
+
+ private:
+  [[nodiscard]] bool IsAnyFrom(int number, bool *there) const {
+    std::vector<SpoolerJob> jobs;
+    if (!From(number, 1, &jobs, {"job-id"})) return false;
+    *there = !jobs.empty();
+    return true;
+  }
+
+  IppClient &client_;
+  bool own_;
+};
+
 }  // namespace
 
 std::optional<std::vector<SpoolerQueue>> AskForQueues(IppClient &client) {
@@ -127,26 +183,28 @@ std::optional<std::vector<SpoolerQueue>> AskForQueues(IppClient &client) {
   return queues;
 }
 
-std::optional<std::vector<SpoolerJob>> AskForJobs(IppClient &client, bool own) {
-  std::map<int, SpoolerJob, std::greater<>> jobs;
-  // Asked for all at once, CUPS tells of 500 at most. What ends in between is in both.
-  for (const char *which : {"not-completed", "completed"}) {
-    IppRequest request(*client.cups(), IPP_OP_GET_JOBS, "");
-    request.Text(IPP_TAG_OPERATION, IPP_TAG_KEYWORD, "which-jobs", which);
-    request.Truth(IPP_TAG_OPERATION, "my-jobs", own);
-    request.Texts(IPP_TAG_OPERATION, "requested-attributes", L_JobAttributes);
-    const IppAnswer answer = client.Do(request, IPP_TAG_JOB);
-    if (answer.kind != IppAnswer::Kind::Done) return std::nullopt;
-    for (const IppObject &object : answer.objects) {
-      SpoolerJob job = JobFrom(object);
-      const int number = job.number;
-      jobs.insert_or_assign(number, std::move(job));
-    }
+bool AskForJobs(IppClient &client, bool own, const JobsTaker &take) {
+  const JobPages pages(client, own);
+  std::vector<SpoolerJob> oldest;
+  if (!pages.From(1, L_Page, &oldest)) return false;
+  if (oldest.size() < L_Page) {
+    take(std::move(oldest));
+    return true;
   }
-  std::vector<SpoolerJob> newest_first;
-  newest_first.reserve(jobs.size());
-  for (auto &[number, job] : jobs) newest_first.push_back(std::move(job));
-  return newest_first;
+  int next = oldest.back().number + 1;
+  int newest = 0;
+  std::vector<SpoolerJob> page;
+  if (!pages.FindNewest(next, &newest) || !pages.From(newest, L_Page, &page)) return false;
+  if (!take(std::move(page)) || !take(std::move(oldest))) return true;
+  while (next < newest) {
+    page.clear();
+    if (!pages.From(next, std::min(L_Page, newest - next), &page)) return false;
+    std::erase_if(page, [newest](const SpoolerJob &job) { return job.number >= newest; });
+    if (page.empty()) return true;
+    next = page.back().number + 1;
+    if (!take(std::move(page))) return true;
+  }
+  return true;
 }
 
 std::optional<std::map<std::string, std::string>> AskForDevices(IppClient &client,

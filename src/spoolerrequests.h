@@ -1,6 +1,7 @@
 // What the program asks the print service for, as IPP requests. Each waits for the answer.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -9,9 +10,12 @@
 #include "ippclient.h"
 #include "spoolerstate.h"
 
-// All queues by name, all jobs (or the user's own) the newest first; nothing without an answer.
+// All queues by name; nothing without an answer.
 [[nodiscard]] std::optional<std::vector<SpoolerQueue>> AskForQueues(IppClient &client);
-[[nodiscard]] std::optional<std::vector<SpoolerJob>> AskForJobs(IppClient &client, bool own);
+// Tells of all jobs, or of the user's own, in parts, which `take` may end by false: that of the
+// newest comes first, then the others, the oldest first. False without an answer.
+using JobsTaker = std::function<bool(std::vector<SpoolerJob> jobs)>;
+[[nodiscard]] bool AskForJobs(IppClient &client, bool own, const JobsTaker &take);
 // Appends that job to `found` if there is one. False without an answer.
 [[nodiscard]] bool AskForJob(IppClient &client, int number, std::vector<SpoolerJob> *found);
 

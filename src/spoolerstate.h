@@ -37,8 +37,7 @@ struct SpoolerJob {
   std::string title;
   std::string user;
   JobState state = JobState::Waiting;
-  std::string words;    // the last words about it
-  std::string reasons;  // keywords, with blanks between
+  std::string words;  // the last words about it
   int kilobytes = 0;
   int pages = 0;          // printed so far; 0 when the printer does not tell
   std::time_t since = 0;  // when it came

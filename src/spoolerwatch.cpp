@@ -10,6 +10,7 @@
 #include <csignal>
 #include <map>
 #include <mutex>
+#include <set>
 #include <thread>
 #include <utility>
 
@@ -153,9 +154,25 @@ class WatchThread {
     touched_.clear();
     if (!LookAtQueues(client)) return false;
     if (scope_ == WatchScope::Queues) return true;
-    std::optional<std::vector<SpoolerJob>> jobs = AskForJobs(client, scope_ == WatchScope::OwnJobs);
-    if (!jobs) return false;
-    ReplaceJobs(std::move(*jobs));
+    return LookAtAllJobs(client);
+  }
+
+  // In parts, between which is done what somebody who sees the first of them asks for.
+  bool LookAtAllJobs(IppClient &client) {
+    std::set<int> gone;
+    for (const auto &[number, job] : jobs_) gone.insert(number);
+    const bool answered =
+        AskForJobs(client, scope_ == WatchScope::OwnJobs, [&](const std::vector<SpoolerJob> &jobs) {
+          for (const SpoolerJob &job : jobs) gone.erase(job.number);
+          TellOfJobs(jobs, {});
+          SetContact(SpoolerContact::Answering);
+          DoTasks(client);
+          return !stop_;
+        });
+    if (!answered) return false;
+    if (stop_) return true;
+    for (const int number : gone) jobs_.erase(number);
+    TellOfJobs({}, {gone.begin(), gone.end()});
     return true;
   }
 
@@ -206,17 +223,6 @@ class WatchThread {
     touched_.clear();
     TellOfJobs(changed, {});
     return true;
-  }
-
-  void ReplaceJobs(std::vector<SpoolerJob> jobs) {
-    std::map<int, SpoolerJob> gone = jobs_;
-    for (const SpoolerJob &job : jobs) gone.erase(job.number);
-    std::vector<int> numbers;
-    for (const auto &[number, job] : gone) {
-      numbers.push_back(number);
-      jobs_.erase(number);
-    }
-    TellOfJobs(jobs, numbers);
   }
 
   void TellOfJobs(const std::vector<SpoolerJob> &jobs, const std::vector<int> &gone) {

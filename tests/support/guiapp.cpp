@@ -477,7 +477,12 @@ double GuiApp::ProcessorSeconds() const {
   return (user + system) / static_cast<double>(sysconf(_SC_CLK_TCK));
 }
 
-int GuiApp::LongestTurn() { return std::stoi(Demand("turn")); }
+GuiApp::Turn GuiApp::LongestTurn() {
+  std::istringstream words(Demand("turn"));
+  Turn turn;
+  words >> turn.passed >> turn.worked;
+  return turn;
+}
 
 void Screenshot(const std::string &path) { RunImport({"-window", "root", path}); }
 

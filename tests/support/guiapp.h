@@ -120,8 +120,13 @@ class GuiApp {
   std::string Stderr() const;
   // The processor time that the program has used, in seconds; the system counts in hundredths.
   double ProcessorSeconds() const;
-  // The longest turn of its main loop since this was last asked, in milliseconds.
-  int LongestTurn();
+  // The longest turn of its main loop since this was last asked, in milliseconds: by the clock, and
+  // by the processor time of its thread.
+  struct Turn {
+    int passed = 0;
+    int worked = 0;
+  };
+  Turn LongestTurn();
 
  private:
   std::optional<std::string> Ask(

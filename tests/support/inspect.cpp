@@ -52,10 +52,13 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "inspectchecks.h"
@@ -266,23 +269,37 @@ Answer WindowIdentifier(GtkWidget *window) {
   return std::to_string(gdk_x11_window_get_xid(gtk_widget_get_window(window)));
 }
 
+// Microseconds that have passed, and those that this thread has worked.
+struct TurnTime {
+  gint64 passed = 0;
+  gint64 worked = 0;
+};
+
+TurnTime TurnTimeNow() {
+  timespec worked = {};
+  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &worked);
+  return {g_get_monotonic_time(), worked.tv_sec * G_USEC_PER_SEC + worked.tv_nsec / 1000};
+}
+
 // A turn lasts from the end of one wait for events to the beginning of the next.
-gint64 L_TurnStart = 0;  // in microseconds, as the next
-gint64 L_LongestTurn = 0;
+std::optional<TurnTime> L_TurnStart;
+TurnTime L_LongestTurn;
 
 gint WaitForEvents(GPollFD *descriptors, guint count, gint timeout) {
-  const gint64 now = g_get_monotonic_time();
-  if (L_TurnStart != 0) L_LongestTurn = std::max(L_LongestTurn, now - L_TurnStart);
+  const TurnTime now = TurnTimeNow();
+  if (L_TurnStart) {
+    L_LongestTurn = {std::max(L_LongestTurn.passed, now.passed - L_TurnStart->passed),
+                     std::max(L_LongestTurn.worked, now.worked - L_TurnStart->worked)};
+  }
   const gint result = g_poll(descriptors, count, timeout);
-  L_TurnStart = g_get_monotonic_time();
+  L_TurnStart = TurnTimeNow();
   return result;
 }
 
 std::string TakeLongestTurn() {
-  const gint64 longest = L_LongestTurn;
-  L_LongestTurn = 0;
-  L_TurnStart = 0;  // this one is the tests' own
-  return std::to_string(longest / 1000);
+  const TurnTime longest = std::exchange(L_LongestTurn, {});
+  L_TurnStart.reset();  // this one is the tests' own
+  return std::to_string(longest.passed / 1000) + " " + std::to_string(longest.worked / 1000);
 }
 
 Answer AboutWidget(const std::string &word, const std::string &name, int number) {

@@ -80,6 +80,52 @@ TEST(JobRows, OfAnEmptyListAreTakenAtOnce) {
   EXPECT_FALSE(rows.CanReplace());
 }
 
+TEST(JobRows, OfAnEmptyListAreTheNewestAtOnceAndTheOthersInTurns) {
+  JobRows rows;
+  std::vector<SpoolerJob> many;
+  for (int i = 1; i <= 1000; ++i) many.push_back(Job(i));
+  rows.Note(many, {});
+  rows.Replace();
+  EXPECT_EQ(1000, rows.At(0).number);
+  EXPECT_LT(rows.Count(), 500);
+  EXPECT_EQ(1001 - rows.Count(), rows.At(rows.Count() - 1).number);
+  EXPECT_TRUE(rows.HasMore());
+  const RowObserver ignored = {[](int) {}, [](int) {}, [](int) {}};
+  while (rows.TakeSome(ignored)) {
+  }
+  ASSERT_EQ(1000, rows.Count());
+  for (int row = 0; row < rows.Count(); ++row) ASSERT_EQ(1000 - row, rows.At(row).number);
+}
+
+TEST(JobRows, AreOneAJobHoweverOftenItComes) {
+  JobRows rows;
+  SpoolerJob later = Job(2);
+  later.title = "new name";
+  rows.Note({Job(2), Job(1)}, {});
+  rows.Note({later}, {});
+  rows.Replace();
+  ASSERT_EQ(2, rows.Count());
+  EXPECT_EQ("new name", rows.At(0).title);
+}
+
+TEST(JobRows, DoNotComeOnceTheirJobIsGone) {
+  JobRows rows;
+  Follower follower(rows, TitleOf);
+  rows.Note({Job(1)}, {});
+  while (rows.TakeSome(follower.Observer())) {
+  }
+  std::vector<SpoolerJob> many;
+  for (int i = 2; i <= 500; ++i) many.push_back(Job(i));
+  rows.Note(many, {});
+  ASSERT_TRUE(rows.TakeSome(follower.Observer()));
+  rows.Note({}, {1, 3, 499});  // shown, shown, and not yet
+  while (rows.TakeSome(follower.Observer())) {
+  }
+  EXPECT_EQ(497, rows.Count());
+  EXPECT_EQ(497U, follower.shown().size());
+  for (int row = 0; row < rows.Count(); ++row) EXPECT_NE(499, rows.At(row).number);
+}
+
 TEST(QueueRows, FollowTheSpooler) {
   QueueRows rows;
   Follower follower(rows, NameOf);
