@@ -4,6 +4,8 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <set>
+#include <string>
 
 #include "clist.h"
 #include "cmessages.h"
@@ -55,6 +57,16 @@ bool IsMadeAnew(const CPrintQueue &before, const CPrintQueue &after) {
          fIsEqual_CString_Value_Function(before.Language.get(), after.Language.get()) == 0;
 }
 
+// The queues that an interrupted save was to make anew: the snapshot has them as they are to be.
+std::set<std::string> L_MadeAnew;
+
+void RememberMadeAnew() {
+  for (const CString *removed : Elements<CString>(G_UnfinishedRemovals.get())) {
+    const char *name = fGet_CString_Value_Function(removed);
+    if (HashFind(G_Queues_hash, name) != nullptr) L_MadeAnew.insert(name);
+  }
+}
+
 Owned<CList> QueuesToRemove() {
   Owned<CList> names = CreateList();
   const auto add = [&names](const char *name) {
@@ -63,7 +75,9 @@ Owned<CList> QueuesToRemove() {
   };
   for (const auto [name, before] : Pairs<CPrintQueue>(G_OrgQueues_hash)) {
     const CPrintQueue *after = HashValue<CPrintQueue>(G_Queues_hash, name);
-    if (after == nullptr || IsMadeAnew(*before, *after)) add(name);
+    const bool is_anew =
+        after != nullptr && (IsMadeAnew(*before, *after) || L_MadeAnew.contains(name));
+    if (after == nullptr || is_anew) add(name);
   }
   for (const CString *removed : Elements<CString>(G_UnfinishedRemovals.get())) {
     const char *name = fGet_CString_Value_Function(removed);
@@ -74,7 +88,7 @@ Owned<CList> QueuesToRemove() {
 
 // Whether an earlier save is to be finished.
 bool HasUnfinished() {
-  if (G_UnfinishedRemovals != nullptr) return true;
+  if (G_UnfinishedRemovals != nullptr || IsSaveUnfinished()) return true;
   const auto queues = Pairs<CPrintQueue>(G_Queues_hash);
   for (const auto [name, queue] : queues) {
     if (IsIncompleteQueue(name)) return true;
@@ -159,6 +173,7 @@ Status ReadToChange(const Call &call) {
   AskSpooler();
   ReadPrinters();
   LoadQueues();
+  RememberMadeAnew();
   return kDone;
 }
 

@@ -266,4 +266,13 @@ TEST_F(CtlDeclared, AreAppliedAgainAfterAnInterruption) {
   }
 }
 
+TEST_F(CtlDeclared, LeaveNothingOfASaveThatWasInterruptedAtItsEnd) {
+  const std::string file = Write(kSite);
+  Must({"apply", file});
+  std::filesystem::copy(kQueuesFile, KeptQueueListPath(kQueuesFile));
+  Must({"apply", file});
+  EXPECT_FALSE(std::filesystem::exists(KeptQueueListPath(kQueuesFile)));
+  Expect({"apply", file}, Nothing());
+}
+
 }  // namespace

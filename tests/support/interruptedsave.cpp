@@ -93,14 +93,6 @@ bool SameThings(const World &one, const World &other, const std::string &queue) 
   return a->second == b->second;
 }
 
-// The plan that lets every call be made and notes what those are about that `concerns` picks.
-FatePlan Noting(const CallFilter &concerns, std::vector<std::string> &calls) {
-  return [&](const FileCall &call) {
-    if (concerns(call)) calls.push_back(DescriptionOf(call));
-    return CallFate{};
-  };
-}
-
 }  // namespace
 
 InterruptedSave::InterruptedSave() {
@@ -230,4 +222,11 @@ FatePlan At(int number, const CallFilter &concerns, CallFate fate) {
   const auto seen = std::make_shared<int>(0);
   return
       [=](const FileCall &call) { return concerns(call) && ++*seen == number ? fate : CallFate{}; };
+}
+
+FatePlan Noting(const CallFilter &concerns, std::vector<std::string> &calls) {
+  return [&](const FileCall &call) {
+    if (concerns(call)) calls.push_back(DescriptionOf(call));
+    return CallFate{};
+  };
 }

@@ -78,3 +78,7 @@ std::vector<int> SampleOf(int count, int some, int some_long = INT_MAX);
 // The plan that lets `fate` befall the call `number`, from 1, of those that `concerns` picks, and
 // nothing any other.
 FatePlan At(int number, const CallFilter &concerns, CallFate fate);
+
+// The plan that lets every call be made and adds what those are about that `concerns` picks to
+// `calls`, which lives as long as the plan.
+FatePlan Noting(const CallFilter &concerns, std::vector<std::string> &calls);

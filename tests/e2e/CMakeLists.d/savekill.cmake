@@ -9,7 +9,7 @@ target_link_libraries(kpx_faults PUBLIC kpx_core Cups::Cups)
 kpx_add_test(NAME save_kill LIBS kpx_faults LABEL e2e SANDBOX bare
   SOURCES e2e/savekill_test.cpp)
 # With the real spooler and all that belongs to a queue.
-foreach(kind kill error powercut)
+foreach(kind kill apply error powercut)
   kpx_add_test(NAME savefaults_${kind} LIBS kpx_faults LABEL e2e SANDBOX full
     SOURCES e2e/savefaults_${kind}_test.cpp)
 endforeach()
