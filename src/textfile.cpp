@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
+#include <map>
 #include <memory>
 #include <span>
 #include <utility>
@@ -115,13 +116,26 @@ bool ReplaceDurably(const std::string &path, std::string_view text, const auto &
   return file.Fill(text, access) && file.Flush() && file.Install() && SyncDirectoryOf(path);
 }
 
+// The groups' numbers: each is looked up once, however many files belong to it.
+class GroupNumbers {
+ public:
+  std::optional<gid_t> Of(const std::string &name) {
+    const auto [known, is_new] = numbers_.try_emplace(name);
+    const group *entry = is_new ? getgrnam(name.c_str()) : nullptr;
+    if (entry != nullptr) known->second = entry->gr_gid;
+    return known->second;
+  }
+
+ private:
+  std::map<std::string, std::optional<gid_t>> numbers_;
+};
+
 // Whether the file that stands there needs no replacing.
-bool HasContent(const FileContent &wanted) {
+bool HasContent(const FileContent &wanted, GroupNumbers &groups) {
   struct stat status = {};
   if (lstat(wanted.path.c_str(), &status) != 0 || status.st_uid != geteuid()) return false;
   if ((status.st_mode & 07777) != wanted.access.mode) return false;
-  const group *entry = wanted.access.group == nullptr ? nullptr : getgrnam(wanted.access.group);
-  if (wanted.access.group != nullptr && (entry == nullptr || entry->gr_gid != status.st_gid)) {
+  if (wanted.access.group != nullptr && groups.Of(wanted.access.group) != status.st_gid) {
     return false;
   }
   return ReadOwnFile(wanted.path) == wanted.text;
@@ -225,8 +239,9 @@ std::vector<std::string> ReplaceFilesDurably(const std::vector<FileContent> &fil
   // So many files are open at a time.
   constexpr size_t kTogether = 64;
   std::vector<FileContent> changed;
+  GroupNumbers groups;
   for (const FileContent &file : files) {
-    if (!HasContent(file)) changed.push_back(file);
+    if (!HasContent(file, groups)) changed.push_back(file);
   }
   std::vector<std::string> failed;
   for (size_t first = 0; first < changed.size(); first += kTogether) {
