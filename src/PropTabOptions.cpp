@@ -133,6 +133,13 @@ void ShowOrdersOfTurnedSheet(OrderBoxes boxes) {
   Toggle(L_Orders, G_PropTabOptions_helper->orders, OrderClicked, CurrentNupOrder());
 }
 
+// The buttons of the work copy's choice, active without running their handlers.
+void ShowChosen() {
+  Toggle(L_Pages, G_PropTabOptions_helper->pages, PagesClicked, CurrentMultipleUp());
+  Toggle(L_Orders, G_PropTabOptions_helper->orders, OrderClicked, CurrentNupOrder());
+  ShowOrders(CurrentOrderBoxes());
+}
+
 void RedrawAll() {
   G_RedrawMultipleUpPixmaps();
   G_RedrawMultipleNupOrdersPixmaps();
@@ -209,11 +216,9 @@ void AddNupFrame(const OptionTab &tab) {
   AddGroup(pages, L_Pages, helper.pages, MultipleUpPicture, PagesClicked);
   AddGroup(orders, L_Orders, helper.orders, NupOrderPicture, OrderClicked);
   KeepHeight(pages, orders);
-  Toggle(L_Pages, helper.pages, PagesClicked, CurrentMultipleUp());
-  Toggle(L_Orders, helper.orders, OrderClicked, CurrentNupOrder());
   gtk_widget_show_all(frame);
   for (const NupButton &order : helper.orders) gtk_widget_set_no_show_all(order.box, TRUE);
-  ShowOrders(CurrentOrderBoxes());
+  ShowChosen();
   G_OptionChangeHooks.show_nup_orders = ShowOrdersOfTurnedSheet;
   G_OptionChangeHooks.redraw_multiple_up = RedrawAll;
 }
@@ -251,6 +256,12 @@ void RadioButtonNupOrderPressed(const char *order) {
   const LogScope log("RadioButtonNupOrderPressed");
   if (!HasButtons() || !IsChosen(L_Orders, G_PropTabOptions_helper->orders, order)) return;
   ChooseNupOrder(order);
+}
+
+void ShowMultipleUp() {
+  if (!HasButtons()) return;
+  ShowChosen();
+  RedrawAll();
 }
 
 void G_RedrawMultipleUpPixmaps() {

@@ -30,6 +30,9 @@ GtkWidget *create_PropTabOptions();
 void RadioButtonNupPressed(const char *value);
 void RadioButtonNupOrderPressed(const char *order);
 
+// Shows the choice of pages a sheet that the work copy has, where there are the buttons.
+void ShowMultipleUp();
+
 // Draw the pictures for the sheet as it lies now. Without "*Nup" those of the orders stay.
 void G_RedrawMultipleUpPixmaps();
 void G_RedrawMultipleNupOrdersPixmaps();

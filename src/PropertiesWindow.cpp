@@ -6,6 +6,7 @@
 
 #include "AccessKeys.h"
 #include "MessageDialogs.h"
+#include "PresetMenu.h"
 #include "PropertiesFrame.h"
 #include "PropertiesPages.h"
 #include "PropertiesWindowFct.h"
@@ -13,6 +14,7 @@
 #include "cmessages.h"
 #include "conflictresolution.h"
 #include "debug.h"
+#include "globals.h"
 #include "properties.h"
 
 namespace {
@@ -82,6 +84,7 @@ GtkWidget *create_PropertiesWindow() {
   gtk_container_set_border_width(GTK_CONTAINER(helper.notebook), L_Border);
   gtk_box_pack_start(GTK_BOX(box), helper.notebook, TRUE, TRUE, 0);
   AddPropertiesButtons(helper, box);
+  if (G_ProgName == kModePrintTool) AddPresets(box);
   AddPropertiesPages();
   g_signal_connect(helper.notebook, "switch-page", G_CALLBACK(SwitchPageProperties), nullptr);
   SwitchPageProperties(GTK_NOTEBOOK(helper.notebook), nullptr, 0, nullptr);

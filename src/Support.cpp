@@ -346,6 +346,10 @@ void InstallStyle() {
   const std::string style = std::string("combobox { -GtkComboBox-appears-as-list: true; } entry.") +
                             kNotEditableClass + " { caret-color: transparent; } scrolledwindow." +
                             L_FocusedClass + " { border-color: @theme_selected_bg_color; }" +
+                            " button." + kMenuButtonClass +
+                            " > label { padding-right: 22px; background-image: "
+                            "-gtk-icontheme('pan-down-symbolic'); background-size: 16px; "
+                            "background-repeat: no-repeat; background-position: right center; }" +
                             // The toolkit's themes write titles in a grey that is hard to read.
                             " treeview header button { color: @theme_fg_color; }";
   gtk_css_provider_load_from_data(provider, style.c_str(), -1, nullptr);

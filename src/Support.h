@@ -107,6 +107,9 @@ void DropInput();
 // The style class of entries that nothing can be typed into: they show no text cursor.
 inline constexpr char kNotEditableClass[] = "kpx-not-editable";
 
+// The style class of buttons that open a menu: they have an arrow.
+inline constexpr char kMenuButtonClass[] = "kpx-menu";
+
 // Style settings that every window needs; once, after gtk_init.
 void InstallStyle();
 

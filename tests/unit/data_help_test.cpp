@@ -35,6 +35,7 @@ const std::vector<std::vector<const char *>> kShown = {
     {"KPX_FONTS_TAB_BEGIN", "KPX_PROPERTIES_DEFAULTS_BUTTON_BEGIN", "KPX_PROPERTIES_BUTTONS_BEGIN"},
     {"KPX_CPS_PARAMS_BEGIN"},
     {"KPX_CMT_PARAMS_BEGIN"},
+    {"KPX_PRESETS_BEGIN"},
     {"KPX_JOBS_BEGIN"},
     {"KPX_TOOL_BEGIN"},
 };
