@@ -40,5 +40,11 @@ kpx_add_test(NAME application_privacy LIBS kpx_filter LABEL e2e SANDBOX full
   SOURCES e2e/application_privacy_test.cpp)
 kpx_add_test(NAME application_sharing LIBS kpx_core LABEL e2e SANDBOX full
   SOURCES e2e/application_sharing_test.cpp)
-target_compile_definitions(test_application_sharing PRIVATE
-                           KPX_SECOND_HOST="${CMAKE_CURRENT_SOURCE_DIR}/support/secondhost")
+set(second_host KPX_SECOND_HOST="${CMAKE_CURRENT_SOURCE_DIR}/support/secondhost")
+target_compile_definitions(test_application_sharing PRIVATE ${second_host})
+if(KPX_LONG)
+  kpx_add_test(NAME application_found LIBS kpx_core LABEL e2e SANDBOX full
+    SOURCES e2e/application_found_test.cpp)
+  target_compile_definitions(test_application_found PRIVATE ${second_host}
+                             KPX_DNSSD="${CMAKE_CURRENT_SOURCE_DIR}/support/dnssd")
+endif()
