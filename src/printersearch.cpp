@@ -31,8 +31,22 @@ std::string Shown(std::string_view text) {
   return cut == L_Unknown ? "" : cut;
 }
 
-// The words of a line of a backend; those in quotation marks are one.
-std::vector<std::string> DeviceWords(std::string_view line) {
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+// What stands behind a backslash, which `at` is on and moves behind: three digits are a byte in
+// decimal, as avahi-browse writes it, and anything else is itself.
+char Escaped(std::string_view line, size_t *at) {
+  const std::string_view digits = line.substr(*at + 1, 3);
+  if (digits.size() == 3 && std::all_of(digits.begin(), digits.end(), IsDigit)) {
+    *at += 4;
+    return static_cast<char>((digits[0] - '0') * 100 + (digits[1] - '0') * 10 + digits[2] - '0');
+  }
+  *at += 2;
+  return digits.empty() ? '\\' : digits[0];
+}
+
+// The words of a line; those in quotation marks are one.
+std::vector<std::string> QuotedWords(std::string_view line) {
   std::vector<std::string> words;
   for (size_t i = 0; i < line.size();) {
     if (line[i] == ' ') {
@@ -41,9 +55,8 @@ std::vector<std::string> DeviceWords(std::string_view line) {
     }
     std::string word;
     if (line[i] == '"') {
-      for (++i; i < line.size() && line[i] != '"'; ++i) {
-        if (line[i] == '\\' && i + 1 < line.size()) ++i;
-        word += line[i];
+      for (++i; i < line.size() && line[i] != '"';) {
+        word += line[i] == '\\' ? Escaped(line, &i) : line[i++];
       }
       ++i;
     } else {
@@ -68,25 +81,29 @@ std::string HostOfUri(std::string_view uri) {
 
 // class uri "make and model" "info" "device id" "location"
 std::optional<FoundPrinter> OfBackend(std::string_view line) {
-  const std::vector<std::string> words = DeviceWords(line);
+  const std::vector<std::string> words = QuotedWords(line);
   if (words.size() < 3 || words[0] != "network") return std::nullopt;
   const std::string host = HostOfUri(words[1]);
   if (!IsAddress(host)) return std::nullopt;
   return FoundPrinter{host, Shown(words[2]), words.size() > 5 ? Shown(words[5]) : ""};
 }
 
-// The value of "name=VALUE" among the quoted texts of a line.
-std::string ServiceText(std::string_view texts, std::string_view name) {
-  const std::string start = "\"" + std::string(name) + "=";
-  const size_t begin = texts.find(start);
-  if (begin == std::string_view::npos) return "";
-  const std::string_view value = texts.substr(begin + start.size());
-  return Shown(value.substr(0, value.find('"')));
+// The value of the text "name=VALUE" of a service; nothing where there is none.
+std::optional<std::string> ServiceText(const std::vector<std::string> &texts,
+                                       std::string_view name) {
+  for (const std::string &text : texts) {
+    const std::string_view all = text;
+    if (all.size() > name.size() && all.starts_with(name) && all[name.size()] == '=') {
+      return text.substr(name.size() + 1);
+    }
+  }
+  return std::nullopt;
 }
 
 // =;interface;protocol;name;type;domain;host;address;port;texts
 std::optional<FoundPrinter> OfAvahi(std::string_view line) {
   constexpr size_t kAddress = 7;
+  constexpr size_t kPort = 8;
   constexpr size_t kTexts = 9;
   if (!line.starts_with("=;")) return std::nullopt;
   std::vector<std::string_view> fields;
@@ -99,8 +116,12 @@ std::optional<FoundPrinter> OfAvahi(std::string_view line) {
   }
   // An address of the link alone needs an interface beside it.
   if (!IsAddress(fields[kAddress]) || fields[kAddress].starts_with("fe80:")) return std::nullopt;
-  return FoundPrinter{std::string(fields[kAddress]), ServiceText(fields[kTexts], "ty"),
-                      ServiceText(fields[kTexts], "note")};
+  const std::vector<std::string> texts = QuotedWords(fields[kTexts]);
+  // A queue of another CUPS, whose printer is elsewhere. Port 0 holds its name for a protocol that
+  // it does not speak.
+  if (fields[kPort] == "0" || ServiceText(texts, "printer-type")) return std::nullopt;
+  return FoundPrinter{std::string(fields[kAddress]), Shown(ServiceText(texts, "ty").value_or("")),
+                      Shown(ServiceText(texts, "note").value_or(""))};
 }
 
 std::set<std::string> WordsOf(std::string_view text) {

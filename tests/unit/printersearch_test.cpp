@@ -50,6 +50,26 @@ TEST(PrinterSearch, ReadsTheServicesOfAvahi) {
   EXPECT_EQ("-", Read("", SearchFormat::Avahi));
 }
 
+TEST(PrinterSearch, ReadsWhatAvahiEscapes) {
+  const std::string start = "=;eth0;IPv4;B\\195\\188ro;_ipp._tcp;local;hp.local;10.0.0.5;631;";
+  EXPECT_EQ(
+      "10.0.0.5|A \"B\" 4|B\xc3\xbcro; S\xc3\xbc"
+      "d \\ oben",
+      Read(start + R"("rp=ipp/print" "note=B\195\188ro; S\195\188d \\ oben" "ty=A \"B\" 4")",
+           SearchFormat::Avahi));
+  EXPECT_EQ("10.0.0.5|A|", Read(start + R"("x=\"ty=B" "ty=A")", SearchFormat::Avahi))
+      << "the start of a text is not within another";
+  EXPECT_EQ("10.0.0.5|A\\|", Read(start + R"("ty=A\)", SearchFormat::Avahi)) << "cut off";
+  EXPECT_EQ("10.0.0.5|A19|", Read(start + R"("ty=A\19")", SearchFormat::Avahi));
+}
+
+TEST(PrinterSearch, LeavesTheQueuesOfPrintServersOut) {
+  const std::string start = "=;eth0;IPv4;lp1\\032\\064\\032srv;_ipp._tcp;local;srv.local;10.0.0.5;";
+  EXPECT_EQ("-", Read(start + R"(631;"printer-type=0xB0F6" "ty=Vek Norvel 4120ES" "rp=printers/a")",
+                      SearchFormat::Avahi));
+  EXPECT_EQ("-", Read(start + "0;", SearchFormat::Avahi)) << "only holds the name";
+}
+
 TEST(PrinterSearch, KeepsOnePrinterOfAnAddressAndAllThatIsSaidOfIt) {
   std::vector<FoundPrinter> printers;
   EXPECT_TRUE(AddFoundPrinter({"10.0.0.5", "", ""}, &printers));
