@@ -13,6 +13,7 @@
 #include "jobrules.h"
 #include "paths.h"
 #include "settingkeys.h"
+#include "textencoding.h"
 #include "textfile.h"
 #include "textline.h"
 #include "utils.h"
@@ -29,7 +30,12 @@ constexpr FileAccess L_UserFileAccess{.mode = 0640};
 constexpr FileAccess L_QueueFileAccess{
     .mode = 0640, .group = L_SpoolerGroup, .mode_without_group = 0644};
 
+// A setting whose line has no room for a value behind its key is left out: nothing could read it.
 void AppendPair(std::string &text, std::string_view key, std::string_view value) {
+  if (key.size() >= kMaxLine) {
+    Log(1, "a setting's name of " + std::to_string(key.size()) + " bytes is too long for a file");
+    return;
+  }
   AppendTextLine(text, std::string(key) + "=" + std::string(value));
 }
 

@@ -232,6 +232,12 @@ TEST_F(DefFile, AnyBytesAreRead) {
   EXPECT_EQ(std::string(HashText(queue->Options.get(), "*Long")), std::string(kMaxLine - 6, 'y'));
 }
 
+// Latin letters of an older file need twice the room.
+TEST_F(DefFile, ANameWithoutRoomForItsValueIsNotWritten) {
+  const std::string name(700, '\xE4');
+  EXPECT_EQ(Overlay("*Kept=a\n*" + name + "=b\n", MakeQueue().get()), "*Kept=a\n");
+}
+
 TEST_F(DefFile, AFileThatAStrangerPutThereIsNotRead) {
   if (!HasOrdinaryUsers()) GTEST_SKIP() << "the sandbox has no ordinary users without root";
   std::ofstream(kAnnasFile) << "*PageSize=A3\n";
