@@ -19,7 +19,7 @@ constexpr int L_Width = 960;
 constexpr int L_Height = 620;
 constexpr int L_ReasonWidth = 50;  // characters, in a narrow window
 constexpr int L_ReasonUsualWidth = 90;
-constexpr int L_ReasonLines = 3;
+constexpr int L_ReasonLines = 2;  // what most reasons take; for more the list of jobs gives way
 
 enum class QueueColumn { Name, State, Jobs, Accepts, Words };
 enum class JobColumn { Title, Queue, User, Size, When, State, Reason };
@@ -115,7 +115,7 @@ void AddReason(JobsWindowHelper &helper, GtkWidget *parent) {
   gtk_label_set_width_chars(label, L_ReasonWidth);
   gtk_label_set_max_width_chars(label, L_ReasonUsualWidth);
   gtk_label_set_yalign(label, 0.0F);
-  gtk_label_set_lines(label, L_ReasonLines);
+  KeepRoomForLines(helper.reason_label, L_ReasonLines);
   gtk_box_pack_start(GTK_BOX(parent), helper.reason_label, FALSE, FALSE, 0);
 }
 

@@ -301,6 +301,19 @@ int TextWidth(GtkWidget *widget, const std::string &text) {
   return width;
 }
 
+void KeepRoomForLines(GtkWidget *label, int lines) {
+  const auto fit = +[](GtkWidget *widget, gpointer count) {
+    const std::string empty_lines(static_cast<size_t>(GPOINTER_TO_INT(count)) - 1, '\n');
+    PangoLayout *layout = gtk_widget_create_pango_layout(widget, empty_lines.c_str());
+    int height = 0;
+    pango_layout_get_pixel_size(layout, nullptr, &height);
+    g_object_unref(layout);
+    gtk_widget_set_size_request(widget, -1, height);
+  };
+  g_signal_connect(label, "style-updated", G_CALLBACK(fit), GINT_TO_POINTER(lines));
+  fit(label, GINT_TO_POINTER(lines));
+}
+
 void SetOpeningSize(GtkWidget *window, int width, int height, int unwanted) {
   GtkRequisition natural;
   gtk_widget_get_preferred_size(gtk_bin_get_child(GTK_BIN(window)), nullptr, &natural);

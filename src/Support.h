@@ -84,6 +84,9 @@ void OnDeleteEvent(GtkWidget *window, void (*handler)());
 // The width, in pixels, of the longest line of `text` in the widget's font.
 [[nodiscard]] int TextWidth(GtkWidget *widget, const std::string &text);
 
+// Gives the label room for that many lines, whatever it says and however large its font becomes.
+void KeepRoomForLines(GtkWidget *label, int lines);
+
 // The size, in pixels, in which a window opens: larger when its content, which is shown, wants more
 // (`unwanted` of its width left out), but never larger than the screen.
 void SetOpeningSize(GtkWidget *window, int width, int height, int unwanted = 0);

@@ -249,6 +249,38 @@ TEST_F(Jobs, WindowShowsWhereTheKeysGo) {
   ExpectEveryTabStopSeen(app, "JobsWindow");
 }
 
+TEST_F(Jobs, NothingMovesWhenAReasonTakesTwoLines) {
+  const TestQueue queue("office");
+  queue.Complete("echo 'kpxfilter: the file is broken' >&2; exit 1");
+  const std::string cause(60, 'w');
+  const TestQueue other("annex");
+  other.Complete("echo 'kpxfilter: " + cause + "' >&2; exit 1");
+  queue.Print({"-t", "short", "-H", "hold"}, "data");
+  PrintUntil(other, {"-t", "long"}, "is held");
+  JobsApp app;
+  app.WaitRow("JobsClist", "long");
+  app.Select("JobsClist", "short");
+  app.WaitUntil("the short reason",
+                [&] { return app.Text("ReasonLabel") == CatalogueText("JOB_HELD_REASON"); });
+  app.WaitDrawn();
+  const auto places = [&] {
+    Strings all;
+    for (const char *name : {"QueuesScrolledwindow", "StopButton", "JobsScrolledwindow",
+                             "ReasonLabel", "CancelJobButton", "AgainButton", "WhyButton"}) {
+      const ScreenArea place = app.Geometry(name);
+      all.push_back(std::string(name) + " " + std::to_string(place.x) + "," +
+                    std::to_string(place.y) + " " + std::to_string(place.height));
+    }
+    return all;
+  };
+  const Strings before = places();
+  app.Select("JobsClist", "long");
+  app.WaitUntil("the long reason",
+                [&] { return app.Text("ReasonLabel").find(cause) != std::string::npos; });
+  app.WaitDrawn();
+  EXPECT_EQ(before, places());
+}
+
 // Select and press Why?: two actions.
 TEST_F(Jobs, AreExplainedStepByStep) {
   MakeQueue("lp1", "127.0.0.1");
