@@ -122,6 +122,7 @@ constexpr PrinterReason L_PrinterReasons[] = {
     {"media-low", "PRINTER_PAPER_LOW"},
     {"output-area-full", "PRINTER_BIN_FULL"},
     {"offline", "PRINTER_OFFLINE"},
+    {"service-requested", "PRINTER_FAULT"},
 };
 
 void AddSentence(std::string *text, const std::string &sentence) {

@@ -28,6 +28,7 @@
 #include "printermodels.h"
 #include "scriptreader.h"
 #include "settingkeys.h"
+#include "snmpstatus.h"
 #include "spoolerrequests.h"
 #include "spooljobs.h"
 #include "textencoding.h"
@@ -41,7 +42,8 @@ constexpr int L_KeepMilliseconds = 500;                   // a printer that is b
 constexpr unsigned long long L_RoomNeeded = 16ULL << 20;  // bytes
 constexpr const char *L_Disks[] = {"/var/spool/cups", kDataDir, "/tmp"};
 constexpr std::string_view L_SpoolerUser = "lp";
-constexpr char L_WordsMend[] = "";  // the words themselves tell it
+constexpr char L_WordsMend[] = "";   // the words themselves tell it
+constexpr char L_StatusText[] = "";  // the words are what the printer reports
 
 using Found = std::function<void(const WhyStep &)>;
 
@@ -197,6 +199,25 @@ WhyStep CheckName(const InterfaceBlock &block, Addresses *addresses) {
              : Good(WhyCheck::Name, "WHY_NAME_GOOD", HostOf(block));
 }
 
+std::string NumericAddress(const addrinfo &address) {
+  std::array<char, NI_MAXHOST> text = {};
+  const int result = getnameinfo(address.ai_addr, address.ai_addrlen, text.data(), text.size(),
+                                 nullptr, 0, NI_NUMERICHOST);
+  return result == 0 ? text.data() : "";
+}
+
+// Asks the printer, which may say nothing.
+void CheckStatus(const InterfaceBlock &block, const Found &found) {
+  std::string reason;
+  const Addresses addresses = LookUp(block, &reason);
+  if (addresses == nullptr) return;
+  const std::optional<PrinterStatus> status = AskPrinterStatus(NumericAddress(*addresses));
+  if (!status) return found(Unknown(WhyCheck::Status, "WHY_STATUS_UNKNOWN"));
+  if (status->reasons.empty()) return found(Good(WhyCheck::Status, "WHY_STATUS_GOOD"));
+  found(status->hinders ? Bad(WhyCheck::Status, L_StatusText, "WHY_STATUS_MEND", status->reasons)
+                        : Unknown(WhyCheck::Status, L_StatusText, status->reasons));
+}
+
 WhyStep CheckWords(const WhySubject &subject) {
   const TroubleReading trouble = ReadTrouble(subject.words);
   if (trouble.kind == Trouble::None) return Good(WhyCheck::Words, "WHY_WORDS_GOOD");
@@ -312,7 +333,10 @@ WhyStep CheckPrinterName(const InterfaceBlock &block) {
 void CheckWhy(const WhySubject &subject, const Found &found) {
   found(CheckSpooler(subject));
   const std::optional<InterfaceBlock> block = CheckScript(subject, found);
-  if (block && !block->address.empty()) CheckPrinter(*block, found);
+  if (block && !block->address.empty()) {
+    CheckPrinter(*block, found);
+    CheckStatus(*block, found);
+  }
   found(CheckWords(subject));
   if (block) {
     const std::vector<std::string> files = OptionFiles(subject, *block);
@@ -325,6 +349,7 @@ void CheckWhy(const WhySubject &subject, const Found &found) {
 }
 
 std::string WhyText(const WhyStep &step) {
+  if (step.text_key == L_StatusText) return PrinterReasonsText(step.words);
   return G_Message(step.text_key, {step.words, step.more_words});
 }
 

@@ -16,6 +16,7 @@ enum class WhyCheck {
   Host,     // does the printer answer
   Port,     // does it take connections
   Data,     // does it keep one open
+  Status,   // what does the printer say about itself
   Words,    // what did the programs of the last job say
   Options,  // can the queue's and the user's settings be read
   Pin,      // does the printer wait for a PIN

@@ -1,5 +1,5 @@
 # The job window with a real spooler.
-foreach(test IN ITEMS jobs jobs_many jobs_testpage jobs_questions jobs_assistive)
+foreach(test IN ITEMS jobs jobs_many jobs_snmp jobs_testpage jobs_questions jobs_assistive)
   kpx_add_test(NAME ${test} LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full TIMEOUT 600
     SOURCES e2e/${test}_test.cpp)
   target_compile_definitions(test_${test} PRIVATE KPX_MAKEQUEUES="$<TARGET_FILE:makequeues>")
