@@ -16,5 +16,6 @@ if(KPX_LONG)
   kpx_add_test(NAME ctl_fleet LIBS kpx_core nlohmann_json::nlohmann_json LABEL e2e SANDBOX full
     SOURCES e2e/ctl_fleet_test.cpp)
   target_compile_definitions(test_ctl_fleet PRIVATE
-    KPX_FLEET="${CMAKE_CURRENT_SOURCE_DIR}/support/fleet")
+    KPX_FLEET="${CMAKE_CURRENT_SOURCE_DIR}/support/fleet"
+    KPX_FLEET_MANUAL="${CMAKE_SOURCE_DIR}/docs/fleet.md")
 endif()
