@@ -7,6 +7,7 @@
 #include "declarecommands.h"
 #include "modelcommands.h"
 #include "output.h"
+#include "presetcommands.h"
 #include "remotehosts.h"
 #include "session.h"
 #include "undocommands.h"
@@ -86,8 +87,8 @@ Status RunRemotely(const std::vector<std::string> &words) {
 const std::vector<Command> &Commands() {
   static const std::vector<Command> commands = [] {
     std::vector<Command> all;
-    for (const std::vector<Command> &some :
-         {ViewCommands(), ChangeCommands(), DeclareCommands(), UndoCommands(), ModelCommands()}) {
+    for (const std::vector<Command> &some : {ViewCommands(), ChangeCommands(), DeclareCommands(),
+                                             UndoCommands(), PresetCommands(), ModelCommands()}) {
       all.insert(all.end(), some.begin(), some.end());
     }
     all.push_back(CheckCommand());

@@ -13,6 +13,7 @@
 #include "jobrows.h"
 #include "optionform.h"
 #include "output.h"
+#include "presetfile.h"
 #include "properties.h"
 #include "queueform.h"
 #include "queuetypes.h"
@@ -122,6 +123,12 @@ Offers Saves(const Typed & /*typed*/) {
   return offers;
 }
 
+Offers Presets(const Typed & /*typed*/) {
+  Offers offers;
+  for (const Preset &preset : ReadKeptPresets().presets) offers.push_back({preset.name});
+  return offers;
+}
+
 Offers Files(const Typed & /*typed*/) { return {{kFiles}}; }
 
 // The queue whose settings are typed: the first of the call, or the new one that it adds; empty
@@ -194,10 +201,19 @@ Offers Conditions(const Typed &typed) {
 constexpr struct {
   const char *kind;
   Offers (*offers)(const Typed &typed);
-} kKinds[] = {{"QUEUE", Queues},    {"PRINTER", Printers},   {"MODEL", Models},
-              {"TYPE", Types},      {"USER", Users},         {"CAUSE", Causes},
-              {"NUMBER", Saves},    {"FILE", Files},         {"FILE.ppd[.gz]", Files},
-              {"DIRECTORY", Files}, {"KEY=VALUE", Settings}, {"KEY=PATTERN", Conditions}};
+} kKinds[] = {{"QUEUE", Queues},
+              {"PRINTER", Printers},
+              {"MODEL", Models},
+              {"TYPE", Types},
+              {"USER", Users},
+              {"CAUSE", Causes},
+              {"NUMBER", Saves},
+              {"PRESET", Presets},
+              {"FILE", Files},
+              {"FILE.ppd[.gz]", Files},
+              {"DIRECTORY", Files},
+              {"KEY=VALUE", Settings},
+              {"KEY=PATTERN", Conditions}};
 
 void Append(Offers &offers, const Offers &more) {
   offers.insert(offers.end(), more.begin(), more.end());

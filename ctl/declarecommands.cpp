@@ -2,14 +2,13 @@
 
 #include <cerrno>
 #include <filesystem>
-#include <iostream>
-#include <iterator>
 
 #include "cmessages.h"
 #include "declaredfile.h"
 #include "declaring.h"
 #include "exporting.h"
 #include "globals.h"
+#include "inputfile.h"
 #include "output.h"
 #include "owners.h"
 #include "paths.h"
@@ -21,7 +20,6 @@ namespace kpx::ctl {
 
 namespace {
 
-constexpr char kStandardInput[] = "-";
 constexpr mode_t kExportMode = 0600;  // it may hold PINs
 
 // A file that declares queues, read.
@@ -40,11 +38,6 @@ struct DeclaringFile {
     return path + ":" + std::to_string(line) + ": " + reason;
   }
 };
-
-std::optional<std::string> TextOfFile(const std::string &path) {
-  if (path != kStandardInput) return ReadWholeFile(path);
-  return std::string(std::istreambuf_iterator<char>(std::cin), {});
-}
 
 // The file that the call names; nothing, told, when it cannot be read or is wrong.
 std::optional<DeclaringFile> FileOfCall(const Call &call) {

@@ -93,9 +93,7 @@ void ButtonOkPresetPressed() {
   const LogScope log("ButtonOkPresetPressed");
   const std::string name = TypedName();
   if (!IsPresetName(name)) return Refuse(G_Message("PRESET_NAME_BAD", {name, kPresetNameLength}));
-  if (name == G_Translate("PRESET_DRAFT") || name == G_Translate("PRESET_HANDOUT")) {
-    return Refuse(G_Message("PRESET_NAME_OWN", {name}));
-  }
+  if (IsBuiltInPresetName(name)) return Refuse(G_Message("PRESET_NAME_OWN", {name}));
   const KeptPresets presets = ReadKeptPresets();
   if (!presets.fault.empty()) return Refuse(presets.fault);
   L_State->preset.name = name;

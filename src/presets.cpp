@@ -296,6 +296,10 @@ std::string WhyPresetMisfits(const Preset &preset) {
   return WhyCombined(preset);
 }
 
+bool IsBuiltInPresetName(const std::string &name) {
+  return name == G_Translate("PRESET_DRAFT") || name == G_Translate("PRESET_HANDOUT");
+}
+
 std::vector<Preset> BuiltInPresets() {
   const LogScope log("BuiltInPresets");
   std::vector<Preset> presets;

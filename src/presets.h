@@ -14,6 +14,9 @@
 // fits.
 std::string WhyPresetMisfits(const Preset &preset);
 
+// Whether that is what one of the program's own presets is called, in the user's language.
+[[nodiscard]] bool IsBuiltInPresetName(const std::string &name);
+
 // The program's own presets, named in the user's language, as the current queue has what they need;
 // those that it has not are left out.
 std::vector<Preset> BuiltInPresets();

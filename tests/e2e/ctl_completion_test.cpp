@@ -45,21 +45,28 @@ const std::vector<Typed> &TypedCalls() {
       {{"undo", "2"}, {"2"}},
       {{"model", "add", "a.ppd", "--transport", "ip"}, {"ipp", "ipps"}},
       {{"import", "site.j"}, {"site.json"}},
+      {{"preset", "show", "Bo"}, {"Both sides"}},
+      {{"preset", "list", "--queue", "ac"}, {"acc1", "acc2"}},
   };
   return calls;
 }
 
-// In a directory with one file, site.json, and with three queues.
+// In a directory with one file, site.json; there are three queues and a preset.
 class CtlCompletion : public CtlTest {
  protected:
   CtlCompletion() {
     AddQueue("acc1");
     AddQueue("acc2");
     AddQueue("lab1", {"--type", "text"});
+    setenv("XDG_CONFIG_HOME", config_.Path().c_str(), 1);
+    Must({"preset", "import", config_.Write("file", "[Both sides]\n*Duplex=DuplexTumble\n")});
     std::filesystem::current_path(
         std::filesystem::path(directory_.Write("site.json", "{}")).parent_path());
   }
-  ~CtlCompletion() override { std::filesystem::current_path("/"); }
+  ~CtlCompletion() override {
+    std::filesystem::current_path("/");
+    unsetenv("XDG_CONFIG_HOME");
+  }
 
   static bool Lacks(const char *shell) {
     return RunProgram({"sh", "-c", std::string("command -v ") + shell}).status != 0;
@@ -76,6 +83,7 @@ class CtlCompletion : public CtlTest {
 
  private:
   TemporaryDirectory directory_;
+  TemporaryDirectory config_;
 };
 
 // The words as readline takes them apart: "=" is one of its own.

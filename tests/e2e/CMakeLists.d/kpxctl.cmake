@@ -1,5 +1,5 @@
 # kpxctl on queues of the real spooler.
-foreach(part queues declared check hosts completion)
+foreach(part queues declared check hosts completion preset)
   kpx_add_test(NAME ctl_${part} LIBS kpx_core nlohmann_json::nlohmann_json LABEL e2e SANDBOX full
     SOURCES e2e/ctl_${part}_test.cpp)
 endforeach()
