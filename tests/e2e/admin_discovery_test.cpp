@@ -108,6 +108,18 @@ TEST_F(AdminDiscovery, OffersWhatIsFoundWhileOneTypesAndProposesTheModel) {
             app.Rows("QueuesClist").back());
 }
 
+TEST_F(AdminDiscovery, OffersTheSameAfterAProgramThatWasKilledInItsOffer) {
+  const ChangedFile backend(kBackend, Script("echo '" + std::string(kHall) + "'"));
+  for (int i = 0; i < 2; ++i) {
+    AdminApp app;
+    app.OpenAddQueue();
+    TypeAddress(app, "hall");
+    WaitOffer(app, {"192.0.2.7  Vek Norvel 4105 (Hall)"});
+    kill(app.pid(), SIGKILL);
+    EXPECT_EQ(128 + SIGKILL, app.WaitExit());
+  }
+}
+
 TEST_F(AdminDiscovery, IsEndedWithTheDialogAndHasNoRightsOfRoot) {
   const ChangedFile backend(kBackend, Script("trap '' TERM HUP\nwhile :; do sleep 1000; done"));
   AdminApp app;

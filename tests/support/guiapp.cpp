@@ -321,8 +321,11 @@ void GuiApp::FocusForemost() {
     // A pop-up has grabbed all input.
     if (!xid) return true;
     const unsigned long window = std::stoul(*xid);
-    if (!Focus().starts_with(windows.front() + "/")) XInputFocus(window);
-    return Focus().starts_with(windows.front() + "/") && XInputIsActive(window);
+    const auto has_focus = [&] {
+      return Focus().starts_with(windows.front() + "/") && !XInputFollowsPointer();
+    };
+    if (!has_focus()) XInputFocus(window);
+    return has_focus() && XInputIsActive(window);
   });
 }
 

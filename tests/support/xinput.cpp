@@ -159,6 +159,13 @@ void XInputFocus(unsigned long window) {
   XSync(Server(), False);
 }
 
+bool XInputFollowsPointer() {
+  Window window = None;
+  int revert = 0;
+  XGetInputFocus(Server(), &window, &revert);
+  return window == PointerRoot;
+}
+
 bool XInputIsActive(unsigned long window) {
   Atom type = None;
   int format = 0;

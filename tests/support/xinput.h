@@ -21,6 +21,9 @@ void XInputChord(const std::string &chord);
 void XInputType(const std::string &text);
 // Gives the window the input focus and lifts it above the others, as a window manager does.
 void XInputFocus(unsigned long window);
+// Whether no window has the input focus but the one under the pointer, as it is once the window
+// that had it is gone. GTK takes that for a focus, and then closes what it pops up at once.
+bool XInputFollowsPointer();
 // Whether the window manager has made the window the active one, and so has dealt with all that
 // came before; true when there is no window manager.
 bool XInputIsActive(unsigned long window);
