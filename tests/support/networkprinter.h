@@ -2,16 +2,15 @@
 #pragma once
 
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <csignal>
 #include <fstream>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "printerjobs.h"
+#include "processgroup.h"
 #include "temporarydirectory.h"
 
 class NetworkPrinter {
@@ -26,22 +25,10 @@ class NetworkPrinter {
     std::vector<std::string> words = {
         program, "--port", std::to_string(port), "--dir", directory_.Path(), "--ready", ready};
     words.insert(words.end(), more.begin(), more.end());
-    std::vector<char *> argv;
-    for (std::string &word : words) argv.push_back(word.data());
-    argv.push_back(nullptr);
-    process_ = fork();  // a group, with what it starts
-    if (process_ == 0) {
-      setpgid(0, 0);
-      execv(argv[0], argv.data());
-      _exit(127);
-    }
+    group_.emplace(words);
     int listening = 0;
     std::ifstream(ready) >> listening;
     if (listening != port) throw std::runtime_error("the printer stand-in did not start");
-  }
-  ~NetworkPrinter() {
-    kill(-process_, SIGKILL);
-    waitpid(process_, nullptr, 0);
   }
   NetworkPrinter(const NetworkPrinter &) = delete;
   NetworkPrinter &operator=(const NetworkPrinter &) = delete;
@@ -55,5 +42,5 @@ class NetworkPrinter {
  private:
   TemporaryDirectory directory_;
   PrinterJobs jobs_;
-  pid_t process_ = -1;
+  std::optional<ProcessGroup> group_;
 };

@@ -3,6 +3,13 @@ foreach(part window rows address discovery addqueue failures recovery)
   kpx_add_test(NAME admin_${part} LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
     SOURCES e2e/admin_${part}_test.cpp)
 endforeach()
+if(KPX_LONG)
+  kpx_add_test(NAME admin_announced LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
+    SOURCES e2e/admin_announced_test.cpp)
+  target_compile_definitions(test_admin_announced PRIVATE
+    KPX_SECOND_HOST="${CMAKE_CURRENT_SOURCE_DIR}/support/secondhost"
+    KPX_DNSSD="${CMAKE_CURRENT_SOURCE_DIR}/support/dnssd")
+endif()
 kpx_add_test(NAME admin_save LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
   SOURCES e2e/admin_save_test.cpp)
 kpx_add_test(NAME admin_scale LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
