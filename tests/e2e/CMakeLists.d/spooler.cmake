@@ -30,6 +30,8 @@ add_dependencies(test_application_printing gtkprint)
 if(KPX_LONG)
   kpx_add_test(NAME application_office LIBS kpx_core LABEL e2e SANDBOX full
     SOURCES e2e/application_office_test.cpp)
+  kpx_add_test(NAME application_browser LIBS kpx_core LABEL e2e SANDBOX full
+    SOURCES e2e/application_browser_test.cpp)
 endif()
 kpx_add_test(NAME application_table LIBS kpx_core LABEL e2e SANDBOX full
   SOURCES e2e/application_table_test.cpp)
