@@ -42,3 +42,16 @@ function(kpx_quick_start program)
     target_link_options(${program} PRIVATE -static-libstdc++ -static-libgcc)
   endif()
 endfunction()
+
+# A program that the spooler runs, without the tests' environment: in the sanitizer build it knows
+# itself which leaks are those of libraries.
+function(kpx_run_by_spooler program)
+  if(KPX_SANITIZE)
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS
+                 ${CMAKE_SOURCE_DIR}/tests/support/lsan.supp)
+    file(READ ${CMAKE_SOURCE_DIR}/tests/support/lsan.supp KPX_LEAK_SUPPRESSIONS)
+    configure_file(${CMAKE_SOURCE_DIR}/tests/support/spoolerleaks.cpp.in
+                   ${CMAKE_BINARY_DIR}/spoolerleaks.cpp @ONLY)
+    target_sources(${program} PRIVATE ${CMAKE_BINARY_DIR}/spoolerleaks.cpp)
+  endif()
+endfunction()
