@@ -77,8 +77,12 @@ std::string ErrorText(int error) {
   return std::strerror(error);  // NOLINT: a text of its own
 }
 
-IppAnswer Unreachable(const std::string &words) {
-  return {.kind = IppAnswer::Kind::Unreachable, .words = words, .objects = {}};
+IppAnswer Unreachable(const CupsLibrary &cups, const std::string &words,
+                      ipp_status_t status = IPP_STATUS_ERROR_SERVICE_UNAVAILABLE) {
+  return {.kind = IppAnswer::Kind::Unreachable,
+          .words = words,
+          .status = cups.ippErrorString(status),
+          .objects = {}};
 }
 
 std::string StatusMessage(const CupsLibrary &cups, ipp_t *answer) {
@@ -90,6 +94,7 @@ std::string StatusMessage(const CupsLibrary &cups, ipp_t *answer) {
 IppAnswer Judge(const CupsLibrary &cups, ipp_t *answer, ipp_tag_t group) {
   IppAnswer result;
   const ipp_status_t status = cups.ippGetStatusCode(answer);
+  result.status = cups.ippErrorString(status);
   const bool good = status < IPP_STATUS_REDIRECTION_OTHER_SITE;
   // An empty list is told as something that is not there.
   const bool empty = status == IPP_STATUS_ERROR_NOT_FOUND && group != IPP_TAG_ZERO;
@@ -226,43 +231,45 @@ ipp_t *IppClient::Receive() {
   return nullptr;
 }
 
-ipp_t *IppClient::Send(ipp_t *request, const char *resource, std::string *words) {
+ipp_t *IppClient::Send(ipp_t *request, const char *resource, IppAnswer *failure) {
   http_status_t status =
       cups_->cupsSendRequest(http_, request, resource, cups_->ippLength(request));
   while (status == HTTP_STATUS_CONTINUE) status = cups_->httpUpdate(http_);
   if (status == HTTP_STATUS_OK || status == HTTP_STATUS_ERROR) {
     cups_->ippDelete(request);
     ipp_t *answer = status == HTTP_STATUS_OK ? Receive() : nullptr;
-    if (answer == nullptr) *words = ErrorText(cups_->httpError(http_));
+    if (answer == nullptr) *failure = Unreachable(*cups_, ErrorText(cups_->httpError(http_)));
     return answer;
   }
   // Who asks has to say who he is, for example: libcups does that, and asks once more.
   cups_->httpFlush(http_);
   ipp_t *answer = cups_->cupsDoRequest(http_, request, resource);
-  if (answer == nullptr) *words = LastWords();
+  if (answer == nullptr) *failure = LastFailure();
   return answer;
 }
 
-std::string IppClient::LastWords() const {
+IppAnswer IppClient::LastFailure() const {
   const char *words = cups_->cupsLastErrorString();
-  return words == nullptr ? "" : words;
+  return Unreachable(*cups_, words == nullptr ? "" : words, cups_->cupsLastError());
 }
 
 IppAnswer IppClient::Do(IppRequest &request, ipp_tag_t group, const std::string &file) {
   quarters_ = 0;
-  if (!Connect()) return Unreachable(ErrorText(errno));
+  if (!Connect()) return Unreachable(*cups_, ErrorText(errno));
   const char *resource = request.resource();
   if (resource == nullptr) resource = file.empty() ? "/" : "/printers/";
-  std::string words;
+  IppAnswer result;
   ipp_t *answer = nullptr;
   if (file.empty()) {
-    answer = Send(request.Release(), resource, &words);
+    answer = Send(request.Release(), resource, &result);
   } else {
     answer = cups_->cupsDoFileRequest(http_, request.Release(), resource, file.c_str());
-    words = LastWords();
+    result = LastFailure();
   }
-  IppAnswer result = answer == nullptr ? Unreachable(words) : Judge(*cups_, answer, group);
-  if (answer != nullptr) cups_->ippDelete(answer);
+  if (answer != nullptr) {
+    result = Judge(*cups_, answer, group);
+    cups_->ippDelete(answer);
+  }
   // What the connection still brings would be taken for the answer to the next request.
   if (result.kind == IppAnswer::Kind::Unreachable) Disconnect();
   return result;

@@ -57,6 +57,7 @@ struct IppAnswer {
     Unreachable,  // no answer: nothing is known
   } kind = Kind::Unreachable;
   std::string words;
+  std::string status;              // the service's own name for it: "client-error-not-found"
   std::vector<IppObject> objects;  // printers, jobs, subscriptions or events
 };
 
@@ -88,11 +89,11 @@ class IppClient {
   [[nodiscard]] bool Connect();
   void Disconnect();
   int StillWaiting();
-  // The answer, which is the caller's; null, with the reason in `*words`, when none came. The
+  // The answer, which is the caller's; null, with the reason in `*failure`, when none came. The
   // request is taken over.
-  ipp_t *Send(ipp_t *request, const char *resource, std::string *words);
+  ipp_t *Send(ipp_t *request, const char *resource, IppAnswer *failure);
   ipp_t *Receive();
-  std::string LastWords() const;
+  [[nodiscard]] IppAnswer LastFailure() const;
 
   const CupsLibrary *cups_;
   const std::atomic<bool> &stop_;
