@@ -56,8 +56,9 @@ struct WhySubject {
 WhySubject AskForSubject(const std::string &name, const std::string &user);
 
 // Looks at everything, which may take a minute where a name service or a printer hangs; `found` is
-// called with each step, in the order above, from the thread that calls this. Sends no data to the
-// printer. Uses nothing of the process that others change, so that it may run in any thread.
+// called with each step, in the order above, from the thread that calls this. Asks the printer for
+// its state, but sends it nothing to print. Uses nothing of the process that others change, so that
+// it may run in any thread.
 void CheckWhy(const WhySubject &subject, const std::function<void(const WhyStep &)> &found);
 
 // Of that, looks at the printer alone: `block` says where it is and what carries the data. The
