@@ -423,8 +423,8 @@ TEST_F(Jobs, WindowGoesOnWhileTheSpoolerHangs) {
   }
   app.WaitCell("JobsClist", "letter", 5, CatalogueText("JOB_PRINTED"));
   app.WaitContact("");
-  // The spooler was silent for three seconds and more.
-  EXPECT_LT(app.LongestTurn().passed, 1000) << "a turn of the main loop waited for the spooler";
+  // Whoever waited for the spooler would do so until a request that hangs is given up: a minute.
+  EXPECT_LT(app.LongestTurn().passed, 30000) << "a turn of the main loop waited for the spooler";
 }
 
 TEST_F(Jobs, WindowClosesWhileTheSpoolerHangs) {
