@@ -3,6 +3,7 @@
 // ones.
 #include <sys/socket.h>
 
+#include "changedfile.h"
 #include "interfacescript.h"
 #include "jobstest.h"
 #include "loopback.h"
@@ -10,6 +11,8 @@
 #include "paths.h"
 
 namespace {
+
+constexpr char kSnmpget[] = "/usr/bin/snmpget";
 
 class Questions : public Jobs {
  protected:
@@ -109,6 +112,30 @@ TEST_F(Questions, IsThePrinterOutOfPaper) {
   EXPECT_EQ("data", ReceiveText(connection.get()));
   shutdown(connection.get(), SHUT_RDWR);
   app.WaitCell("JobsClist", "letter", 5, CatalogueText("JOB_PRINTED"));
+}
+
+// One that is asked over the network: what snmpget says is a stand-in's.
+TEST_F(Questions, DoesThePrinterSayWhatItLacks) {
+  MakeQueue("asked", "127.0.0.1");
+  Print(kDocument);
+  const ChangedFile snmpget(kSnmpget, "#!/bin/sh\necho '\"40 00 \"'\n");
+  std::filesystem::permissions(kSnmpget, std::filesystem::perms(0755));
+  JobsApp app;
+  app.WaitCell("JobsClist", "letter", 5, CatalogueText("JOB_PRINTED"));
+  app.Select("JobsClist", "letter");
+  const std::string steps = Explanation(app);
+  ExpectStep(steps, CatalogueText("PRINTER_PAPER_OUT"));
+  ExpectStep(steps, CatalogueText("WHY_STATUS_MEND"));
+}
+
+TEST_F(Questions, DoesThePrinterSayNothing) {
+  MakeQueue("silent", "127.0.0.1");
+  Print(kDocument);
+  const ChangedFile none(kSnmpget, std::nullopt);
+  JobsApp app;
+  app.WaitCell("JobsClist", "letter", 5, CatalogueText("JOB_PRINTED"));
+  app.Select("JobsClist", "letter");
+  ExpectStep(Explanation(app), CatalogueText("WHY_STATUS_UNKNOWN"));
 }
 
 // One that says nothing. The words are those of the transport, which speaks them after half a

@@ -1,5 +1,9 @@
 # The job window with a real spooler.
-foreach(test IN ITEMS jobs jobs_many jobs_snmp jobs_testpage jobs_questions jobs_assistive)
+set(jobs_tests jobs jobs_many jobs_testpage jobs_questions jobs_assistive)
+if(KPX_LONG) # needs the packages of packages-long.txt
+  list(APPEND jobs_tests jobs_snmp)
+endif()
+foreach(test IN LISTS jobs_tests)
   kpx_add_test(NAME ${test} LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full TIMEOUT 600
     SOURCES e2e/${test}_test.cpp)
   target_compile_definitions(test_${test} PRIVATE KPX_MAKEQUEUES="$<TARGET_FILE:makequeues>")
