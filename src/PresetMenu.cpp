@@ -157,6 +157,17 @@ bool AddChoices(GtkWidget *menu, const std::vector<Preset> &presets) {
   return L_Choices.size() > before;
 }
 
+// What opens the menu, for the toolkit: a button that its access key has pressed is clicked later,
+// when there is no event any more.
+GdkEvent *NewTrigger(GtkWidget *button) {
+  GdkEvent *event = gdk_event_new(GDK_KEY_PRESS);
+  event->key.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(button)));
+  event->key.time = gtk_get_current_event_time();
+  GdkSeat *seat = gdk_display_get_default_seat(gtk_widget_get_display(button));
+  gdk_event_set_device(event, gdk_seat_get_keyboard(seat));
+  return event;
+}
+
 // All of the user's own, those for other queues too.
 void AddDeletions(GtkWidget *menu, const std::vector<Preset> &presets) {
   GtkWidget *item = AddItem(menu, "DeletePresetItem", G_Translate("PRESET_DELETE"), nullptr);
@@ -224,8 +235,10 @@ void ButtonPresetsPressed() {
   gtk_menu_attach_to_widget(GTK_MENU(menu), button, nullptr);
   g_signal_connect(menu, "selection-done", G_CALLBACK(DestroyMenu), nullptr);
   gtk_widget_show_all(menu);
+  GdkEvent *trigger = NewTrigger(button);
   gtk_menu_popup_at_widget(GTK_MENU(menu), button, GDK_GRAVITY_SOUTH_WEST, GDK_GRAVITY_NORTH_WEST,
-                           nullptr);
+                           trigger);
+  gdk_event_free(trigger);
   // The keys begin at the first one, as they do in a list.
   gtk_menu_shell_select_first(GTK_MENU_SHELL(menu), TRUE);
 }

@@ -73,6 +73,18 @@ class Presets : public testing::Test {
     app.Key("Return");
     app.WaitUntil("the end of the menu", [&] { return !app.HasWidget("PresetsMenu"); });
   }
+  static void Pick(GuiApp &app, const std::string &label_key, const std::string &row,
+                   const std::string &option) {
+    Keyboard keys(app);
+    keys.GoTo(CatalogueText(label_key), row + "ComboEntry");
+    keys.Choose(row, option);
+  }
+  static void TypeCopies(GuiApp &app, const std::string &copies) {
+    Keyboard(app).GoTo(CatalogueText("DEF_LBL_COPIES"), "NrCopiesSpinbutton");
+    app.Key("ctrl+a");
+    app.Type(copies);
+    app.WaitUntil(copies + " copies", [&] { return app.Text("NrCopiesSpinbutton") == copies; });
+  }
   static void AwaitResult(GuiApp &app, const std::string &key, const std::string &name) {
     const std::string text = CatalogueText(key, {name});
     app.WaitUntil(text, [&] { return app.Text("PresetResultLabel") == text; });
@@ -129,6 +141,7 @@ class Presets : public testing::Test {
   std::string Print(GuiApp &app) {
     app.Click("PrintButton");
     EXPECT_EQ(0, app.WaitExit()) << app.Stderr();
+    EXPECT_EQ(std::string::npos, app.Stderr().find("WARNING")) << app.Stderr();
     return jobs_.Next();
   }
 
@@ -167,11 +180,12 @@ TEST_F(Presets, OwnOnesAreKeptChosenReplacedAndDeleted) {
   AddFile(app, files_.Path("document.ps"));
   Open(app);
   ShowTab(app, "Setup");
-  ChooseOption(app, "Duplex", "Two-sided, short edge");
-  TypeInto(app, "NrCopiesSpinbutton", "2");
+  Pick(app, "DEF_LBL_DUPLEX", "Duplex", "Two-sided, short edge");
+  TypeCopies(app, "2");
   KeepAs(app, "Both sides");
   AwaitResult(app, "PRESET_KEPT", "Both sides");
-  EXPECT_NE(std::string::npos, Kept().find("\n[Both sides]\n*Duplex=DuplexTumble\n*NrCopies=2\n"));
+  EXPECT_NE(std::string::npos, Kept().find("\n[Both sides]\n*Duplex=DuplexTumble\n*NrCopies=2\n"))
+      << Kept();
   app.Key("Escape");
   app.WaitGone("PropertiesWindow");
 
@@ -181,12 +195,13 @@ TEST_F(Presets, OwnOnesAreKeptChosenReplacedAndDeleted) {
   ShowTab(app, "Setup");
   EXPECT_EQ("Two-sided, short edge", ShownOption(app, "Duplex"));
   EXPECT_EQ("2", app.Text("NrCopiesSpinbutton"));
-  TypeInto(app, "NrCopiesSpinbutton", "3");
+  TypeCopies(app, "3");
   KeepAs(app, "Both sides");
   app.WaitWindow("QuestionDialog");
   app.Key("Return");
   AwaitResult(app, "PRESET_KEPT", "Both sides");
-  EXPECT_NE(std::string::npos, Kept().find("\n[Both sides]\n*Duplex=DuplexTumble\n*NrCopies=3\n"));
+  EXPECT_NE(std::string::npos, Kept().find("\n[Both sides]\n*Duplex=DuplexTumble\n*NrCopies=3\n"))
+      << Kept();
   AcceptProperties(app);
   const std::string job = Print(app);
   if (HasOrdinaryUsers()) {
@@ -211,7 +226,7 @@ TEST_F(Presets, WhatExcludesAPresetIsChangedAndTold) {
   GuiApp app(Options());
   Open(app);
   ShowTab(app, "Setup");
-  ChooseOption(app, "PaperSize", "A6");
+  Pick(app, "DEF_LBL_PAPERSIZE", "PaperSize", "A6");
   OpenMenu(app);
   const Strings items = Items(app);
   EXPECT_EQ(items.end(), std::find(items.begin(), items.end(), "Marked"));
@@ -259,14 +274,15 @@ TEST_F(Presets, WhatCannotBeKeptIsRefusedWithTheReason) {
   Choose(app, CatalogueText("PRESET_SAVE"));
   EXPECT_EQ(Strings{CatalogueText("PRESET_NOTHING")}, TakeBox(app));
   ShowTab(app, "Setup");
-  ChooseOption(app, "Duplex", "Two-sided, short edge");
+  Pick(app, "DEF_LBL_DUPLEX", "Duplex", "Two-sided, short edge");
   KeepAs(app, CatalogueText("PRESET_DRAFT"));
   EXPECT_EQ(Strings{CatalogueText("PRESET_NAME_OWN", {CatalogueText("PRESET_DRAFT")})},
             TakeBox(app));
+  app.WaitWindow("PresetWindow");
   EXPECT_EQ("PresetWindow/PresetNameEntry", app.Focus());
   app.Key("Escape");
   app.WaitGone("PresetWindow");
-  ChooseOption(app, "PaperSize", "A6");
+  Pick(app, "DEF_LBL_PAPERSIZE", "PaperSize", "A6");
   Choose(app, CatalogueText("PRESET_SAVE"));
   EXPECT_EQ(CatalogueText("PRESET_CONFLICT"), TakeBox(app).at(0));
   EXPECT_FALSE(std::filesystem::exists(PresetsPath()));
