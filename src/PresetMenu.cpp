@@ -232,7 +232,9 @@ void ButtonPresetsPressed() {
   const LogScope log("ButtonPresetsPressed");
   GtkWidget *button = lookup_widget(G_PropertiesWindow_helper->window, "PresetsButton");
   GtkWidget *menu = NewMenu();
-  gtk_menu_attach_to_widget(GTK_MENU(menu), button, nullptr);
+  // Not to the button: assistive technology is shown no menu of a button that is not the toolkit's
+  // own menu button.
+  gtk_menu_attach_to_widget(GTK_MENU(menu), gtk_widget_get_parent(button), nullptr);
   g_signal_connect(menu, "selection-done", G_CALLBACK(DestroyMenu), nullptr);
   gtk_widget_show_all(menu);
   GdkEvent *trigger = NewTrigger(button);

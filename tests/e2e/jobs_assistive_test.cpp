@@ -1,4 +1,5 @@
 // Every task of the job window done by assistive technology (AT-SPI), with a real spooler.
+#include "assistive.h"
 #include "jobstest.h"
 
 namespace {
@@ -7,24 +8,8 @@ using Strings = std::vector<std::string>;
 
 class AssistiveTechnology : public Jobs {
  protected:
-  AssistiveTechnology() {
-    std::filesystem::permissions(files_.Path(), std::filesystem::perms{0700});
-  }
-
-  // Takes the steps of tests/support/jobswindow.
-  CommandResult Use(const Strings &steps) const {
-    Strings command = {"env",
-                       "-u",
-                       "NO_AT_BRIDGE",
-                       "-u",
-                       "DBUS_SESSION_BUS_ADDRESS",
-                       "XDG_RUNTIME_DIR=" + files_.Path(),
-                       "dbus-run-session",
-                       "--",
-                       KPX_JOBSWINDOW};
-    command.insert(command.end(), steps.begin(), steps.end());
-    command.insert(command.end(), {"--", "/usr/bin/KPXjobs"});
-    return RunProgram(command);
+  static CommandResult Use(const Strings &steps) {
+    return UseAssistively(steps, {"/usr/bin/KPXjobs"});
   }
 
   static std::string Jobs(const std::string &row) { return CatalogueText("DEF_LBL_JOBS") + row; }
@@ -34,8 +19,6 @@ class AssistiveTechnology : public Jobs {
   static std::string Button(const char *name) {
     return CatalogueText("DEF_BTN_" + std::string(name) + "_TITLE");
   }
-
-  TemporaryDirectory files_;
 };
 
 TEST_F(AssistiveTechnology, DoesEveryTaskWithJobs) {

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "assistive.h"
 #include "installation.h"
 #include "keyboard.h"
 #include "paths.h"
@@ -298,6 +299,26 @@ TEST_F(Presets, AreWholeInEveryLanguage) {
 TEST_F(Presets, AreWholeInLargeTexts) {
   ExpectWhole("C.UTF-8", "2");
   ExpectWhole("fr_FR.UTF-8", "1.5");
+}
+
+TEST_F(Presets, AreChosenKeptAndDeletedByAssistiveTechnology) {
+  const auto button = [](const char *name) {
+    return CatalogueText("DEF_BTN_" + std::string(name) + "_TITLE");
+  };
+  const std::string presets = button("PRESETS");
+  const auto result = [](const char *key, const std::string &name) {
+    return "~" + CatalogueText(key, {name});
+  };
+  const CommandResult used = UseAssistively(
+      {button("PROPERTIES"), presets, ">" + CatalogueText("PRESET_DRAFT"),
+       result("PRESET_CHOSEN", CatalogueText("PRESET_DRAFT")), presets,
+       ">" + CatalogueText("PRESET_SAVE"), CatalogueText("DEF_LBL_PRESET_NAME") + "<Mine",
+       button("OK"), result("PRESET_KEPT", "Mine"), presets, ">Mine",
+       result("PRESET_CHOSEN", "Mine"), presets, ">" + CatalogueText("PRESET_DELETE") + ">Mine",
+       button("YES"), result("PRESET_DELETED", "Mine"), button("CANCEL"), button("CANCEL")},
+      {"env", "XDG_CONFIG_HOME=" + files_.Path("config"), "/usr/bin/KPXtool", "-d", "lp1"});
+  EXPECT_EQ(0, used.status) << used.output;
+  EXPECT_EQ(std::string::npos, Kept().find("[Mine]")) << Kept();
 }
 
 }  // namespace

@@ -11,13 +11,19 @@ from gi.repository import Atspi, GLib  # noqa: E402
 PATIENCE = 60  # seconds
 
 
-def below(node):
-    """The accessible and all that is in it."""
-    yield node
+def children(node):
+    """What is directly in the accessible."""
     for i in range(node.get_child_count()):
         child = node.get_child_at_index(i)
         if child is not None:
-            yield from below(child)
+            yield child
+
+
+def below(node):
+    """The accessible and all that is in it."""
+    yield node
+    for child in children(node):
+        yield from below(child)
 
 
 def wait_for(what, find):
@@ -37,7 +43,7 @@ def wait_for(what, find):
 def press_below(root, name):
     """Presses the button of that name; something when there is one that can be pressed."""
     for node in below(root):
-        is_button = node.get_role() == Atspi.Role.PUSH_BUTTON
+        is_button = node.get_role() in (Atspi.Role.PUSH_BUTTON, Atspi.Role.TOGGLE_BUTTON)
         if not is_button or node.get_name() != name:
             continue
         if not node.get_state_set().contains(Atspi.StateType.SENSITIVE):

@@ -12,4 +12,4 @@ endforeach()
 target_link_libraries(test_jobs_many PRIVATE Cups::Cups)
 target_link_libraries(test_jobs_questions PRIVATE kpx_loopback)
 target_compile_definitions(test_jobs_assistive PRIVATE
-  KPX_JOBSWINDOW="${CMAKE_CURRENT_SOURCE_DIR}/support/jobswindow")
+  KPX_ASSISTIVE="${CMAKE_CURRENT_SOURCE_DIR}/support/assistivesteps")

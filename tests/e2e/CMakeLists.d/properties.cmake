@@ -7,7 +7,8 @@ target_compile_definitions(test_properties_tool PRIVATE KPX_MAKEQUEUES="$<TARGET
 add_dependencies(test_properties_tool makequeues)
 kpx_add_test(NAME presets_window LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
   SOURCES e2e/presets_window_test.cpp)
-target_compile_definitions(test_presets_window PRIVATE KPX_MAKEQUEUES="$<TARGET_FILE:makequeues>")
+target_compile_definitions(test_presets_window PRIVATE KPX_MAKEQUEUES="$<TARGET_FILE:makequeues>"
+  KPX_ASSISTIVE="${CMAKE_CURRENT_SOURCE_DIR}/support/assistivesteps")
 add_dependencies(test_presets_window makequeues)
 kpx_add_test(NAME access_keys LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
   SOURCES e2e/access_keys_test.cpp)
