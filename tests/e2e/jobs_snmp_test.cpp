@@ -15,17 +15,18 @@ constexpr char kConfiguration[] = "/etc/cups/snmp.conf";
 // A printer's agent, which reports the error state: two bytes in hexadecimal digits.
 class Agent {
  public:
-  explicit Agent(const std::string &state, const std::string &community = "public") {
-    const std::string settings =
-        directory_.Write("agent", "rocommunity " + community + " 127.0.0.1\noverride " + kState +
-                                      " octet_str 0x" + state + "\n");
+  explicit Agent(const std::string &state, const std::string &community = "public",
+                 const std::string &agent = "udp:127.0.0.1") {
+    const std::string settings = directory_.Write(
+        "agent", "rocommunity " + community + " 127.0.0.1\nrocommunity6 " + community +
+                     " ::1\noverride " + kState + " octet_str 0x" + state + "\n");
     const std::string pid_file = directory_.Path("pid");
     const CommandResult started = RunProgram({"/usr/sbin/snmpd", "-C", "-c", settings, "-Lf",
-                                              "/dev/null", "-p", pid_file, "udp:127.0.0.1:161"});
+                                              "/dev/null", "-p", pid_file, agent + ":161"});
     if (started.status != 0) throw std::runtime_error("snmpd: " + started.output);
     // It asks again until the agent is there.
-    const CommandResult asked = RunProgram({"/usr/bin/snmpget", "-v1", "-c", community, "-t", "1",
-                                            "-r", "200", "udp:127.0.0.1", kState});
+    const CommandResult asked = RunProgram(
+        {"/usr/bin/snmpget", "-v1", "-c", community, "-t", "1", "-r", "200", agent, kState});
     std::ifstream(pid_file) >> pid_;
     if (asked.status != 0 || pid_ <= 1) throw std::runtime_error("snmpget: " + asked.output);
   }
@@ -98,6 +99,12 @@ TEST_F(AskedPrinter, IsAskedByTheCommunityOfCups) {
   ASSERT_EQ(0, chmod(kConfiguration, 0640));
   ExpectStep(CatalogueText("WHY_STATUS_UNKNOWN"), 0);
   ASSERT_EQ(0, chmod(kConfiguration, 0644));
+}
+
+TEST_F(AskedPrinter, MayHaveAnAddressOfVersion6) {
+  Must(ChangeAddressInInterface(kQueue, "::1", nullptr));
+  const Agent agent("0400", "public", "udp6:[::1]");
+  ExpectStep(CatalogueText("PRINTER_JAM"));
 }
 
 TEST_F(AskedPrinter, ShowsInTheWindow) {

@@ -126,6 +126,18 @@ TEST(JobRows, DoNotComeOnceTheirJobIsGone) {
   for (int row = 0; row < rows.Count(); ++row) EXPECT_NE(499, rows.At(row).number);
 }
 
+TEST(JobRows, ComeBackWithTheirJob) {
+  JobRows rows;
+  Follower follower(rows, TitleOf);
+  rows.Note({}, {5});
+  rows.Note({Job(4), Job(5)}, {});
+  if (rows.CanReplace()) rows.Replace();
+  while (rows.TakeSome(follower.Observer())) {
+  }
+  ASSERT_EQ(2, rows.Count());
+  EXPECT_EQ(5, rows.At(0).number);
+}
+
 TEST(QueueRows, FollowTheSpooler) {
   QueueRows rows;
   Follower follower(rows, NameOf);

@@ -76,8 +76,10 @@ TEST(PrinterSearch, KeepsOnePrinterOfAnAddressAndAllThatIsSaidOfIt) {
   EXPECT_FALSE(AddFoundPrinter({"10.0.0.5", "", ""}, &printers));
   EXPECT_TRUE(AddFoundPrinter({"10.0.0.5", "HP", ""}, &printers));
   EXPECT_FALSE(AddFoundPrinter({"10.0.0.5", "Other", ""}, &printers));
+  EXPECT_TRUE(AddFoundPrinter({"10.0.0.5", "", "Room 5"}, &printers));
+  EXPECT_FALSE(AddFoundPrinter({"10.0.0.5", "", "Cellar"}, &printers));
   EXPECT_TRUE(AddFoundPrinter({"10.0.0.6", "", "Room 7"}, &printers));
-  EXPECT_EQ((std::vector<FoundPrinter>{{"10.0.0.5", "HP", ""}, {"10.0.0.6", "", "Room 7"}}),
+  EXPECT_EQ((std::vector<FoundPrinter>{{"10.0.0.5", "HP", "Room 5"}, {"10.0.0.6", "", "Room 7"}}),
             printers);
 }
 

@@ -3,17 +3,43 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <utility>
+#include <vector>
+
 namespace {
 
 TEST(PrinterStatus, IsReadFromTheBitsOfTheErrorState) {
   EXPECT_EQ((PrinterStatus{"", false}), PrinterStatusIn("\"00 00 \"\n"));
   EXPECT_EQ((PrinterStatus{"", false}), PrinterStatusIn("\"00 \"\n"));
-  EXPECT_EQ((PrinterStatus{"media-empty", true}), PrinterStatusIn("\"40 00 \"\n"));
-  EXPECT_EQ((PrinterStatus{"media-empty", true}), PrinterStatusIn("\"00 04 \"\n"));
+  EXPECT_EQ((PrinterStatus{"media-empty", true}), PrinterStatusIn("\"40 04 \"\n"));
   EXPECT_EQ((PrinterStatus{"door-open offline", true}), PrinterStatusIn("\"0A \"\n"));
   EXPECT_EQ((PrinterStatus{"media-low toner-low", false}), PrinterStatusIn("\"a0 00 \"\n"));
-  EXPECT_EQ((PrinterStatus{"output-area-full", true}), PrinterStatusIn("\"00 08 \"\n"));
-  EXPECT_EQ((PrinterStatus{"service-requested", true}), PrinterStatusIn("\"00 20 \"\n"));
+}
+
+// The bits of hrPrinterDetectedErrorState, from the highest of the first byte on (RFC 2790).
+TEST(PrinterStatus, KnowsEachBitAlone) {
+  const std::vector<std::pair<const char *, bool>> bits = {{"media-low", false},
+                                                           {"media-empty", true},
+                                                           {"toner-low", false},
+                                                           {"toner-empty", true},
+                                                           {"door-open", true},
+                                                           {"media-jam", true},
+                                                           {"offline", true},
+                                                           {"service-requested", true},
+                                                           {"service-requested", true},
+                                                           {"service-requested", true},
+                                                           {"service-requested", true},
+                                                           {"", false},
+                                                           {"output-area-full", true},
+                                                           {"media-empty", true},
+                                                           {"", false},
+                                                           {"", false}};
+  for (size_t bit = 0; bit < bits.size(); ++bit) {
+    char answer[16];
+    std::snprintf(answer, sizeof answer, "\"%04X\"\n", 0x8000U >> bit);
+    EXPECT_EQ((PrinterStatus{bits[bit].first, bits[bit].second}), PrinterStatusIn(answer)) << bit;
+  }
 }
 
 TEST(PrinterStatus, IsUnknownAfterAnotherAnswer) {
