@@ -62,6 +62,17 @@ TEST_F(CtlPresets, OfAQueueAreThoseThatItHasAllFor) {
                 CatalogueText("CTL_QUEUE_UNKNOWN", {"acc9"}));
 }
 
+// A name that is the program's in one language can be the user's own in another.
+TEST_F(CtlPresets, OfTheUserComeBeforeThoseOfTheProgramOfThatName) {
+  AddQueue("acc1");
+  const std::string draft = CatalogueText("PRESET_DRAFT");
+  const CommandResult imported =
+      RunProgram({"/usr/bin/env", "LANG=de_DE.UTF-8", "/usr/sbin/kpxctl", "preset", "import",
+                  File("[" + draft + "]\n*NrCopies=3\n")});
+  ASSERT_EQ(0, imported.status) << imported.output;
+  Expect({"preset", "show", draft, "--queue", "acc1"}, draft + "\n  NrCopies=3\n");
+}
+
 TEST_F(CtlPresets, AreAsTheyWereWhenSomethingIsWrong) {
   Expect({"preset", "import", File(kTwo)}, "+ Both sides\n+ Slides\n");
   const std::string before = ContentOf(Path());
