@@ -409,6 +409,13 @@ std::string ListCell(GtkWidget *list, int row, int column) {
   return TextAt(list, &iter, kFirstTextColumn + column);
 }
 
+void ListSetCell(GtkWidget *list, int row, int column, const std::string &text) {
+  GtkTreeIter iter;
+  if (column < 0 || column >= StateOf(list)->text_columns || !RowIter(list, row, &iter)) return;
+  if (TextAt(list, &iter, kFirstTextColumn + column) == text) return;
+  gtk_list_store_set(StateOf(list)->store, &iter, kFirstTextColumn + column, text.c_str(), -1);
+}
+
 void ListSelectRow(GtkWidget *list, int row) {
   GtkTreeIter iter;
   if (ShownIter(list, row, &iter)) gtk_tree_selection_select_iter(SelectionOf(list), &iter);

@@ -58,6 +58,8 @@ gpointer ListRowData(GtkWidget *list, int row);
 
 // A cell's text; empty when out of range.
 std::string ListCell(GtkWidget *list, int row, int column);
+// Another text for the cell; selection and cursor stay. Out of range: nothing.
+void ListSetCell(GtkWidget *list, int row, int column, const std::string &text);
 
 // A row that is not shown cannot be selected.
 void ListSelectRow(GtkWidget *list, int row);

@@ -66,24 +66,20 @@ void AppendRow(const MoreOptionRow &row) {
 
 void FillList() {
   L_State.rows = MoreOptionRows(L_State.options);
-  const int selected = L_State.row;
-  ListFreeze(L_State.list);
-  ListClear(L_State.list);
   for (const MoreOptionRow &row : L_State.rows) AppendRow(row);
-  ListThaw(L_State.list);
-  if (selected >= 0) ListSelectRow(L_State.list, selected);
 }
 
-bool IsSame(const MoreOptionRow &one, const MoreOptionRow &two) {
-  return one.text == two.text && one.choice == two.choice && one.reason == two.reason;
-}
-
-// After a change anywhere: only when a row shows something else.
+// After a change anywhere. The rows stay, so that the selection does, and the choices keep the
+// keyboard.
 void Refill() {
   const std::vector<MoreOptionRow> rows = MoreOptionRows(L_State.options);
-  bool same = rows.size() == L_State.rows.size();
-  for (size_t i = 0; same && i < rows.size(); ++i) same = IsSame(rows[i], L_State.rows[i]);
-  if (!same) FillList();
+  for (size_t i = 0; i < rows.size(); ++i) {
+    const int number = static_cast<int>(i);
+    ListSetCell(L_State.list, number, 0, rows[i].text);
+    ListSetCell(L_State.list, number, 1, rows[i].choice);
+    ListSetTip(L_State.list, number, rows[i].reason);
+  }
+  L_State.rows = rows;
   FillChoices();
 }
 
