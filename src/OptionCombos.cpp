@@ -245,8 +245,9 @@ void ShowTurnedSheet() {
 }
 
 void RedrawOptionPicture(const char *feature) {
-  GtkWidget *picture = OptionPicture(feature);
-  if (picture == nullptr) return;
-  if (HashFind(G_PrinterFeatures_hash, ShownFeature(feature).c_str()) == nullptr) return;
-  change_pixmap(picture, PictureFor(feature).c_str());
+  const OptionWidgets *row = RowOf(feature);
+  if (row == nullptr || row->picture == nullptr) return;
+  if (HashFind(G_PrinterFeatures_hash, row->shown.c_str()) == nullptr) return;
+  // The pictures have the names of our own features.
+  change_pixmap(row->picture, PictureFor(row->feature).c_str());
 }
