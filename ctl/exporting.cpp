@@ -18,9 +18,8 @@ namespace {
 // Whether the printer, which is current, and the queue's type know the setting.
 bool IsKnown(const CPrintQueue &queue, const std::string &key, const std::string &value) {
   const std::string inner = "*" + key;
-  if (const OwnSetting *own = FindOwnSetting(inner)) {
-    return HasOwnSetting(QueueTypeOf(TextOf(queue.Language.get())), *own);
-  }
+  const QueueType &type = QueueTypeOf(TextOf(queue.Language.get()));
+  if (const OwnSetting *own = FindOwnSetting(type, inner)) return HasOwnSetting(type, *own);
   for (const CHash *features : {G_PrinterFeatures_hash, G_PrinterInstallableOptions_hash}) {
     if (IsOptionOf(features, inner.c_str(), value.c_str())) return true;
   }

@@ -30,6 +30,12 @@ const OwnSetting *FindOwnSetting(std::string_view key) {
   return nullptr;
 }
 
+const OwnSetting *FindOwnSetting(const QueueType &type, std::string_view key) {
+  const OwnSetting *own = FindOwnSetting(key);
+  if (own == nullptr || HasOwnSetting(type, *own)) return own;
+  return HashFind(G_PrinterFeatures_hash, own->key) == nullptr ? own : nullptr;
+}
+
 bool HasOwnSetting(const QueueType &type, const OwnSetting &setting) {
   switch (setting.kind) {
     case OwnKind::Choice:

@@ -23,6 +23,10 @@ const std::vector<OwnSetting> &OwnSettings();
 // The row of the key; null when it is not one of them.
 const OwnSetting *FindOwnSetting(std::string_view key);
 
+// The same for a queue of the type on the current printer: an option of that name of the printer's
+// own counts where the windows do not offer ours.
+const OwnSetting *FindOwnSetting(const QueueType &type, std::string_view key);
+
 // Whether the windows offer the setting for queues of the type.
 [[nodiscard]] bool HasOwnSetting(const QueueType &type, const OwnSetting &setting);
 

@@ -247,7 +247,9 @@ std::optional<Fault> SetSetting(const std::string &key, const std::string &value
     return std::nullopt;
   }
   const std::string inner = "*" + OuterKey(key);
-  if (const OwnSetting *own = FindOwnSetting(inner)) return SetOwn(*own, value);
+  if (const OwnSetting *own = FindOwnSetting(CurrentQueueType(), inner)) {
+    return SetOwn(*own, value);
+  }
   if (HashFind(G_PrinterFeatures_hash, inner.c_str()) != nullptr) {
     return SetFeature(inner.c_str(), value);
   }

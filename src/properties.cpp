@@ -118,8 +118,10 @@ FeatureReset ResetFeature(const char *feature) {
 }
 
 void RemoveMultipleUpSettings() {
-  for (const char *key : {kNupKey, kNupOrderKey, kBookletKey})
-    HashRemove(G_QueueFeatures_hash, key);
+  for (const char *key : {kNupKey, kNupOrderKey, kBookletKey}) {
+    // A printer may have an option of that name itself.
+    if (HashFind(G_PrinterFeatures_hash, key) == nullptr) HashRemove(G_QueueFeatures_hash, key);
+  }
 }
 
 void PutBackForPrinting(int copies) {

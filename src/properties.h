@@ -36,7 +36,8 @@ void RemoveDefaultSettings();
 enum class FeatureReset { kSame, kChanged, kNoDefault };
 [[nodiscard]] FeatureReset ResetFeature(const char *feature);
 
-// Removes what only text queues have: pages a sheet, their order, booklet.
+// Removes what only text queues have: pages a sheet, their order, booklet. What the printer itself
+// has under those names stays.
 void RemoveMultipleUpSettings();
 
 // Print tool: stores the number of copies and puts a copy of the work copy back into

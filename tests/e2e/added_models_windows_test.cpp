@@ -52,6 +52,10 @@ TEST_F(AddedModelsInWindows, ChoicesAreMarkedExplainedSavedAndResolvedByKeyboard
   app.TabTo("MoreOptionComboEntry");
   app.Key("Down");
   EXPECT_EQ(app.Text("MoreOptionComboEntry"), "!   On");
+  // The choices keep the keyboard.
+  app.Key("Up");
+  EXPECT_EQ(app.Text("MoreOptionComboEntry"), "    Off");
+  app.Key("Down");
   EXPECT_EQ(app.Rows("MoreOptionsClist"),
             (std::vector<std::string>{"-Finishing\t", "-    Fold\tOff", "-Effects\t",
                                       "-!   Watermark\tDraft", "*!   Toner Saving\tOn"}));
@@ -62,7 +66,7 @@ TEST_F(AddedModelsInWindows, ChoicesAreMarkedExplainedSavedAndResolvedByKeyboard
     return app.Rows("MoreOptionsClist")[3] == "-    Watermark\tOff" ||
            app.Rows("MoreOptionsClist")[3] == "*    Watermark\tOff";
   });
-  app.Click("ErrorDialog/OKButton");
+  app.Key("Return");  // OK, which the button that went has made room for
   app.WaitGone("ErrorDialog");
   AcceptProperties(app);
   Save(app);
@@ -85,6 +89,53 @@ TEST_F(AddedModelsInWindows, ARowOfATabStandsForTheMakersName) {
   AcceptProperties(app);
   Save(app);
   EXPECT_EQ(Def("copier"), "*JobName=UseAppSetting\n*RIStaple=UpperLeft\n*UserName=root\n");
+}
+
+TEST_F(AddedModelsInWindows, ARowOfATabThatIsSetBackShowsItsPicture) {
+  AdminApp app;
+  app.AddQueue({.name = "copier", .printer = kCopier});
+  OpenOptions(app);
+  ShowTab(app, "Output");
+  ChooseOption(app, "Staple", "Top Left");
+  ShowTab(app, "Options");
+  app.ClickRow("MoreOptionsClist", 1);
+  ChooseOption(app, "MoreOption", "Half Fold");
+  PressProperties(app, "OK");
+  app.WaitWindow("ErrorDialog");
+  app.Click("ErrorDialog/ResolveButton");
+  app.WaitUntil("the row", [&] { return ShownOption(app, "Staple") == "Off"; });
+  app.Key("Return");  // OK, which the button that went has made room for
+  app.WaitGone("ErrorDialog");
+  EXPECT_EQ(app.Stderr(), "");
+}
+
+// Booklets and pages a sheet of text queues are our own settings, and other makers have options of
+// these names.
+TEST_F(AddedModelsInWindows, AnOptionWithANameOfOurOwnIsKept) {
+  const std::string name = "Example Folder";
+  std::string ppd = ContentOf(KPX_TEST_DATA "/data/ppd/copier.ppd");
+  for (size_t at = 0; (at = ppd.find(kCopier, at)) != std::string::npos; ++at) {
+    ppd.replace(at, std::string(kCopier).size(), name);
+  }
+  ppd +=
+      "*OpenUI *Booklet/Booklet: PickOne\n*DefaultBooklet: None\n*Booklet None/Off: \"\"\n"
+      "*Booklet Left/On: \"1 pop\"\n*CloseUI: *Booklet\n";
+  const TemporaryDirectory files;
+  const AddedTestModel model(name, {files.Write("folder.ppd", ppd)});
+  AdminApp app;
+  app.AddQueue({.name = "folder", .printer = name});
+  OpenOptions(app);
+  SelectRowOf(app, "MoreOptionsClist", "Booklet");
+  ChooseOption(app, "MoreOption", "On");
+  AcceptProperties(app);
+  Save(app);
+  const std::string others = "*JobName=UseAppSetting\n*UserName=root\n";
+  EXPECT_EQ(Def("folder"), "*Booklet=Left\n" + others);
+  EXPECT_EQ(Kpxctl({"set", "folder", "Booklet=None"}).status, 0);
+  EXPECT_EQ(Def("folder"), others);
+  EXPECT_EQ(Kpxctl({"set", "folder", "Booklet=Left"}).status, 0);
+  EXPECT_NE(Kpxctl({"export"}).output.find("\"Booklet\": \"Left\""), std::string::npos);
+  EXPECT_EQ(Def("folder"), "*Booklet=Left\n" + others);
 }
 
 TEST_F(AddedModelsInWindows, TheMakersOwnShowNoSuchList) {
