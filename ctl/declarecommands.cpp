@@ -12,6 +12,7 @@
 #include "output.h"
 #include "owners.h"
 #include "paths.h"
+#include "seenscripts.h"
 #include "session.h"
 #include "textfile.h"
 #include "usersfiles.h"
@@ -134,6 +135,7 @@ std::optional<Status> EndWithoutWork(const Call &call, const DeclaringFile &file
 Status Apply(const Call &call) {
   const std::optional<DeclaringFile> file = FileOfCall(call);
   if (!file) return kFailed;
+  const SeenScripts seen;  // looked at to compare, to change and to save
   const bool dry_run = call.Has("--dry-run");
   Status status = dry_run ? kDone : MayChange();
   if (status != kDone) return status;

@@ -17,6 +17,7 @@
 #include "globals.h"
 #include "ignoreresult.h"
 #include "paths.h"
+#include "seenscripts.h"
 #include "textencoding.h"
 #include "textfile.h"
 #include "textscan.h"
@@ -91,7 +92,7 @@ std::string InterfacePath(const std::string &name) {
 QueueScript LookAtScript(const char *name) {
   if (name == nullptr) return {ScriptState::Gone, ""};
   bool is_file = true;
-  std::optional<std::string> script = ReadRegularFile(InterfacePath(name), &is_file);
+  std::optional<std::string> script = ReadScript(InterfacePath(name), kMarkerLine, &is_file);
   if (!is_file) return {ScriptState::NotAFile, ""};
   if (!script) return {MeansMissing(errno) ? ScriptState::Gone : ScriptState::Unreadable, ""};
   return {HasMarkerLine(*script) ? ScriptState::Ours : ScriptState::NotOurs, std::move(*script)};

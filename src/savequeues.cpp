@@ -15,6 +15,7 @@
 #include "queuecreation.h"
 #include "queuelistkeep.h"
 #include "savedstates.h"
+#include "seenscripts.h"
 #include "strangersfiles.h"
 #include "textfile.h"
 #include "unfinishedsave.h"
@@ -126,6 +127,7 @@ void EndSave(const std::string &list) {
 
 SaveResult SaveQueues(const CList *deleted, CList *errors, const SaveObserver &observer) {
   const LogScope log("SaveQueues");
+  const SeenScripts seen;
   const std::string list = fGet_CString_Value_Function(fGetPafFile_Function(G_Queues.get()));
   if (!IsListWritable(list)) {
     G_Report(errors, "ERR_UNABLE_TO_WRITE_FILE", {list});

@@ -283,12 +283,14 @@ std::optional<std::string> ReadFileStart(const std::string &path, size_t max_byt
   return content;
 }
 
-std::optional<std::string> ReadRegularFile(const std::string &path, bool *is_file) {
+std::optional<std::string> ReadRegularFile(const std::string &path, bool *is_file,
+                                           struct stat *opened) {
   const OpenFile file(Uninterrupted(open, path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
   struct stat status = {};
   *is_file = true;
   if (!file.IsOpen() || fstat(file.Descriptor(), &status) != 0) return std::nullopt;
   *is_file = S_ISREG(status.st_mode);
+  if (opened != nullptr) *opened = status;
   return *is_file ? ReadToEnd(file) : std::nullopt;
 }
 

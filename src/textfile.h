@@ -84,7 +84,9 @@ std::vector<std::string> ReplaceFilesDurably(const std::vector<FileContent> &fil
 
 // The content of a regular file; nothing, with errno, when it cannot be read. `is_file` says
 // whether it is a regular file; anything else is not read: a named pipe would hold the program up.
-[[nodiscard]] std::optional<std::string> ReadRegularFile(const std::string &path, bool *is_file);
+// `opened`, which may be null, is what the file was when it was opened, if it could be.
+[[nodiscard]] std::optional<std::string> ReadRegularFile(const std::string &path, bool *is_file,
+                                                         struct stat *opened = nullptr);
 
 // Whether `name` is that of a new file that a killed process has left beside one whose name ends in
 // `extension`: "<beginning>.<six letters or digits><extension>".
