@@ -1,5 +1,8 @@
 #include "jobstates.h"
 
+#include <cerrno>
+#include <cstring>
+
 #include "cmessages.h"
 #include "textencoding.h"
 
@@ -11,6 +14,7 @@ constexpr std::string_view L_Held = "; the job is held";
 constexpr std::string_view L_Stops = "; the queue ";
 constexpr std::string_view L_Transports[] = {"kpxnbtrans: ", "kpxbackend: "};
 constexpr std::string_view L_CannotReach = "cannot reach ";
+constexpr int L_LastError = EHWPOISON;
 constexpr std::string_view L_UnknownStatus = "exit status of its interface script is unknown";
 
 bool Has(std::string_view words, std::string_view part) {
@@ -158,12 +162,23 @@ TroubleReading ReadTrouble(std::string_view words) {
   return trouble;
 }
 
+std::string SystemErrorInLocale(const std::string &english) {
+  for (int error = 1; error <= L_LastError; ++error) {
+    const char *text = strerrordesc_np(error);
+    if (text != nullptr && english == text) {
+      return DisplayText(std::strerror(error));  // NOLINT: a text of its own
+    }
+  }
+  return english;
+}
+
 std::string TroubleText(const TroubleReading &trouble) {
   switch (trouble.kind) {
     case Trouble::None:
       break;
     case Trouble::Unreachable:
-      return G_Message("TROUBLE_UNREACHABLE", {trouble.printer, trouble.cause});
+      return G_Message("TROUBLE_UNREACHABLE",
+                       {trouble.printer, SystemErrorInLocale(trouble.cause)});
     case Trouble::UnknownName:
       return G_Message("TROUBLE_NAME", {trouble.printer});
     case Trouble::TakesNoData:

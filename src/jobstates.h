@@ -50,6 +50,10 @@ std::string JobReasonText(const SpoolerJob &job, const SpoolerQueue *queue);
 // does not answer; empty otherwise.
 std::string QueueHindranceText(const SpoolerQueue &queue);
 
+// The text of a system error ("No route to host") in the language of the locale, as far as its
+// catalogue of system errors is installed; any other text as it is.
+[[nodiscard]] std::string SystemErrorInLocale(const std::string &english);
+
 // A trouble and what mends it, as sentences; empty for none.
 std::string TroubleText(const TroubleReading &trouble);
 

@@ -3,6 +3,13 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
+#include <clocale>
+#include <cstdlib>
+#include <cstring>
+
+#include "temporarydirectory.h"
+
 namespace {
 
 struct Row {
@@ -70,6 +77,26 @@ TEST(Troubles, AreReadFromTheWords) {
     EXPECT_EQ(row.printer, reading.printer) << row.words;
     EXPECT_EQ(row.cause, reading.cause) << row.words;
   }
+}
+
+// The transport writes what it met in English.
+TEST(Troubles, TellSystemErrorsInTheUsersLanguage) {
+  EXPECT_EQ("No route to host", SystemErrorInLocale("No route to host"));
+  const TemporaryDirectory directory;
+  const std::string make = "localedef -i de_DE -f UTF-8 '" + directory.Path("de_DE.UTF-8") + "'";
+  ASSERT_EQ(0, std::system(make.c_str()));
+  setenv("LOCPATH", directory.Path().c_str(), 1);
+  unsetenv("LANGUAGE");
+  const char *set = std::setlocale(LC_ALL, "de_DE.UTF-8");
+  unsetenv("LOCPATH");
+  ASSERT_NE(nullptr, set);
+  const std::string german = std::strerror(EHOSTUNREACH);
+  const std::string shown = SystemErrorInLocale("No route to host");
+  const std::string other = SystemErrorInLocale("it is off or busy");
+  std::setlocale(LC_ALL, "C");
+  EXPECT_EQ(german, shown);
+  EXPECT_EQ("it is off or busy", other);
+  if (german == "No route to host") GTEST_SKIP() << "this system has no German error texts";
 }
 
 TEST(Troubles, NeverHaveControlCharactersOfOthers) {
