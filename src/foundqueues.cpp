@@ -47,6 +47,17 @@ struct SpoolerState {
 
 std::optional<BackgroundCommand> L_Question;
 
+// How long the spooler may take. One that hangs is not waited for; one with ten thousand queues
+// needs two seconds where others work too.
+int SecondsToAnswer() {
+  constexpr int kLeast = 2;
+  constexpr int kQueuesASecond = 1000;
+  const Owned<CList> entries = GetFilesFromDir(kSpoolPrintersDir);
+  int count = 0;
+  for ([[maybe_unused]] const CString *entry : Elements<CString>(entries.get())) ++count;
+  return kLeast + count / kQueuesASecond;
+}
+
 // The bridge's queues as its spooler tells them; nothing where there is no such spooler.
 std::optional<Names> AnswerOfSpooler() {
   if (!L_Question) AskSpooler();
@@ -205,7 +216,8 @@ void TakeInUnlisted(const SpoolerState &spooler, Findings &findings, CList *mess
 }  // namespace
 
 std::string SpoolerQuestion() {
-  return JoinWords({"[ ! -x", kLpstat, "] || LC_ALL=C timeout 2", kLpstat, "-r -v 2>/dev/null"});
+  return JoinWords({"[ ! -x", kLpstat, "] || LC_ALL=C timeout", std::to_string(SecondsToAnswer()),
+                    kLpstat, "-r -v 2>/dev/null"});
 }
 
 std::optional<std::vector<std::string>> BridgeQueuesOf(std::string_view answer) {

@@ -9,7 +9,8 @@
 #include "clist.h"
 #include "cprintqueue.h"
 
-// The command that asks the spooler bridge's spooler which queues it has.
+// The command that asks the spooler bridge's spooler which queues it has. It waits for two seconds,
+// and for one more for each thousand of queues.
 std::string SpoolerQuestion();
 
 // The queues of that spooler that the bridge made; nothing when the answer does not say that it is

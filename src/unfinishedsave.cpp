@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <utility>
 
@@ -70,9 +71,11 @@ std::optional<std::vector<std::string>> RemovalsOf(std::string_view intention) {
   std::vector<std::string> names;
   for (;;) {
     const std::optional<std::string_view> line = TakeLastLine(intention);
-    if (!line || !line->starts_with(L_Remove)) return names;
-    names.insert(names.begin(), std::string(line->substr(L_Remove.size())));
+    if (!line || !line->starts_with(L_Remove)) break;
+    names.emplace_back(line->substr(L_Remove.size()));
   }
+  std::reverse(names.begin(), names.end());
+  return names;
 }
 
 bool KeepIntention(const std::string &list_path, const CHash *queues, const CList *removed,
