@@ -22,16 +22,16 @@ namespace kpx::spooler {
 
 namespace {
 
-// What the names of the new files begin and end with.
-constexpr char kHidden[] = "/.";
-constexpr std::string_view kNewScript = ".new";
-constexpr std::string_view kNewEntry = ".entry";
+// The new files. Their names are the same for every queue, so that nobody has to look for what a
+// command that was killed has left.
+constexpr std::string_view kNewScript = ".lpadmin.new";
+constexpr std::string_view kNewEntry = ".lpadmin.entry";
 
-std::string InInterfaces(const std::string &queue, std::string_view end) {
-  return std::string(kSpoolInterfacesDir) + kHidden + queue + std::string(end);
+std::string InInterfaces(std::string_view name) {
+  return std::string(kSpoolInterfacesDir) + "/" + std::string(name);
 }
-std::string NewScriptOf(const std::string &queue) { return InInterfaces(queue, kNewScript); }
-std::string NewEntryOf(const std::string &queue) { return InInterfaces(queue, kNewEntry); }
+std::string NewScript() { return InInterfaces(kNewScript); }
+std::string NewEntry() { return InInterfaces(kNewEntry); }
 
 // For the handler of signals, which may use nothing else. Empty: nothing to remove.
 char script_to_remove[PATH_MAX];
@@ -94,26 +94,24 @@ bool HasScript(const std::string &queue) { return Exists(ScriptOf(queue)); }
 bool HasEntry(const std::string &queue) { return Exists(EntryOf(queue)); }
 
 NewParts::NewParts(const std::string &queue) : queue_(queue) {
-  RemoveAtSignals(NewScriptOf(queue), NewEntryOf(queue));
+  RemoveAtSignals(NewScript(), NewEntry());
 }
 
 NewParts::~NewParts() {
-  unlink(NewScriptOf(queue_).c_str());
-  unlink(NewEntryOf(queue_).c_str());
+  unlink(NewScript().c_str());
+  unlink(NewEntry().c_str());
 }
 
 bool NewParts::Write(std::string_view script, const std::string &model) const {
-  return WriteFile(NewScriptOf(queue_), script, 0755, true) &&
-         WriteFile(NewEntryOf(queue_), "Device: /dev/null\nModel: " + model + "\n", 0644, false);
+  return WriteFile(NewScript(), script, 0755, true) &&
+         WriteFile(NewEntry(), "Device: /dev/null\nModel: " + model + "\n", 0644, false);
 }
 
-bool NewParts::Flush() const {
-  return FlushFile(NewScriptOf(queue_)) && FlushFile(NewEntryOf(queue_));
-}
+bool NewParts::Flush() const { return FlushFile(NewScript()) && FlushFile(NewEntry()); }
 
 bool NewParts::Install() {
-  return rename(NewScriptOf(queue_).c_str(), ScriptOf(queue_).c_str()) == 0 &&
-         rename(NewEntryOf(queue_).c_str(), EntryOf(queue_).c_str()) == 0 && FlushDirectories();
+  return rename(NewScript().c_str(), ScriptOf(queue_).c_str()) == 0 &&
+         rename(NewEntry().c_str(), EntryOf(queue_).c_str()) == 0 && FlushDirectories();
 }
 
 bool RemoveParts(const std::string &queue) {
@@ -138,14 +136,8 @@ bool IsFile(const std::string &path) {
 }
 
 void RemoveLeftovers() {
-  const OpenDirectory directory(opendir(kSpoolInterfacesDir));
-  while (const dirent *entry = directory ? readdir(directory.get()) : nullptr) {
-    if (*entry->d_name != '.') continue;  // one of thousands of queues, perhaps
-    const std::string_view name = entry->d_name;
-    if (name.ends_with(kNewScript) || name.ends_with(kNewEntry)) {
-      unlinkat(dirfd(directory.get()), entry->d_name, 0);
-    }
-  }
+  unlink(NewScript().c_str());
+  unlink(NewEntry().c_str());
 }
 
 }  // namespace kpx::spooler

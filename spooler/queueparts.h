@@ -23,7 +23,7 @@ std::vector<std::string> NamesOfEntries();
 
 // A new queue's script and entry, complete and on the disk before they are at their places: then
 // two renames are left to do. What is not at its place goes with this record, and with a signal
-// that ends the process.
+// that ends the process. Nobody else may be at work.
 class NewParts {
  public:
   explicit NewParts(const std::string &queue);

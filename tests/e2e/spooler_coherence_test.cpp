@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/file.h>
+#include <sys/inotify.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 
@@ -215,11 +216,36 @@ TEST_F(Coherence, ACommandThatWasKilledAnywhereIsFinishedByRepeatingIt) {
 }
 
 TEST_F(Coherence, WhatKilledCommandsLeftGoesWithTheNextOne) {
-  for (const char *name : {"/.lp7.new", "/.lp7.entry"}) {
+  for (const char *name : {"/.lpadmin.new", "/.lpadmin.entry"}) {
     std::ofstream(std::string(kBridgeInterfaces) + name) << "half";
   }
   ASSERT_EQ(RunProgram(kMake).status, 0);
   EXPECT_EQ(NamesIn(kBridgeInterfaces), Strings{"lp1"});
+}
+
+TEST_F(Coherence, WhatACommandDoesForAQueueIsNotALookAtAllOthers) {
+  // Reading a directory is an access to it.
+  const Descriptor events(inotify_init1(IN_CLOEXEC | IN_NONBLOCK));
+  for (const char *directory : {kBridgeInterfaces, kBridgePrinters}) {
+    ASSERT_NE(-1, inotify_add_watch(events.get(), directory, IN_ACCESS | IN_ONLYDIR));
+  }
+  const auto were_read = [&] {
+    alignas(inotify_event) char buffer[4096];
+    bool were = false;
+    for (ssize_t size = 0; (size = read(events.get(), buffer, sizeof buffer)) > 0;) {
+      for (const char *at = buffer; at < buffer + size;) {
+        const auto *event = reinterpret_cast<const inotify_event *>(at);
+        were = were || event->len == 0;  // the directory itself
+        at += sizeof(inotify_event) + event->len;
+      }
+    }
+    return were;
+  };
+  NamesIn(kBridgeInterfaces);
+  ASSERT_TRUE(were_read());
+  ASSERT_EQ(RunProgram(kMake).status, 0);
+  ASSERT_EQ(RunProgram(kRemove).status, 0);
+  EXPECT_FALSE(were_read());
 }
 
 TEST_F(Coherence, ASchedulerThatDoesNotAnswerIsNotTakenForOneWithoutTheQueue) {
@@ -238,15 +264,14 @@ TEST_F(Coherence, ASchedulerThatDoesNotAnswerIsNotTakenForOneWithoutTheQueue) {
 }
 
 TEST_F(Coherence, ASignalTakesAwayWhatACommandHasHalfMade) {
+  const std::string entry = std::string(kBridgeInterfaces) + "/.lpadmin.entry";
   for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
-    std::string last;
     const TracedEnd end = RunTraced([] {}, [] { return Become(kMake); },
                                     [&](const FileCall &call) {
                                       // Both files are there, and the next step is CUPS's.
-                                      if (last.ends_with("/.lp1.entry") && SendsToServer(call)) {
+                                      if (fs::exists(entry) && SendsToServer(call)) {
                                         kill(call.process, signal);
                                       }
-                                      if (call.changes) last = call.path;
                                       return CallFate{};
                                     });
     EXPECT_EQ(end.status, 1) << signal;
