@@ -436,7 +436,10 @@ std::vector<std::string> GuiApp::Windows() {
   return names;
 }
 
-std::vector<std::string> GuiApp::ClippedTexts() { return LinesOf(Demand("clipped")); }
+std::vector<std::string> GuiApp::ClippedTexts() {
+  WaitDrawn();  // a window gives its widgets their room when it is drawn next
+  return LinesOf(Demand("clipped"));
+}
 
 std::vector<std::string> GuiApp::AccessKeys() { return LinesOf(Demand("keys")); }
 std::vector<std::string> GuiApp::UnnamedControls() { return LinesOf(Demand("unnamed")); }
