@@ -38,14 +38,14 @@ std::optional<SettingsConflict> FindConflict() {
 }
 
 std::optional<Fault> SettleConflicts(const std::string &name, bool resolve) {
-  for (int i = 0; i < kMostConflicts; ++i) {
-    const std::optional<SettingsConflict> conflict = FindConflict();
-    if (!conflict) return std::nullopt;
-    if (resolve && ResolveConflict(*conflict)) continue;
-    const char *key = resolve ? "CTL_CONFLICT_STAYS" : "CTL_CONFLICT";
-    return Fault{kRefused, G_Message(key, {name, ConflictReason(*conflict)})};
+  std::optional<SettingsConflict> conflict = FindConflict();
+  for (int i = 0; conflict && resolve && i < kMostConflicts; ++i) {
+    if (!SettleConflict(*conflict)) break;
+    conflict = FindConflict();
   }
-  return std::nullopt;
+  if (!conflict) return std::nullopt;
+  const char *key = resolve ? "CTL_CONFLICT_STAYS" : "CTL_CONFLICT";
+  return Fault{kRefused, G_Message(key, {name, ConflictReason(*conflict)})};
 }
 
 // What OK refuses besides: a delivery that needs a PIN, a notification that needs an address.

@@ -82,7 +82,7 @@ void ResolvePressed(GtkButton *button, gpointer) {
   GtkWidget *widget = GTK_WIDGET(button);
   GtkWidget *detail = lookup_widget(widget, "ErrorLabel2");
   GtkWidget *ok = lookup_widget(widget, "OKButton");
-  const std::optional<ResolvedConflict> resolved = ResolveConflict(L_Conflict);
+  const std::optional<ResolvedConflict> resolved = SettleConflict(L_Conflict);
   gtk_label_set_text(GTK_LABEL(detail), ResultText(resolved).c_str());
   SetAlert(gtk_widget_get_toplevel(widget), ResultText(resolved));
   gtk_widget_hide(widget);

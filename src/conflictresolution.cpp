@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "cfeature.h"
+#include "cstring.h"
 #include "debug.h"
 #include "globals.h"
 #include "optionlists.h"
@@ -60,6 +61,28 @@ std::optional<ResolvedConflict> SetToValueThatFits(const std::string &feature) {
   return std::nullopt;
 }
 
+// The two of a conflict: the one that gives way first, and the other.
+std::pair<std::string, std::string> InOrder(const SettingsConflict &conflict) {
+  std::pair<std::string, std::string> features = {conflict.feature1, conflict.feature2};
+  if (Rank(features.first) > Rank(features.second)) std::swap(features.first, features.second);
+  return features;
+}
+
+// The default of the feature, if it has another value and that goes with the other setting.
+std::optional<std::string> DefaultBeside(const std::string &feature, const Setting &other) {
+  const CFeature *record = PrinterFeature(feature.c_str());
+  const CString *usual = fGet_Default_Function(record);
+  if (fGet_CString_Value_Function(usual) == nullptr) return std::nullopt;
+  const CHash *settings =
+      IsInstallable(feature) ? G_QueueInstallableOptions_hash : G_QueueFeatures_hash;
+  if (HashText(settings, feature.c_str()) == TextOf(usual)) return std::nullopt;
+  const bool conflicts = G_IsInvalidCombination(CreateStringWithValue(feature.c_str()).get(), usual,
+                                                CreateStringWithValue(other.feature).get(),
+                                                CreateStringWithValue(other.option).get()) != 0;
+  if (conflicts) return std::nullopt;
+  return TextOf(usual);
+}
+
 }  // namespace
 
 void NoteUserChoice(const char *feature) {
@@ -80,14 +103,33 @@ bool MayResolve(const SettingsConflict &conflict) {
 std::optional<ResolvedConflict> ResolveConflict(const SettingsConflict &conflict) {
   const LogScope log("ResolveConflict");
   if (!MayResolve(conflict)) return std::nullopt;
-  std::string first = conflict.feature1;
-  std::string second = conflict.feature2;
-  if (Rank(first) > Rank(second)) std::swap(first, second);
+  const auto [first, second] = InOrder(conflict);
   const bool hardware = AreBothInstallable(conflict);
   for (const std::string &feature : {first, second}) {
     if (IsInstallable(feature) && !hardware) continue;
     std::optional<ResolvedConflict> resolved = SetToValueThatFits(feature);
     if (resolved) return resolved;
+  }
+  return std::nullopt;
+}
+
+std::optional<ResolvedConflict> SettleConflict(const SettingsConflict &conflict) {
+  const LogScope log("SettleConflict");
+  std::optional<ResolvedConflict> resolved = ResolveConflict(conflict);
+  if (resolved || !MayResolve(conflict)) return resolved;
+  const bool hardware = AreBothInstallable(conflict);
+  const Setting one = {conflict.feature1.c_str(), conflict.option1.c_str()};
+  const Setting two = {conflict.feature2.c_str(), conflict.option2.c_str()};
+  const auto [first, second] = InOrder(conflict);
+  for (const std::string &feature : {first, second}) {
+    if (IsInstallable(feature) && !hardware) continue;
+    const std::optional<std::string> usual =
+        DefaultBeside(feature, feature == conflict.feature1 ? two : one);
+    if (!usual) continue;
+    CHash *settings =
+        IsInstallable(feature) ? G_QueueInstallableOptions_hash : G_QueueFeatures_hash;
+    SetQueueValue(settings, feature.c_str(), *usual);
+    return ResolvedConflict{feature, *usual};
   }
   return std::nullopt;
 }

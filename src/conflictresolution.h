@@ -36,3 +36,8 @@ struct ResolvedConflict {
 // it is the one that was not chosen last. When no value of it fits, the other one gives way.
 // Nothing, with the settings as they were, when none fits.
 [[nodiscard]] std::optional<ResolvedConflict> ResolveConflict(const SettingsConflict &conflict);
+
+// The same, and when no value fits, one of the two gets the printer's default, if that goes with
+// the other: what it conflicts with elsewhere is the next conflict to settle. Each such step takes
+// a setting back to its default, so that settling again and again comes to an end.
+[[nodiscard]] std::optional<ResolvedConflict> SettleConflict(const SettingsConflict &conflict);

@@ -62,17 +62,7 @@ std::string Description() {
 class Properties : public testing::Test {
  protected:
   Properties() : messages_(kMessages), queues_(CreateHash()), original_(CreateHash()) {
-    const std::string description = Description();
-    LineReader lines(description);
-    auto content = std::get<PafContent>(ReadPaf(lines));
-    Owned<CPrinter> printer = CreatePrinter("/nowhere/vek41101.paf");
-    printer->features = std::move(content.features);
-    printer->installable_options = std::move(content.installable_options);
-    printer->constraints = std::move(content.constraints);
-    printer->ppd_file = std::move(content.ppd_file);
-    printers_ = CreateHash();
-    Must(HashPut(printers_.get(), kPrinterName, std::move(printer)));
-    G_Printers_hash = printers_.get();
+    Describe(Description());
     G_Queues_hash = queues_.get();
     G_OrgQueues_hash = original_.get();
     G_ProgName = kModeAdministration;
@@ -87,6 +77,30 @@ class Properties : public testing::Test {
     G_Help.reset();
     G_ProgName = kModeNeither;
     G_PrinterModel = 0;
+  }
+
+  // The printer is the one of that description.
+  void Describe(const std::string &description) {
+    LineReader lines(description);
+    auto content = std::get<PafContent>(ReadPaf(lines));
+    Owned<CPrinter> printer = CreatePrinter("/nowhere/vek41101.paf");
+    printer->features = std::move(content.features);
+    printer->installable_options = std::move(content.installable_options);
+    printer->constraints = std::move(content.constraints);
+    printer->ppd_file = std::move(content.ppd_file);
+    printers_ = CreateHash();
+    Must(HashPut(printers_.get(), kPrinterName, std::move(printer)));
+    G_Printers_hash = printers_.get();
+  }
+  void PrintsCovers() {
+    std::string description = Description();
+    for (const char *side : {"*Front", "*Back"}) {
+      const std::string cover = side;
+      description += Feature("uio", cover, "None", {"None", "Blank"}) +
+                     Feature("uio", cover + "Tray", "None", {"None", "Tray1"}) +
+                     Constraint(cover, "None", cover + "Tray", "Tray1");
+    }
+    Describe(description + Constraint("*Front", "Blank", "*Back", "Blank"));
   }
 
   void Put(const QueueValues &values) {
@@ -409,9 +423,28 @@ TEST_F(Properties, WithoutAnyValueThatFitsNothingChanges) {
   Open();
   SetQueueValue(G_QueueInstallableOptions_hash, "*InstalledMemory", "64Meg");
   const std::optional<ResolvedConflict> resolved =
-      ResolveConflict({"*OptionShelf", "True", "*InstalledMemory", "64Meg"});
+      SettleConflict({"*OptionShelf", "True", "*InstalledMemory", "64Meg"});
   EXPECT_EQ(resolved, std::nullopt);
   EXPECT_STREQ(HashText(G_QueueInstallableOptions_hash, "*InstalledMemory"), "64Meg");
+}
+
+// Two covers that do not go together, each with a tray that asks for it.
+TEST_F(Properties, WhereNoValueFitsTheDefaultComesFirstAndThenWhatAsksForTheOther) {
+  PrintsCovers();
+  Open();
+  Choose("*Front", "Blank");
+  Choose("*FrontTray", "Tray1");
+  Choose("*Back", "Blank");
+  Choose("*BackTray", "Tray1");
+  const SettingsConflict conflict = {"*Back", "Blank", "*Front", "Blank"};
+  EXPECT_EQ(FindLinearConflict(G_QueueFeatures_hash), conflict);
+  EXPECT_EQ(ResolveConflict(conflict), std::nullopt);
+  EXPECT_EQ(SettleConflict(conflict), (ResolvedConflict{"*Front", "None"}));
+  const SettingsConflict next = {"*Front", "None", "*FrontTray", "Tray1"};
+  EXPECT_EQ(FindLinearConflict(G_QueueFeatures_hash), next);
+  EXPECT_EQ(SettleConflict(next), (ResolvedConflict{"*FrontTray", "None"}));
+  EXPECT_EQ(FindLinearConflict(G_QueueFeatures_hash), std::nullopt);
+  EXPECT_EQ(QueueFeatureValue("*BackTray"), "Tray1");
 }
 
 TEST_F(Properties, OfTwoPartsThatDoNotGoTogetherTheOneAddedLastStaysInTheAdministration) {
