@@ -4,10 +4,12 @@
 #include <utility>
 
 #include "cfeature.h"
+#include "cmessages.h"
 #include "constraintmessages.h"
 #include "debug.h"
 #include "optionlists.h"
 #include "optionstate.h"
+#include "printermodels.h"
 #include "settingkeys.h"
 
 namespace {
@@ -28,6 +30,35 @@ std::string ValueOf(const char *feature, const CFeature *record) {
   Log(2, std::string("The feature >>") + feature +
              "<< was not founded in G_QueueInstallableOptions_hash");
   return TextOf(fGet_Default_Function(record));
+}
+
+// Other makers have options of two choices where ours are Boolean, and more names for nothing.
+bool IsOfAnotherMaker() { return G_PrinterModel == kAddedModelNumber; }
+
+// Whether the option of a choice says that nothing is there.
+bool IsNothing(const char *option) {
+  if (std::strcmp(option, "None") == 0) return true;
+  const std::string_view choice = option;
+  return IsOfAnotherMaker() && (choice.starts_with("NotInstalled") || choice == "False");
+}
+
+bool HasOnePart(const CFeature *record) {
+  size_t parts = 0;
+  for (const auto [option, text] : Pairs<CString>(fGet_Options_Function(record))) {
+    if (!IsNothing(option)) ++parts;
+  }
+  return parts == 1;
+}
+
+// What a row says of an option. Those of ours name the part; other makers' may be "Installed", so
+// that the feature has to be named.
+std::string PartText(const CFeature *record, const char *option, const CString *display) {
+  const std::string text = TextOf(display);
+  if (!IsOfAnotherMaker()) return text;
+  const std::string feature = TextOf(fGet_Translation_Function(record));
+  const std::string_view choice = option;
+  if (HasOnePart(record) && (choice.starts_with("Installed") || choice == "True")) return feature;
+  return G_Message("PRESET_SETTING", {feature, text});
 }
 
 // Adds the rows of one installable option.
@@ -59,7 +90,7 @@ class RowWriter {
 
   void AddOptions(const CFeature *record) {
     for (const auto [option, display] : Pairs<CString>(fGet_Options_Function(record))) {
-      if (std::strcmp(option, "None") != 0) Add(TextOf(display), value_ == option);
+      if (!IsNothing(option)) Add(PartText(record, option, display), value_ == option);
     }
   }
 
@@ -115,7 +146,7 @@ std::string ValueThatInstalls(const std::string &feature, const std::string &dis
   const CFeature *record = Installable(feature);
   if (IsBoolean(record)) return "True";
   for (const auto [option, text] : Pairs<CString>(fGet_Options_Function(record))) {
-    if (display == TextOf(text)) return option;
+    if (!IsNothing(option) && display == PartText(record, option, text)) return option;
   }
   return "";
 }
@@ -126,7 +157,10 @@ std::string ValueThatRemoves(const std::string &feature, const std::string &disp
   const CHash *options = fGet_Options_Function(record);
   if (HashFind(options, "None") != nullptr) return "None";
   for (const auto [option, text] : Pairs<CString>(options)) {
-    if (display != TextOf(text)) return option;
+    if (IsNothing(option)) return option;
+  }
+  for (const auto [option, text] : Pairs<CString>(options)) {
+    if (display != PartText(record, option, text)) return option;
   }
   return "";
 }

@@ -13,9 +13,10 @@ struct InstallableRow {
 };
 
 // One row for each Boolean installable option of the current printer that is "True" or "False", one
-// for each option but "None" of the others, in the dictionary's order. Every row of an option has
-// the same mark (kept on purpose): that of the queue's value, not of what the row would install.
-// "*InstalledMemory" is left out.
+// for each option but "None" of the others, in the dictionary's order. For added models the others'
+// rows name the feature ("Duplex Unit", "Hard Disk: 20 GB") and what means nothing is left out too
+// ("NotInstalled", "False"). Every row of an option has the same mark (kept on purpose): that of
+// the queue's value, not of what the row would install. "*InstalledMemory" is left out.
 std::vector<InstallableRow> InstallableRows();
 
 // Sets every installable option that the work copy holds to the printer's default, in order; one
@@ -30,6 +31,6 @@ InstallableDefaults SetInstallablesToDefaults();
 // Empty when there is none.
 std::string ValueThatInstalls(const std::string &feature, const std::string &display);
 
-// The value that removes it: "False"; "None" where the option has that; else the first other one.
-// Empty when there is none.
+// The value that removes it: "False"; "None", or what means nothing, where the option has that;
+// else the first other one. Empty when there is none.
 std::string ValueThatRemoves(const std::string &feature, const std::string &display);

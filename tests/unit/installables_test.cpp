@@ -6,6 +6,7 @@
 #include "coresupport.h"
 #include "debug.h"
 #include "optionsupport.h"
+#include "printermodels.h"
 
 namespace {
 
@@ -16,6 +17,7 @@ class Installables : public testing::Test {
   Installables()
       : messages_(
             "#CONSTR_Reason\nreason <%s: %s> <%s: %s>\n"
+            "#PRESET_SETTING\n%s: %s\n"
             "#CONSTR_Dlg_Message_OutputTray_Staple\ntray <%s>\n"
             "#CONSTR_Dlg_Message_Hct_Tray7\nfeeder and bypass\n") {}
 
@@ -192,6 +194,38 @@ TEST_F(Installables, ValuesThatInstallAndRemove) {
   EXPECT_EQ(ValueThatInstalls("*OptionPunch", "Nine holes"), "");
   EXPECT_EQ(ValueThatInstalls("*Unknown", "Nine holes"), "");
   EXPECT_EQ(ValueThatRemoves("*Unknown", "Nine holes"), "");
+}
+
+// Their options are "Installed" and "Not installed", which says nothing without the feature.
+TEST_F(Installables, OtherMakersPartsAreNamedByTheirFeatures) {
+  G_PrinterModel = kAddedModelNumber;
+  options_.Installable({"*Duplexer",
+                        "NotInstalled",
+                        {{"NotInstalled", "Not installed"}, {"Installed", "Installed"}},
+                        "PickOne",
+                        "Duplex unit"});
+  options_.Installable({"*HardDisk",
+                        "None",
+                        {{"None", "None"}, {"20GB", "20 GB"}, {"40GB", "40 GB"}},
+                        "PickOne",
+                        "Hard disk"});
+  options_.Installable({"*Stacker",
+                        "False",
+                        {{"False", "No"}, {"InstalledA", "Installed"}, {"InstalledB", "Installed"}},
+                        "PickOne",
+                        "Stacker"});
+  options_.Installable(
+      {"*Trays", "Two", {{"Two", "Two"}, {"Four", "Four"}}, "PickOne", "Number of trays"});
+  options_.SetInstalled("*HardDisk", "40GB");
+  EXPECT_EQ(Rows(), (Strings{"-    Duplex unit", "-    Hard disk: 20 GB", "+    Hard disk: 40 GB",
+                             "-    Stacker: Installed", "-    Stacker: Installed",
+                             "-    Number of trays: Four", "+    Number of trays: Two"}));
+  EXPECT_EQ(ValueThatInstalls("*Duplexer", "Duplex unit"), "Installed");
+  EXPECT_EQ(ValueThatRemoves("*Duplexer", "Duplex unit"), "NotInstalled");
+  EXPECT_EQ(ValueThatInstalls("*HardDisk", "Hard disk: 20 GB"), "20GB");
+  EXPECT_EQ(ValueThatRemoves("*HardDisk", "Hard disk: 40 GB"), "None");
+  EXPECT_EQ(ValueThatRemoves("*Stacker", "Stacker: Installed"), "False");
+  EXPECT_EQ(ValueThatRemoves("*Trays", "Number of trays: Two"), "Four");
 }
 
 }  // namespace
