@@ -82,6 +82,7 @@ GtkWidget *NewAddressNotice(GtkWidget *window) {
   gtk_label_set_width_chars(GTK_LABEL(label), L_NoticeWidth);
   gtk_label_set_max_width_chars(GTK_LABEL(label), L_NoticeUsualWidth);
   gtk_widget_set_no_show_all(label, TRUE);
+  g_signal_connect(label, "destroy", G_CALLBACK(ForgetAddresses), nullptr);
   L_Notice->label = label;
   return label;
 }

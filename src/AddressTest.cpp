@@ -55,6 +55,8 @@ void StopTest(Test &test) {
   test.source = 0;
 }
 
+void EndTest(gpointer entry) { StopTest(TestOf(entry)); }
+
 gboolean ShowFindings(gpointer entry) {
   Test &test = TestOf(entry);
   std::vector<WhyStep> steps;
@@ -131,5 +133,6 @@ AddressTest NewAddressTest(GtkWidget *window, GtkWidget *entry, std::string (*pr
   gtk_box_set_child_packing(GTK_BOX(field), button, FALSE, FALSE, 0, GTK_PACK_START);
   g_signal_connect(button, "clicked", G_CALLBACK(ButtonTestPressed), entry);
   g_signal_connect(entry, "changed", G_CALLBACK(ForgetResult), nullptr);
+  g_signal_connect(entry, "destroy", G_CALLBACK(EndTest), nullptr);
   return {field, result};
 }
