@@ -14,6 +14,11 @@ kpx_add_test(NAME admin_save LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
   SOURCES e2e/admin_save_test.cpp)
 kpx_add_test(NAME admin_scale LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
   SOURCES e2e/admin_scale_test.cpp)
+# Minutes, most of them the scheduler's.
+if(KPX_LONG)
+  kpx_add_test(NAME admin_thousands LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
+    SOURCES e2e/admin_thousands_test.cpp)
+endif()
 kpx_add_test(NAME administrator_lock LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
   SOURCES e2e/administrator_lock_test.cpp)
 kpx_add_test(NAME save_progress LIBS kpx_core kpx_guidriver LABEL e2e SANDBOX full
