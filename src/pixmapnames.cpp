@@ -26,6 +26,12 @@ std::string PunchHoles(std::string_view feature, std::string_view option) {
   return "";
 }
 
+// Other makers' names for what is not done, which the picture of the feature would show done.
+bool IsOtherNone(const std::string &option) {
+  return G_PrinterModel == kAddedModelNumber &&
+         (option == "Off" || option == "False" || option == "NoStaple");
+}
+
 std::string PagesASheet(std::string_view feature) {
   if (feature != kNupOrderKey) return "";
   const std::string pages = QueueFeatureValue(kNupKey);
@@ -37,7 +43,9 @@ std::string OrientationLetter(std::string_view feature) {
   const bool is_layout = feature == kNupKey || feature == kNupOrderKey || feature == kBookletKey;
   if (!is_layout && (listed == nullptr || !listed->turns_with_sheet)) return "";
   const std::string orientation = QueueFeatureValue(kOrientationKey);
-  if (orientation == "Portrait") return "P";
+  // Other makers' printers are not told how the sheet lies.
+  const bool is_upright = orientation.empty() && G_PrinterModel == kAddedModelNumber;
+  if (orientation == "Portrait" || is_upright) return "P";
   return orientation == "Landscape" || orientation == "RotLandscape" ? "L" : "";
 }
 
@@ -53,6 +61,8 @@ std::string G_GetPixmapNameFor(const char *feature, const std::string &option) {
   std::string of_model = base + "_" + GetPPDNo(ppd == nullptr ? "" : ppd) + ".xpm";
   if (IsPicture(of_model)) return of_model;
   if (IsPicture(base + ".xpm")) return base + ".xpm";
+  const std::string none = plain + "_None" + OrientationLetter(feature) + ".xpm";
+  if (IsOtherNone(option) && IsPicture(none)) return none;
   return plain + ".xpm";
 }
 

@@ -11,6 +11,7 @@
 #include "optionchange.h"
 #include "optionsupport.h"
 #include "paths.h"
+#include "printermodels.h"
 #include "privateworld.h"
 
 namespace {
@@ -179,6 +180,20 @@ TEST_F(PixmapNames, ANameWithoutAFirstPieceHasNoModelNumber) {
   G_DebugLevel = 0;
   EXPECT_NE(testing::internal::GetCapturedStderr().find("PPD name not in a correct format"),
             std::string::npos);
+}
+
+TEST_F(PixmapNames, OtherMakersSheetsStandAndWhatTheyDoNotDoIsNotShownDone) {
+  for (const char *name : {"StapleLocation.xpm", "StapleLocation_NoneP.xpm", "Duplex.xpm",
+                           "Duplex_DuplexTumbleP.xpm", "Collate_False.xpm"}) {
+    Picture(name);
+  }
+  EXPECT_EQ(G_GetPixmapNameFor("*StapleLocation", "None"), "StapleLocation.xpm");
+  G_PrinterModel = kAddedModelNumber;
+  EXPECT_EQ(G_GetPixmapNameFor("*StapleLocation", "None"), "StapleLocation_NoneP.xpm");
+  EXPECT_EQ(G_GetPixmapNameFor("*StapleLocation", "Off"), "StapleLocation_NoneP.xpm");
+  EXPECT_EQ(G_GetPixmapNameFor("*StapleLocation", "SaddleStitch"), "StapleLocation.xpm");
+  EXPECT_EQ(G_GetPixmapNameFor("*Duplex", "DuplexTumble"), "Duplex_DuplexTumbleP.xpm");
+  EXPECT_EQ(G_GetPixmapNameFor("*Collate", "False"), "Collate_False.xpm");
 }
 
 }  // namespace
