@@ -5,14 +5,8 @@
 // code of options. KPX_LONG draws 300 files.
 #include <gtest/gtest.h>
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
-#include <cups/ppd.h>
-#pragma GCC diagnostic pop
-
 #include <cstdlib>
 #include <map>
-#include <memory>
 #include <random>
 
 #include "addedmodels.h"
@@ -22,6 +16,7 @@
 #include "models.h"
 #include "networkprinter.h"
 #include "privateworld.h"
+#include "sampledppds.h"
 
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 
@@ -44,10 +39,6 @@ bool IsOurs(const std::string &keyword) {
   return kOurs.contains(keyword);
 }
 
-struct ClosePpd {
-  void operator()(ppd_file_t *ppd) const { ppdClose(ppd); }
-};
-using PpdFile = std::unique_ptr<ppd_file_t, ClosePpd>;
 using Codes = std::map<std::string, std::string>;  // "*Duplex None" -> code
 
 std::string Squeezed(const std::string &code) {
@@ -87,13 +78,6 @@ class Corpus : public testing::Test {
   Corpus() : printer_(9100) {
     RequirePrivateWorld();
     setenv("LANG", "C", 1);
-    const int count = std::getenv("KPX_LONG") == nullptr ? 20 : 300;
-    const std::string draw = std::string("python3 ") + KPX_TEST_DATA +
-                             "/support/sample_ppds.py 16 " + std::to_string(count) + " " +
-                             files_.Path() +
-                             " /usr/lib/cups/driver/openprinting-ppds"
-                             " /usr/lib/cups/driver/postscript-hp /usr/share/ppd/hp-ppd";
-    if (std::system(draw.c_str()) != 0) throw std::runtime_error(draw + " failed");
   }
 
   // A choice other than the default for each feature, as far as they can be combined.
@@ -154,6 +138,7 @@ class Corpus : public testing::Test {
   }
 
   TemporaryDirectory files_;
+  SampledPpds sample_{20};
   NetworkPrinter printer_;
   std::mt19937 random_{16};
 };
@@ -186,10 +171,9 @@ std::string Difference(const Codes &expected, const Codes &found) {
 TEST_F(Corpus, TheCodeOfOptionsIsThatOfCupssOwnFilter) {
   int agreed = 0, differed = 0, driven = 0, refused = 0;
   std::set<std::string> makers;
-  std::vector<std::string> names = NamesIn(files_.Path());
   std::string table;
-  for (const std::string &file : names) {
-    const std::string path = files_.Path(file);
+  for (const std::string &file : sample_.Names()) {
+    const std::string path = sample_.Path(file);
     const CommandResult added = Kpxctl({"model", "add", path, "--json"});
     if (added.status != 0) {
       EXPECT_NE(added.output.find(kRefusal), std::string::npos) << file << ": " << added.output;
@@ -215,7 +199,7 @@ TEST_F(Corpus, TheCodeOfOptionsIsThatOfCupssOwnFilter) {
     const std::string difference = Difference(ExpectedCodes(path, choices), CodesOf(job, choices));
     (difference.empty() ? agreed : differed) += 1;
     if (!difference.empty()) table += "  " + file + " (" + name + "): " + difference + "\n";
-    makers.insert(file.substr(file.find('-') + 1));
+    makers.insert(SampledPpds::MakerOf(file));
   }
   std::printf("%d files of %zu makers agree, %d differ, %d go through a driver, %d are refused\n%s",
               agreed, makers.size(), differed, driven, refused, table.c_str());
