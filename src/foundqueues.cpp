@@ -1,6 +1,7 @@
 #include "foundqueues.h"
 
 #include <algorithm>
+#include <atomic>
 #include <set>
 #include <utility>
 
@@ -20,6 +21,7 @@
 #include "printermodels.h"
 #include "scriptreader.h"
 #include "settingkeys.h"
+#include "spoolerrequests.h"
 #include "textencoding.h"
 #include "textfile.h"
 #include "textline.h"
@@ -47,20 +49,34 @@ struct SpoolerState {
 
 std::optional<BackgroundCommand> L_Question;
 
-// How long the spooler may take. One that hangs is not waited for; one with ten thousand queues
-// needs two seconds where others work too.
-int SecondsToAnswer() {
-  constexpr int kLeast = 2;
-  constexpr int kQueuesASecond = 1000;
+// Whether the spooler has so many queues that its command takes seconds to tell them.
+bool HasThousands() {
+  constexpr int kMany = 1000;
   const Owned<CList> entries = GetFilesFromDir(kSpoolPrintersDir);
   int count = 0;
   for ([[maybe_unused]] const CString *entry : Elements<CString>(entries.get())) ++count;
-  return kLeast + count / kQueuesASecond;
+  return count >= kMany;
+}
+
+// The same as the command tells, by a request of our own: for 10,000 queues `lpstat` needs two
+// seconds of processor time, and was given up in the middle.
+std::optional<Names> AnswerToRequest() {
+  std::atomic<bool> stop = false;
+  IppClient client(stop, [&stop] { stop = true; });
+  std::string words;
+  const auto devices = client.IsThere() ? AskForDevices(client, &words) : std::nullopt;
+  if (!devices) return std::nullopt;
+  Names names;
+  for (const auto &[name, device] : *devices) {
+    if (device == kBridgeDevice) names.insert(name);
+  }
+  return names;
 }
 
 // The bridge's queues as its spooler tells them; nothing where there is no such spooler.
 std::optional<Names> AnswerOfSpooler() {
   if (!L_Question) AskSpooler();
+  if (!L_Question) return AnswerToRequest();
   const std::optional<std::vector<std::string>> queues = BridgeQueuesOf(L_Question->Output());
   L_Question.reset();
   if (!queues) return std::nullopt;
@@ -216,8 +232,7 @@ void TakeInUnlisted(const SpoolerState &spooler, Findings &findings, CList *mess
 }  // namespace
 
 std::string SpoolerQuestion() {
-  return JoinWords({"[ ! -x", kLpstat, "] || LC_ALL=C timeout", std::to_string(SecondsToAnswer()),
-                    kLpstat, "-r -v 2>/dev/null"});
+  return JoinWords({"[ ! -x", kLpstat, "] || LC_ALL=C timeout 2", kLpstat, "-r -v 2>/dev/null"});
 }
 
 std::optional<std::vector<std::string>> BridgeQueuesOf(std::string_view answer) {
@@ -260,7 +275,9 @@ bool HasBridgeEntry(const std::string &name) {
   return entry && entry->starts_with(L_BridgeEntry);
 }
 
-void AskSpooler() { L_Question.emplace(SpoolerQuestion()); }
+void AskSpooler() {
+  if (!HasThousands()) L_Question.emplace(SpoolerQuestion());
+}
 
 void CompareWithSpooler(const CList *removed, CList *messages) {
   const LogScope log("CompareWithSpooler");

@@ -9,8 +9,7 @@
 #include "clist.h"
 #include "cprintqueue.h"
 
-// The command that asks the spooler bridge's spooler which queues it has. It waits for two seconds,
-// and for one more for each thousand of queues.
+// The command that asks the spooler bridge's spooler which queues it has.
 std::string SpoolerQuestion();
 
 // The queues of that spooler that the bridge made; nothing when the answer does not say that it is
@@ -24,7 +23,8 @@ std::string SpoolerQuestion();
 // Whether the spooler's entry of the queue is one that the bridge made.
 [[nodiscard]] bool HasBridgeEntry(const std::string &name);
 
-// Asks the spooler which queues it has, without waiting for the answer.
+// Asks the spooler which queues it has, without waiting for the answer. Where there are thousands it
+// is asked when the answer is needed, by a request.
 void AskSpooler();
 
 // Compares the working set with the spooler, which is asked now unless that was done before.

@@ -93,21 +93,6 @@ TEST(BridgeQueuesOf, IsNothingWhenTheSchedulerDoesNotSayThatItIsRunning) {
   EXPECT_EQ(BridgeQueuesOf("scheduler is not running\n"), std::nullopt);
 }
 
-TEST_F(FoundQueues, TheSpoolerIsGivenMoreTimeToTellOfThousands) {
-  const auto question = [](const std::string &seconds) {
-    return "[ ! -x /usr/bin/lpstat ] || LC_ALL=C timeout " + seconds +
-           " /usr/bin/lpstat -r -v 2>/dev/null";
-  };
-  EXPECT_EQ(question("2"), SpoolerQuestion());
-  const auto entry = [](int number) {
-    return std::string(kSpoolPrintersDir) + "/many" + std::to_string(number);
-  };
-  constexpr int kMany = 3000;
-  for (int i = 0; i < kMany; ++i) std::ofstream(entry(i)) << "";
-  EXPECT_EQ(question("5"), SpoolerQuestion());
-  for (int i = 0; i < kMany; ++i) fs::remove(entry(i));
-}
-
 TEST(PatienceForOptions, GrowsWithTheQueues) {
   constexpr int kMinute = 60 * 1000;
   EXPECT_EQ(10 * kMinute, PatienceForOptions(0));

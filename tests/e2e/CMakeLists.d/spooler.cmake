@@ -3,6 +3,8 @@ kpx_add_test(NAME spooler_printing LABEL e2e SANDBOX full
   SOURCES e2e/spooler_printing_test.cpp)
 kpx_add_test(NAME spooler_failures LIBS kpx_core LABEL e2e SANDBOX full
   SOURCES e2e/spooler_failures_test.cpp)
+kpx_add_test(NAME spooler_thousands LIBS kpx_core LABEL e2e SANDBOX full
+  SOURCES e2e/spooler_thousands_test.cpp)
 kpx_add_test(NAME spooler_filter LIBS kpx_core LABEL e2e SANDBOX full
   SOURCES e2e/spooler_filter_test.cpp)
 kpx_add_test(NAME spooler_scripts LIBS kpx_core LABEL e2e SANDBOX full
