@@ -23,8 +23,8 @@ std::string SpoolerQuestion();
 // Whether the spooler's entry of the queue is one that the bridge made.
 [[nodiscard]] bool HasBridgeEntry(const std::string &name);
 
-// Asks the spooler which queues it has, without waiting for the answer. Where there are thousands it
-// is asked when the answer is needed, by a request.
+// Asks the spooler which queues it has, without waiting for the answer. Where there are thousands
+// it is asked when the answer is needed, by a request.
 void AskSpooler();
 
 // Compares the working set with the spooler, which is asked now unless that was done before.
