@@ -18,9 +18,14 @@ const CFeature *Installable(const std::string &feature) {
   return HashValue<CFeature>(G_PrinterInstallableOptions_hash, feature.c_str());
 }
 
+// Other makers have options of two choices where ours are Boolean, and more names for nothing.
+bool IsOfAnotherMaker() { return G_PrinterModel == kAddedModelNumber; }
+
+// What another maker calls Boolean may lack "False", and be "None" instead.
 bool IsBoolean(const CFeature *record) {
   const char *type = fGet_CString_Value_Function(fGet_Type_Function(record));
-  return type != nullptr && std::strcmp(type, "Boolean") == 0;
+  if (type == nullptr || std::strcmp(type, "Boolean") != 0) return false;
+  return !IsOfAnotherMaker() || HashFind(fGet_Options_Function(record), "False") != nullptr;
 }
 
 // The queue's value, or the default.
@@ -31,9 +36,6 @@ std::string ValueOf(const char *feature, const CFeature *record) {
              "<< was not founded in G_QueueInstallableOptions_hash");
   return TextOf(fGet_Default_Function(record));
 }
-
-// Other makers have options of two choices where ours are Boolean, and more names for nothing.
-bool IsOfAnotherMaker() { return G_PrinterModel == kAddedModelNumber; }
 
 // Whether the option of a choice says that nothing is there.
 bool IsNothing(const char *option) {

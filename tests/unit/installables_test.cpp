@@ -216,10 +216,15 @@ TEST_F(Installables, OtherMakersPartsAreNamedByTheirFeatures) {
                         "Stacker"});
   options_.Installable(
       {"*Trays", "Two", {{"Two", "Two"}, {"Four", "Four"}}, "PickOne", "Number of trays"});
+  options_.Installable(
+      {"*Feeder", "None", {{"None", "No"}, {"True", "Yes"}}, "Boolean", "Paper feeder"});
+  EXPECT_EQ(ValueThatInstalls("*Feeder", "Paper feeder"), "True");
+  EXPECT_EQ(ValueThatRemoves("*Feeder", "Paper feeder"), "None");
   options_.SetInstalled("*HardDisk", "40GB");
-  EXPECT_EQ(Rows(), (Strings{"-    Duplex unit", "-    Hard disk: 20 GB", "+    Hard disk: 40 GB",
-                             "-    Stacker: Installed", "-    Stacker: Installed",
-                             "-    Number of trays: Four", "+    Number of trays: Two"}));
+  EXPECT_EQ(Rows(),
+            (Strings{"-    Duplex unit", "-    Paper feeder", "-    Hard disk: 20 GB",
+                     "+    Hard disk: 40 GB", "-    Stacker: Installed", "-    Stacker: Installed",
+                     "-    Number of trays: Four", "+    Number of trays: Two"}));
   EXPECT_EQ(ValueThatInstalls("*Duplexer", "Duplex unit"), "Installed");
   EXPECT_EQ(ValueThatRemoves("*Duplexer", "Duplex unit"), "NotInstalled");
   EXPECT_EQ(ValueThatInstalls("*HardDisk", "Hard disk: 20 GB"), "20GB");
