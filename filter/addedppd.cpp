@@ -134,6 +134,30 @@ std::string Translated(std::string_view line, const Texts &texts) {
          std::string(line.substr(parts->text_end));
 }
 
+// What texts have for the characters U+0080 to U+009F, which are control characters: files that say
+// that they are in ISO-8859-1 are often in Windows-1252, which has these there. Quotation marks are
+// single, since a double one would begin a value.
+constexpr std::string_view kSigns[] = {
+    "EUR", "",  "'", "f", "'", "...",    "+", "+", "^", " o/oo", "S", "<", "OE", "", "Z", "",
+    "",    "'", "'", "'", "'", "\u00B7", "-", "-", "~", "(TM)",  "s", ">", "oe", "", "z", "Y"};
+static_assert(std::size(kSigns) == 32);
+
+// The line (UTF-8) with signs for the control characters that stand in front of its value.
+std::string WithSigns(const std::string &line) {
+  const size_t value = std::min(line.find('"'), line.size());
+  std::string text;
+  for (size_t i = 0; i < line.size(); ++i) {
+    const auto next = static_cast<uint8_t>(i + 1 < line.size() ? line[i + 1] : '\0');
+    if (i < value && line[i] == '\xC2' && next >= 0x80 && next < 0xA0) {
+      text += kSigns[next - 0x80];
+      ++i;
+    } else {
+      text += line[i];
+    }
+  }
+  return text;
+}
+
 // A line (UTF-8) in ISO-8859-1; unchanged when that cannot hold it, or would be read as UTF-8.
 std::string Latin1Line(const std::string &line) {
   std::string latin1;
@@ -221,7 +245,7 @@ class Installer {
                 (!TagOf(parts->keyword).empty() || parts->keyword == "cupsLanguages");
     if (dropping_ || (parts && IsOwnKeyword(parts->keyword))) return;
     if (parts && !keeps_bytes_ && parts->keyword == "LanguageEncoding") return;
-    Add(keeps_bytes_ ? std::string(line) : Translated(DecodeLine(line), texts_));
+    Add(keeps_bytes_ ? std::string(line) : Translated(WithSigns(DecodeLine(line)), texts_));
     if (parts && parts->keyword == "PPD-Adobe") AddOwnLines();
   }
 

@@ -183,6 +183,27 @@ TEST_F(AddedModels, KeepTheTranslationsThatTheirPpdHas) {
   EXPECT_EQ(ContentOf(AddedModelPafPath(id, "enu")).find("Beidseitig"), std::string::npos);
 }
 
+// ISO-8859-1 has control characters where Windows-1252 has signs, and files that say the one are in
+// the other. What stands in quotation marks is the printer's code.
+TEST_F(AddedModels, HaveNoControlCharactersForTheSignsOfWindows) {
+  const TemporaryDirectory directory;
+  std::string ppd = ContentOf(kForeignPpd);
+  ASSERT_NE(ppd.find("*LanguageEncoding: ISOLatin1"), std::string::npos);
+  const std::string ui = "*OpenUI *Duplex";
+  ASSERT_NE(ppd.find(ui), std::string::npos);
+  ppd.insert(ppd.find(ui),
+             "*OpenUI *Unit/Unit\351 d\222Alimentation \223A\224\205: PickOne\n*DefaultUnit: No\n"
+             "*Unit No/Non\231: \"(\222) pop\"\n*Unit Yes/Oui: \"\"\n*CloseUI: *Unit\n");
+  const AddedTestModel model(kForeignPrinter, {directory.Write("windows.ppd", ppd)});
+  const std::string id = "ppd-hp-laserjet-5000-series-ps";
+  EXPECT_NE(ContentOf(AddedModelPafPath(id, "fra")).find("\nUnit\351 d'Alimentation 'A'...\n"),
+            std::string::npos);
+  EXPECT_NE(ContentOf(AddedModelPafPath(id, "enu")).find("\nUnité d'Alimentation 'A'...\n"),
+            std::string::npos);
+  EXPECT_NE(ContentOf(AddedModelPpdPath(id, "fra")).find("*Unit No/Non(TM): \"(\222) pop\"\n"),
+            std::string::npos);
+}
+
 TEST_F(AddedModels, UnusableFilesAreRefusedWithTheReason) {
   const TemporaryDirectory directory;
   const auto before = FilesOfModels();

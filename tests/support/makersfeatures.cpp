@@ -32,7 +32,14 @@ std::string Decoded(const std::string &text) {
     if (byte >= 0x80 && !is_pair) return text;
     bytes += is_pair ? static_cast<char>((byte & 3) << 6 | (text[++i] & 0x3F)) : text[i];
   }
-  return IsValidUtf8(bytes) ? bytes : text;
+  if (IsValidUtf8(bytes)) return bytes;
+  // The apostrophe of Windows-1252 is the only such sign in these files.
+  const std::string apostrophe = "\u0092";
+  std::string plain = text;
+  for (size_t at = 0; (at = plain.find(apostrophe, at)) != std::string::npos;) {
+    plain.replace(at, apostrophe.size(), "'");
+  }
+  return plain;
 }
 
 // The text of a choice ("Translation" for a feature's own), or what the file has for it in English
