@@ -134,25 +134,42 @@ std::string Translated(std::string_view line, const Texts &texts) {
          std::string(line.substr(parts->text_end));
 }
 
-// What texts have for the characters U+0080 to U+009F, which are control characters: files that say
-// that they are in ISO-8859-1 are often in Windows-1252, which has these there. Quotation marks are
-// single, since a double one would begin a value.
-constexpr std::string_view kSigns[] = {
-    "EUR", "",  "'", "f", "'", "...",    "+", "+", "^", " o/oo", "S", "<", "OE", "", "Z", "",
-    "",    "'", "'", "'", "'", "\u00B7", "-", "-", "~", "(TM)",  "s", ">", "oe", "", "z", "Y"};
-static_assert(std::size(kSigns) == 32);
+// What texts have for a character from U+0080 to U+009F, which is a control character: files that
+// say that they are in ISO-8859-1 are often in Windows-1252, which has signs there. Quotation marks
+// are single, since a double one would begin a value. Empty for what no text of that kind needs.
+std::string_view SignFor(uint8_t byte) {
+  switch (byte) {
+    case 0x80:
+      return "EUR";
+    case 0x85:
+      return "...";
+    case 0x91:
+    case 0x92:
+    case 0x93:
+    case 0x94:
+      return "'";
+    case 0x96:
+    case 0x97:
+      return "-";
+    case 0x99:
+      return "(TM)";
+    default:
+      return "";
+  }
+}
 
 // The line (UTF-8) with signs for the control characters that stand in front of its value.
 std::string WithSigns(const std::string &line) {
   const size_t value = std::min(line.find('"'), line.size());
   std::string text;
   for (size_t i = 0; i < line.size(); ++i) {
-    const auto next = static_cast<uint8_t>(i + 1 < line.size() ? line[i + 1] : '\0');
-    if (i < value && line[i] == '\xC2' && next >= 0x80 && next < 0xA0) {
-      text += kSigns[next - 0x80];
-      ++i;
-    } else {
+    const bool is_pair = i + 1 < value && line[i] == '\xC2';
+    const std::string_view sign = is_pair ? SignFor(static_cast<uint8_t>(line[i + 1])) : "";
+    if (sign.empty()) {
       text += line[i];
+    } else {
+      text += sign;
+      ++i;
     }
   }
   return text;
