@@ -37,9 +37,11 @@ add_custom_target(fuzz_core DEPENDS ${KPX_FUZZ_CORE})
 #                [RUNS count] [MAX_LEN bytes])
 # One libFuzzer program and one CTest entry "fuzz_<n>" that runs it `RUNS` times (20000 by default)
 # or, on a slow machine, as often as it can in 150 seconds (600 in sanitizer runs); in long runs a
-# million times. Weighing what it has learnt (-entropic) takes longer than most inputs do. It starts
-# from tests/fuzz/corpus/<n>, which must hold at least one file. What it learns stays in
-# the build directory; an input that crashes it is left there as crash-<n>-*: copy it to the corpus.
+# million times. Weighing what it has learnt (-entropic) takes longer than most inputs do. So does
+# looking for leaks after each input from which a library keeps memory (-detect_leaks): they are
+# looked for once, at the end. The run starts from tests/fuzz/corpus/<n>, which must hold at least
+# one file. What it learns stays in the build directory; an input that crashes it is left there as
+# crash-<n>-*: copy it to the corpus.
 function(kpx_add_fuzzer)
   cmake_parse_arguments(T "" "NAME;RUNS;MAX_LEN" "SOURCES;OPTIONS;LINK" ${ARGN})
   if(NOT T_RUNS)
@@ -76,7 +78,8 @@ function(kpx_add_fuzzer)
   add_custom_target(fuzz_${T_NAME} ALL DEPENDS ${program})
   add_test(NAME fuzz_${T_NAME}
     COMMAND ${program} -runs=${T_RUNS} -seed=1 -max_len=${T_MAX_LEN} -timeout=20 ${limit}
-            -entropic=0 -print_final_stats=1 -artifact_prefix=${KPX_FUZZ_DIR}/crash-${T_NAME}- ${learnt}
+            -entropic=0 -detect_leaks=0 -print_final_stats=1
+            -artifact_prefix=${KPX_FUZZ_DIR}/crash-${T_NAME}- ${learnt}
             ${CMAKE_CURRENT_SOURCE_DIR}/fuzz/corpus/${T_NAME})
   set_tests_properties(fuzz_${T_NAME} PROPERTIES LABELS fuzz TIMEOUT ${timeout})
 endfunction()
