@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <iterator>
 #include <optional>
 #include <string_view>
@@ -81,6 +82,7 @@ class PafParser {
     Routine routine = nullptr;
   };
   static const Keyword L_Keywords[];
+  static const std::array<uint8_t, 128> L_FirstKeywords;
   static const Keyword *FindKeyword(std::string_view line);
 
   State Fail(const char *reason);
@@ -106,7 +108,9 @@ class PafParser {
   State StartConstraint(std::string_view line);
   State EndConstraint(std::string_view line);
 
-  TextPool texts_;  // a description says the same few words thousands of times
+  // One copy of each text: a description says the same few words thousands of times, and so do
+  // those of one maker's printers.
+  static inline TextPool texts_;
   PafContent content_;
   const char *error_ = nullptr;
 
@@ -154,6 +158,16 @@ constexpr PafParser::Keyword PafParser::L_Keywords[] = {
     {"#end_ccc", &PafParser::EndConstraint},
 };
 
+// By the second character, which tells most keywords apart: the first keyword with it.
+constexpr std::array<uint8_t, 128> PafParser::L_FirstKeywords = [] {
+  std::array<uint8_t, 128> first{};
+  first.fill(std::size(L_Keywords));
+  for (uint8_t i = std::size(L_Keywords); i-- > 0;) {
+    first[static_cast<uint8_t>(L_Keywords[i].text[1])] = i;
+  }
+  return first;
+}();
+
 PafParser::PafParser() {
   content_.features = CreateHash();
   content_.installable_options = CreateHash();
@@ -162,12 +176,14 @@ PafParser::PafParser() {
 
 const PafParser::Keyword *PafParser::FindKeyword(std::string_view line) {
   if (line.size() < 2 || line[0] != '#') return nullptr;
-  // The second character tells most keywords apart.
+  const auto second = static_cast<uint8_t>(line[1]);
+  if (second >= L_FirstKeywords.size()) return nullptr;
   const auto begins = [&line](const Keyword &keyword) {
     return line[1] == keyword.text[1] && line.starts_with(keyword.text);
   };
-  const auto *found = std::find_if(std::begin(L_Keywords), std::end(L_Keywords), begins);
-  return found == std::end(L_Keywords) ? nullptr : found;
+  const Keyword *end = std::end(L_Keywords);
+  const Keyword *found = std::find_if(L_Keywords + L_FirstKeywords[second], end, begins);
+  return found == end ? nullptr : found;
 }
 
 void PafParser::TakeLine(std::string_view line) {

@@ -165,6 +165,11 @@ void PrintError(std::string_view text) {
 
 void PrintErrorLine(std::string_view text) { PrintError(std::string(text) + "\n"); }
 
+LineReader::LineReader(std::string_view buffer, Form form)
+    : rest_(buffer),
+      as_it_stands_(form == Form::Bytes ||
+                    (buffer.find('\0') == std::string_view::npos && IsValidUtf8(buffer))) {}
+
 std::optional<std::string> LineReader::Next() {
   const std::optional<std::string_view> line = NextView();
   if (!line) return std::nullopt;
@@ -179,7 +184,7 @@ std::optional<std::string_view> LineReader::NextView() {
   const std::string_view line =
       had_line_feed_ ? rest_.substr(0, feed) : Utf8Prefix(rest_, kMaxLine);
   rest_.remove_prefix(line.size() + (had_line_feed_ ? 1 : 0));
-  if (form_ == Form::Bytes) return line;
+  if (as_it_stands_) return line;
   const std::string_view text = line.substr(0, line.find('\0'));
   if (IsValidUtf8(text)) return text;
   decoded_ = Utf8FromLatin1(text);

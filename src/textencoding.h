@@ -52,8 +52,7 @@ class LineReader {
   enum class Form { Text, Bytes };  // Text: decoded to UTF-8; Bytes: unchanged
 
   // `buffer` must outlive the reader.
-  explicit LineReader(std::string_view buffer, Form form = Form::Text)
-      : rest_(buffer), form_(form) {}
+  explicit LineReader(std::string_view buffer, Form form = Form::Text);
 
   // The next line without its line feed, or nothing at the end. A carriage return stays.
   [[nodiscard]] std::optional<std::string> Next();
@@ -77,7 +76,7 @@ class LineReader {
  private:
   std::string_view rest_;
   std::string decoded_;  // the line handed out last, when it had to be decoded
-  Form form_;
+  bool as_it_stands_;    // no line needs to be decoded or ended early
   bool had_line_feed_ = true;
   int line_number_ = 0;
 };
