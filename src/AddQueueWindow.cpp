@@ -7,6 +7,7 @@
 #include "AddQueueWindowFct.h"
 #include "AddressCompletion.h"
 #include "AddressTest.h"
+#include "ButtonBox.h"
 #include "ComboWidget.h"
 #include "EntryHandlers.h"
 #include "FieldGrid.h"

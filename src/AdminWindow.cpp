@@ -3,6 +3,7 @@
 #include "AccessKeys.h"
 #include "AddressNotice.h"
 #include "AdminWindowFct.h"
+#include "ButtonBox.h"
 #include "ListWidget.h"
 #include "PropertiesFrame.h"
 #include "QueueTips.h"

@@ -1,6 +1,7 @@
 #include "ConfirmationWindow.h"
 
 #include "AccessKeys.h"
+#include "ButtonBox.h"
 #include "CustomDialog.h"
 #include "DialogFrame.h"
 #include "Support.h"

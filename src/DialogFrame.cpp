@@ -1,6 +1,7 @@
 #include "DialogFrame.h"
 
 #include "AccessKeys.h"
+#include "ButtonBox.h"
 #include "Support.h"
 #include "cmessages.h"
 

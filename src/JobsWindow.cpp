@@ -1,6 +1,7 @@
 #include "JobsWindow.h"
 
 #include "AccessKeys.h"
+#include "ButtonBox.h"
 #include "JobsWindowFct.h"
 #include "Support.h"
 #include "ViewedList.h"
@@ -206,10 +207,6 @@ GtkWidget *create_JobsWindow() {
   gtk_box_pack_start(GTK_BOX(box), gtk_separator_new(GTK_ORIENTATION_HORIZONTAL), FALSE, FALSE, 0);
   AddWindowButtons(helper.window, box, &helper.why_button);
   gtk_widget_show_all(box);
-  for (const char *name : {"QueueHbuttonbox", "JobHbuttonbox", "JobsHbuttonbox"}) {
-    GtkWidget *buttons = lookup_widget(helper.window, name);
-    if (buttons != nullptr) FitButtons(buttons);
-  }
   GiveAccessKeys(helper.window);
   SetOpeningSize(helper.window, L_Width, L_Height);
   gtk_widget_grab_focus(helper.jobs_list);

@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "ButtonBox.h"
 #include "CustomDialog.h"
 #include "ListWidget.h"
 #include "OptionDefaults.h"

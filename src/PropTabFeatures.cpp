@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "ButtonBox.h"
 #include "InstallableLists.h"
 #include "ListWidget.h"
 #include "OptionCombos.h"

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "AddressTest.h"
+#include "ButtonBox.h"
 #include "ComboWidget.h"
 #include "EntryHandlers.h"
 #include "FieldGrid.h"

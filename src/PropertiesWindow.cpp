@@ -5,6 +5,7 @@
 #include <string>
 
 #include "AccessKeys.h"
+#include "ButtonBox.h"
 #include "MessageDialogs.h"
 #include "PresetMenu.h"
 #include "PropertiesFrame.h"

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "AccessKeys.h"
+#include "ButtonBox.h"
 #include "DialogFrame.h"
 #include "Support.h"
 #include "cmessages.h"

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "AccessKeys.h"
+#include "ButtonBox.h"
 #include "Support.h"
 #include "cmessages.h"
 #include "debug.h"

@@ -11,13 +11,13 @@ namespace {
 // For a display that knows no monitor.
 constexpr int L_UsualScreenWidth = 1024;
 constexpr int L_UsualScreenHeight = 768;
+constexpr int L_TextMargin = 6;
 constexpr int L_FrameRoom = 48;  // pixels for the frame that the window manager draws
 
 using Handler = void (*)();
 
 constexpr char L_AccelGroupKey[] = "accel_group";
 constexpr char L_FocusedClass[] = "kpx-focused";
-constexpr int L_ButtonSpacing = 6;
 constexpr int L_ListHeight = 140;
 
 void RunHandler(GtkWidget *, gpointer handler) { reinterpret_cast<Handler>(handler)(); }
@@ -63,6 +63,16 @@ GtkWindow *CurrentWindow(const GtkWidget *dialog) {
 // The toolkit hides it again whenever a window that belongs to no other appears.
 void ShowFocus(GtkWidget *window, gpointer) {
   gtk_window_set_focus_visible(GTK_WINDOW(window), TRUE);
+}
+
+// What `ask` tells of the user's first monitor, in pixels.
+GdkRectangle OnMonitor(void (*ask)(GdkMonitor *monitor, GdkRectangle *area)) {
+  GdkDisplay *display = gdk_display_get_default();
+  GdkMonitor *monitor = gdk_display_get_primary_monitor(display);
+  if (monitor == nullptr) monitor = gdk_display_get_monitor(display, 0);
+  GdkRectangle area = {0, 0, L_UsualScreenWidth, L_UsualScreenHeight};
+  if (monitor != nullptr) ask(monitor, &area);
+  return area;
 }
 
 // A text without a cursor does not show that it has the focus; its frame does.
@@ -151,15 +161,6 @@ GtkWidget *NewButton(GtkWidget *window, GtkWidget *box, const char *name, const 
   return StoreWidget(window, button, name);
 }
 
-GtkWidget *NewButtonBox(GtkWidget *window, GtkOrientation orientation, const char *name) {
-  GtkWidget *box = gtk_button_box_new(orientation);
-  const bool vertical = orientation == GTK_ORIENTATION_VERTICAL;
-  gtk_button_box_set_layout(GTK_BUTTON_BOX(box),
-                            vertical ? GTK_BUTTONBOX_START : GTK_BUTTONBOX_SPREAD);
-  gtk_box_set_spacing(GTK_BOX(box), L_ButtonSpacing);
-  return StoreWidget(window, box, name);
-}
-
 GtkWidget *NewLabel(GtkWidget *window, const char *name, const std::string &text,
                     GtkWidget *target) {
   GtkWidget *label = gtk_label_new(text.c_str());
@@ -206,8 +207,8 @@ GtkWidget *NewScrolledText(GtkWidget *window, const char *scrolled_name, const c
   gtk_text_view_set_accepts_tab(GTK_TEXT_VIEW(area), FALSE);
   // Never inside a word: the toolkit would draw a hyphen there that is not in the text.
   gtk_text_view_set_wrap_mode(GTK_TEXT_VIEW(area), GTK_WRAP_WORD);
-  gtk_text_view_set_left_margin(GTK_TEXT_VIEW(area), L_ButtonSpacing);
-  gtk_text_view_set_right_margin(GTK_TEXT_VIEW(area), L_ButtonSpacing);
+  gtk_text_view_set_left_margin(GTK_TEXT_VIEW(area), L_TextMargin);
+  gtk_text_view_set_right_margin(GTK_TEXT_VIEW(area), L_TextMargin);
   // The buffer takes UTF-8 only; a file name in a message may be anything.
   const std::string shown = DisplayText(text);
   gtk_text_buffer_set_text(gtk_text_view_get_buffer(GTK_TEXT_VIEW(area)), shown.c_str(),
@@ -238,16 +239,6 @@ GtkWidget *NewScrolledList(GtkWidget *window, const char *name, GtkWidget *list)
   gtk_scrolled_window_set_min_content_height(GTK_SCROLLED_WINDOW(scrolled), L_ListHeight);
   gtk_container_add(GTK_CONTAINER(scrolled), list);
   return StoreWidget(window, scrolled, name);
-}
-
-void FitButtons(GtkWidget *box) {
-  int width = 0;
-  gtk_widget_get_preferred_width(box, nullptr, &width);
-  if (width <= RoomOnScreen().width) return;
-  const auto let_be = [](GtkWidget *button, gpointer parent) {
-    gtk_button_box_set_child_non_homogeneous(GTK_BUTTON_BOX(parent), button, TRUE);
-  };
-  gtk_container_foreach(GTK_CONTAINER(box), let_be, box);
 }
 
 void AddAccelerator(GtkWidget *window, GtkWidget *button, guint key) {
@@ -284,12 +275,14 @@ void OnDeleteEvent(GtkWidget *window, void (*handler)()) {
                    reinterpret_cast<gpointer>(handler));
 }
 
+bool IsTooWideForScreen(int width) {
+  // Panels leave more than half of a screen; how much more, the X server would have to be asked.
+  if (width <= OnMonitor(gdk_monitor_get_geometry).width / 2) return false;
+  return width > RoomOnScreen().width;
+}
+
 GtkRequisition RoomOnScreen() {
-  GdkDisplay *display = gdk_display_get_default();
-  GdkMonitor *monitor = gdk_display_get_primary_monitor(display);
-  if (monitor == nullptr) monitor = gdk_display_get_monitor(display, 0);
-  GdkRectangle area = {0, 0, L_UsualScreenWidth, L_UsualScreenHeight};
-  if (monitor != nullptr) gdk_monitor_get_workarea(monitor, &area);
+  const GdkRectangle area = OnMonitor(gdk_monitor_get_workarea);
   return {area.width - L_FrameRoom, area.height - L_FrameRoom};
 }
 

@@ -18,14 +18,6 @@ GtkWidget *lookup_widget(GtkWidget *widget, const char *name);
 GtkWidget *NewButton(GtkWidget *window, GtkWidget *box, const char *name, const char *title_key,
                      void (*pressed)());
 
-// A button box stored as `name`: horizontal ones spread their buttons, vertical ones start at the
-// top.
-GtkWidget *NewButtonBox(GtkWidget *window, GtkOrientation orientation, const char *name);
-
-// The shown buttons of a box are of one size; where the screen is too narrow for that, each becomes
-// as wide as its text.
-void FitButtons(GtkWidget *box);
-
 // A left-aligned label stored as `name`; assistive technology reads it as the label of `target`, a
 // combo's entry included. `target` may be null.
 GtkWidget *NewLabel(GtkWidget *window, const char *name, const std::string &text,
@@ -93,6 +85,9 @@ void SetOpeningSize(GtkWidget *window, int width, int height, int unwanted = 0);
 
 // What the first screen has for a window without its frame, in pixels.
 GtkRequisition RoomOnScreen();
+
+// Whether so many pixels side by side are more than that.
+[[nodiscard]] bool IsTooWideForScreen(int width);
 
 // Keeps a window that chooses its own size from becoming larger than that.
 void KeepOnScreen(GtkWidget *window);

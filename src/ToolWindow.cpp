@@ -1,6 +1,7 @@
 #include "ToolWindow.h"
 
 #include "AccessKeys.h"
+#include "ButtonBox.h"
 #include "ComboWidget.h"
 #include "ListWidget.h"
 #include "PropertiesFrame.h"
@@ -107,7 +108,6 @@ GtkWidget *create_ToolWindow() {
   AddQueueRow(helper, data);
   ShowQueues();
   gtk_widget_show_all(box);
-  FitButtons(lookup_widget(helper.window, "ToolHbuttonbox"));
   GiveAccessKeys(helper.window);
   ShowFocusAtOnce(helper.window);
   return helper.window;
