@@ -25,7 +25,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr int kWarmUps = 2;
-constexpr int kRuns = 41;
+constexpr int kRuns = 101;
 constexpr double kBar = 1.3;
 constexpr int kDeadline = 20000;  // milliseconds for one window
 

@@ -6,6 +6,7 @@
 #include "ListWidget.h"
 #include "PropertiesFrame.h"
 #include "QueueBar.h"
+#include "ReadyAhead.h"
 #include "Support.h"
 #include "ToolWindowFct.h"
 #include "cmessages.h"
@@ -80,6 +81,11 @@ void AddToolButtons(ToolWindowHelper &helper, GtkWidget *parent) {
   AddAccelerator(window, helper.delete_button, GDK_KEY_Delete);
 }
 
+gboolean AcceptFiles(gpointer window) {
+  AcceptDroppedFiles(GTK_WIDGET(window));
+  return G_SOURCE_REMOVE;
+}
+
 }  // namespace
 
 GtkWidget *create_ToolWindow() {
@@ -94,7 +100,9 @@ GtkWidget *create_ToolWindow() {
   gtk_window_set_title(GTK_WINDOW(helper.window), G_Translate("DEF_WND_TOOL_TITLE"));
   gtk_window_set_default_size(GTK_WINDOW(helper.window), L_Width, L_Height);
   OnDeleteEvent(helper.window, ButtonCancelToolPressed);
-  AcceptDroppedFiles(helper.window);
+  // Once the window is there: the toolkit asks the session's bus for this.
+  g_idle_add_full(G_PRIORITY_DEFAULT_IDLE, AcceptFiles, g_object_ref(helper.window),
+                  g_object_unref);
 
   GtkWidget *box = gtk_box_new(GTK_ORIENTATION_VERTICAL, L_Spacing);
   gtk_container_set_border_width(GTK_CONTAINER(box), L_Border);
@@ -104,7 +112,8 @@ GtkWidget *create_ToolWindow() {
   AddFilesFrame(helper, data);
   gtk_box_pack_start(GTK_BOX(box), gtk_separator_new(GTK_ORIENTATION_HORIZONTAL), FALSE, FALSE, 0);
   AddToolButtons(helper, box);
-  // Made last though it stands first: its entry waits for the fonts, which are still being read.
+  // Made last though it stands first: its entry is the first to ask for a font.
+  AwaitFont();
   AddQueueRow(helper, data);
   ShowQueues();
   gtk_widget_show_all(box);

@@ -4,7 +4,6 @@
 #include <fcntl.h>
 #include <glib-unix.h>
 #include <gtk/gtk.h>
-#include <pango/pangocairo.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -24,6 +23,7 @@
 #include "ModuleGuard.h"
 #include "Pixmaps.h"
 #include "QueueBar.h"
+#include "ReadyAhead.h"
 #include "Support.h"
 #include "ToolWindow.h"
 #include "ToolWindowFct.h"
@@ -215,6 +215,7 @@ void TakeStandardInput() {
 }
 
 GtkWidget *CreateMainWindow() {
+  if (G_ProgName != kModePrintTool) AwaitFont();  // the print tool's window has texts later
   if (G_ProgName == kModeAdministration) return create_AdminWindow();
   if (G_ProgName == kModePrintTool) {
     GtkWidget *window = create_ToolWindow();
@@ -289,10 +290,9 @@ int Run(int argc, char **argv) {
   std::setlocale(LC_ALL, "");
   InitialiseGtk(&argc, &argv);
   L_ToolkitErrorHandler = XSetIOErrorHandler(EndWithoutDisplay);
+  BeginReadyAhead();
   InstallStyle();
-  // Pango reads the system's font configuration in a thread of its own: started here, it runs while
-  // the texts and printers are read. Started earlier, it slows down the reading of the theme.
-  pango_cairo_font_map_get_default();
+  LoadFontAhead();
   LoadMessages();
   TellOfArguments(argc, argv);
   RefuseOtherAdministrators();

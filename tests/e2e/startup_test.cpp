@@ -1,6 +1,7 @@
 // Start and end of the installed programs: names, switches, languages, exit statuses, log.
 
 #include <gtest/gtest.h>
+#include <sched.h>
 
 #include <csignal>
 
@@ -47,6 +48,24 @@ std::string FirstOutOfOrder(const std::string &text, const std::vector<std::stri
 const std::vector<std::string> kMilestones = {
     "Create the CMessages structure\n", "Create the CHelp structure\n", "Set the pixmaps dir\n",
     "Create the CPrinters structure\n", "Create the CPrintQueues structure\n"};
+
+// For its lifetime what is started has one processor.
+class OneProcessor {
+ public:
+  OneProcessor() {
+    Must(sched_getaffinity(0, sizeof all_, &all_) == 0);
+    cpu_set_t one;
+    CPU_ZERO(&one);
+    CPU_SET(static_cast<size_t>(sched_getcpu()), &one);
+    Must(sched_setaffinity(0, sizeof one, &one) == 0);
+  }
+  ~OneProcessor() { sched_setaffinity(0, sizeof all_, &all_); }
+  OneProcessor(const OneProcessor &) = delete;
+  OneProcessor &operator=(const OneProcessor &) = delete;
+
+ private:
+  cpu_set_t all_ = {};
+};
 
 // For its lifetime the queue list names one queue "lp1", whose interface script holds `script`
 // (none: it is missing).
@@ -233,6 +252,18 @@ TEST(Startup, WithoutProblemsOnlyTheMainWindowIsShown) {
     const std::string window = program == kTool ? "ToolWindow" : "AdminWindow";
     app.WaitWindow(window);
     EXPECT_EQ(std::vector<std::string>{window}, app.Windows());
+    EXPECT_EQ("", app.Stderr());
+  }
+}
+
+TEST(Startup, OneProcessorIsEnough) {
+  const OneQueue queue(std::string(kMarkerLine) + "\n");
+  const OneProcessor processor;
+  for (const auto &[program, window] : std::vector<std::pair<std::string, std::string>>{
+           {kTool, "ToolWindow"}, {kAdmin, "AdminWindow"}, {"/usr/bin/KPXjobs", "JobsWindow"}}) {
+    GuiApp app({.program = program});
+    app.WaitWindow(window);
+    app.WaitDrawn();
     EXPECT_EQ("", app.Stderr());
   }
 }
