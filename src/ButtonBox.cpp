@@ -12,7 +12,7 @@ void LetBe(GtkWidget *button, gpointer box) {
   gtk_button_box_set_child_non_homogeneous(GTK_BUTTON_BOX(box), button, TRUE);
 }
 
-// Asked before the box is shown, and again only when its buttons change.
+// The toolkit keeps the answer until something in the box changes.
 void MeasureWidth(GtkWidget *box, gint *minimum, gint *natural) {
   L_BoxParent->get_preferred_width(box, minimum, natural);
   if (!IsTooWideForScreen(*natural)) return;
@@ -20,9 +20,14 @@ void MeasureWidth(GtkWidget *box, gint *minimum, gint *natural) {
   L_BoxParent->get_preferred_width(box, minimum, natural);
 }
 
+void MeasureWidthForHeight(GtkWidget *box, gint, gint *minimum, gint *natural) {
+  MeasureWidth(box, minimum, natural);
+}
+
 void InitRowClass(gpointer type_class, gpointer) {
   L_BoxParent = GTK_WIDGET_CLASS(g_type_class_peek_parent(type_class));
   GTK_WIDGET_CLASS(type_class)->get_preferred_width = MeasureWidth;
+  GTK_WIDGET_CLASS(type_class)->get_preferred_width_for_height = MeasureWidthForHeight;
 }
 
 GType RowType() {

@@ -1,7 +1,6 @@
 #include "ReadyAhead.h"
 
 #include <gtk/gtk.h>
-#include <malloc.h>
 #include <pango/pangocairo.h>
 #include <pthread.h>
 #include <sched.h>
@@ -17,21 +16,19 @@
 
 namespace {
 
-// What the heap of a print tool holds when its window is shown, rounded up.
-constexpr int L_HeapRoom = 4 << 20;
-// The C library's own, which mallopt cannot ask for.
-constexpr int L_UsualMappedSize = 128 << 10;
+// Bytes: what the heap of a print tool, which has the least, holds when its window is shown.
+constexpr size_t L_HeapRoom = 4 << 20;
 
 // The font of the interface, as the toolkit asks Pango for it: with other values Pango would load
 // it once more.
 struct InterfaceFont {
-  PangoFontDescription *description = nullptr;
-  cairo_font_options_t *options = nullptr;  // null: the usual ones
-  double resolution = 0;                    // dots per inch; negative: the usual one
+  PangoFontDescription *description = nullptr;  // null: not to be loaded
+  cairo_font_options_t *options = nullptr;      // null: the usual ones
+  double resolution = 0;                        // dots per inch; negative: the usual one
 };
 
-// The thread's, until it is joined. Nothing here has a destructor, since the program may end while
-// the thread runs.
+// The font is this thread's until L_FontIsKnown is released, the font map is the other one's until
+// that is joined. Nothing here has a destructor, since the program may end while the thread waits.
 struct Ahead {
   bool begun = false;
   pthread_t thread = {};
@@ -42,8 +39,8 @@ struct Ahead {
 Ahead L_Ahead;
 std::binary_semaphore L_FontIsKnown{0};
 
-// The processors but the one of this thread. A new thread may else be started on that one, and what
-// has made it stands still for as long as one turn lasts, which is milliseconds.
+// The processors but the one of this thread. A new thread might otherwise start on that one, and
+// its creator would wait out a time slice, which is milliseconds.
 std::optional<cpu_set_t> OtherProcessors() {
   cpu_set_t processors;
   if (sched_getaffinity(0, sizeof processors, &processors) != 0) return std::nullopt;
@@ -53,18 +50,19 @@ std::optional<cpu_set_t> OtherProcessors() {
   return processors;
 }
 
-// Lets the heap grow at once by what it will need, and keep that; where it has grown.
+// Lets the heap grow at once by what it will need, and keep that. The address of the new room.
 uintptr_t GrowHeap() {
-  mallopt(M_TRIM_THRESHOLD, 2 * L_HeapRoom);
-  mallopt(M_MMAP_THRESHOLD, 2 * L_HeapRoom);  // the block comes from the heap, large as it is
-  void *block = std::malloc(L_HeapRoom);
-  const auto room = reinterpret_cast<uintptr_t>(block);
-  std::free(block);
-  mallopt(M_MMAP_THRESHOLD, L_UsualMappedSize);
-  return room;
+  void *volatile block = nullptr;  // else the compiler leaves out what is only allocated and freed
+  // The first block is mapped for itself. Freeing it, the C library learns that blocks of this size
+  // come and go: it takes the second one from the heap and does not give the heap's end back.
+  for (int i = 0; i < 2; ++i) {
+    block = std::malloc(L_HeapRoom);
+    std::free(block);
+  }
+  return reinterpret_cast<uintptr_t>(block);
 }
 
-// Gives the free room its pages, which the theme would else ask for one by one. It changes no byte.
+// Gives the free room its pages, which would otherwise be faulted in one by one. Changes no byte.
 void FillWithPages(uintptr_t room) {
   const auto page = static_cast<uintptr_t>(sysconf(_SC_PAGESIZE));
   const uintptr_t first = (room + page - 1) / page * page;
@@ -90,7 +88,7 @@ void *GetReady(void *) {
   FillWithPages(L_Ahead.room);
   L_Ahead.fonts = pango_cairo_font_map_new();  // begins to read the fonts' configuration
   L_FontIsKnown.acquire();
-  LoadFont(L_Ahead.fonts, L_Ahead.font);
+  if (L_Ahead.font.description != nullptr) LoadFont(L_Ahead.fonts, L_Ahead.font);
   return nullptr;
 }
 
@@ -111,12 +109,18 @@ void LoadFontAhead() {
   if (!L_Ahead.begun) return;
   gchar *name = nullptr;
   g_object_get(gtk_settings_get_default(), "gtk-font-name", &name, nullptr);
-  GdkScreen *screen = gdk_screen_get_default();
-  const cairo_font_options_t *options = gdk_screen_get_font_options(screen);
-  L_Ahead.font.description = pango_font_description_from_string(name);
-  if (options != nullptr) L_Ahead.font.options = cairo_font_options_copy(options);
-  L_Ahead.font.resolution = gdk_screen_get_resolution(screen);
+  PangoFontDescription *description = pango_font_description_from_string(name);
   g_free(name);
+  if ((pango_font_description_get_set_fields(description) & PANGO_FONT_MASK_SIZE) == 0) {
+    // The toolkit has a size of its own for it.
+    pango_font_description_free(description);
+  } else {
+    GdkScreen *screen = gdk_screen_get_default();
+    const cairo_font_options_t *options = gdk_screen_get_font_options(screen);
+    L_Ahead.font.description = description;
+    if (options != nullptr) L_Ahead.font.options = cairo_font_options_copy(options);
+    L_Ahead.font.resolution = gdk_screen_get_resolution(screen);
+  }
   L_FontIsKnown.release();
 }
 

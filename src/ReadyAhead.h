@@ -1,14 +1,15 @@
 // What the first window needs besides the theme, made ready in a second thread while the toolkit
-// reads the theme and the program its files: pages of memory, the fonts' configuration, and the
-// interface's font. It touches no widget and nothing of the program's own. With one processor there
-// is no such thread, and all is done when it is needed.
+// reads the theme and makes the first widgets: pages of memory, the fonts' configuration, and the
+// interface's font. The thread touches no widget and nothing of the program's own. Where the
+// program may use one processor only there is no such thread, and all is done when it is needed
+// (D-windows-17).
 #pragma once
 
 // Starts the thread; right after gtk_init, before the theme is read.
 void BeginReadyAhead();
 
 // Has the thread load the font of the user's settings; once, when they and the theme have been
-// read.
+// read. The program must not exit before AwaitFont then.
 void LoadFontAhead();
 
 // Waits for the thread and has this one's texts use the font that it loaded. Before the first text

@@ -1,6 +1,7 @@
 #include "Support.h"
 
 #include <algorithm>
+#include <memory>
 
 #include "cmessages.h"
 #include "debug.h"
@@ -110,18 +111,36 @@ void GiveIcon(gpointer window, gpointer) {
   gtk_window_set_icon_name(GTK_WINDOW(window), L_IconName);
 }
 
-gboolean SetIcon(gpointer) {
+void SetIcon(GtkWidget * /*drawn*/) {
   gtk_window_set_default_icon_name(L_IconName);
   // A window that was there before has asked for the default in vain, and does not ask again.
   GList *windows = gtk_window_list_toplevels();
   g_list_foreach(windows, GiveIcon, nullptr);
   g_list_free(windows);
+}
+
+// What is to be done with a window once it has been drawn.
+struct Later {
+  GtkWidget *window;
+  void (*action)(GtkWidget *window);
+};
+
+gboolean DoLater(gpointer data) {
+  const auto *later = static_cast<Later *>(data);
+  later->action(later->window);
   return G_SOURCE_REMOVE;
 }
 
-gboolean AskForIcon(GtkWidget *window, cairo_t *, gpointer) {
-  g_signal_handlers_disconnect_by_func(window, reinterpret_cast<gpointer>(AskForIcon), nullptr);
-  g_idle_add(SetIcon, nullptr);
+void ForgetLater(gpointer data) {
+  const std::unique_ptr<Later> later(static_cast<Later *>(data));
+  g_object_unref(later->window);
+}
+
+gboolean IsDrawn(GtkWidget *window, cairo_t *, gpointer data) {
+  const auto action = reinterpret_cast<void (*)(GtkWidget *)>(data);
+  g_signal_handlers_disconnect_by_func(window, reinterpret_cast<gpointer>(IsDrawn), data);
+  auto later = std::make_unique<Later>(Later{GTK_WIDGET(g_object_ref(window)), action});
+  g_idle_add_full(G_PRIORITY_DEFAULT_IDLE, DoLater, later.release(), ForgetLater);
   return FALSE;
 }
 
@@ -276,7 +295,7 @@ void OnDeleteEvent(GtkWidget *window, void (*handler)()) {
 }
 
 bool IsTooWideForScreen(int width) {
-  // Panels leave more than half of a screen; how much more, the X server would have to be asked.
+  // Panels leave more than half of a screen; only the X server knows how much more.
   if (width <= OnMonitor(gdk_monitor_get_geometry).width / 2) return false;
   return width > RoomOnScreen().width;
 }
@@ -364,9 +383,11 @@ void InstallStyle() {
   g_object_unref(provider);
 }
 
-void SetIconOnceDrawn(GtkWidget *window) {
-  g_signal_connect_after(window, "draw", G_CALLBACK(AskForIcon), nullptr);
+void OnceDrawn(GtkWidget *window, void (*action)(GtkWidget *window)) {
+  g_signal_connect_after(window, "draw", G_CALLBACK(IsDrawn), reinterpret_cast<gpointer>(action));
 }
+
+void SetIconOnceDrawn(GtkWidget *window) { OnceDrawn(window, SetIcon); }
 
 void FreeString(char *string) {
   if (string == nullptr) return;

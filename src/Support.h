@@ -111,6 +111,10 @@ inline constexpr char kMenuButtonClass[] = "kpx-menu";
 // Style settings that every window needs; once, after gtk_init.
 void InstallStyle();
 
+// Runs `action` when the window has been drawn and there is nothing else to do; not if that never
+// comes.
+void OnceDrawn(GtkWidget *window, void (*action)(GtkWidget *window));
+
 // Gives all windows the programs' icon, those that are there and those to come, once `window` has
 // been drawn: reading it in all its sizes takes a fifth of a start.
 void SetIconOnceDrawn(GtkWidget *window);

@@ -81,11 +81,6 @@ void AddToolButtons(ToolWindowHelper &helper, GtkWidget *parent) {
   AddAccelerator(window, helper.delete_button, GDK_KEY_Delete);
 }
 
-gboolean AcceptFiles(gpointer window) {
-  AcceptDroppedFiles(GTK_WIDGET(window));
-  return G_SOURCE_REMOVE;
-}
-
 }  // namespace
 
 GtkWidget *create_ToolWindow() {
@@ -100,9 +95,7 @@ GtkWidget *create_ToolWindow() {
   gtk_window_set_title(GTK_WINDOW(helper.window), G_Translate("DEF_WND_TOOL_TITLE"));
   gtk_window_set_default_size(GTK_WINDOW(helper.window), L_Width, L_Height);
   OnDeleteEvent(helper.window, ButtonCancelToolPressed);
-  // Once the window is there: the toolkit asks the session's bus for this.
-  g_idle_add_full(G_PRIORITY_DEFAULT_IDLE, AcceptFiles, g_object_ref(helper.window),
-                  g_object_unref);
+  OnceDrawn(helper.window, AcceptDroppedFiles);  // the toolkit asks the session's bus for this
 
   GtkWidget *box = gtk_box_new(GTK_ORIENTATION_VERTICAL, L_Spacing);
   gtk_container_set_border_width(GTK_CONTAINER(box), L_Border);

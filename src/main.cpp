@@ -215,6 +215,7 @@ void TakeStandardInput() {
 }
 
 GtkWidget *CreateMainWindow() {
+  LoadFontAhead();
   if (G_ProgName != kModePrintTool) AwaitFont();  // the print tool's window has texts later
   if (G_ProgName == kModeAdministration) return create_AdminWindow();
   if (G_ProgName == kModePrintTool) {
@@ -292,7 +293,6 @@ int Run(int argc, char **argv) {
   L_ToolkitErrorHandler = XSetIOErrorHandler(EndWithoutDisplay);
   BeginReadyAhead();
   InstallStyle();
-  LoadFontAhead();
   LoadMessages();
   TellOfArguments(argc, argv);
   RefuseOtherAdministrators();

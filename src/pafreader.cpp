@@ -108,9 +108,7 @@ class PafParser {
   State StartConstraint(std::string_view line);
   State EndConstraint(std::string_view line);
 
-  // One copy of each text: a description says the same few words thousands of times, and so do
-  // those of one maker's printers.
-  static inline TextPool texts_;
+  TextPool texts_;  // a description says the same few words thousands of times
   PafContent content_;
   const char *error_ = nullptr;
 
