@@ -7,6 +7,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdint>
 #include <cstdlib>
 #include <optional>
@@ -101,7 +102,14 @@ void BeginReadyAhead() {
   pthread_attr_t attributes;
   pthread_attr_init(&attributes);
   pthread_attr_setaffinity_np(&attributes, sizeof *processors, &*processors);
+  // Signals are the main thread's, which may hold them back for a moment. Pango's threads, which
+  // the new one starts, have its mask too.
+  sigset_t all;
+  sigset_t before;
+  sigfillset(&all);
+  pthread_sigmask(SIG_SETMASK, &all, &before);
   L_Ahead.begun = pthread_create(&L_Ahead.thread, &attributes, GetReady, nullptr) == 0;
+  pthread_sigmask(SIG_SETMASK, &before, nullptr);
   pthread_attr_destroy(&attributes);
 }
 
