@@ -28,10 +28,14 @@ constexpr int kWarmUps = 2;
 constexpr int kRuns = 101;
 constexpr double kBar = 1.3;
 constexpr int kDeadline = 20000;  // milliseconds for one window
+// The observer goes before the observed where it may: a program that goes on to draw its window
+// would else keep the processor while the event waits to be seen.
+constexpr int kObserverNice = -10;
 
 pid_t Start(char *const *arguments) {
   const pid_t pid = fork();
   if (pid == 0) {
+    setpriority(PRIO_PROCESS, 0, 0);
     execv(arguments[0], arguments);
     _exit(127);
   }
@@ -104,6 +108,7 @@ int main(int argc, char **argv) {
   XSelectInput(display, DefaultRootWindow(display), SubstructureNotifyMask);
   XSync(display, True);
 
+  setpriority(PRIO_PROCESS, 0, kObserverNice);
   char *bare[] = {argv[1], nullptr};
   std::vector<Taken> bare_times;
   std::vector<Taken> program_times;
