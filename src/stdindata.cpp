@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
@@ -121,46 +122,50 @@ OpenFile CreateFileFor(std::string *path) {
   return file;
 }
 
-// Read by the signal handler, which can use no other text; longer than any name of such a file.
+// The handler of terminating signals reads these: it can use no other text. The name is longer than
+// that of any such file, and is not written any more once L_IsNamed.
 char L_FileBeingWritten[64];
+std::atomic<bool> L_IsNamed = false;
+std::atomic<int> L_SignalBefore = 0;  // the signal that came before that, 0 for none
+static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<int>::is_always_lock_free);
+
 constexpr int L_TerminatingSignals[] = {SIGHUP, SIGINT, SIGTERM};
 
-// Takes the unfinished file along; the signal comes again when this returns, and then ends the
-// program as always.
+// Takes the unfinished file along. In a handler the signal comes again when that returns; it ends
+// the program as it always does.
 void RemoveFileAndEnd(int signal) {
-  unlink(L_FileBeingWritten);
+  RemoveUnfinishedCapture();
+  std::signal(signal, SIG_DFL);
   raise(signal);
 }
 
-// From now on a terminating signal removes the file at `path`, until whoever handles these signals
-// for the rest of the run takes over. One that is ignored (nohup) stays ignored.
-void RemoveFileOnSignal(const std::string &path) {
-  path.copy(L_FileBeingWritten, sizeof L_FileBeingWritten - 1);
+// Any thread may be the one that takes the signal, and at any time: while the file is being made,
+// the one that makes it removes it.
+void OnTerminatingSignal(int signal) {
+  L_SignalBefore = signal;
+  if (L_IsNamed) RemoveFileAndEnd(signal);
+}
+
+// From now on a terminating signal ends the program through OnTerminatingSignal, until whoever
+// handles these signals for the rest of the run takes over. One that is ignored (nohup) stays
+// ignored.
+void WatchSignals() {
   for (const int signal : L_TerminatingSignals) {
     struct sigaction action = {};
     if (sigaction(signal, nullptr, &action) != 0 || action.sa_handler != SIG_DFL) continue;
-    action.sa_handler = RemoveFileAndEnd;
-    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    action.sa_handler = OnTerminatingSignal;
+    action.sa_flags = SA_RESTART;
     sigaction(signal, &action, nullptr);
   }
 }
 
-// Keeps the signals of RemoveFileOnSignal back while it lives.
-class HeldSignals {
- public:
-  HeldSignals() {
-    sigset_t held;
-    sigemptyset(&held);
-    for (const int signal : L_TerminatingSignals) sigaddset(&held, signal);
-    sigprocmask(SIG_BLOCK, &held, &before_);
-  }
-  ~HeldSignals() { sigprocmask(SIG_SETMASK, &before_, nullptr); }
-  HeldSignals(const HeldSignals &) = delete;
-  HeldSignals &operator=(const HeldSignals &) = delete;
-
- private:
-  sigset_t before_;
-};
+// A terminating signal removes the file at `path` from now on, one that has come already does so at
+// once. An empty path names no file.
+void RemoveFileOnSignal(const std::string &path) {
+  path.copy(L_FileBeingWritten, sizeof L_FileBeingWritten - 1);
+  L_IsNamed = true;
+  if (L_SignalBefore != 0) RemoveFileAndEnd(L_SignalBefore);
+}
 
 // The file of captured data, made when the first data comes.
 class Capture {
@@ -177,11 +182,10 @@ class Capture {
 
  private:
   void Create() {
-    const HeldSignals held;
+    WatchSignals();
     file_ = CreateFileFor(&path_);
-    if (!file_.IsOpen()) return;
-    L_InUse = OpenFile(fcntl(file_.Descriptor(), F_DUPFD_CLOEXEC, 0));
-    RemoveFileOnSignal(path_);
+    if (file_.IsOpen()) L_InUse = OpenFile(fcntl(file_.Descriptor(), F_DUPFD_CLOEXEC, 0));
+    RemoveFileOnSignal(file_.IsOpen() ? path_ : "");
   }
 
   std::string path_ = StdinDataFileName(getpid());

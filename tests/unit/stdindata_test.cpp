@@ -10,10 +10,13 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <csignal>
+#include <thread>
 
 #include "childprocess.h"
 #include "coresupport.h"
+#include "faultinjection.h"
 #include "temporarydirectory.h"
 
 namespace {
@@ -310,6 +313,59 @@ TEST(GetStdinData, AnUnfinishedFileCanBeRemoved) {
     if (access(StdinDataFileName(getpid()).c_str(), F_OK) == 0) _exit(3);
   });
   EXPECT_EQ(0, result.status);
+}
+
+namespace {
+
+// How a capture ends that gets SIGTERM at one of its file calls.
+struct SignalledCapture {
+  int status = 0;  // 128 plus the signal's number when a signal ended it
+  int calls = 0;   // how many file calls it made
+  bool left = false;
+};
+
+// The signal comes at call number `at`, counted from 1; 0 for no signal.
+SignalledCapture CaptureWithSignalAt(int at) {
+  SignalledCapture result;
+  std::string path;
+  const auto capture = [at] {
+    // Blocks no signal, as a thread that a library has started.
+    std::thread([] {
+      while (true) pause();
+    }).detach();
+    std::string name;
+    std::string error;
+    const int answer = GetStdinData(&name, &error);
+    constexpr unsigned kSeconds = 20;
+    if (at != 0) sleep(kSeconds);  // until the signal ends it
+    return answer == 1 ? 0 : 1;
+  };
+  const auto watch = [&](const FileCall &call) {
+    path = StdinDataFileName(call.process);
+    if (call.is_own && ++result.calls == at) kill(call.process, SIGTERM);
+    // Either thread may take it. The other one does so while this call stands still.
+    if (call.is_own) std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    return CallFate{};
+  };
+  result.status = RunTraced([] { Put(PipeAsInput(), "x"); }, capture, watch).status;
+  struct stat status = {};
+  result.left = lstat(path.c_str(), &status) == 0;
+  unlink(path.c_str());
+  return result;
+}
+
+}  // namespace
+
+TEST(GetStdinData, ATerminatingSignalAtAnyCallInAnyThreadLeavesNoFile) {
+  const SignalledCapture whole = CaptureWithSignalAt(0);
+  EXPECT_EQ(0, whole.status);
+  EXPECT_TRUE(whole.left);
+  ASSERT_GT(whole.calls, 6);  // it looks, removes, makes, locks, compares and writes
+  for (int at = 1; at <= whole.calls; ++at) {
+    const SignalledCapture capture = CaptureWithSignalAt(at);
+    EXPECT_EQ(128 + SIGTERM, capture.status) << at;
+    EXPECT_FALSE(capture.left) << "the signal came at call " << at;
+  }
 }
 
 TEST(RemoveLeftCaptures, RemovesTheFilesThatNoPrintToolUses) {

@@ -15,7 +15,8 @@ kpx_add_test(NAME file_helpers LIBS kpx_core LABEL unit
   SOURCES unit/utils_test.cpp unit/filesystem_test.cpp)
 kpx_add_test(NAME print_tool_core LIBS kpx_core LABEL unit
   SOURCES unit/fontmap_test.cpp unit/filelist_test.cpp unit/printcommand_test.cpp
-          unit/stdindata_test.cpp unit/command_test.cpp unit/waitingsettings_test.cpp)
+          unit/stdindata_test.cpp unit/command_test.cpp unit/waitingsettings_test.cpp
+          support/faultinjection.cpp)
 kpx_add_test(NAME installed_core LIBS kpx_core LABEL unit SANDBOX bare
   SOURCES unit/installed_core_test.cpp unit/printsettings_test.cpp
           unit/strangersfiles_test.cpp)
