@@ -190,8 +190,10 @@ GtkWidget *NewLabel(GtkWidget *window, const char *name, const std::string &text
 }
 
 void LabelBy(GtkWidget *widget, GtkWidget *label) {
-  atk_object_add_relationship(gtk_widget_get_accessible(widget), ATK_RELATION_LABELLED_BY,
-                              gtk_widget_get_accessible(label));
+  // The toolkit makes the relation of it when somebody asks.
+  gtk_widget_add_mnemonic_label(widget, label);
+  g_signal_connect_object(label, "destroy", G_CALLBACK(gtk_widget_remove_mnemonic_label), widget,
+                          G_CONNECT_SWAPPED);
 }
 
 void DescribeBy(GtkWidget *widget, GtkWidget *description) {
@@ -295,8 +297,8 @@ void OnDeleteEvent(GtkWidget *window, void (*handler)()) {
 }
 
 bool IsTooWideForScreen(int width) {
-  // Panels leave more than half of a screen; only the X server knows how much more.
-  if (width <= OnMonitor(gdk_monitor_get_geometry).width / 2) return false;
+  // Panels leave more than two thirds of a screen; only the X server knows how much more.
+  if (width <= OnMonitor(gdk_monitor_get_geometry).width * 2 / 3) return false;
   return width > RoomOnScreen().width;
 }
 
