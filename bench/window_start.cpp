@@ -29,7 +29,7 @@ constexpr int kRuns = 101;
 constexpr double kBar = 1.3;
 constexpr int kDeadline = 20000;  // milliseconds for one window
 // The observer goes before the observed where it may: a program that goes on to draw its window
-// would else keep the processor while the event waits to be seen.
+// would otherwise keep the processor while the event waits to be seen.
 constexpr int kObserverNice = -10;
 
 pid_t Start(char *const *arguments) {

@@ -1,7 +1,6 @@
 #include "MessageDialogs.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 #include "DialogFrame.h"
 #include "Pixmaps.h"
@@ -10,6 +9,7 @@
 #include "cmessages.h"
 #include "cstring.h"
 #include "debug.h"
+#include "endprogram.h"
 #include "globals.h"
 #include "textencoding.h"
 
@@ -193,7 +193,7 @@ GtkWidget *create_ErrorWarningWindow(const CList *messages, int exit_or_return) 
 void ButtonOkErrorWarningPressed() {
   // Kept on purpose: the log knows this handler under another name.
   const LogScope log("ButtonOkErrorWindowPressed");
-  if (L_ExitOrReturn == kExit) std::exit(1);
+  if (L_ExitOrReturn == kExit) EndProgram(1);
   if (L_ExitOrReturn != kReturn || G_ErrorWarningWindow_helper == nullptr) return;
   gtk_widget_destroy(G_ErrorWarningWindow_helper->window);
   G_ErrorWarningWindow_helper.reset();

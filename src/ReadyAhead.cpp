@@ -13,6 +13,7 @@
 #include <optional>
 #include <semaphore>
 
+#include "endprogram.h"
 #include "ignoreresult.h"
 
 namespace {
@@ -129,6 +130,8 @@ void LoadFontAhead() {
     if (options != nullptr) L_Ahead.font.options = cairo_font_options_copy(options);
     L_Ahead.font.resolution = gdk_screen_get_resolution(screen);
   }
+  // The libraries that set texts tidy up when the program exits.
+  SetBeforeEnd(AwaitFont);
   L_FontIsKnown.release();
 }
 

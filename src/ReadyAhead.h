@@ -9,9 +9,9 @@
 void BeginReadyAhead();
 
 // Has the thread load the font of the user's settings; once, when they and the theme have been
-// read. The program must not exit before AwaitFont then.
+// read. From now on the program ends through EndProgram, which waits for the thread.
 void LoadFontAhead();
 
 // Waits for the thread and has this one's texts use the font that it loaded. Before the first text
-// of the main window; a second call does nothing.
+// that is shown; a second call does nothing.
 void AwaitFont();

@@ -1,12 +1,12 @@
 #include "cmessages.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <optional>
 #include <set>
 
 #include "debug.h"
+#include "endprogram.h"
 #include "globals.h"
 #include "ignoreresult.h"
 #include "textfile.h"
@@ -102,7 +102,7 @@ void fFillFromPaf_Function(CMessages *catalogue) {
   const std::optional<std::string> content = ReadWholeFile(path);
   if (!content) {
     PrintError(FormatMessage("Unable to read file %s\n", {path}));
-    std::exit(3);
+    EndProgram(3);
   }
   TakeBackAllocationFailedText(AllocationFailedText(catalogue));
   catalogue->messages = CreateHash();
@@ -166,5 +166,5 @@ void ReportNames(CList *errors, const char *one_key, const char *many_key,
 
 void G_Fatal(int status, const char *key, std::initializer_list<FormatArg> arguments) {
   PrintErrorLine(G_Message(key, arguments));
-  std::exit(status);
+  EndProgram(status);
 }

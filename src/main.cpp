@@ -31,6 +31,7 @@
 #include "cmessages.h"
 #include "cprintqueues.h"
 #include "debug.h"
+#include "endprogram.h"
 #include "filelist.h"
 #include "fontmap.h"
 #include "foundqueues.h"
@@ -167,12 +168,13 @@ void RefuseOtherAdministrators() {
   if (G_ProgName != kModeAdministration || user == "root") return;
   PrintErrorLine(G_Translate("MSG2"));
   G_Messages.reset();
-  std::exit(3);
+  EndProgram(3);
 }
 
 // A second administrator's program says so and ends.
 void RefuseSecondAdministrator() {
   if (G_ProgName != kModeAdministration || LockQueueList(kQueuesFile) == 1) return;
+  AwaitFont();
   GtkWidget *window = create_ErrorWindow(nullptr, G_Translate("ERR_ADMIN_RUNNING"));
   CallNote(window);
   PrintErrorLine(G_Translate("ERR_ADMIN_RUNNING"));
@@ -180,7 +182,7 @@ void RefuseSecondAdministrator() {
   SetIconOnceDrawn(window);
   gtk_widget_show(window);
   gtk_main();
-  std::exit(1);
+  EndProgram(1);
 }
 
 void LoadHelp() {
@@ -207,7 +209,7 @@ void TakeStandardInput() {
   if (GetStdinData(&name, &error) == 0) {
     PrintErrorLine(error);
     RemoveUnfinishedCapture();
-    std::exit(1);
+    EndProgram(1);
   }
   if (name.empty()) return;
   AddFileRow(name, G_Translate("MSG3"));
@@ -215,7 +217,6 @@ void TakeStandardInput() {
 }
 
 GtkWidget *CreateMainWindow() {
-  LoadFontAhead();
   if (G_ProgName != kModePrintTool) AwaitFont();  // the print tool's window has texts later
   if (G_ProgName == kModeAdministration) return create_AdminWindow();
   if (G_ProgName == kModePrintTool) {
@@ -293,6 +294,7 @@ int Run(int argc, char **argv) {
   L_ToolkitErrorHandler = XSetIOErrorHandler(EndWithoutDisplay);
   BeginReadyAhead();
   InstallStyle();
+  LoadFontAhead();
   LoadMessages();
   TellOfArguments(argc, argv);
   RefuseOtherAdministrators();

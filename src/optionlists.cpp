@@ -1,6 +1,5 @@
 #include "optionlists.h"
 
-#include <cstdlib>
 #include <cstring>
 
 #include "ccpsparams.h"
@@ -8,6 +7,7 @@
 #include "cmessages.h"
 #include "constraintmessages.h"
 #include "debug.h"
+#include "endprogram.h"
 #include "optionstate.h"
 #include "printermodels.h"
 #include "settingkeys.h"
@@ -140,7 +140,7 @@ std::optional<OptionList> GetOptionsForFeature(const CHash *features, const char
   const LogScope log("G_GetOptionsForFeature");
   if (features == nullptr || feature == nullptr) {
     Log(2, "The features or the feature are missing");
-    std::exit(5);
+    EndProgram(5);
   }
   const CFeature *record = HashValue<CFeature>(features, feature);
   if (record == nullptr) {
