@@ -176,6 +176,24 @@ TEST_F(Support, ALabelNamesItsWidgetToAssistiveTechnology) {
   g_list_free(labels);
 }
 
+TEST_F(Support, ALabelNamesTheEntryOfAComboBoxAsLongAsItIsThere) {
+  GtkWidget *combo = gtk_combo_box_text_new_with_entry();
+  GtkWidget *entry = gtk_bin_get_child(GTK_BIN(combo));
+  gtk_container_add(GTK_CONTAINER(box_), combo);
+  GtkWidget *label = NewLabel(window_, "ComboLabel", "Queue", combo);
+  gtk_container_add(GTK_CONTAINER(box_), label);
+  AtkRelationSet *relations = atk_object_ref_relation_set(gtk_widget_get_accessible(entry));
+  AtkRelation *relation =
+      atk_relation_set_get_relation_by_type(relations, ATK_RELATION_LABELLED_BY);
+  ASSERT_NE(nullptr, relation);
+  const GPtrArray *labels = atk_relation_get_target(relation);
+  ASSERT_EQ(1U, labels->len);
+  EXPECT_EQ(gtk_widget_get_accessible(label), g_ptr_array_index(labels, 0));
+  g_object_unref(relations);
+  gtk_widget_destroy(label);
+  EXPECT_EQ(nullptr, gtk_widget_list_mnemonic_labels(entry));
+}
+
 TEST_F(Support, ATextAreaShowsItsTextAndCannotBeEdited) {
   gtk_container_add(GTK_CONTAINER(box_),
                     NewScrolledText(window_, "Scrolled", "Area", "one\ntwo\n"));
