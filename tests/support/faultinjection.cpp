@@ -18,6 +18,7 @@
 #include <csignal>
 #include <cstddef>
 #include <cstdio>
+#include <optional>
 #include <set>
 #include <stdexcept>
 #include <string_view>
@@ -223,7 +224,9 @@ class Trace {
   }
 
   void AtCall(pid_t process) {
-    const CallFate fate = plan_(CallOf(process));
+    const std::optional<FileCall> call = CallOf(process);
+    if (!call) return;
+    const CallFate fate = plan_(*call);
     switch (fate.kind) {
       case CallFate::Kind::Made:
         break;
@@ -245,9 +248,12 @@ class Trace {
     ptrace(PTRACE_CONT, process, nullptr, 0);
   }
 
-  FileCall CallOf(pid_t process) const {
+  // None when another thread has ended the process meanwhile.
+  std::optional<FileCall> CallOf(pid_t process) const {
     __ptrace_syscall_info info = {};
-    Must(ptrace(PTRACE_GET_SYSCALL_INFO, process, sizeof info, &info) > 0, "call");
+    const bool known = ptrace(PTRACE_GET_SYSCALL_INFO, process, sizeof info, &info) > 0;
+    if (!known && errno == ESRCH) return std::nullopt;
+    Must(known, "call");
     FileCall call;
     call.process = process;
     call.is_own = process == first_;

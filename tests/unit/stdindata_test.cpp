@@ -10,7 +10,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <csignal>
 #include <thread>
 
@@ -341,10 +340,10 @@ SignalledCapture CaptureWithSignalAt(int at) {
     return answer == 1 ? 0 : 1;
   };
   const auto watch = [&](const FileCall &call) {
+    if (!call.is_own) return CallFate{};
     path = StdinDataFileName(call.process);
-    if (call.is_own && ++result.calls == at) kill(call.process, SIGTERM);
-    // Either thread may take it. The other one does so while this call stands still.
-    if (call.is_own) std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    // The other thread takes it, since this one stands still.
+    if (++result.calls == at) kill(call.process, SIGTERM);
     return CallFate{};
   };
   result.status = RunTraced([] { Put(PipeAsInput(), "x"); }, capture, watch).status;
