@@ -103,8 +103,7 @@ void BeginReadyAhead() {
   pthread_attr_t attributes;
   pthread_attr_init(&attributes);
   pthread_attr_setaffinity_np(&attributes, sizeof *processors, &*processors);
-  // Signals are the main thread's, which may hold them back for a moment. Pango's threads, which
-  // the new one starts, have its mask too.
+  // Signals are the main thread's. Pango's threads, which the new one starts, have its mask too.
   sigset_t all;
   sigset_t before;
   sigfillset(&all);

@@ -1,6 +1,6 @@
-// What the first window needs besides the theme, made ready in a second thread while the toolkit
-// reads the theme and makes the first widgets: pages of memory, the fonts' configuration, and the
-// interface's font. The thread touches no widget and nothing of the program's own. Where the
+// What the first window needs besides the theme, made ready in a second thread while the theme, the
+// texts and the printers are read: pages of memory, the fonts' configuration, and the interface's
+// font. The thread touches no widget and nothing of the program's own. Where the
 // program may use one processor only there is no such thread, and all is done when it is needed
 // (D-windows-17).
 #pragma once
@@ -9,7 +9,7 @@
 void BeginReadyAhead();
 
 // Has the thread load the font of the user's settings; once, when they and the theme have been
-// read. From now on the program ends through EndProgram, which waits for the thread.
+// read. From now on what ends the program calls EndProgram, which waits for the thread.
 void LoadFontAhead();
 
 // Waits for the thread and has this one's texts use the font that it loaded. Before the first text

@@ -190,7 +190,7 @@ GtkWidget *NewLabel(GtkWidget *window, const char *name, const std::string &text
 }
 
 void LabelBy(GtkWidget *widget, GtkWidget *label) {
-  // The toolkit makes the relation of it when somebody asks.
+  // The toolkit makes the relation from it when somebody asks.
   gtk_widget_add_mnemonic_label(widget, label);
   g_signal_connect_object(label, "destroy", G_CALLBACK(gtk_widget_remove_mnemonic_label), widget,
                           G_CONNECT_SWAPPED);

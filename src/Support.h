@@ -23,7 +23,8 @@ GtkWidget *NewButton(GtkWidget *window, GtkWidget *box, const char *name, const 
 GtkWidget *NewLabel(GtkWidget *window, const char *name, const std::string &text,
                     GtkWidget *target);
 
-// Assistive technology reads `label`, or `description`, with `widget`.
+// Assistive technology reads `label`, or `description`, with `widget`. A widget that only holds
+// others takes no label, and any other one takes a single label.
 void LabelBy(GtkWidget *widget, GtkWidget *label);
 void DescribeBy(GtkWidget *widget, GtkWidget *description);
 

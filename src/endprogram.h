@@ -1,9 +1,10 @@
-// The end of the program before its main loop has run.
+// Ending the program from any place, also while a second thread is at work.
 #pragma once
 
-// What EndProgram does first. Once; it must not end the program itself.
+// Has EndProgram call `action` first, instead of the one named before; null for none. The action
+// must not end the program itself.
 void SetBeforeEnd(void (*action)());
 
-// Ends the program as exit() does, with this exit status. Everything that may be called while the
-// program starts ends it like this: a second thread may be at work then.
+// Ends the program as exit() does, with this exit status. Instead of exit(), wherever the program
+// may still be starting.
 [[noreturn]] void EndProgram(int status);

@@ -217,7 +217,8 @@ void TakeStandardInput() {
 }
 
 GtkWidget *CreateMainWindow() {
-  if (G_ProgName != kModePrintTool) AwaitFont();  // the print tool's window has texts later
+  // The print tool's window waits by itself, later: it first makes what has no texts.
+  if (G_ProgName != kModePrintTool) AwaitFont();
   if (G_ProgName == kModeAdministration) return create_AdminWindow();
   if (G_ProgName == kModePrintTool) {
     GtkWidget *window = create_ToolWindow();
