@@ -122,8 +122,8 @@ OpenFile CreateFileFor(std::string *path) {
   return file;
 }
 
-// The handler of terminating signals reads these: it can use no other text. The name is longer than
-// that of any such file, and is not written any more once L_IsNamed.
+// For the handler of terminating signals, which can use no other kind of text. There is room for
+// any name of such a file; nobody writes it any more once L_IsNamed.
 char L_FileBeingWritten[64];
 std::atomic<bool> L_IsNamed = false;
 std::atomic<int> L_SignalBefore = 0;  // the signal that came before that, 0 for none

@@ -9,7 +9,8 @@ types of one name that two files define: programs and tests link several of the 
 files whose names differ in capitals only, and for sources of the programs beside KPXadmin that are
 not in their namespace. Looks for functions of the headers whose result can tell a failure and that
 lack [[nodiscard]]: the compilers then find the calls that drop it. Looks for colours that a window
-names itself, which another theme than ours may make unreadable. Prints one line a fault; ends with 1 when there are any.
+names itself, which another theme than ours may make unreadable, and for what ends the program without EndProgram.
+Prints one line a fault; ends with 1 when there are any.
 
 Usage: structure.py ROOT
 """
@@ -20,6 +21,7 @@ import sys
 
 COLOUR = re.compile(r'"[^"\n]*(#[0-9A-Fa-f]{3}\b|#[0-9A-Fa-f]{6}\b|\brgba?\()|GdkRGBA|gtk_widget_override_')
 TOOLKIT = re.compile(r"<(gtk|gdk|gdk-pixbuf|glib|gio|pango|cairo|atk|X11)[/.-]|<(glib-unix|gmodule)\.h>")
+EXIT = re.compile(r"\bexit\(")
 INCLUDE = re.compile(r'^\s*#\s*include\s+(<[^>]+>|"[^"]+")')
 PROGRAMS = ("src", "filter", "ctl", "transport", "spooler", "pixmaps", "tests")
 # Holds what it includes, and is included by most.
@@ -142,6 +144,12 @@ def colour_faults(src, gui):
             yield f"src/{path.name}: names a colour; take the theme's"
 
 
+def exit_faults(src):
+    for path in sorted(src.glob("*.cpp")):
+        if path.stem != "endprogram" and EXIT.search(path.read_text(encoding="utf-8")):
+            yield f"src/{path.name}: calls exit; EndProgram waits for what is at work"
+
+
 def order_faults(variables, included):
     """Includes of modules of a later list. The lists stand in layer order."""
     place = {m: number for number, ms in enumerate(variables.values()) for m in ms}
@@ -239,7 +247,7 @@ def main():
         sys.exit("structure.py: the lists or the map cannot be read any more")
     included = included_modules(src, {m for modules in variables.values() for m in modules})
     faults = [*map_faults(numbers, documented), *file_faults(src, numbers),
-              *layer_faults(src, core, gui), *colour_faults(src, gui),
+              *layer_faults(src, core, gui), *colour_faults(src, gui), *exit_faults(src),
               *order_faults(variables, included),
               *circle_faults(included), *name_faults(root),
               *case_faults(root), *namespace_faults(root), *dropped_failure_faults(root)]

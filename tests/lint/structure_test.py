@@ -26,9 +26,10 @@ SOURCES = {
              "struct Line {\n  int size;\n};\nstruct Later;\nenum class Kind { A };\n"
              "int fAddTail_Function(int value);\n[[nodiscard]] int fAddHead_Function(int value);\n"
              "int fLog_Class_ID_Function();\n",
-    "words.cpp": "#include <string>\n",
+    "words.cpp": "#include <string>\nvoid EndChild() { _exit(0); }\n",
     "Window.cpp": '#include <gtk/gtk.h>\n#include "log.h"\nconst char kStyle[] = "label { color: #A00000; }";\n',
-    "main.cpp": '#include "Window.h"\n',
+    "main.cpp": '#include "Window.h"\nint main() { std::exit(1); }\n',
+    "endprogram.cpp": "void EndProgram(int status) { std::exit(status); }\n",
     "stray.cpp": "",
 }
 
@@ -47,10 +48,12 @@ EXPECTED = """docs/ARCHITECTURE.md: subsystem 1 does not show gone
 docs/ARCHITECTURE.md: subsystem 1 does not show log
 src/CMakeLists.txt: subsystem 2 does not list letters
 src/CMakeLists.txt: there is no src/gone.cpp
+src/CMakeLists.txt: endprogram.cpp is in no list
 src/CMakeLists.txt: stray.cpp is in no list
 src/log.cpp: the core includes the toolkit's gtk/gtk.h
 src/log.h: the core includes Window.h, a module with windows
 src/Window.cpp: names a colour; take the theme's
+src/main.cpp: calls exit; EndProgram waits for what is at work
 src/log.cpp: includes Window.h, whose list is a later one
 src/Window.cpp: includes itself through other modules
 src/log.cpp: includes itself through other modules

@@ -7,7 +7,8 @@ kpx_add_test(NAME text_resources LIBS kpx_core LABEL unit
           unit/cmessages_test.cpp
           unit/chelp_test.cpp)
 kpx_add_test(NAME application_core LIBS kpx_core LABEL unit
-  SOURCES unit/debug_test.cpp unit/language_test.cpp unit/globals_test.cpp)
+  SOURCES unit/debug_test.cpp unit/language_test.cpp unit/globals_test.cpp
+          unit/endprogram_test.cpp)
 if(NOT KPX_SANITIZE)
   kpx_add_test(NAME allocation LIBS kpx_core LABEL unit SOURCES unit/allocation_test.cpp)
 endif()
